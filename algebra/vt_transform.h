@@ -1,0 +1,55 @@
+// VtTransform: the renderer's transformation, one 4x4 matrix of doubles.
+#pragma once
+
+#include "algebra/vt_base.h"
+#include "algebra/vt_matrix.h"
+
+/// Sixteen doubles, row after row, and nothing else: no inverse, no flag, no cached data. A default-constructed
+/// transform is all zeros, not the identity.
+///
+/// The operations below Compose and Invert belong to the renderer library, because it decides what they mean; each
+/// replaces all sixteen entries and never reads the old ones. The formulas stated are those of the libVantor that
+/// ships with the module: points are rows (p' = p M), so that a translation stands in row 3; the coordinate system is
+/// right-handed; angles are in degrees, positive counter-clockwise when looked at against the axis.
+class VtTransform {
+  public:
+    constexpr VtTransform() = default;
+
+    /// Row r as a vector, 0 <= r < 4; not checked.
+    constexpr VtVector4 &operator[](int r) { return matrix[r]; }
+    constexpr const VtVector4 &operator[](int r) const { return matrix[r]; }
+
+    /// The same sixteen doubles as a matrix.
+    constexpr const VtMatrix4 &Matrix() const { return matrix; }
+
+    /// All entries 0.
+    VT_API void Zero();
+    /// Ones on the diagonal, zeros elsewhere.
+    VT_API void Identity();
+    /// Diagonal (s0, s1, s2, 1).
+    VT_API void Scaling(const VtVector3 &factors);
+    /// The identity with row 3 = (o0, o1, o2, 1).
+    VT_API void Translation(const VtVector3 &offset);
+    /// A rotation that takes the direction to +Z: the shortest one, about direction x Z. A direction along -Z turns
+    /// half around X; a zero direction gives the identity.
+    VT_API void AlignmentToZ(const VtVector3 &direction);
+    /// A rotation that takes the direction `from` to the direction `to`: the shortest one, about from x to. Opposite
+    /// directions turn half around an axis perpendicular to both; a zero vector gives the identity.
+    VT_API void AlignmentTo(const VtVector3 &from, const VtVector3 &to);
+    /// Rotations about a coordinate axis. About Z: rows (c, s, 0, 0), (-s, c, 0, 0), where c and s are the cosine and
+    /// the sine of the angle.
+    VT_API void RotationAroundX(double degrees);
+    VT_API void RotationAroundY(double degrees);
+    VT_API void RotationAroundZ(double degrees);
+    /// A rotation about the line through `point` along `direction` (Rodrigues' formula, between two translations). A
+    /// zero direction gives the identity.
+    VT_API void RotationAroundAxis(const VtVector3 &point, const VtVector3 &direction, double degrees);
+    /// Diagonal (1, 1, -1, 1).
+    VT_API void ReflectionOnXY();
+
+  private:
+    VtMatrix4 matrix;
+};
+
+static_assert(sizeof(VtTransform) == 16 * sizeof(double) && std::is_standard_layout_v<VtTransform>);
+static_assert(std::is_trivially_copyable_v<VtTransform>);

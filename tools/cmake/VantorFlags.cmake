@@ -1,0 +1,25 @@
+# Compiler flags as targets: link what applies.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Release, Debug or RelWithDebInfo" FORCE)
+endif()
+
+add_library(vantor_warnings INTERFACE)
+target_compile_options(vantor_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow $<$<BOOL:${VANTOR_WERROR}>:-Werror>)
+
+# Sums of doubles are bit-identical on every machine: no fused multiply-add where the source has none.
+add_library(vantor_exact INTERFACE)
+target_compile_options(vantor_exact INTERFACE -ffp-contract=off)
+
+add_library(vantor_sanitizers INTERFACE)
+if(VANTOR_SANITIZE)
+    target_compile_options(
+        vantor_sanitizers INTERFACE -fsanitize=${VANTOR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(vantor_sanitizers INTERFACE -fsanitize=${VANTOR_SANITIZE})
+endif()

@@ -1,0 +1,44 @@
+# One extension module for one interpreter. FindPython knows one interpreter at a time; the tests want several.
+
+# vantor_python_facts(PREFIX INTERPRETER): sets PREFIX_EXECUTABLE, _INCLUDE, _SUFFIX, _PLATLIB as the interpreter says.
+function(vantor_python_facts prefix interpreter)
+    execute_process(
+        COMMAND
+            ${interpreter} -c
+            "import sys, sysconfig as s; print(sys.executable, s.get_path('include'), s.get_config_var('EXT_SUFFIX'), s.get_path('platlib'), '%d.%d' % sys.version_info[:2], sep=';')"
+        OUTPUT_VARIABLE facts
+        OUTPUT_STRIP_TRAILING_WHITESPACE
+        RESULT_VARIABLE failed)
+    if(failed)
+        message(FATAL_ERROR "cannot run the interpreter '${interpreter}' (install python3, or set VANTOR_PYTHON)")
+    endif()
+    list(GET facts 0 executable)
+    list(GET facts 1 include)
+    list(GET facts 2 suffix)
+    list(GET facts 3 platlib)
+    list(GET facts 4 version)
+    if(version VERSION_LESS 3.9)
+        message(FATAL_ERROR "${executable} is Python ${version}; the module needs 3.9 or newer")
+    endif()
+    if(NOT EXISTS ${include}/Python.h)
+        message(FATAL_ERROR "${include}/Python.h is missing: install the interpreter's headers (Debian: python3-dev)")
+    endif()
+    set(${prefix}_EXECUTABLE ${executable} PARENT_SCOPE)
+    set(${prefix}_INCLUDE ${include} PARENT_SCOPE)
+    set(${prefix}_SUFFIX ${suffix} PARENT_SCOPE)
+    set(${prefix}_PLATLIB ${platlib} PARENT_SCOPE)
+endfunction()
+
+# vantor_python_module(TARGET NAME FACTS SOURCE...): the extension module NAME for the interpreter that FACTS describe.
+function(vantor_python_module target name facts)
+    add_library(${target} MODULE ${ARGN})
+    set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${name} SUFFIX ${${facts}_SUFFIX})
+    set_target_properties(
+        ${target}
+        PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${VANTOR_IMPORT_DIR}
+                   # RUNPATH, not RPATH: LD_LIBRARY_PATH goes before it, so that another maker's library can win.
+                   BUILD_RPATH "$ORIGIN"
+                   INSTALL_RPATH "$ORIGIN")
+    target_link_options(${target} PRIVATE -Wl,--enable-new-dtags)
+    target_include_directories(${target} SYSTEM PRIVATE ${${facts}_INCLUDE})
+endfunction()
