@@ -18,14 +18,9 @@ template <int N> class VtMatrix {
     constexpr VtMatrix() = default;
 
     // From rows, row 0 first; one constructor for each dimension, so that a wrong number of rows does not compile.
-    constexpr VtMatrix(const Row &r0, const Row &r1)
-        requires(N == 2)
-        : row{r0, r1} {}
-    constexpr VtMatrix(const Row &r0, const Row &r1, const Row &r2)
-        requires(N == 3)
-        : row{r0, r1, r2} {}
-    constexpr VtMatrix(const Row &r0, const Row &r1, const Row &r2, const Row &r3)
-        requires(N == 4)
+    constexpr VtMatrix(const Row &r0, const Row &r1) requires(N == 2) : row{r0, r1} {}
+    constexpr VtMatrix(const Row &r0, const Row &r1, const Row &r2) requires(N == 3) : row{r0, r1, r2} {}
+    constexpr VtMatrix(const Row &r0, const Row &r1, const Row &r2, const Row &r3) requires(N == 4)
         : row{r0, r1, r2, r3} {}
 
     /// Row r, 0 <= r < N; element (r, c) is matrix[r][c].

@@ -19,15 +19,9 @@ template <int N> class VtVector {
     constexpr VtVector() = default;
 
     // One constructor for each dimension, so that a wrong number of components does not compile.
-    constexpr VtVector(double x, double y)
-        requires(N == 2)
-        : component{x, y} {}
-    constexpr VtVector(double x, double y, double z)
-        requires(N == 3)
-        : component{x, y, z} {}
-    constexpr VtVector(double x, double y, double z, double w)
-        requires(N == 4)
-        : component{x, y, z, w} {}
+    constexpr VtVector(double x, double y) requires(N == 2) : component{x, y} {}
+    constexpr VtVector(double x, double y, double z) requires(N == 3) : component{x, y, z} {}
+    constexpr VtVector(double x, double y, double z, double w) requires(N == 4) : component{x, y, z, w} {}
 
     /// Component i, 0 <= i < N.
     constexpr double &operator[](int i) { return component[i]; }

@@ -11,9 +11,9 @@
 
 /// One separately allocated stretch of elements.
 template <class T> struct VtArrayBlock {
-    VtLong count;            ///< The number of element slots.
-    T *data;                 ///< That many elements; zero until written.
-    VtArrayBlock<T> *next;   ///< The following block, or null.
+    VtLong count;          ///< The number of element slots.
+    T *data;               ///< That many elements; zero until written.
+    VtArrayBlock<T> *next; ///< The following block, or null.
 };
 
 /// A growable array of values: not one contiguous buffer but a chain of blocks.
@@ -179,8 +179,10 @@ template <class T> class VtInstanceArray {
 
   protected:
     // What module and renderer library agree on, in this order.
+    // blockSize is the number of slots of a first block, and the capacity that shrinking keeps; the module's arrays
+    // have 0.
     VtLong size = 0;
-    VtLong blockSize = 0; ///< The slots of a first block, and the capacity that shrinking keeps. The module's arrays have 0.
+    VtLong blockSize = 0;
     VtArrayBlock<T> *first = nullptr;
 };
 

@@ -27,8 +27,8 @@
 /// catches nor converts exceptions: one that leaves an operation passes through the interpreter's frames, which rarely
 /// ends well. A library should report what is wrong with a scene in its own way and go on.
 ///
-/// Layout. A proxy is its dispatch pointer and one pointer to the library's own record, whatever the library: the module
-/// allocates it. The module calls every operation through the dispatch table, so that this order of slots is the
+/// Layout. A proxy is its dispatch pointer and one pointer to the library's own record, whatever the library: the
+/// module allocates it. The module calls every operation through the dispatch table, so that this order of slots is the
 /// interface. Nothing is ever inserted; a library may append virtual operations of its own in a derived class.
 class VtLocalSceneProxy {
   public:
