@@ -1,5 +1,8 @@
 # One extension module for one interpreter. FindPython knows one interpreter at a time; the tests want several.
 
+# The sources of the module, gathered room by room and compiled once for each interpreter.
+add_library(vantor_python_types INTERFACE)
+
 # vantor_python_facts(PREFIX INTERPRETER): sets PREFIX_EXECUTABLE, _INCLUDE, _SUFFIX, _PLATLIB as the interpreter says.
 function(vantor_python_facts prefix interpreter)
     execute_process(

@@ -1,0 +1,56 @@
+// What the module itself does with transforms: composition and inversion.
+#include "algebra/vt_transform_algebra.h"
+
+#include <cmath>
+
+namespace {
+
+// The 2x2 determinants of two rows, one for each pair of columns.
+struct Minors {
+    double m01, m02, m03, m12, m13, m23;
+
+    Minors(const VtVector4 &a, const VtVector4 &b)
+        : m01(a[0] * b[1] - a[1] * b[0]), m02(a[0] * b[2] - a[2] * b[0]), m03(a[0] * b[3] - a[3] * b[0]),
+          m12(a[1] * b[2] - a[2] * b[1]), m13(a[1] * b[3] - a[3] * b[1]), m23(a[2] * b[3] - a[3] * b[2]) {}
+};
+
+// One column of the adjugate: the 3x3 determinants of a row and of two more rows, given by their minors, expanded along
+// the first. Signs alternate from plus; a column that begins with minus gets the minors of its two rows in reverse
+// order, which negates them exactly and leaves zeros positive.
+void set_column(VtTransform &adjugate, int column, const VtVector4 &row, const Minors &m) {
+    adjugate[0][column] = row[1] * m.m23 - row[2] * m.m13 + row[3] * m.m12;
+    adjugate[1][column] = row[2] * m.m03 - row[0] * m.m23 - row[3] * m.m02;
+    adjugate[2][column] = row[0] * m.m13 - row[1] * m.m03 + row[3] * m.m01;
+    adjugate[3][column] = row[1] * m.m02 - row[0] * m.m12 - row[2] * m.m01;
+}
+
+} // namespace
+
+VtTransform Compose(const VtTransform &a, const VtTransform &b) {
+    VtTransform product;
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
+            product[i][j] = a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j] + a[i][3] * b[3][j];
+    return product;
+}
+
+VtTransform Invert(const VtTransform &a) {
+    constexpr double singular_below = 1e-6;
+
+    VtTransform inverse;
+    set_column(inverse, 0, a[1], Minors(a[2], a[3]));
+    set_column(inverse, 1, a[0], Minors(a[3], a[2]));
+    set_column(inverse, 2, a[0], Minors(a[1], a[3]));
+    set_column(inverse, 3, a[0], Minors(a[2], a[1]));
+
+    const double determinant =
+        a[0][0] * inverse[0][0] + a[0][1] * inverse[1][0] + a[0][2] * inverse[2][0] + a[0][3] * inverse[3][0];
+    if (singular_below > std::fabs(determinant))
+        return inverse;
+
+    const double factor = 1.0 / determinant;
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
+            inverse[i][j] *= factor;
+    return inverse;
+}
