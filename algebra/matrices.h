@@ -58,8 +58,10 @@ template <class M> PyObject *get(PyObject *self, Arguments arguments) {
     int i;
     if (!matrix || !parse::bare(arguments, parse::Index{i}))
         return nullptr;
+    if (!in_range<M>(i))
+        return M::new_row(Row<M>());
 
-    return M::new_row(in_range<M>(i) ? (*matrix)[i] : Row<M>());
+    return M::new_row((*matrix)[i]);
 }
 
 template <class M> PyObject *set(PyObject *self, Arguments arguments) {

@@ -11,20 +11,20 @@ template <class T> class OwnedArray : public VtInstanceArray<T> {
     /// As the container's At().
     const T &Read(VtLong i) {
         if (Seek(i))
-            return *last.Slot(i);
+            return last.Slot(i);
         return this->At(i);
     }
 
     /// As the container's Store().
     void Write(VtLong i, const T &value) {
         if (Seek(i))
-            *last.Slot(i) = value;
+            last.Slot(i) = value;
     }
 
     /// As the container's Add().
     bool Append(const T &value) {
         if (last.Holds(this->size) && this->size != std::numeric_limits<VtLong>::max()) {
-            *last.Slot(this->size++) = value;
+            last.Slot(this->size++) = value;
             return true;
         }
         if (!this->Add(value))
@@ -43,8 +43,8 @@ template <class T> class OwnedArray : public VtInstanceArray<T> {
     bool Seek(VtLong i) {
         if (!last.Holds(i))
             last = this->Locate(i);
-        return last.block != nullptr;
+        return last.slots != nullptr;
     }
 
-    typename VtInstanceArray<T>::Place last;
+    typename VtInstanceArray<T>::Stretch last;
 };

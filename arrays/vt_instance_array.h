@@ -59,9 +59,8 @@ template <class T> class VtInstanceArray {
         }
         if (n < size)
             Shrink(n);
-        else if (n > size)
-            return Grow(n);
-        return true;
+        // Finds storage missing where the size grows, and also where an earlier allocation failed.
+        return Grow(n);
     }
 
     /// Appends a copy of the value. False if a block could not be allocated, or the size cannot grow any more; nothing
@@ -100,31 +99,34 @@ template <class T> class VtInstanceArray {
     }
 
   protected:
-    /// A place in the chain: a block, and the index of its first slot. 64 bits, because the slots of all blocks
-    /// together may be more than the largest size.
-    struct Place {
-        VtArrayBlock<T> *block = nullptr;
+    /// The slots of one block, and the index of the first. 64 bits, because the slots of all blocks together may be
+    /// more than the largest size.
+    struct Stretch {
+        T *slots = nullptr;
         std::int64_t begin = 0;
+        std::int64_t count = 0;
 
-        /// Whether slot i lies in this block; never true for a negative i.
-        bool Holds(VtLong i) const { return block && i >= begin && i < begin + block->count; }
-        T *Slot(VtLong i) const { return block->data + (i - begin); }
+        /// Whether slot i is among them; never true for a negative i. One unsigned comparison serves both ends.
+        bool Holds(VtLong i) const { return static_cast<std::uint64_t>(i - begin) < static_cast<std::uint64_t>(count); }
+        T &Slot(VtLong i) const { return slots[i - begin]; }
     };
 
-    /// The block with slot i; a place without a block if there is none.
-    Place Locate(VtLong i) const {
-        Place place{first, 0};
-        if (i < 0)
-            return {};
-        while (place.block && !place.Holds(i))
-            place = {place.block->next, place.begin + place.block->count};
-        return place;
+    /// The block with slot i; an empty stretch if there is none.
+    Stretch Locate(VtLong i) const {
+        std::int64_t begin = 0;
+        for (const VtArrayBlock<T> *block = first; block; block = block->next) {
+            const Stretch stretch{block->data, begin, block->count};
+            if (stretch.Holds(i))
+                return stretch;
+            begin += block->count;
+        }
+        return {};
     }
 
   private:
     T *Find(VtLong i) const {
-        const Place place = Locate(i);
-        return place.block ? place.Slot(i) : nullptr;
+        const Stretch stretch = Locate(i);
+        return stretch.slots ? &stretch.Slot(i) : nullptr;
     }
 
     void Shrink(VtLong n) {

@@ -28,7 +28,6 @@ PyObject *new_object(PyTypeObject &type, PyObject *module_error_object, Initial 
     if (!object)
         return nullptr;
 
-    object->value = nullptr;
     object->value = new (std::nothrow) Native(std::forward<Initial>(initial)...);
     if (!object->value) {
         errors::from_errno(module_error_object);
