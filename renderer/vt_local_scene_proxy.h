@@ -30,7 +30,7 @@
 /// Layout. A proxy is its dispatch pointer and one pointer to the library's own record, whatever the library: the
 /// module allocates it. The module calls every operation through the dispatch table, so that this order of slots is the
 /// interface. Nothing is ever inserted; a library may append virtual operations of its own in a derived class.
-class VtLocalSceneProxy {
+class VT_API VtLocalSceneProxy {
   public:
     /// The number is the script's argument to scene(), or 10240. The module gives it no meaning; in the libVantor that
     /// ships with it, it is the budget of patches of a radiosity pass.

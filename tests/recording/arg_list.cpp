@@ -1,0 +1,38 @@
+// VtArgList of the recording libVantor.
+#include "call.h"
+#include "content.h"
+
+#include <cstring>
+
+ListContent &content(const VtArgList &list) {
+    ListContent *content;
+    std::memcpy(&content, &list, sizeof content);
+    return *content;
+}
+
+VtArgList::VtArgList(VtLong first, VtLong second) {
+    places = {};
+    const int serial = recording::new_serial();
+    recording::Call("VtArgList").with("object", serial).with("first", first).with("second", second).done();
+    const auto *own = new ListContent{serial, {}};
+    std::memcpy(inside, &own, sizeof own);
+}
+
+VtArgList::~VtArgList() {
+    ListContent *own = &content(*this);
+    recording::Call("~VtArgList").with("object", own->serial).done_without_fault();
+    delete own;
+}
+
+void VtArgList::Add(const VtArgType &value) {
+    ListContent &own = content(*this);
+    recording::Call("VtArgList::Add", ++places.added)
+        .with("object", own.serial)
+        .with("value", content(value).serial)
+        .done();
+    own.values.push_back(unrecorded_copy(value));
+}
+
+VtLong VtArgList::Count() const { return static_cast<VtLong>(content(*this).values.size()); }
+
+const VtArgType &VtArgList::At(VtLong i) const { return *content(*this).values[static_cast<std::size_t>(i)]; }
