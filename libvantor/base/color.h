@@ -1,0 +1,35 @@
+// Color: linear Rec. 709 light, and its way to 8 bits.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace vantor {
+
+struct Color {
+    float r = 0;
+    float g = 0;
+    float b = 0;
+};
+
+constexpr Color operator+(Color a, Color b) { return {a.r + b.r, a.g + b.g, a.b + b.b}; }
+constexpr Color operator*(Color a, Color b) { return {a.r * b.r, a.g * b.g, a.b * b.b}; }
+constexpr Color operator*(Color a, float s) { return {a.r * s, a.g * s, a.b * s}; }
+constexpr Color &operator+=(Color &a, Color b) { return a = a + b; }
+constexpr Color &operator*=(Color &a, Color b) { return a = a * b; }
+constexpr float largest_component(Color a) { return std::max({a.r, a.g, a.b}); }
+constexpr bool is_black(Color a) { return largest_component(a) <= 0.0f; }
+inline bool is_finite(Color a) { return std::isfinite(a.r + a.g + a.b); }
+
+/// Rec. 709 luminance.
+constexpr float luminance(Color a) { return 0.2126f * a.r + 0.7152f * a.g + 0.0722f * a.b; }
+
+/// The sRGB value of a linear one (IEC 61966-2-1), clipped to 0..255 and rounded.
+inline std::uint8_t srgb_byte(float linear) {
+    const float clipped = std::clamp(linear, 0.0f, 1.0f);
+    const float curved = clipped <= 0.0031308f ? 12.92f * clipped : 1.055f * std::pow(clipped, 1 / 2.4f) - 0.055f;
+    return static_cast<std::uint8_t>(255.0f * curved + 0.5f);
+}
+
+} // namespace vantor

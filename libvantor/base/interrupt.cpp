@@ -1,0 +1,54 @@
+// Interrupt: Ctrl-C during a pass.
+#include "libvantor/base/interrupt.h"
+
+#include <atomic>
+#include <csignal>
+
+namespace vantor {
+
+namespace {
+
+std::atomic<bool> was_requested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler writes it");
+
+struct sigaction previous;
+bool is_installed = false;
+
+void note_and_pass_on(int signal, siginfo_t *info, void *context) {
+    was_requested.store(true, std::memory_order_relaxed);
+    if (previous.sa_flags & SA_SIGINFO)
+        previous.sa_sigaction(signal, info, context);
+    else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN)
+        previous.sa_handler(signal);
+}
+
+bool has_default_action() { return !(previous.sa_flags & SA_SIGINFO) && previous.sa_handler == SIG_DFL; }
+bool is_ignored() { return !(previous.sa_flags & SA_SIGINFO) && previous.sa_handler == SIG_IGN; }
+
+} // namespace
+
+Interrupt::Interrupt() {
+    was_requested.store(false, std::memory_order_relaxed);
+    is_installed = sigaction(SIGINT, nullptr, &previous) == 0 && !is_ignored();
+    if (!is_installed)
+        return;
+
+    struct sigaction ours = {};
+    ours.sa_sigaction = note_and_pass_on;
+    ours.sa_mask = previous.sa_mask;
+    ours.sa_flags = SA_SIGINFO | (previous.sa_flags & (SA_ONSTACK | SA_RESTART | SA_NODEFER));
+    is_installed = sigaction(SIGINT, &ours, nullptr) == 0;
+}
+
+Interrupt::~Interrupt() {
+    if (!is_installed)
+        return;
+    sigaction(SIGINT, &previous, nullptr);
+    is_installed = false;
+    if (requested() && has_default_action())
+        std::raise(SIGINT);
+}
+
+bool Interrupt::requested() const { return was_requested.load(std::memory_order_relaxed); }
+
+} // namespace vantor

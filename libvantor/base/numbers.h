@@ -1,0 +1,97 @@
+// Float vectors, frames and affine maps: what rendering computes with; and the one door from the script's doubles.
+#pragma once
+
+#include "algebra/vt_transform.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantor {
+
+inline constexpr float pi = 3.14159265358979f;
+inline constexpr float inverse_pi = 0.318309886183791f;
+
+/// Three floats: a point, a direction, a normal.
+struct Vec3 {
+    float x = 0;
+    float y = 0;
+    float z = 0;
+};
+
+constexpr Vec3 operator+(Vec3 a, Vec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+constexpr Vec3 operator-(Vec3 a, Vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+constexpr Vec3 operator-(Vec3 a) { return {-a.x, -a.y, -a.z}; }
+constexpr Vec3 operator*(Vec3 a, float s) { return {a.x * s, a.y * s, a.z * s}; }
+constexpr Vec3 operator*(float s, Vec3 a) { return a * s; }
+constexpr float dot(Vec3 a, Vec3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+constexpr Vec3 cross(Vec3 a, Vec3 b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
+inline float length(Vec3 a) { return std::sqrt(dot(a, a)); }
+inline Vec3 normalized(Vec3 a) { return a * (1.0f / length(a)); }
+inline float largest_coordinate(Vec3 a) { return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)}); }
+inline bool is_finite(Vec3 a) { return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z); }
+
+/// The half line from the origin along the direction.
+struct Ray {
+    Vec3 origin;
+    Vec3 direction; ///< Unit length.
+};
+
+/// An orthonormal frame around a unit normal, which is its Z.
+/// Duff, Burgess, Christensen, Hery, Kensler, Liani, Villemin, "Building an Orthonormal Basis, Revisited", JCGT 2017.
+struct Frame {
+    Vec3 x;
+    Vec3 y;
+    Vec3 z;
+
+    explicit Frame(Vec3 normal) : z(normal) {
+        const float sign = std::copysign(1.0f, normal.z);
+        const float a = -1.0f / (sign + normal.z);
+        const float b = normal.x * normal.y * a;
+        x = {1.0f + sign * normal.x * normal.x * a, sign * b, -sign * normal.x};
+        y = {b, sign + normal.y * normal.y * a, -normal.y};
+    }
+
+    Vec3 world_from_local(Vec3 local) const { return x * local.x + y * local.y + z * local.z; }
+};
+
+/// A linear map of rows, v' = v M: the row vectors of M.
+struct Linear {
+    Vec3 row0{1, 0, 0};
+    Vec3 row1{0, 1, 0};
+    Vec3 row2{0, 0, 1};
+
+    Vec3 operator()(Vec3 v) const { return row0 * v.x + row1 * v.y + row2 * v.z; }
+};
+
+/// An affine map of points, p' = p M + offset, with the maps that go with it.
+struct Affine {
+    Linear linear;  ///< Of directions.
+    Vec3 offset;    ///< Where the origin goes.
+    Linear normals; ///< Of normals: the transposed inverse. The outside of a surface stays outside, mirrored or not.
+    Linear inverse; ///< Of directions, back.
+    float determinant = 1; ///< Of the linear map: negative if it mirrors.
+
+    Vec3 point(Vec3 p) const { return linear(p) + offset; }
+    Vec3 point_back(Vec3 p) const { return inverse(p - offset); }
+
+    /// The factor by which it scales all lengths alike; 0 if it does not. Decided to a relative 1e-5.
+    float uniform_scale() const;
+};
+
+Vec3 to_float(const VtVector3 &v);
+
+/// The transform has to be usable: see why_unusable().
+Affine to_float(const VtTransform &transform);
+
+/// Why points cannot be placed with the transform; null if they can: its entries are finite, its last column is
+/// (0, 0, 0, 1), and it is not singular.
+const char *why_unusable(const VtTransform &transform);
+
+VtTransform identity();
+
+/// First the one, then the other.
+VtTransform composed(const VtTransform &first, const VtTransform &then);
+VtVector3 transformed_point(const VtVector3 &p, const VtTransform &transform);
+VtVector3 transformed_direction(const VtVector3 &d, const VtTransform &transform);
+
+} // namespace vantor

@@ -1,0 +1,38 @@
+// Progress: a line on the error stream that tells how far a pass is, when that stream is a terminal.
+#include "libvantor/base/progress.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace vantor {
+
+Progress::Progress(long steps) : total(steps), is_shown(isatty(STDERR_FILENO) == 1) {}
+
+Progress::~Progress() {
+    // Carriage return, and the terminal's "erase to the end of the line".
+    if (has_line)
+        std::fputs("\r\x1b[K", stderr);
+}
+
+void Progress::done_one() {
+    const long now_done = done.fetch_add(1, std::memory_order_relaxed) + 1;
+    if (!is_shown)
+        return;
+
+    // Whoever finds the lock taken has nothing newer to tell.
+    const std::unique_lock lock(printing, std::try_to_lock);
+    if (!lock)
+        return;
+    const Clock::time_point now = Clock::now();
+    if (now - printed < std::chrono::milliseconds(200))
+        return;
+    printed = now;
+    has_line = true;
+
+    const double fraction = static_cast<double>(now_done) / static_cast<double>(total);
+    const double seconds = std::chrono::duration<double>(now - start).count();
+    const double left = seconds * (1 - fraction) / fraction;
+    std::fprintf(stderr, "\rvantor: render: %3.0f %%, %.0f s left\x1b[K", 100 * fraction, left);
+}
+
+} // namespace vantor

@@ -1,0 +1,33 @@
+// Progress: a line on the error stream that tells how far a pass is, when that stream is a terminal.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+
+namespace vantor {
+
+/// The line is wiped when the object goes. Any thread may call done_one().
+class Progress {
+  public:
+    explicit Progress(long steps);
+    ~Progress();
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+
+    /// One more step is done.
+    void done_one();
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    const long total;
+    const bool is_shown;
+    const Clock::time_point start = Clock::now();
+    std::atomic<long> done = 0;
+    std::mutex printing;
+    Clock::time_point printed = start; // guarded by printing
+    bool has_line = false;             // likewise
+};
+
+} // namespace vantor

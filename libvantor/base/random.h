@@ -1,0 +1,120 @@
+// Sample numbers: Owen-scrambled Sobol points as a pure function of pixel, sample and dimension.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+namespace vantor {
+
+/// A point of the unit square, each coordinate in [0, 1).
+struct Pair {
+    float u = 0;
+    float v = 0;
+};
+
+namespace sobol {
+
+/// A good mix of 32 bits. Mueller, "Prospecting for Hash Functions", the variant lowbias32.
+constexpr std::uint32_t hash(std::uint32_t x) {
+    x ^= x >> 16;
+    x *= 0x7feb352du;
+    x ^= x >> 15;
+    x *= 0x846ca68bu;
+    return x ^ (x >> 16);
+}
+
+constexpr std::uint32_t reversed(std::uint32_t x) {
+    x = __builtin_bswap32(x);
+    x = ((x >> 4) & 0x0f0f0f0fu) | ((x & 0x0f0f0f0fu) << 4);
+    x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
+    return ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
+}
+
+/// Owen's nested uniform scrambling, as a hash in which every bit depends on the lower ones only; it therefore works on
+/// reversed digits. Laine, Karras, "Stratified Sampling for Stochastic Transparency", 2011; constants by Vegdahl.
+constexpr std::uint32_t scrambled_reversed(std::uint32_t x, std::uint32_t seed) {
+    x ^= x * 0x3d20adeau;
+    x += seed;
+    x *= (seed >> 16) | 1u;
+    x ^= x * 0x05526c56u;
+    return x ^ (x * 0x53a22864u);
+}
+
+/// The second Sobol dimension with its digits reversed. Its generator matrix is Pascal's triangle modulo 2, which is a
+/// product of five shifts (Lucas' theorem).
+constexpr std::uint32_t second_dimension_reversed(std::uint32_t index) {
+    index ^= (index >> 1) & 0x55555555u;
+    index ^= (index >> 2) & 0x33333333u;
+    index ^= (index >> 4) & 0x0f0f0f0fu;
+    index ^= (index >> 8) & 0x00ff00ffu;
+    return index ^ ((index >> 16) & 0x0000ffffu);
+}
+
+/// The top 24 bits as a float in [0, 1); all of them are exact.
+constexpr float unit_float(std::uint32_t x) { return static_cast<float>(x >> 8) * 0x1p-24f; }
+
+/// The bits of a 16-bit number, moved to the even places.
+constexpr std::uint32_t spread(std::uint32_t x) {
+    x = (x | (x << 8)) & 0x00ff00ffu;
+    x = (x | (x << 4)) & 0x0f0f0f0fu;
+    x = (x | (x << 2)) & 0x33333333u;
+    return (x | (x << 1)) & 0x55555555u;
+}
+
+} // namespace sobol
+
+/// The numbers of one sample of one pixel. There is no state, so neither the order of samples nor that of threads
+/// matters, and a pixel has the same numbers in every window.
+///
+/// Every dimension has its own scrambled and shuffled copy of the two-dimensional Sobol sequence (Burley, "Practical
+/// Hash-based Owen Scrambling", JCGT 2020). The pixels take consecutive stretches of it along a Z-order curve, so that
+/// neighbouring pixels complete each other and the error looks like blue noise (Ahmed, Wonka, "Screen-Space Blue-Noise
+/// Diffusion of Monte Carlo Sampling Error via Hierarchical Ordering of Pixels", 2020).
+class Sampler {
+  public:
+    /// 0 <= x, y < 65536; 0 <= sample < samples.
+    Sampler(std::uint32_t x, std::uint32_t y, std::uint32_t sample, std::uint32_t samples) {
+        const std::uint64_t pixel = sobol::spread(x) | (sobol::spread(y) << 1);
+        const std::uint64_t index = (pixel << std::bit_width(samples - 1)) | sample;
+        reversed_index = sobol::reversed(static_cast<std::uint32_t>(index));
+        // The sequence has 2^32 points. Pictures that need more start again, with another scrambling.
+        round = static_cast<std::uint32_t>(index >> 32);
+    }
+
+    Pair pair(std::uint32_t dimension) const {
+        const std::uint32_t seed = seed_of(dimension);
+        const std::uint32_t index = shuffled(seed);
+        return {sobol::unit_float(first(index, seed)), sobol::unit_float(second(index, seed))};
+    }
+
+    float single(std::uint32_t dimension) const { return sobol::unit_float(bits(dimension)); }
+
+    /// All 32 bits of single(), for choices among very many.
+    double single_exact(std::uint32_t dimension) const { return bits(dimension) * 0x1p-32; }
+
+  private:
+    std::uint32_t seed_of(std::uint32_t dimension) const { return sobol::hash((round << 12) ^ (dimension + 1)); }
+
+    std::uint32_t shuffled(std::uint32_t seed) const {
+        return sobol::reversed(sobol::scrambled_reversed(reversed_index, seed));
+    }
+
+    // The first Sobol dimension is the index with its digits reversed, so reversed again it is the index itself.
+    static std::uint32_t first(std::uint32_t index, std::uint32_t seed) {
+        return sobol::reversed(sobol::scrambled_reversed(index, sobol::hash(seed ^ 0x9e3779b9u)));
+    }
+    static std::uint32_t second(std::uint32_t index, std::uint32_t seed) {
+        const std::uint32_t point = sobol::second_dimension_reversed(index);
+        return sobol::reversed(sobol::scrambled_reversed(point, sobol::hash(seed ^ 0x7f4a7c15u)));
+    }
+
+    std::uint32_t bits(std::uint32_t dimension) const {
+        const std::uint32_t seed = seed_of(dimension);
+        return first(shuffled(seed), seed);
+    }
+
+    std::uint32_t reversed_index;
+    std::uint32_t round;
+};
+
+} // namespace vantor

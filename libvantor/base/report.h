@@ -1,0 +1,65 @@
+// Report: what is wrong with a scene, one line each on the standard error stream.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace vantor {
+
+/// The diagnostics of one scene. VANTOR_DIAGNOSTICS is read when the scene is made:
+///
+///     silent   nothing is printed
+///     warn     every diagnostic is printed (the default)
+///     strict   likewise, and after the first one no render pass writes a picture
+class Report {
+  public:
+    Report();
+
+    /// A mistake in the scene. Printed as "vantor: <text>".
+    void diagnostic(std::string_view text);
+
+    /// Something worth knowing that is no mistake; strict does not count it.
+    void note(std::string_view text) const;
+
+    /// Whether pictures are refused: strict, and something was wrong.
+    bool refuses_pictures() const { return mode == Mode::Strict && count > 0; }
+    long diagnostics() const { return count; }
+
+  private:
+    enum class Mode { Silent, Warn, Strict };
+
+    Mode mode = Mode::Warn;
+    long count = 0;
+};
+
+/// The diagnostics of one call: each begins with the call, and the type if the call has one.
+class CallReport {
+  public:
+    explicit CallReport(Report &all, std::string_view call) : report(all), prefix(call) {}
+    CallReport(Report &all, std::string_view call, const char *type);
+
+    /// "<call> "<type>": <text>"
+    void diagnostic(std::string_view text) const;
+
+    /// "<call> "<type>": item <i>: <text>", i being a position in the script's list, from 0.
+    void diagnostic_at(long item, std::string_view text) const;
+
+  private:
+    Report &report;
+    std::string prefix;
+};
+
+/// The parts, one after the other.
+std::string joined(std::initializer_list<std::string_view> parts);
+
+/// A text of the script in double quotes, fit for one line: control characters become "?", long texts are cut.
+std::string quoted(std::string_view text);
+
+/// A number in its shortest form, independent of the locale.
+std::string text_of(double number);
+
+/// For the moments when no scene is at hand and no memory left: prints without allocating.
+void report_out_of_memory(const char *what_happened) noexcept;
+
+} // namespace vantor

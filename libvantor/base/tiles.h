@@ -1,0 +1,28 @@
+// Tiles: a picture's pixels in small squares, worked on by all cores.
+#pragma once
+
+#include "libvantor/base/interrupt.h"
+#include "libvantor/base/progress.h"
+
+#include <functional>
+
+namespace vantor {
+
+/// Pixels x0 <= x < x1, y0 <= y < y1; y goes down.
+struct PixelArea {
+    int x0 = 0;
+    int y0 = 0;
+    int x1 = 0;
+    int y1 = 0;
+
+    int width() const { return x1 - x0; }
+    int height() const { return y1 - y0; }
+    bool is_empty() const { return x1 <= x0 || y1 <= y0; }
+};
+
+/// Calls work for every tile of the area, on as many threads as there are; each tile once, in no particular order.
+/// Stops early, and returns false, once an interrupt is requested.
+bool for_each_tile(const PixelArea &area, const Interrupt &interrupt,
+                   const std::function<void(const PixelArea &)> &work);
+
+} // namespace vantor

@@ -1,0 +1,179 @@
+// Registry: everything that a script has described so far, and the blocks that are open.
+#include "libvantor/entities/registry.h"
+
+namespace vantor {
+
+namespace {
+
+template <class Entity> int appended(std::vector<Entity> &all, Entity entity) {
+    all.push_back(std::move(entity));
+    return static_cast<int>(all.size()) - 1;
+}
+
+// Closes the innermost block, or reports that there is none.
+template <class Block> void close(std::vector<Block> &blocks, Report &report, const char *call, const char *begin) {
+    if (blocks.empty())
+        CallReport(report, call).diagnostic(joined({"no block is open (", begin, " opens one)"}));
+    else
+        blocks.pop_back();
+}
+
+} // namespace
+
+void Registry::create(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list) {
+    const CallReport call(report, words_of(kind).call, type_name);
+    Entry &entry = entries.insert_or_assign(id, Entry{kind, -1}).first->second;
+
+    const Type *type = find_type(kind, type_name, call);
+    if (!type)
+        return;
+    const Parameters parameters = read_parameters(*type, list, call);
+    if (!parameters.is_complete())
+        return;
+
+    switch (kind) {
+    case EntityKind::Camera:
+        if (is_placeable())
+            current_camera.emplace(parameters, current_transform(), call);
+        break;
+    case EntityKind::Imager:
+        if (std::optional<Imager> imager = make_imager(parameters, call))
+            entry.index = appended(imagers, std::move(*imager));
+        break;
+    case EntityKind::Interface:
+        entry.index = appended(interfaces, make_diffuse_interface(parameters));
+        break;
+    case EntityKind::Light:
+        if (!is_placeable())
+            break;
+        entry.index = appended(all_lights, make_light(*type, parameters, current_transform()));
+        if (all_lights.back().is_area())
+            current_area_light = entry.index;
+        break;
+    case EntityKind::Material:
+        if (const std::optional<Interface> interface = find_interface(*type, parameters, call))
+            entry.index = appended(materials, Material{*interface});
+        break;
+    case EntityKind::Object:
+        if (std::optional<Shape> shape = make_shape(*type, parameters, call))
+            entry.index = appended(shapes, std::make_unique<const Shape>(std::move(*shape)));
+        break;
+    case EntityKind::Interior:
+    case EntityKind::Pattern:
+    case EntityKind::Texture:
+    case EntityKind::Trimmer:
+        break;
+    }
+}
+
+std::optional<Interface> Registry::find_interface(const Type &type, const Parameters &parameters,
+                                                  const CallReport &call) const {
+    if (type.name == "diffuse")
+        return make_diffuse_interface(parameters);
+    const int index = find(parameters.id("interface"), EntityKind::Interface, call);
+    if (index < 0)
+        return {};
+    return interfaces[static_cast<std::size_t>(index)];
+}
+
+int Registry::find(VtLong id, EntityKind kind, const CallReport &call) const {
+    const std::string wanted = joined({" (the id of ", words_of(kind).noun, " is wanted)"});
+    const auto found = entries.find(id);
+    if (found == entries.end()) {
+        call.diagnostic(joined({"no entity has the id ", std::to_string(id), wanted}));
+        return -1;
+    }
+    const Entry &entry = found->second;
+    if (entry.kind != kind) {
+        call.diagnostic(joined({"id ", std::to_string(id), " is ", words_of(entry.kind).noun, wanted}));
+        return -1;
+    }
+    return entry.index;
+}
+
+void Registry::begin_imager(VtLong id) {
+    imager_blocks.push_back(find(id, EntityKind::Imager, CallReport(report, "imagerBegin")));
+}
+void Registry::end_imager() { close(imager_blocks, report, "imagerEnd", "imagerBegin"); }
+
+void Registry::begin_interior(VtLong id) {
+    interior_blocks.push_back(find(id, EntityKind::Interior, CallReport(report, "interiorBegin")));
+}
+void Registry::end_interior() { close(interior_blocks, report, "interiorEnd", "interiorBegin"); }
+
+void Registry::switch_light(VtLong id, bool on) {
+    const int index = find(id, EntityKind::Light, CallReport(report, on ? "lightOn" : "lightOff"));
+    if (index < 0)
+        return;
+    Light &light = all_lights[static_cast<std::size_t>(index)];
+    light.is_on = on;
+    if (on && light.is_area())
+        current_area_light = index;
+}
+
+void Registry::begin_light() {
+    if (current_area_light < 0)
+        CallReport(report, "lightBegin").diagnostic("there is no area light (newLight(\"area\", ...) makes one)");
+    light_blocks.push_back(current_area_light);
+}
+void Registry::end_light() { close(light_blocks, report, "lightEnd", "lightBegin"); }
+
+void Registry::begin_material(VtLong id) {
+    material_blocks.push_back(find(id, EntityKind::Material, CallReport(report, "materialBegin")));
+}
+void Registry::end_material() { close(material_blocks, report, "materialEnd", "materialBegin"); }
+
+void Registry::add_object(VtLong id) {
+    const int index = find(id, EntityKind::Object, CallReport(report, "addObject"));
+    if (index < 0 || !is_placeable())
+        return;
+    const int material = material_blocks.empty() ? -1 : material_blocks.back();
+    placed.push_back({shapes[static_cast<std::size_t>(index)].get(), current_transform(),
+                      material < 0 ? default_material() : materials[static_cast<std::size_t>(material)],
+                      light_blocks.empty() ? -1 : light_blocks.back()});
+}
+
+void Registry::begin_transform(const VtTransform &transform) {
+    const TransformBlock outer = transforms.empty() ? TransformBlock{identity(), true} : transforms.back();
+    TransformBlock inner{composed(transform, outer.world_from_local), outer.is_usable};
+    if (outer.is_usable) {
+        // First the script's own value, about which a message can say most.
+        const char *why = why_unusable(transform);
+        if (!why)
+            why = why_unusable(inner.world_from_local);
+        if (why) {
+            CallReport(report, "transformBegin")
+                .diagnostic(joined({"the transform ", why, "; cameras, lights and objects of its block are left out"}));
+            inner.is_usable = false;
+        }
+    }
+    transforms.push_back(inner);
+}
+void Registry::end_transform() { close(transforms, report, "transformEnd", "transformBegin"); }
+
+VtTransform Registry::current_transform() const {
+    return transforms.empty() ? identity() : transforms.back().world_from_local;
+}
+
+std::vector<Imager> Registry::open_imagers() const {
+    std::vector<Imager> result;
+    for (const int index : imager_blocks)
+        if (index >= 0)
+            result.push_back(imagers[static_cast<std::size_t>(index)]);
+    return result;
+}
+
+void Registry::report_open_blocks(const CallReport &call) const {
+    const auto check = [&](std::size_t open, const char *end) {
+        if (open == 1)
+            call.diagnostic(joined({"a block is still open (", end, " is missing)"}));
+        else if (open > 1)
+            call.diagnostic(joined({std::to_string(open), " blocks are still open (", end, " is missing)"}));
+    };
+    check(interior_blocks.size(), "interiorEnd");
+    check(light_blocks.size(), "lightEnd");
+    check(material_blocks.size(), "materialEnd");
+    check(transforms.size(), "transformEnd");
+}
+
+} // namespace vantor

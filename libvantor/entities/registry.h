@@ -1,0 +1,106 @@
+// Registry: everything that a script has described so far, and the blocks that are open.
+#pragma once
+
+#include "libvantor/entities/camera.h"
+#include "libvantor/entities/imager.h"
+#include "libvantor/entities/light.h"
+#include "libvantor/entities/material.h"
+#include "libvantor/entities/object.h"
+
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace vantor {
+
+/// One object, put into the scene.
+struct Placement {
+    const Shape *shape;
+    VtTransform world_from_object; ///< Usable.
+    Material material;
+    int light; ///< The area light that shines from it, an index of lights(); -1 for none.
+};
+
+/// The one writer of descriptions. Every mistake is reported and leaves the registry usable. Nothing here knows how a
+/// picture is made.
+class Registry {
+  public:
+    explicit Registry(Report &all) : report(all) {}
+
+    // Create.
+
+    /// An id, never given before. Ids count from 1, over entities of all kinds.
+    VtLong take_id() noexcept { return ++last_id; }
+    void create(VtLong id, EntityKind kind, const char *type, const VtArgList &list);
+
+    // Begin and end.
+
+    void begin_imager(VtLong id);
+    void end_imager();
+    void begin_interior(VtLong id);
+    void end_interior();
+    void switch_light(VtLong id, bool on);
+    void begin_light();
+    void end_light();
+    void begin_material(VtLong id);
+    void end_material();
+
+    // Place.
+
+    void add_object(VtLong id);
+    void begin_transform(const VtTransform &transform);
+    void end_transform();
+
+    // What has been described, for the passes.
+
+    /// The camera that was made last; null if there is none.
+    const Camera *camera() const { return current_camera ? &*current_camera : nullptr; }
+    const std::vector<Light> &lights() const { return all_lights; }
+    const std::vector<Placement> &placements() const { return placed; }
+
+    /// The imagers whose blocks are open, outermost first.
+    std::vector<Imager> open_imagers() const;
+
+    /// Reports every other block that is open.
+    void report_open_blocks(const CallReport &call) const;
+
+  private:
+    struct Entry {
+        EntityKind kind;
+        int index; // among the entities of its kind; -1 if nothing came of it, which has been reported
+    };
+    struct TransformBlock {
+        VtTransform world_from_local;
+        bool is_usable;
+    };
+
+    bool is_placeable() const { return transforms.empty() || transforms.back().is_usable; }
+    VtTransform current_transform() const;
+
+    // The index of an entity of that kind; -1, reported if there never was such an id.
+    int find(VtLong id, EntityKind kind, const CallReport &call) const;
+    std::optional<Interface> find_interface(const Type &type, const Parameters &parameters,
+                                            const CallReport &call) const;
+
+    Report &report;
+    VtLong last_id = 0;
+    std::unordered_map<VtLong, Entry> entries;
+
+    std::optional<Camera> current_camera;
+    std::vector<Imager> imagers;
+    std::vector<Interface> interfaces;
+    std::vector<Light> all_lights;
+    std::vector<Material> materials;
+    std::vector<std::unique_ptr<const Shape>> shapes; // placements point to them
+    std::vector<Placement> placed;
+    int current_area_light = -1; // created or switched on last
+
+    // Open blocks, innermost last; indexes as in Entry.
+    std::vector<int> imager_blocks;
+    std::vector<int> interior_blocks;
+    std::vector<int> light_blocks;
+    std::vector<int> material_blocks;
+    std::vector<TransformBlock> transforms;
+};
+
+} // namespace vantor

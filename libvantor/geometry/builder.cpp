@@ -1,0 +1,153 @@
+// Builder: placed objects as Embree scenes.
+#include "libvantor/geometry/builder.h"
+
+#include <new>
+
+namespace vantor {
+
+namespace {
+
+// An object with more primitives than this, over all its placements, is instanced: its geometry is there once. Below,
+// copies in world space trace faster.
+constexpr std::size_t most_copied_primitives = 20000;
+
+class Builder {
+  public:
+    Builder(BuiltScene &into, const Interrupt &stop) : built(into), interrupt(stop) {}
+
+    void build(std::span<const Placement> placements) {
+        std::unordered_map<const Shape *, std::size_t> uses;
+        for (const Placement &placement : placements)
+            ++uses[placement.shape];
+
+        built.top = new_scene();
+        built.is_instance.reserve(placements.size());
+        for (const Placement &placement : placements) {
+            if (interrupt.requested())
+                return;
+            const Affine world_from_object = to_float(placement.world_from_object);
+            const std::size_t use_count = uses[placement.shape];
+            const bool is_round = std::holds_alternative<Sphere>(*placement.shape);
+            const bool may_copy = !is_round || world_from_object.uniform_scale() > 0;
+            const bool copies =
+                may_copy && (use_count == 1 || use_count * primitives_of(*placement.shape) <= most_copied_primitives);
+            OwnedGeometry geometry = copies ? new_geometry(*placement.shape, world_from_object)
+                                            : new_instance(shared_scene(*placement.shape), world_from_object);
+            rtcCommitGeometry(geometry.get());
+            rtcAttachGeometryByID(built.top.get(), geometry.get(), static_cast<unsigned>(built.is_instance.size()));
+            built.is_instance.push_back(!copies);
+        }
+        commit(built.top.get());
+    }
+
+  private:
+    OwnedScene new_scene() {
+        OwnedScene scene(rtcNewScene(built.device.get()));
+        check(scene.get());
+        return scene;
+    }
+
+    template <class Handle> void check(Handle handle) {
+        if (!handle) {
+            throw_device_error(built.device.get());
+            throw std::bad_alloc();
+        }
+    }
+
+    template <class Element>
+    Element *new_buffer(RTCGeometry geometry, RTCBufferType type, RTCFormat format, std::size_t count) {
+        void *buffer = rtcSetNewGeometryBuffer(geometry, type, 0, format, sizeof(Element), count);
+        check(buffer);
+        return static_cast<Element *>(buffer);
+    }
+
+    OwnedGeometry begin_geometry(RTCGeometryType type) {
+        OwnedGeometry geometry(rtcNewGeometry(built.device.get(), type));
+        check(geometry.get());
+        return geometry;
+    }
+
+    OwnedGeometry new_geometry(const Shape &shape, const Affine &map) {
+        return std::visit([&](const auto &kind) { return geometry_of(kind, map); }, shape);
+    }
+
+    OwnedGeometry geometry_of(const TriangleMesh &mesh, const Affine &map) {
+        OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_TRIANGLE);
+        Vec3 *points = new_buffer<Vec3>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT3, mesh.points.size());
+        for (const Vec3 &p : mesh.points)
+            *points++ = map.point(p);
+        auto *triangles = new_buffer<TriangleMesh::Triangle>(geometry.get(), RTC_BUFFER_TYPE_INDEX, RTC_FORMAT_UINT3,
+                                                             mesh.triangles.size());
+        std::ranges::copy(mesh.triangles, triangles);
+        return geometry;
+    }
+
+    OwnedGeometry geometry_of(const Quads &quads, const Affine &map) {
+        const std::size_t corner_count = 4 * quads.corners.size();
+        OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_QUAD);
+        Vec3 *points = new_buffer<Vec3>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT3, corner_count);
+        for (const Quads::Corners &corners : quads.corners)
+            for (const Vec3 &p : corners)
+                *points++ = map.point(p);
+        auto *indices = new_buffer<std::array<std::uint32_t, 4>>(geometry.get(), RTC_BUFFER_TYPE_INDEX,
+                                                                 RTC_FORMAT_UINT4, quads.corners.size());
+        for (std::uint32_t i = 0; i < corner_count; i += 4)
+            *indices++ = {i, i + 1, i + 2, i + 3};
+        return geometry;
+    }
+
+    OwnedGeometry geometry_of(const Sphere &sphere, const Affine &map) {
+        OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_SPHERE_POINT);
+        const Vec3 center = map.point(sphere.center);
+        auto *buffer = new_buffer<std::array<float, 4>>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT4, 1);
+        *buffer = {center.x, center.y, center.z, sphere.radius * map.uniform_scale()};
+        return geometry;
+    }
+
+    RTCScene shared_scene(const Shape &shape) {
+        const auto found = shared.find(&shape);
+        if (found != shared.end())
+            return found->second;
+        built.shared.push_back(new_scene());
+        RTCScene scene = built.shared.back().get();
+        OwnedGeometry geometry = new_geometry(shape, Affine());
+        rtcCommitGeometry(geometry.get());
+        rtcAttachGeometryByID(scene, geometry.get(), 0);
+        commit(scene);
+        shared.emplace(&shape, scene);
+        return scene;
+    }
+
+    OwnedGeometry new_instance(RTCScene of, const Affine &map) {
+        OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_INSTANCE);
+        rtcSetGeometryInstancedScene(geometry.get(), of);
+        // Columns of Embree's matrix are the images of the axes, as rows are here.
+        const Vec3 columns[4] = {map.linear.row0, map.linear.row1, map.linear.row2, map.offset};
+        rtcSetGeometryTransform(geometry.get(), 0, RTC_FORMAT_FLOAT3X4_COLUMN_MAJOR, columns);
+        return geometry;
+    }
+
+    void commit(RTCScene scene) {
+        const auto goes_on = [](void *stop, double) { return !static_cast<const Interrupt *>(stop)->requested(); };
+        rtcSetSceneProgressMonitorFunction(scene, goes_on, const_cast<Interrupt *>(&interrupt));
+        rtcCommitScene(scene);
+        throw_device_error(built.device.get());
+    }
+
+    BuiltScene &built;
+    const Interrupt &interrupt;
+    std::unordered_map<const Shape *, RTCScene> shared;
+};
+
+} // namespace
+
+std::unique_ptr<BuiltScene> build_scene(std::span<const Placement> placements, const Interrupt &interrupt) {
+    auto built = std::make_unique<BuiltScene>();
+    built->device = make_device();
+    Builder(*built, interrupt).build(placements);
+    if (interrupt.requested())
+        return nullptr;
+    return built;
+}
+
+} // namespace vantor

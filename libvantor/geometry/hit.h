@@ -1,0 +1,28 @@
+// Hit: where a ray meets a surface.
+#pragma once
+
+#include "libvantor/base/numbers.h"
+
+#include <cstdint>
+
+namespace vantor {
+
+struct Hit {
+    Vec3 point;
+    Vec3 geometric_normal; ///< Unit length, on the front side of the surface.
+    Vec3 shading_normal;   ///< Unit length, on the same side; interpolated where a mesh has normals.
+    float clearance;       ///< How far from the point the rounding of its coordinates may reach.
+    std::uint32_t placement;
+    std::uint32_t primitive; ///< A triangle or parallelogram of the object.
+
+    /// Where a ray starts that leaves towards the direction: off the surface, so that it does not hit it again.
+    Vec3 origin_towards(Vec3 direction) const {
+        return point + geometric_normal * std::copysign(clearance, dot(geometric_normal, direction));
+    }
+};
+
+/// The rounding error of a point that was computed at that distance from a ray's origin. Some thirty units in the last
+/// place, of which tracing needs a few: larger loses contact shadows, smaller lets surfaces shadow themselves.
+inline float clearance_of(Vec3 point, float distance) { return 4e-6f * (largest_coordinate(point) + distance); }
+
+} // namespace vantor

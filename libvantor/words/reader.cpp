@@ -1,0 +1,278 @@
+// The reader: a parameter list against the table of its type.
+#include "libvantor/words/reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+namespace vantor {
+
+namespace {
+
+// The number of single-character changes that turn one word into the other (Levenshtein 1966).
+std::size_t edit_distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row[b.size()];
+}
+
+// " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".
+template <class Named> std::string suggestion(std::string_view wrong, std::span<const Named> known) {
+    // A longer word is nobody's slip of the pen; it is not worth comparing.
+    constexpr std::size_t longest = 40;
+    const Named *nearest = nullptr;
+    std::size_t least = std::min<std::size_t>(3, wrong.size());
+    for (const Named &entry : known) {
+        const bool starts_alike = wrong.size() >= 2 && entry.name.starts_with(wrong);
+        const std::size_t distance = wrong.size() > longest ? longest : edit_distance(wrong, entry.name);
+        if (distance < least || (starts_alike && !nearest)) {
+            nearest = &entry;
+            least = std::min(distance, least);
+        }
+    }
+    if (nearest)
+        return joined({" (did you mean ", quoted(nearest->name), "?)"});
+
+    std::string text = " (known:";
+    for (const Named &entry : known) {
+        text += &entry == known.data() ? " " : ", ";
+        text += quoted(entry.name);
+    }
+    text += ')';
+    return text;
+}
+
+std::string_view name_of(VtArgTag tag) {
+    switch (tag) {
+    case VtArgTag::Long:
+        return "an integer";
+    case VtArgTag::Double:
+        return "a number";
+    case VtArgTag::Text:
+        return "a text";
+    case VtArgTag::Vector2:
+        return "a vector2";
+    case VtArgTag::Vector3:
+        return "a vector3";
+    case VtArgTag::Vector4:
+        return "a vector4";
+    case VtArgTag::Matrix2:
+        return "a matrix2";
+    case VtArgTag::Matrix3:
+        return "a matrix3";
+    case VtArgTag::Matrix4:
+        return "a matrix4";
+    case VtArgTag::Transform:
+        return "a transform";
+    case VtArgTag::LongArray:
+        return "an intarray";
+    case VtArgTag::DoubleArray:
+        return "a floatarray";
+    case VtArgTag::Vector2Array:
+        return "a vector2array";
+    case VtArgTag::Vector3Array:
+        return "a vector3array";
+    case VtArgTag::Vector4Array:
+        return "a vector4array";
+    case VtArgTag::Matrix2Array:
+        return "a matrix2array";
+    case VtArgTag::Matrix3Array:
+        return "a matrix3array";
+    case VtArgTag::Matrix4Array:
+        return "a matrix4array";
+    case VtArgTag::TransformArray:
+        return "a transformarray";
+    }
+    return "a value of an unknown kind";
+}
+
+bool is_kind(ValueKind kind, VtArgTag tag) {
+    const bool is_number = tag == VtArgTag::Long || tag == VtArgTag::Double;
+    switch (kind) {
+    case ValueKind::Number:
+        return is_number;
+    case ValueKind::Color:
+        return is_number || tag == VtArgTag::Vector3;
+    case ValueKind::Vector3:
+        return tag == VtArgTag::Vector3;
+    case ValueKind::Text:
+        return tag == VtArgTag::Text;
+    case ValueKind::InterfaceId:
+        return tag == VtArgTag::Long;
+    case ValueKind::LongArray:
+        return tag == VtArgTag::LongArray;
+    case ValueKind::Vector2Array:
+        return tag == VtArgTag::Vector2Array;
+    case ValueKind::Vector3Array:
+        return tag == VtArgTag::Vector3Array;
+    }
+    return false;
+}
+
+// The numbers of a value: itself, three times, or the components. Other kinds have none.
+std::array<double, 3> numbers_of(const VtArgType &value) {
+    switch (value.Tag()) {
+    case VtArgTag::Long: {
+        const double n = value.Long();
+        return {n, n, n};
+    }
+    case VtArgTag::Double: {
+        const double n = value.Double();
+        return {n, n, n};
+    }
+    case VtArgTag::Vector3: {
+        const VtVector3 &v = value.Vector3();
+        return {v[0], v[1], v[2]};
+    }
+    default:
+        return {};
+    }
+}
+
+std::string text_of(const VtArgType &value) {
+    if (value.Tag() == VtArgTag::Long)
+        return std::to_string(value.Long());
+    if (value.Tag() == VtArgTag::Double)
+        return vantor::text_of(value.Double());
+    const std::array<double, 3> n = numbers_of(value);
+    return joined({"(", vantor::text_of(n[0]), ", ", vantor::text_of(n[1]), ", ", vantor::text_of(n[2]), ")"});
+}
+
+// What is wrong with the numbers of a parameter; empty if nothing is.
+std::string complaint(const Parameter &parameter, const VtArgType &value, const std::array<double, 3> &numbers) {
+    const bool has_numbers = parameter.kind == ValueKind::Number || parameter.kind == ValueKind::Color ||
+                             parameter.kind == ValueKind::Vector3;
+    if (!has_numbers)
+        return {};
+
+    const Range &range = parameter.range;
+    bool is_inside = true;
+    bool is_zero = true;
+    for (const double n : numbers) {
+        // Rendering computes in floats; beyond this, squared lengths overflow.
+        constexpr double largest = 1e18;
+        if (!(std::fabs(n) <= largest))
+            return joined({"is ", text_of(value), ", which is not usable (finite numbers up to 1e18 are)"});
+        is_inside &= range.includes_bounds ? n >= range.low && n <= range.high : n > range.low && n < range.high;
+        is_zero &= n == 0.0;
+    }
+    if (is_inside && !(is_zero && range.excludes_zero_vector))
+        return {};
+    return joined({"is ", text_of(value), ", which is out of range (", range.text, ")"});
+}
+
+} // namespace
+
+Parameters::Parameters(const Type &of_type) : type(of_type) {
+    values.reserve(type.parameters.size());
+    for (const Parameter &parameter : type.parameters)
+        values.push_back({nullptr, -1, parameter.fallback});
+}
+
+const Parameters::Value &Parameters::find(std::string_view name) const {
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (type.parameters[i].name == name)
+            return values[i];
+    throw std::logic_error("no such parameter in the table: " + std::string(name));
+}
+
+VtVector3 Parameters::vector(std::string_view name) const {
+    const std::array<double, 3> &n = find(name).numbers;
+    return {n[0], n[1], n[2]};
+}
+
+const VtInstanceArray<VtVector2> &Parameters::vector2_array(std::string_view name) const {
+    return find(name).given->Vector2Array();
+}
+
+const VtInstanceArray<VtVector3> &Parameters::vector3_array(std::string_view name) const {
+    return find(name).given->Vector3Array();
+}
+
+void Parameters::complain(std::string_view name, std::string_view text, const CallReport &report) const {
+    report.diagnostic_at(find(name).item, joined({"parameter ", quoted(name), " ", text}));
+}
+
+bool Parameters::is_complete() const {
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (type.parameters[i].presence == Presence::Required && !values[i].given)
+            return false;
+    return true;
+}
+
+const Type *find_type(EntityKind kind, const char *name, const CallReport &report) {
+    const EntityWords &words = words_of(kind);
+    if (words.types.empty()) {
+        report.diagnostic(joined({"unknown type (", words.plural, " have no types yet)"}));
+        return nullptr;
+    }
+    for (const Type &type : words.types)
+        if (name && type.name == name)
+            return &type;
+    report.diagnostic(joined({name ? "unknown type" : "no type given", suggestion(name ? name : "", words.types)}));
+    return nullptr;
+}
+
+Parameters read_parameters(const Type &type, const VtArgList &list, const CallReport &report) {
+    Parameters result(type);
+    const VtLong count = list.Count();
+    for (VtLong i = 0; i < count; ++i) {
+        const VtArgType &name_value = list.At(i);
+        if (name_value.Tag() != VtArgTag::Text) {
+            report.diagnostic_at(i, joined({name_of(name_value.Tag()), " where a parameter name should be"}));
+            continue;
+        }
+
+        // A name; whatever follows is its value, even if the name is unknown.
+        const std::string_view name = name_value.Text();
+        const VtLong value_at = i + 1;
+        const auto parameter = std::ranges::find(type.parameters, name, &Parameter::name);
+        if (parameter == type.parameters.end()) {
+            report.diagnostic_at(i, joined({"unknown parameter ", quoted(name), suggestion(name, type.parameters)}));
+            ++i;
+            continue;
+        }
+        const std::string called = joined({"parameter ", quoted(name)});
+        if (value_at == count) {
+            report.diagnostic_at(i, joined({called, " has no value (", name_of(parameter->kind), " is wanted)"}));
+            break;
+        }
+        ++i;
+
+        const VtArgType &value = list.At(value_at);
+        if (!is_kind(parameter->kind, value.Tag())) {
+            report.diagnostic_at(value_at, joined({called, " is ", name_of(value.Tag()), " (", name_of(parameter->kind),
+                                                   " is wanted)"}));
+            continue;
+        }
+        const std::array<double, 3> numbers = numbers_of(value);
+        if (const std::string wrong = complaint(*parameter, value, numbers); !wrong.empty()) {
+            report.diagnostic_at(value_at, joined({called, " ", wrong}));
+            continue;
+        }
+        Parameters::Value &place = result.values[static_cast<std::size_t>(parameter - type.parameters.begin())];
+        if (place.given)
+            report.diagnostic_at(value_at, joined({called, " is given twice (the later value counts)"}));
+        place = {&value, value_at, numbers};
+    }
+
+    for (std::size_t i = 0; i < type.parameters.size(); ++i) {
+        const Parameter &parameter = type.parameters[i];
+        if (parameter.presence == Presence::Required && !result.values[i].given)
+            report.diagnostic(joined({"parameter ", quoted(parameter.name), " is missing (", name_of(parameter.kind),
+                                      ": ", parameter.meaning, ")"}));
+    }
+    return result;
+}
+
+} // namespace vantor

@@ -1,0 +1,56 @@
+// The reader: a parameter list against the table of its type.
+#pragma once
+
+#include "libvantor/base/report.h"
+#include "libvantor/words/vocabulary.h"
+#include "renderer/vt_arg_list.h"
+
+#include <vector>
+
+namespace vantor {
+
+/// The parameters of one creation call: for each parameter of the type the value that the script gave, or the default.
+/// Every name asked for must stand in the type's table, and be of that kind.
+class Parameters {
+  public:
+    /// All defaults.
+    explicit Parameters(const Type &of_type);
+
+    double number(std::string_view name) const { return find(name).numbers[0]; }
+    VtVector3 vector(std::string_view name) const;
+    const char *text(std::string_view name) const { return find(name).given->Text(); }
+    VtLong id(std::string_view name) const { return find(name).given->Long(); }
+    const VtInstanceArray<VtLong> &long_array(std::string_view name) const { return find(name).given->LongArray(); }
+    const VtInstanceArray<VtVector2> &vector2_array(std::string_view name) const;
+    const VtInstanceArray<VtVector3> &vector3_array(std::string_view name) const;
+
+    /// Whether the script gave the parameter, with a value that could be used.
+    bool is_given(std::string_view name) const { return find(name).given != nullptr; }
+
+    /// Reports what is wrong with the value of a parameter that is given: "item <i>: parameter "<name>" <text>".
+    void complain(std::string_view name, std::string_view text, const CallReport &report) const;
+
+    /// Whether every required parameter is given.
+    bool is_complete() const;
+
+  private:
+    friend Parameters read_parameters(const Type &type, const VtArgList &list, const CallReport &report);
+
+    struct Value {
+        const VtArgType *given = nullptr;
+        long item = -1;
+        std::array<double, 3> numbers{};
+    };
+    const Value &find(std::string_view name) const;
+
+    const Type &type;
+    std::vector<Value> values; // in the order of the type's table
+};
+
+/// The type of that name; null after reporting an unknown or missing name.
+const Type *find_type(EntityKind kind, const char *name, const CallReport &report);
+
+/// Reads a list of names and values. Whatever is wrong with it is reported and left out.
+Parameters read_parameters(const Type &type, const VtArgList &list, const CallReport &report);
+
+} // namespace vantor

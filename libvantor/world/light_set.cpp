@@ -1,0 +1,208 @@
+// Lights, frozen for a pass: what shines, and how to sample it.
+#include "libvantor/world/light_set.h"
+
+namespace vantor {
+
+namespace {
+
+FlatEmitter flat_emitter(const Affine &map, Vec3 a, Vec3 b, Vec3 d, bool is_triangle, Color radiance) {
+    const Vec3 corner = map.point(a);
+    const Vec3 edge_u = map.point(b) - corner;
+    const Vec3 edge_v = map.point(d) - corner;
+    const Vec3 normal = cross(edge_u, edge_v);
+    const float area = length(normal);
+    // A mirroring transform turns the winding round, but not the side that shines.
+    const float front = std::copysign(1.0f, map.determinant);
+    return {corner, edge_u, edge_v, normal * (front / area), is_triangle ? 0.5f * area : area, is_triangle, radiance};
+}
+
+float power(const FlatEmitter &emitter) { return pi * emitter.area * luminance(emitter.radiance); }
+
+// Of an ellipsoid roughly: the area of a sphere of the same volume.
+float power(const SphereEmitter &emitter) {
+    const float squared_radius = std::pow(std::fabs(emitter.world_from_unit.determinant), 2 / 3.0f);
+    return pi * 4 * pi * squared_radius * luminance(emitter.radiance);
+}
+
+// One minus the cosine of the angle under which the unit sphere is seen, from a point outside it.
+float cone_height(float squared_distance) {
+    const float squared_sine = 1 / squared_distance;
+    return squared_sine / (1 + std::sqrt(1 - squared_sine));
+}
+
+// The light of an emitter at the sampled point; false where its front does not face the reference.
+bool sample_source(const FlatEmitter &emitter, Vec3 reference, Pair numbers, LightSample &result) {
+    const Pair uv = emitter.is_triangle ? warp::triangle(numbers) : numbers;
+    const Vec3 point = emitter.corner + emitter.edge_u * uv.u + emitter.edge_v * uv.v;
+    const Vec3 difference = point - reference;
+    const float squared_distance = dot(difference, difference);
+    const float distance = std::sqrt(squared_distance);
+    const float cosine = -dot(difference, emitter.normal) / distance;
+    if (!(cosine > 0))
+        return false;
+
+    // From area to solid angle: dw = cos dA / r^2.
+    result.to_light = difference * (1 / distance);
+    result.end = point + emitter.normal * clearance_of(point, 0);
+    result.density = squared_distance / (cosine * emitter.area);
+    result.contribution = emitter.radiance;
+    return true;
+}
+
+float density_of(const FlatEmitter &emitter, Vec3 reference, Vec3 direction, const Hit &hit) {
+    const Vec3 difference = hit.point - reference;
+    const float cosine = -dot(direction, emitter.normal);
+    return cosine > 0 ? dot(difference, difference) / (cosine * emitter.area) : 0.0f;
+}
+
+// The solid angle of a linear map: a cone around the unit direction d of the unit sphere's space has, in world space,
+// |det M| / |d M|^3 of its solid angle. With w the unit direction d M / |d M| of the world, |d M| is 1 / |w M^-1|.
+float density_of(const SphereEmitter &emitter, Vec3 reference, Vec3 direction, const Hit &) {
+    const Vec3 from = emitter.world_from_unit.point_back(reference);
+    const float squared_distance = dot(from, from);
+    if (!(squared_distance > 1))
+        return 0;
+    const float inverse_stretch = length(emitter.world_from_unit.inverse(direction));
+    const float determinant = std::fabs(emitter.world_from_unit.determinant);
+    return warp::cone_density(cone_height(squared_distance)) /
+           (inverse_stretch * inverse_stretch * inverse_stretch * determinant);
+}
+
+// Uniform over the cone of the unit sphere, as the reference point sees it in the unit sphere's space.
+bool sample_source(const SphereEmitter &emitter, Vec3 reference, Pair numbers, LightSample &result) {
+    const Affine &map = emitter.world_from_unit;
+    const Vec3 from = map.point_back(reference);
+    const float squared_distance = dot(from, from);
+    if (!(squared_distance > 1))
+        return false;
+    const float distance = std::sqrt(squared_distance);
+    const Frame frame(from * (-1 / distance));
+    const Vec3 local = warp::cone(numbers, cone_height(squared_distance));
+    const Vec3 direction = frame.world_from_local(local);
+
+    // The nearer crossing of the sphere. Normalised, because far away the sum loses digits.
+    const float squared_sine = local.x * local.x + local.y * local.y;
+    const float half_chord = std::sqrt(std::max(0.0f, 1 - squared_distance * squared_sine));
+    const Vec3 on_sphere = normalized(from + direction * (distance * local.z - half_chord));
+    const Vec3 point = map.point(on_sphere);
+
+    result.to_light = normalized(map.linear(direction));
+    result.end = point + normalized(map.normals(on_sphere)) * clearance_of(point, 0);
+    result.density = density_of(emitter, reference, result.to_light, Hit());
+    result.contribution = emitter.radiance;
+    return true;
+}
+
+bool sample_source(const PointLight &light, Vec3 reference, Pair, LightSample &result) {
+    const Vec3 difference = light.position - reference;
+    const float squared_distance = dot(difference, difference);
+    if (!(squared_distance > 0))
+        return false;
+    result.to_light = difference * (1 / std::sqrt(squared_distance));
+    result.end = light.position;
+    result.contribution = light.intensity * (1 / squared_distance);
+    return true;
+}
+
+bool sample_source(const DistantLight &light, Vec3, Pair, LightSample &result) {
+    result.to_light = light.to_light;
+    result.is_distant = true;
+    result.contribution = light.irradiance;
+    return true;
+}
+
+} // namespace
+
+LightSet::LightSet(std::span<const Light> lights, std::span<const Placement> placements, float scene_radius)
+    : shares_up_to{0.0} {
+    first_emitters.reserve(placements.size());
+    for (const Placement &placement : placements) {
+        int first = -1;
+        if (placement.light >= 0) {
+            const Light &light = lights[static_cast<std::size_t>(placement.light)];
+            const Color radiance = std::get<AreaLight>(light.kind).radiance;
+            if (light.is_on && !is_black(radiance)) {
+                first = static_cast<int>(sources.size());
+                add_emitters(placement, radiance);
+            }
+        }
+        first_emitters.push_back(first);
+    }
+    for (const Light &light : lights) {
+        if (!light.is_on)
+            continue;
+        if (const auto *point = std::get_if<PointLight>(&light.kind))
+            add(*point, 4 * pi * luminance(point->intensity));
+        else if (const auto *distant = std::get_if<DistantLight>(&light.kind))
+            add(*distant, pi * scene_radius * scene_radius * luminance(distant->irradiance));
+    }
+
+    const double total = shares_up_to.back();
+    for (double &share : shares_up_to)
+        share = total > 0 ? share / total : 0.0;
+}
+
+void LightSet::add(Source source, float its_power) {
+    sources.push_back(source);
+    shares_up_to.push_back(shares_up_to.back() + (std::isfinite(its_power) ? its_power : 0.0f));
+}
+
+void LightSet::add_emitters(const Placement &placement, Color radiance) {
+    const Affine map = to_float(placement.world_from_object);
+    const auto add_flat = [&](Vec3 a, Vec3 b, Vec3 d, bool is_triangle) {
+        const FlatEmitter emitter = flat_emitter(map, a, b, d, is_triangle, radiance);
+        add(emitter, power(emitter));
+    };
+    if (const auto *mesh = std::get_if<TriangleMesh>(placement.shape)) {
+        for (const TriangleMesh::Triangle &t : mesh->triangles)
+            add_flat(mesh->points[t[0]], mesh->points[t[1]], mesh->points[t[2]], true);
+    } else if (const auto *quads = std::get_if<Quads>(placement.shape)) {
+        for (const Quads::Corners &c : quads->corners)
+            add_flat(c[0], c[1], c[3], false);
+    } else {
+        const Sphere &sphere = std::get<Sphere>(*placement.shape);
+        VtTransform unit_to_sphere = identity();
+        for (int i = 0; i < 3; ++i)
+            unit_to_sphere[i][i] = sphere.radius;
+        unit_to_sphere[3] = {sphere.center.x, sphere.center.y, sphere.center.z, 1.0};
+        const SphereEmitter emitter{to_float(composed(unit_to_sphere, placement.world_from_object)), radiance};
+        add(emitter, power(emitter));
+    }
+}
+
+bool LightSet::sample(Vec3 reference, double choice, Pair numbers, LightSample &result) const {
+    // The first share above the number. Sources without power have an empty share and are never found.
+    const auto above = std::upper_bound(shares_up_to.begin(), shares_up_to.end(), choice);
+    if (above == shares_up_to.end())
+        return false;
+    const auto index = static_cast<std::size_t>(above - shares_up_to.begin()) - 1;
+    const auto chosen = static_cast<float>(choice_density(index));
+
+    result = {};
+    const bool arrives = std::visit(
+        [&](const auto &source) { return sample_source(source, reference, numbers, result); }, sources[index]);
+    if (!arrives)
+        return false;
+
+    const bool has_extent = result.density > 0;
+    result.density *= chosen;
+    result.contribution = result.contribution * (1 / (has_extent ? result.density : chosen));
+    return true;
+}
+
+Color LightSet::radiance(int emitter) const {
+    const Source &source = sources[static_cast<std::size_t>(emitter)];
+    if (const auto *flat = std::get_if<FlatEmitter>(&source))
+        return flat->radiance;
+    return std::get<SphereEmitter>(source).radiance;
+}
+
+float LightSet::density(int emitter, Vec3 reference, Vec3 direction, const Hit &hit) const {
+    const auto index = static_cast<std::size_t>(emitter);
+    const auto chosen = static_cast<float>(choice_density(index));
+    if (const auto *flat = std::get_if<FlatEmitter>(&sources[index]))
+        return chosen * density_of(*flat, reference, direction, hit);
+    return chosen * density_of(std::get<SphereEmitter>(sources[index]), reference, direction, hit);
+}
+
+} // namespace vantor
