@@ -133,8 +133,8 @@ class scene:
         """Closes the innermost interior block."""
 
     def lightOn(self, id: _Integer, /) -> None:
-        """Switches this light on, for the passes that follow. An area light also becomes the one that
-        lightBegin() opens."""
+        """Switches this light on, for the passes that follow. An area light also becomes the one
+        that lightBegin() opens."""
 
     def lightOff(self, id: _Integer, /) -> None:
         """Switches this light off, for the passes that follow."""
@@ -157,8 +157,8 @@ class scene:
         once."""
 
     def transformBegin(self, transform: transform, /) -> None:
-        """Opens a block in which cameras and lights are made, and objects added, under a copy of the
-        transform. The innermost of nested blocks acts first on a point."""
+        """Opens a block in which cameras and lights are made, and objects added, under a copy of
+        the transform. The innermost of nested blocks acts first on a point."""
 
     def transformEnd(self, *ignored: object) -> None:
         """Closes the innermost transform block."""

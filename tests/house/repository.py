@@ -1,6 +1,7 @@
 """The repository's files, and the build folder, for the house tests."""
 
 import os
+import re
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 BUILD = os.path.abspath(os.environ.get("VANTOR_BUILD", os.path.join(ROOT, "build", "test")))
@@ -36,10 +37,11 @@ def cpp_files():
 
 
 def built(pattern):
-    """The one file of the build's import folder whose name the regular expression matches."""
-    names = [name for name in os.listdir(IMPORT_FOLDER) if pattern.fullmatch(name)] \
-        if os.path.isdir(IMPORT_FOLDER) else []
-    if len(names) != 1:
-        raise AssertionError("{} instead of one {} in {}: build first, or say in VANTOR_BUILD where"
-                             .format(names, pattern.pattern, IMPORT_FOLDER))
-    return os.path.join(IMPORT_FOLDER, names[0])
+    """The files of the build's import folder whose names the regular expression matches; at least
+    one."""
+    if os.path.isdir(IMPORT_FOLDER):
+        names = sorted(filter(re.compile(pattern).fullmatch, os.listdir(IMPORT_FOLDER)))
+        if names:
+            return [os.path.join(IMPORT_FOLDER, name) for name in names]
+    raise AssertionError("{} has no {}: build first, or say in VANTOR_BUILD where the build is"
+                         .format(IMPORT_FOLDER, pattern))

@@ -39,6 +39,8 @@ ROOMS = [
     ("renderer tests", r"tests/libvantor/.*",
      ["doors", "passes", "world", "geometry", "entities", "pictures", "words", "base", "renderer",
       "values"]),
+    ("probes", r"tests/probe/.*",
+     ["module", "scene", "arrays", "algebra", "interpreter", "renderer", "values"]),
     ("peers", r"bench/.*", ["arrays", "renderer", "values"]),
 ]
 OUTSIDE = r"(tests|bench|examples)/.*"
@@ -46,7 +48,7 @@ OUTSIDE = r"(tests|bench|examples)/.*"
 # Headers of other libraries: the only places that see them.
 FOREIGN = [
     (r"Python\.h|pybind11/.*|structmember\.h",
-     r"(interpreter|scene|module|bench)/.*|(algebra|arrays)/(?!vt_).*"),
+     r"(interpreter|scene|module|tests/probe|bench)/.*|(algebra|arrays)/(?!vt_).*"),
     (r"embree\d/.*|rtcore.*", r"libvantor/geometry/.*"),
     (r"png\.h|Imf.*|OpenEXR/.*|Imath/.*|Imath\w+\.h|half\.h|jpeglib\.h|turbojpeg\.h",
      r"libvantor/pictures/.*|tests/libvantor/.*"),
