@@ -56,9 +56,9 @@ const char *why_unusable(const VtTransform &m) {
     bool is_zero = true;
     for (int r = 0; r < 4; ++r)
         for (int c = 0; c < 4; ++c) {
-            // Beyond this, floats overflow when lengths are squared.
-            if (!(std::fabs(m[r][c]) <= 1e18))
-                return "has entries that are not usable (finite numbers up to 1e18 are)";
+            // Beyond this, floats overflow when areas are squared.
+            if (!(std::fabs(m[r][c]) <= 1e9))
+                return "has entries that are not usable (finite numbers up to 1e9 are)";
             is_zero &= m[r][c] == 0.0;
         }
     if (is_zero)
@@ -66,10 +66,15 @@ const char *why_unusable(const VtTransform &m) {
     if (m[0][3] != 0.0 || m[1][3] != 0.0 || m[2][3] != 0.0 || m[3][3] != 1.0)
         return "has a last column other than 0 0 0 1 (points are rows: a translation stands in row 3)";
 
-    // Relative to the lengths of its rows, so that a small scale is no singularity; and within what floats hold.
-    const double lengths = row_of(m, 0).Length() * row_of(m, 1).Length() * row_of(m, 2).Length();
-    const double determinant = std::fabs(determinant_of(m));
-    if (!(determinant > 1e-12 * lengths) || !(determinant > 1e-36))
+    // Relative to the lengths of its rows, so that a small scale is no singularity.
+    double lengths = 1;
+    for (int r = 0; r < 3; ++r) {
+        const double length = row_of(m, r).Length();
+        if (length > 0.0 && length < 1e-9)
+            return "makes things smaller than floats can follow (scales from 1e-9 up are possible)";
+        lengths *= length;
+    }
+    if (!(std::fabs(determinant_of(m)) > 1e-12 * lengths))
         return "is singular (its determinant is 0 or nearly so)";
     return nullptr;
 }

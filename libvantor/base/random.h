@@ -87,10 +87,16 @@ class Sampler {
         return {sobol::unit_float(first(index, seed)), sobol::unit_float(second(index, seed))};
     }
 
-    float single(std::uint32_t dimension) const { return sobol::unit_float(bits(dimension)); }
+    /// For decisions that stratification does not help: a hash, at a fraction of the price.
+    float unstratified(std::uint32_t dimension) const {
+        return sobol::unit_float(sobol::hash(reversed_index ^ seed_of(dimension)));
+    }
 
-    /// All 32 bits of single(), for choices among very many.
-    double single_exact(std::uint32_t dimension) const { return bits(dimension) * 0x1p-32; }
+    /// With all 32 bits, for choices among very many.
+    double single(std::uint32_t dimension) const {
+        const std::uint32_t seed = seed_of(dimension);
+        return first(shuffled(seed), seed) * 0x1p-32;
+    }
 
   private:
     std::uint32_t seed_of(std::uint32_t dimension) const { return sobol::hash((round << 12) ^ (dimension + 1)); }
@@ -101,16 +107,11 @@ class Sampler {
 
     // The first Sobol dimension is the index with its digits reversed, so reversed again it is the index itself.
     static std::uint32_t first(std::uint32_t index, std::uint32_t seed) {
-        return sobol::reversed(sobol::scrambled_reversed(index, sobol::hash(seed ^ 0x9e3779b9u)));
+        return sobol::reversed(sobol::scrambled_reversed(index, seed * 0x9e3779b1u));
     }
     static std::uint32_t second(std::uint32_t index, std::uint32_t seed) {
         const std::uint32_t point = sobol::second_dimension_reversed(index);
-        return sobol::reversed(sobol::scrambled_reversed(point, sobol::hash(seed ^ 0x7f4a7c15u)));
-    }
-
-    std::uint32_t bits(std::uint32_t dimension) const {
-        const std::uint32_t seed = seed_of(dimension);
-        return first(shuffled(seed), seed);
+        return sobol::reversed(sobol::scrambled_reversed(point, seed * 0x85ebca77u));
     }
 
     std::uint32_t reversed_index;

@@ -17,6 +17,7 @@ struct PixelArea {
 
     int width() const { return x1 - x0; }
     int height() const { return y1 - y0; }
+    bool contains(int x, int y) const { return x >= x0 && x < x1 && y >= y0 && y < y1; }
     bool is_empty() const { return x1 <= x0 || y1 <= y0; }
 };
 

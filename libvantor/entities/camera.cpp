@@ -46,11 +46,16 @@ Camera::Camera(const Parameters &parameters, const VtTransform &transform, const
     aside.Normalize();
     const VtVector3 above = cross(aside, ahead);
 
+    // The three may have any common length; a transform must not make it too long or too short for floats.
     const double half_height = std::tan(0.5 * parameters.number("fov") * std::numbers::pi / 180.0);
     position = to_float(transformed_point(eye, transform));
-    forward = to_float(transformed_direction(ahead, transform));
-    right = to_float(transformed_direction(scaled(aside, half_height), transform));
-    up = to_float(transformed_direction(scaled(above, half_height), transform));
+    VtVector3 axes[3] = {transformed_direction(ahead, transform),
+                         transformed_direction(scaled(aside, half_height), transform),
+                         transformed_direction(scaled(above, half_height), transform)};
+    const double longest = std::max({axes[0].Length(), axes[1].Length(), axes[2].Length()});
+    forward = to_float(scaled(axes[0], 1 / longest));
+    right = to_float(scaled(axes[1], 1 / longest));
+    up = to_float(scaled(axes[2], 1 / longest));
 }
 
 } // namespace vantor

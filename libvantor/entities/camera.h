@@ -6,7 +6,8 @@
 
 namespace vantor {
 
-/// A pinhole camera in world space. The three axes span the picture at distance 1: the picture is 2 `up` high.
+/// A pinhole camera in world space. The three axes are as long as their ratio says: the
+/// picture is 2 `up` high where it is `forward` away.
 class Camera {
   public:
     /// Under the transform, which is usable.

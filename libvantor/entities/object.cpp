@@ -17,17 +17,15 @@ bool has_area(Vec3 a, Vec3 b, Vec3 c) {
     return square > std::numeric_limits<float>::min() && std::isfinite(square);
 }
 
-// Squares of areas must stay finite, which needs coordinates well below the largest float.
-bool is_usable(Vec3 p) { return largest_coordinate(p) <= 1e9f; }
+// Neither does a NaN pass, as largest_coordinate() may lose one.
+bool is_usable(Vec3 p) { return is_finite(p) && largest_coordinate(p) <= largest_reach; }
 
 std::vector<Vec3> floats_of(const VtInstanceArray<VtVector3> &array) {
     std::vector<Vec3> result;
     result.reserve(static_cast<std::size_t>(std::max<VtLong>(array.Size(), 0)));
     array.ForEachBlock([&](const VtVector3 *elements, VtLong count) {
         for (VtLong i = 0; i < count; ++i) {
-            // NaN fails the comparison as well.
-            const Vec3 p = to_float(elements[i]);
-            result.push_back(largest_coordinate(p) <= 1e30f && is_finite(p) ? p : Vec3{INFINITY, 0, 0});
+            result.push_back(to_float(elements[i]));
         }
     });
     return result;
@@ -200,13 +198,8 @@ std::optional<Shape> make_box(const Parameters &parameters, const CallReport &re
     }};
 }
 
-std::optional<Shape> make_sphere(const Parameters &parameters, const CallReport &report) {
-    const Sphere sphere{to_float(parameters.vector("center")), static_cast<float>(parameters.number("radius"))};
-    if (!is_usable(sphere.center) || !(sphere.radius > 1e-12f && sphere.radius <= 1e9f)) {
-        report.diagnostic("the sphere is smaller than 1e-12 or reaches beyond 1e9; nothing of it will be seen");
-        return {};
-    }
-    return sphere;
+Sphere make_sphere(const Parameters &parameters) {
+    return {to_float(parameters.vector("center")), static_cast<float>(parameters.number("radius"))};
 }
 
 } // namespace
@@ -218,7 +211,22 @@ std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, 
         return make_quad(parameters, report);
     if (type.name == "box")
         return make_box(parameters, report);
-    return make_sphere(parameters, report);
+    return make_sphere(parameters);
+}
+
+float reach_of(const Shape &shape) {
+    float reach = 0;
+    const auto include = [&](Vec3 p) { reach = std::max(reach, largest_coordinate(p)); };
+    if (const auto *mesh = std::get_if<TriangleMesh>(&shape)) {
+        std::ranges::for_each(mesh->points, include);
+    } else if (const auto *quads = std::get_if<Quads>(&shape)) {
+        for (const Quads::Corners &corners : quads->corners)
+            std::ranges::for_each(corners, include);
+    } else {
+        const Sphere &sphere = std::get<Sphere>(shape);
+        reach = largest_coordinate(sphere.center) + sphere.radius;
+    }
+    return reach;
 }
 
 std::size_t primitives_of(const Shape &shape) {

@@ -38,6 +38,12 @@ using Shape = std::variant<TriangleMesh, Quads, Sphere>;
 /// Nothing, after a diagnostic, if there is nothing to see.
 std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, const CallReport &report);
 
+/// The largest coordinate of any of its points, either way.
+float reach_of(const Shape &shape);
+
+/// The largest coordinate that a point may have, in an object or in the world: squares of areas stay finite.
+inline constexpr float largest_reach = 1e9f;
+
 /// How many triangles, parallelograms or spheres it has.
 std::size_t primitives_of(const Shape &shape);
 

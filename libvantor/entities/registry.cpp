@@ -33,7 +33,7 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
 
     switch (kind) {
     case EntityKind::Camera:
-        if (is_placeable())
+        if (is_in_reach(parameters, call))
             current_camera.emplace(parameters, current_transform(), call);
         break;
     case EntityKind::Imager:
@@ -44,7 +44,7 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
         entry.index = appended(interfaces, make_diffuse_interface(parameters));
         break;
     case EntityKind::Light:
-        if (!is_placeable())
+        if (type->name == "point" ? !is_in_reach(parameters, call) : !is_placeable())
             break;
         entry.index = appended(all_lights, make_light(*type, parameters, current_transform()));
         if (all_lights.back().is_area())
@@ -55,8 +55,10 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             entry.index = appended(materials, Material{*interface});
         break;
     case EntityKind::Object:
-        if (std::optional<Shape> shape = make_shape(*type, parameters, call))
-            entry.index = appended(shapes, std::make_unique<const Shape>(std::move(*shape)));
+        if (std::optional<Shape> shape = make_shape(*type, parameters, call)) {
+            const float reach = reach_of(*shape);
+            entry.index = appended(objects, std::make_unique<const Object>(Object{std::move(*shape), reach}));
+        }
         break;
     case EntityKind::Interior:
     case EntityKind::Pattern:
@@ -64,6 +66,16 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
     case EntityKind::Trimmer:
         break;
     }
+}
+
+bool Registry::is_in_reach(const Parameters &parameters, const CallReport &call) const {
+    if (!is_placeable())
+        return false;
+    const VtVector3 position = transformed_point(parameters.vector("position"), current_transform());
+    const bool is_near = largest_coordinate(to_float(position)) <= largest_reach;
+    if (!is_near)
+        call.diagnostic(joined({"the position lies beyond ", text_of(largest_reach), " in the world; it is left out"}));
+    return is_near;
 }
 
 std::optional<Interface> Registry::find_interface(const Type &type, const Parameters &parameters,
@@ -124,11 +136,22 @@ void Registry::begin_material(VtLong id) {
 void Registry::end_material() { close(material_blocks, report, "materialEnd", "materialBegin"); }
 
 void Registry::add_object(VtLong id) {
-    const int index = find(id, EntityKind::Object, CallReport(report, "addObject"));
+    const CallReport call(report, "addObject");
+    const int index = find(id, EntityKind::Object, call);
     if (index < 0 || !is_placeable())
         return;
+    const Object &object = *objects[static_cast<std::size_t>(index)];
+    const VtTransform world_from_object = current_transform();
+    const Affine map = to_float(world_from_object);
+    const float stretch = length(map.linear.row0) + length(map.linear.row1) + length(map.linear.row2);
+    if (!(object.reach * stretch + largest_coordinate(map.offset) <= largest_reach)) {
+        call.diagnostic(
+            joined({"the object reaches beyond ", text_of(largest_reach), " in the world; it is left out"}));
+        return;
+    }
+
     const int material = material_blocks.empty() ? -1 : material_blocks.back();
-    placed.push_back({shapes[static_cast<std::size_t>(index)].get(), current_transform(),
+    placed.push_back({&object.shape, world_from_object,
                       material < 0 ? default_material() : materials[static_cast<std::size_t>(material)],
                       light_blocks.empty() ? -1 : light_blocks.back()});
 }

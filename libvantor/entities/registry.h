@@ -69,6 +69,10 @@ class Registry {
         EntityKind kind;
         int index; // among the entities of its kind; -1 if nothing came of it, which has been reported
     };
+    struct Object {
+        Shape shape;
+        float reach;
+    };
     struct TransformBlock {
         VtTransform world_from_local;
         bool is_usable;
@@ -76,6 +80,9 @@ class Registry {
 
     bool is_placeable() const { return transforms.empty() || transforms.back().is_usable; }
     VtTransform current_transform() const;
+
+    // Whether a camera or light can stand at its position under the current transform; reported if it is too far.
+    bool is_in_reach(const Parameters &parameters, const CallReport &call) const;
 
     // The index of an entity of that kind; -1, reported if there never was such an id.
     int find(VtLong id, EntityKind kind, const CallReport &call) const;
@@ -91,7 +98,7 @@ class Registry {
     std::vector<Interface> interfaces;
     std::vector<Light> all_lights;
     std::vector<Material> materials;
-    std::vector<std::unique_ptr<const Shape>> shapes; // placements point to them
+    std::vector<std::unique_ptr<const Object>> objects; // placements point to them
     std::vector<Placement> placed;
     int current_area_light = -1; // created or switched on last
 

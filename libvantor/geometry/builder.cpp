@@ -82,18 +82,16 @@ class Builder {
         return geometry;
     }
 
+    // Two triangles each: in packets, they trace faster than Embree's quads.
     OwnedGeometry geometry_of(const Quads &quads, const Affine &map) {
-        const std::size_t corner_count = 4 * quads.corners.size();
-        OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_QUAD);
-        Vec3 *points = new_buffer<Vec3>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT3, corner_count);
-        for (const Quads::Corners &corners : quads.corners)
-            for (const Vec3 &p : corners)
-                *points++ = map.point(p);
-        auto *indices = new_buffer<std::array<std::uint32_t, 4>>(geometry.get(), RTC_BUFFER_TYPE_INDEX,
-                                                                 RTC_FORMAT_UINT4, quads.corners.size());
-        for (std::uint32_t i = 0; i < corner_count; i += 4)
-            *indices++ = {i, i + 1, i + 2, i + 3};
-        return geometry;
+        TriangleMesh mesh;
+        for (const Quads::Corners &corners : quads.corners) {
+            const auto first = static_cast<std::uint32_t>(mesh.points.size());
+            mesh.points.insert(mesh.points.end(), corners.begin(), corners.end());
+            mesh.triangles.push_back({first, first + 1, first + 2});
+            mesh.triangles.push_back({first, first + 2, first + 3});
+        }
+        return geometry_of(mesh, map);
     }
 
     OwnedGeometry geometry_of(const Sphere &sphere, const Affine &map) {

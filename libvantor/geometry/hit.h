@@ -1,4 +1,4 @@
-// Hit: where a ray meets a surface.
+// Hit: where a ray meets a surface; and what can be asked of the tracer besides.
 #pragma once
 
 #include "libvantor/base/numbers.h"
@@ -7,7 +7,15 @@
 
 namespace vantor {
 
+/// The way from a point to from + reach * direction. The direction has any length.
+struct Segment {
+    Vec3 from;
+    Vec3 direction;
+    float reach;
+};
+
 struct Hit {
+    bool exists; ///< Whether the ray meets anything; the rest is meaningless otherwise.
     Vec3 point;
     Vec3 geometric_normal; ///< Unit length, on the front side of the surface.
     Vec3 shading_normal;   ///< Unit length, on the same side; interpolated where a mesh has normals.

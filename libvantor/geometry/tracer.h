@@ -23,22 +23,26 @@ class Tracer {
     Tracer(Tracer &&) noexcept;
     Tracer &operator=(Tracer &&) = delete;
 
-    /// The first surface on the ray; false if there is none.
-    bool nearest(const Ray &ray, Hit &hit) const;
+    /// The first surface on each ray. Rays are coherent if neighbours start and go nearly alike.
+    void nearest(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const;
 
-    /// Whether anything lies on the way from the point to point + reach * direction. The direction has any length.
-    bool is_occluded(Vec3 from, Vec3 direction, float reach) const;
+    /// Whether there is anything on each of the ways.
+    void blocked(std::span<const Segment> ways, std::span<char> are_blocked) const;
 
     /// The radius of a sphere around everything; 0 if there is nothing.
     float radius() const;
 
   private:
+    /// One lane of an Embree packet.
+    template <class Packet> Hit decoded(const Packet &packet, std::size_t lane, const Ray &ray) const;
+
     // What it takes to turn Embree's normal of a placement into ours.
     struct Decoding {
         const TriangleMesh *smooth; // a mesh with normals; null otherwise
         Linear normals;             // world from object
         float front;                // -1 where a copy in world space is mirrored and its winding turned round
         bool is_instance;           // Embree's normal is in object space
+        unsigned halvings;          // 1 where two of Embree's triangles are one primitive, 0 otherwise
     };
 
     std::unique_ptr<const BuiltScene> built;

@@ -1,5 +1,5 @@
-// Path: the light that arrives along a ray. Kajiya, "The Rendering Equation", 1986; the estimator follows Veach,
-// "Robust Monte Carlo Methods for Light Transport Simulation", 1997, chapters 8 to 10.
+// Path: the light that arrives along rays. Kajiya, "The Rendering Equation", 1986; the estimator follows Veach, "Robust
+// Monte Carlo Methods for Light Transport Simulation", 1997, chapters 8 to 10.
 #include "libvantor/passes/path.h"
 
 namespace vantor {
@@ -9,6 +9,9 @@ namespace {
 // What the numbers of a bounce are for.
 enum Dimension : std::uint32_t { light_point, light_choice, reflected_direction, survival, dimensions_per_bounce };
 
+// Roulette from this bounce on. Earlier it costs more in noise than it saves in time, later the other way round.
+constexpr int first_roulette = 3;
+
 // Multiple importance sampling: the weight of a sample drawn with one density where another could have drawn it too.
 // The power heuristic with exponent 2, Veach 9.2.4.
 float weight(float density, float other_density) {
@@ -16,77 +19,132 @@ float weight(float density, float other_density) {
     return square / (square + other_density * other_density);
 }
 
+// Light that has been sampled. It arrives if nothing is in its way.
+struct DirectLight {
+    Path *path;
+    Color radiance;
+};
+
+// The surface at a hit, as the path meets it. It reflects on both sides, so its normals are those of the side on which
+// the path arrives.
+struct Vertex {
+    const Hit &hit;
+    const DiffuseReflection &reflection;
+    bool is_front;
+    Vec3 geometric_normal;
+    Vec3 shading_normal;
+
+    Vertex(const Hit &at, Vec3 direction, const World &world)
+        : hit(at), reflection(world.materials[at.placement].interface.reflection),
+          is_front(dot(at.geometric_normal, direction) < 0),
+          geometric_normal(at.geometric_normal * (is_front ? 1 : -1)),
+          shading_normal(at.shading_normal * (is_front ? 1 : -1)) {}
+};
+
+// Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, except at the
+// camera: the two share it by their densities.
+void add_emitted_light(Path &path, const Vertex &vertex, int bounce, const World &world) {
+    const int first_emitter = world.lights.first_emitter(vertex.hit.placement);
+    if (first_emitter < 0 || !vertex.is_front)
+        return;
+    const int emitter = first_emitter + static_cast<int>(vertex.hit.primitive);
+    float share = 1;
+    if (bounce > 0)
+        share =
+            weight(path.direction_density, world.lights.density(emitter, path.vertex, path.ray.direction, vertex.hit));
+    path.radiance += path.throughput * world.lights.radiance(emitter) * share;
+}
+
+// Direct light, from a sampled point of a sampled light: value * cosine * radiance / density. False if none arrives.
+bool sample_direct_light(Path &path, const Vertex &vertex, std::uint32_t dimension, const World &world,
+                         DirectLight &result, Segment &way) {
+    const double choice = world.lights.has_choice() ? path.sampler.single(dimension + light_choice) : 0.0;
+    LightSample light;
+    if (!world.lights.sample(vertex.hit.point, choice, path.sampler.pair(dimension + light_point), light))
+        return false;
+    const float cosine = dot(vertex.shading_normal, light.to_light);
+    if (!(cosine > 0) || !(dot(vertex.geometric_normal, light.to_light) > 0))
+        return false;
+
+    const DiffuseReflection &reflection = vertex.reflection;
+    const float share = light.density > 0 ? weight(light.density, reflection.density(cosine)) : 1.0f;
+    result.path = &path;
+    result.radiance = path.throughput * reflection.value() * light.contribution * (cosine * share);
+    const Vec3 from = vertex.hit.origin_towards(light.to_light);
+    way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
+    return true;
+}
+
+// The next ray; its throughput is value * cosine / density. False if the path ends.
+bool sample_next_ray(Path &path, const Vertex &vertex, std::uint32_t dimension, int bounce) {
+    const DiffuseReflection &reflection = vertex.reflection;
+    const Vec3 local = reflection.sample(path.sampler.pair(dimension + reflected_direction));
+    const float density = reflection.density(local.z);
+    const Vec3 direction = Frame(vertex.shading_normal).world_from_local(local);
+    // Where the shading normal leans, part of its hemisphere lies below the surface.
+    if (!(density > 0) || !(dot(vertex.geometric_normal, direction) > 0))
+        return false;
+    path.throughput *= reflection.value() * (local.z / density);
+
+    // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk,
+    // "Particle Transport and Image Synthesis", 1990).
+    const float survives = std::min(largest_component(path.throughput), 0.95f);
+    if (!(survives > 0))
+        return false;
+    if (bounce >= first_roulette) {
+        if (path.sampler.unstratified(dimension + survival) >= survives)
+            return false;
+        path.throughput = path.throughput * (1 / survives);
+    }
+
+    path.vertex = vertex.hit.point;
+    path.direction_density = density;
+    path.ray = {vertex.hit.origin_towards(direction), direction};
+    return true;
+}
+
 } // namespace
 
-Color estimate_radiance(Ray ray, const World &world, const Sampler &sampler, std::uint32_t dimension) {
-    // Roulette from this bounce on. Earlier it costs more in noise than it saves in time, later the other way round.
-    constexpr int first_roulette = 3;
+void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension) {
+    std::vector<Path *> growing;
+    growing.reserve(paths.size());
+    for (Path &path : paths)
+        growing.push_back(&path);
+    std::vector<Ray> rays(paths.size());
+    std::vector<Hit> hits(paths.size());
+    std::vector<DirectLight> lights(paths.size());
+    std::vector<Segment> ways(paths.size());
+    std::vector<char> are_blocked(paths.size());
 
-    Color radiance;
-    Color throughput{1, 1, 1};   // of the path so far: the product of value * cosine / density
-    Vec3 vertex = ray.origin;    // the surface point that the ray left
-    float direction_density = 0; // with which its direction was drawn there; 0 at the camera
+    std::uint32_t dimension = first_dimension;
+    for (int bounce = 0; !growing.empty(); ++bounce, dimension += dimensions_per_bounce) {
+        // Where the paths arrive.
+        const std::size_t path_count = growing.size();
+        for (std::size_t i = 0; i < path_count; ++i)
+            rays[i] = growing[i]->ray;
+        world.tracer.nearest(std::span(rays).first(path_count), bounce == 0, hits);
 
-    for (int bounce = 0;; ++bounce, dimension += dimensions_per_bounce) {
-        Hit hit;
-        if (!world.tracer.nearest(ray, hit))
-            return radiance;
-        const bool is_front = dot(hit.geometric_normal, ray.direction) < 0;
-
-        // Emitted light, found by following the ray. Direct light at the vertex before could have found it, too: the
-        // two share it by their densities.
-        const int first_emitter = world.lights.first_emitter(hit.placement);
-        if (first_emitter >= 0 && is_front) {
-            const int emitter = first_emitter + static_cast<int>(hit.primitive);
-            const float share =
-                bounce == 0 ? 1.0f
-                            : weight(direction_density, world.lights.density(emitter, vertex, ray.direction, hit));
-            radiance += throughput * world.lights.radiance(emitter) * share;
+        // What they find there, and where they go on.
+        std::size_t light_count = 0;
+        std::size_t still_growing = 0;
+        for (std::size_t i = 0; i < path_count; ++i) {
+            if (!hits[i].exists)
+                continue;
+            Path &path = *growing[i];
+            const Vertex vertex(hits[i], path.ray.direction, world);
+            add_emitted_light(path, vertex, bounce, world);
+            if (sample_direct_light(path, vertex, dimension, world, lights[light_count], ways[light_count]))
+                ++light_count;
+            if (sample_next_ray(path, vertex, dimension, bounce))
+                growing[still_growing++] = &path;
         }
+        growing.resize(still_growing);
 
-        // The surface reflects on both sides; its frame is on the side that the ray came from.
-        const DiffuseReflection &reflection = world.materials[hit.placement].interface.reflection;
-        const float side = is_front ? 1.0f : -1.0f;
-        const Vec3 facing_normal = hit.geometric_normal * side;
-        const Frame frame(hit.shading_normal * side);
-
-        // Direct light, from a sampled point of a sampled light: value * cosine * radiance / density, if nothing is in
-        // the way.
-        LightSample light;
-        const double choice = world.lights.has_choice() ? sampler.single_exact(dimension + light_choice) : 0.0;
-        if (world.lights.sample(hit.point, choice, sampler.pair(dimension + light_point), light)) {
-            const float cosine = dot(frame.z, light.to_light);
-            if (cosine > 0 && dot(facing_normal, light.to_light) > 0) {
-                const float share = light.density > 0 ? weight(light.density, reflection.density(cosine)) : 1.0f;
-                const Vec3 from = hit.origin_towards(light.to_light);
-                const bool is_shadowed = light.is_distant ? world.tracer.is_occluded(from, light.to_light, INFINITY)
-                                                          : world.tracer.is_occluded(from, light.end - from, 1);
-                if (!is_shadowed)
-                    radiance += throughput * reflection.value() * light.contribution * (cosine * share);
-            }
-        }
-
-        // The next direction. Where the shading normal leans, part of its hemisphere lies below the surface.
-        const Vec3 local = reflection.sample(sampler.pair(dimension + reflected_direction));
-        direction_density = reflection.density(local.z);
-        const Vec3 direction = frame.world_from_local(local);
-        if (!(direction_density > 0) || !(dot(facing_normal, direction) > 0))
-            return radiance;
-        throughput *= reflection.value() * (local.z / direction_density);
-
-        // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk,
-        // "Particle Transport and Image Synthesis", 1990).
-        const float survives = std::min(largest_component(throughput), 0.95f);
-        if (survives <= 0)
-            return radiance;
-        if (bounce >= first_roulette) {
-            if (sampler.single(dimension + survival) >= survives)
-                return radiance;
-            throughput = throughput * (1 / survives);
-        }
-
-        vertex = hit.point;
-        ray = {hit.origin_towards(direction), direction};
+        // Which of the sampled light arrives.
+        world.tracer.blocked(std::span(ways).first(light_count), are_blocked);
+        for (std::size_t i = 0; i < light_count; ++i)
+            if (!are_blocked[i])
+                lights[i].path->radiance += lights[i].radiance;
     }
 }
 

@@ -1,12 +1,26 @@
-// Path: the light that arrives along a ray.
+// Path: the light that arrives along rays.
 #pragma once
 
 #include "libvantor/world/world.h"
 
 namespace vantor {
 
-/// An unbiased estimate of the radiance that arrives at the ray's origin from its direction, by one random path. Every
-/// number the path uses comes from the sampler, from that dimension on.
-Color estimate_radiance(Ray ray, const World &world, const Sampler &sampler, std::uint32_t dimension);
+/// One random path, from the camera on.
+struct Path {
+    Ray ray;               ///< From its latest vertex; at first from the camera.
+    const Sampler sampler; ///< Every random number of the path.
+    Color radiance{};      ///< What has been found so far of the radiance that arrives at the camera.
+
+    Color throughput{1, 1, 1};   ///< The product of value * cosine / density over its vertices.
+    Vec3 vertex{};               ///< The surface point that the ray left.
+    float direction_density = 0; ///< Per solid angle, with which the ray's direction was drawn there.
+};
+
+/// Takes the paths to their ends: each path's radiance is then an unbiased estimate of the radiance that arrives along
+/// its first ray. The paths use dimensions of their samplers from first_dimension on.
+///
+/// Paths of one call advance together, bounce by bounce, because several rays are traced at once much faster than one
+/// by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.
+void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension);
 
 } // namespace vantor

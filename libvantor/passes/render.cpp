@@ -76,23 +76,57 @@ std::vector<Imager> writable_imagers(const Registry &registry, const CallReport 
 constexpr std::uint32_t film_dimension = 0;
 constexpr std::uint32_t path_dimension = 1;
 
-// False if it was interrupted.
-bool render_pixels(const World &world, int samples, const Interrupt &interrupt, Picture &picture) {
-    const auto render_tile = [&](const PixelArea &tile) {
-        for (int y = tile.y0; y < tile.y1; ++y)
-            for (int x = tile.x0; x < tile.x1; ++x) {
-                PixelFilm pixel;
-                for (int s = 0; s < samples && !interrupt.requested(); ++s) {
+// Paths are traced in waves: some samples of all pixels of a block. The blocks are those of the whole picture, and a
+// window renders every block that it touches in full. So a path has the same company in every window, and no rounding
+// that depends on its neighbours in a packet of rays can make a difference.
+constexpr int block_side = 4;
+constexpr int wave_samples = 16;
+
+PixelArea whole_blocks(const PixelArea &window, int width, int height) {
+    const auto down = [](int x) { return x / block_side * block_side; };
+    const auto up = [](int x) { return (x + block_side - 1) / block_side * block_side; };
+    return {down(window.x0), down(window.y0), std::min(up(window.x1), width), std::min(up(window.y1), height)};
+}
+
+void render_block(const PixelArea &block, const World &world, int samples, const Interrupt &interrupt,
+                  Picture &picture) {
+    std::array<PixelFilm, block_side * block_side> film;
+    std::vector<Path> wave;
+    wave.reserve(film.size() * wave_samples);
+
+    for (int first = 0; first < samples && !interrupt.requested(); first += wave_samples) {
+        const int end = std::min(first + wave_samples, samples);
+        wave.clear();
+        for (int y = block.y0; y < block.y1; ++y)
+            for (int x = block.x0; x < block.x1; ++x)
+                for (int s = first; s < end; ++s) {
                     const Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
                                           static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(samples));
                     const Pair place = PixelFilm::position(x, y, sampler.pair(film_dimension));
                     const Ray ray = world.camera.ray(place.u, place.v, picture.full_width, picture.full_height);
-                    pixel.add(estimate_radiance(ray, world, sampler, path_dimension));
+                    wave.push_back({ray, sampler});
                 }
-                picture.at(x, y) = pixel.mean();
-            }
+        trace_paths(wave, world, path_dimension);
+        for (std::size_t i = 0; i < wave.size(); ++i)
+            film[i / static_cast<std::size_t>(end - first)].add(wave[i].radiance);
+    }
+
+    std::size_t pixel = 0;
+    for (int y = block.y0; y < block.y1; ++y)
+        for (int x = block.x0; x < block.x1; ++x, ++pixel)
+            if (picture.window.contains(x, y))
+                picture.at(x, y) = film[pixel].mean();
+}
+
+// False if it was interrupted.
+bool render_pixels(const World &world, int samples, const Interrupt &interrupt, Picture &picture) {
+    const auto render_tile = [&](const PixelArea &tile) {
+        for (int y = tile.y0; y < tile.y1; y += block_side)
+            for (int x = tile.x0; x < tile.x1; x += block_side)
+                render_block({x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)}, world,
+                             samples, interrupt, picture);
     };
-    return for_each_tile(picture.window, interrupt, render_tile);
+    return for_each_tile(whole_blocks(picture.window, picture.full_width, picture.full_height), interrupt, render_tile);
 }
 
 } // namespace

@@ -159,12 +159,12 @@ std::string complaint(const Parameter &parameter, const VtArgType &value, const 
     bool is_inside = true;
     bool is_zero = true;
     for (const double n : numbers) {
-        // Rendering computes in floats; beyond this, squared lengths overflow.
+        // Rendering computes in floats; beyond this, squares overflow.
         constexpr double largest = 1e18;
         if (!(std::fabs(n) <= largest))
             return joined({"is ", text_of(value), ", which is not usable (finite numbers up to 1e18 are)"});
-        is_inside &= range.includes_bounds ? n >= range.low && n <= range.high : n > range.low && n < range.high;
-        is_zero &= n == 0.0;
+        is_inside &= n >= range.low && n <= range.high;
+        is_zero &= std::fabs(n) < 1e-9;
     }
     if (is_inside && !(is_zero && range.excludes_zero_vector))
         return {};

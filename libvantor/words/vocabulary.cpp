@@ -5,24 +5,24 @@ namespace vantor {
 
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
 constexpr Range any{};
 constexpr Range not_negative{.low = 0.0, .text = "0 or more"};
-constexpr Range positive{.low = 0.0, .includes_bounds = false, .text = "more than 0"};
+// Far beyond any scene, and well within what floats can square twice.
+constexpr Range coordinate{.low = -1e9, .high = 1e9, .text = "-1e9 to 1e9"};
+constexpr Range direction{.low = -1e9, .high = 1e9, .excludes_zero_vector = true, .text = "-1e9 to 1e9, not all 0"};
+constexpr Range size{.low = 1e-9, .high = 1e9, .text = "1e-9 to 1e9"};
 constexpr Range fraction{.low = 0.0, .high = 1.0, .text = "0 to 1"};
-constexpr Range half_turn{.low = 0.0, .high = 180.0, .includes_bounds = false, .text = "more than 0, less than 180"};
+constexpr Range field_of_view{.low = 1e-3, .high = 179.0, .text = "0.001 to 179"};
 constexpr Range stops{.low = -100.0, .high = 100.0, .text = "-100 to 100"};
-constexpr Range direction{.excludes_zero_vector = true, .text = "not the zero vector"};
 
 constexpr std::array<double, 3> none{};
 
 constexpr Parameter perspective_parameters[] = {
-    {"position", ValueKind::Vector3, any, Presence::Default, {0, 0, 0}, "length", "where the camera stands"},
-    {"target", ValueKind::Vector3, any, Presence::Optional, none, "length",
+    {"position", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "where the camera stands"},
+    {"target", ValueKind::Vector3, coordinate, Presence::Optional, none, "length",
      "the point that it looks at; left out, it looks along -Z"},
     {"up", ValueKind::Vector3, direction, Presence::Default, {0, 1, 0}, "", "the direction that is up in the picture"},
-    {"fov", ValueKind::Number, half_turn, Presence::Default, {45}, "degrees", "vertical field of view"},
+    {"fov", ValueKind::Number, field_of_view, Presence::Default, {45}, "degrees", "vertical field of view"},
 };
 constexpr Type cameras[] = {
     {"perspective", "A pinhole camera.", perspective_parameters},
@@ -77,7 +77,7 @@ constexpr Parameter distant_parameters[] = {
      "the irradiance of a surface that faces the light"},
 };
 constexpr Parameter point_parameters[] = {
-    {"position", ValueKind::Vector3, any, Presence::Default, {0, 0, 0}, "length", "where the light stands"},
+    {"position", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "where the light stands"},
     {"intensity",
      ValueKind::Color,
      not_negative,
@@ -118,7 +118,7 @@ constexpr Parameter mesh_parameters[] = {
      "a texture coordinate for each point; counted, but nothing reads it yet"},
 };
 constexpr Parameter quad_parameters[] = {
-    {"origin", ValueKind::Vector3, any, Presence::Default, {0, 0, 0}, "length", "one corner of a parallelogram"},
+    {"origin", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "one corner of a parallelogram"},
     {"edge_u",
      ValueKind::Vector3,
      direction,
@@ -137,8 +137,8 @@ constexpr Parameter quad_parameters[] = {
      "four corners in place of origin and edges, counter-clockwise when seen from the front"},
 };
 constexpr Parameter sphere_parameters[] = {
-    {"center", ValueKind::Vector3, any, Presence::Default, {0, 0, 0}, "length", "its centre"},
-    {"radius", ValueKind::Number, positive, Presence::Default, {1}, "length", "its radius"},
+    {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
+    {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "its radius"},
 };
 constexpr Type objects[] = {
     {"box", "A box along the axes; its front is outside.", box_parameters},

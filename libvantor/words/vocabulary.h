@@ -28,9 +28,8 @@ enum class ValueKind {
 struct Range {
     double low = -std::numeric_limits<double>::infinity();
     double high = std::numeric_limits<double>::infinity();
-    bool includes_bounds = true;
-    bool excludes_zero_vector = false;
-    std::string_view text = ""; ///< As messages and the page state it.
+    bool excludes_zero_vector = false; ///< Or one so short that its direction is lost in floats: below 1e-9.
+    std::string_view text = "";        ///< As messages and the page state it.
 };
 
 enum class Presence {

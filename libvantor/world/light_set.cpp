@@ -171,14 +171,20 @@ void LightSet::add_emitters(const Placement &placement, Color radiance) {
 }
 
 bool LightSet::sample(Vec3 reference, double choice, Pair numbers, LightSample &result) const {
-    // The first share above the number. Sources without power have an empty share and are never found.
-    const auto above = std::upper_bound(shares_up_to.begin(), shares_up_to.end(), choice);
-    if (above == shares_up_to.end())
+    std::size_t index = 0;
+    if (has_choice()) {
+        // The first share above the number. Sources without power have an empty share and are never found.
+        const auto above = std::upper_bound(shares_up_to.begin(), shares_up_to.end(), choice);
+        if (above == shares_up_to.end())
+            return false;
+        index = static_cast<std::size_t>(above - shares_up_to.begin()) - 1;
+    } else if (is_empty()) {
         return false;
-    const auto index = static_cast<std::size_t>(above - shares_up_to.begin()) - 1;
+    }
     const auto chosen = static_cast<float>(choice_density(index));
 
-    result = {};
+    result.is_distant = false;
+    result.density = 0;
     const bool arrives = std::visit(
         [&](const auto &source) { return sample_source(source, reference, numbers, result); }, sources[index]);
     if (!arrives)
