@@ -175,6 +175,15 @@ class ArrayTests(Expectations):
             self.assert_fails(IndexError, None, self.assign, self.array, index, self.element(0))
         self.assert_holds(self.array, [0, 1, 2])
 
+    def test_a_subscript_may_be_any_object_with_an_index(self):
+        class Index:
+            def __index__(self):
+                return -1
+
+        self.assertEqual(tuple(specimens.numbers(self.array[Index()])), tuple(self.numbers(2)))
+        self.assertEqual(tuple(specimens.numbers(self.array[True])), tuple(self.numbers(1)))
+        self.assert_out_of_bounds(self.array.get, Index())
+
     def test_set_changes_one_element_and_no_other(self):
         for index, after in enumerate([[2, 1, 2], [0, 2, 2], [0, 1, 2]]):
             with self.subTest(index):
@@ -379,6 +388,19 @@ class ArrayTests(Expectations):
         self.assert_holds(self.array, [0, 1])
         self.array.setSize(3)
         self.assert_holds(self.array, [0, 1, 2])
+
+    def test_size_1_then_size_2_shows_the_former_element_1_of_a_kept_block(self):
+        array = self.make().setSize(3).set(0, self.element(0)).set(1, self.element(1))
+        array.setSize(1)
+        self.assert_holds(array, [0])
+        array.setSize(2)
+        self.assert_holds(array, [0, 1])
+
+    def test_size_1_then_size_2_shows_a_zero_where_the_block_was_released(self):
+        array = self.array_of(2).setSize(1)
+        self.assertEqual(block_counts(array), [1])
+        array.setSize(2)
+        self.assertEqual(self.read(array), [tuple(self.numbers(0)), self.zero()])
 
     def test_after_size_0_the_new_elements_are_zero(self):
         self.array.setSize(0).setSize(3)

@@ -183,6 +183,30 @@ class MatrixTests(Expectations):
         self.matrix.set(1.2, self.make_row(*self.other_row))
         self.assert_holds(self.matrix, [self.rows[0], self.other_row] + list(self.rows[2:]))
 
+    def test_a_conversion_that_changes_matrix_and_row_is_seen(self):
+        matrix, row = self.matrix, self.make_row(*self.rows[0])
+
+        class Index:
+            def __index__(self):
+                matrix.set(1, row)
+                row.set(0, 50.0)
+                return 0
+
+        matrix.set(Index(), row)
+        changed = [50.0] + list(self.rows[0][1:])
+        self.assert_holds(matrix, [changed, self.rows[0]] + list(self.rows[2:]))
+
+    def test_a_conversion_that_raises_leaves_the_matrix_as_it_was(self):
+        class Raises:
+            def __index__(self):
+                raise KeyError("under way")
+
+        self.assert_fails(KeyError, "under way", self.matrix.get, Raises())
+        self.assert_fails(
+            KeyError, "under way", self.matrix.set, Raises(), self.make_row(*self.other_row)
+        )
+        self.assert_holds(self.matrix, self.rows)
+
     def test_any_double_is_kept_as_it_is(self):
         special = [math.nan, math.inf, -0.0, 5e-324][: self.dimension]
         self.matrix.set(1, self.make_row(*special))

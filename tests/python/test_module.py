@@ -1,6 +1,9 @@
 """The module itself: its dictionary, its table of functions, its error class, import and exit."""
 
 import ctypes
+import random
+import sys
+import threading
 import types
 import unittest
 
@@ -163,6 +166,45 @@ class ErrorTest(Expectations, unittest.TestCase):
     def test_error_itself_is_no_SystemError(self):
         self.assertFalse(issubclass(vantorPM.error, SystemError))
         self.assertFalse(issubclass(SystemError, vantorPM.error))
+
+
+class ThreadTest(unittest.TestCase):
+    def test_threads_that_share_objects_take_turns(self):
+        array, vector, scene = vantorPM.vector3array(), vantorPM.vector3(1, 2, 3), vantorPM.scene()
+        surprises = []
+
+        def work(seed):
+            generator = random.Random(seed)
+            operations = [
+                lambda: array.setSize(generator.randrange(-1, 40)),
+                lambda: array.add(vector),
+                lambda: array.set(generator.randrange(10), vector),
+                lambda: array.get(generator.randrange(10)).normalize(),
+                lambda: repr(array),
+                lambda: [list(element) for element in array],
+                lambda: vector.set(generator.randrange(3), generator.random()),
+                lambda: scene.newObject("x", ["array", array, "vector", vector]),
+            ]
+            try:
+                for _ in range(2000):
+                    try:
+                        generator.choice(operations)()
+                    except IndexError:
+                        pass
+            except Exception as error:
+                surprises.append(error)
+
+        interval = sys.getswitchinterval()
+        sys.setswitchinterval(1e-6)
+        try:
+            threads = [threading.Thread(target=work, args=(seed,)) for seed in range(4)]
+            for thread in threads:
+                thread.start()
+            for thread in threads:
+                thread.join()
+        finally:
+            sys.setswitchinterval(interval)
+        self.assertEqual(surprises, [])
 
 
 class ImportTest(Scripts, unittest.TestCase):
