@@ -1,12 +1,14 @@
-"""What reaches the renderer: every call, in order, with its values, from construction to destruction.
+"""What reaches the renderer: every call, in order, with its values, from making to destruction.
 
 The module runs against the recording libVantor.so, the same binary that runs with the embedded one.
 """
 
 import os
+import re
 import signal
 import struct
 import unittest
+from textwrap import dedent
 
 import recording
 from recording import record, run
@@ -45,7 +47,12 @@ WITHOUT_ARGUMENTS = [
     ("radiosity", "Radiosity"),
 ]
 
-IDENTITY = "[[1.0, 0.0, 0.0, 0.0], [0.0, 1.0, 0.0, 0.0], [0.0, 0.0, 1.0, 0.0], [0.0, 0.0, 0.0, 1.0]]"
+IDENTITY = ("[[1.0, 0.0, 0.0, 0.0], [0.0, 1.0, 0.0, 0.0],"
+            " [0.0, 0.0, 1.0, 0.0], [0.0, 0.0, 0.0, 1.0]]")
+
+
+def setUpModule():
+    recording.build_folder()
 
 
 class RendererCalls(unittest.TestCase):
@@ -57,8 +64,8 @@ class RendererCalls(unittest.TestCase):
 
     def assert_scene_calls(self, script, *expected, **variables):
         """The script uses the scene `s`; these are its calls between the scene's own two."""
-        self.assert_calls("s = vantorPM.scene()\n" + script, "#1 = VtLocalSceneProxy(10240)",
-                          *expected, "~VtLocalSceneProxy #1", **variables)
+        self.assert_calls("s = vantorPM.scene()\n" + dedent(script),
+                          "#1 = VtLocalSceneProxy(10240)", *expected, "~VtLocalSceneProxy #1", **variables)
 
 
 class LibraryTest(RendererCalls):
@@ -227,11 +234,11 @@ class OperationTest(RendererCalls):
     def test_the_ids_of_the_renderer_come_back_unchanged(self):
         for number in (0, 5, -1, 2147483647, -2147483648):
             with self.subTest(id=number):
-                run = record("""
+                finished = record("""
                     s = vantorPM.scene()
                     print(s.newCamera('a', []), s.newTexture('b'), s.newTrimmer(None, [1]))
                     """, VANTOR_RECORD_ID=str(number))
-                self.assertEqual(run.output, "{0} {0} {0}\n".format(number))
+                self.assertEqual(finished.output, "{0} {0} {0}\n".format(number))
 
     def test_an_id_may_come_back_as_a_parameter_and_to_begin(self):
         self.assert_scene_calls(
@@ -264,7 +271,8 @@ class OperationTest(RendererCalls):
                     for method, _ in WITH_ID
                     for arguments in ("", "1, 2", "'1'", "None", "2147483648", "float('nan')")]
         refused += ["transformBegin({})".format(arguments)
-                    for arguments in ("", "1", "vantorPM.matrix4()", "None",
+                    for arguments in ("", "1", "None",
+                                      "vantorPM.matrix4array().setSize(1)[0]",
                                       "vantorPM.transform(), 1")]
         refused += ["render({})".format(arguments)
                     for arguments in ("", "1, 2", "1, 2, '3'", "1, 2, 3, 4, 5, 6, 7, 8",
@@ -278,7 +286,7 @@ class OperationTest(RendererCalls):
                 else:
                     raise AssertionError(text + " was accepted")
             """.format(refused)
-        self.assert_scene_calls("\n".join(part[12:] for part in script.split("\n")))
+        self.assert_scene_calls(script)
 
 
 class ParameterTest(RendererCalls):
@@ -362,9 +370,10 @@ class ParameterTest(RendererCalls):
     def test_reals_keep_every_bit(self):
         numbers = [0.1, -0.0, 1e300, 5e-324, 1.7976931348623157e308, 2.2250738585072011e-308,
                    float("inf"), float("-inf"), 1 / 3]
-        run = record("vantorPM.scene().newObject(None, [float.fromhex(x) for x in {!r}])".format(
-            [number.hex() for number in numbers]))
-        self.assertEqual([call["value"].hex() for call in run.named("VtArgType")],
+        finished = record("""
+            vantorPM.scene().newObject(None, [float.fromhex(x) for x in {!r}])
+            """.format([number.hex() for number in numbers]))
+        self.assertEqual([call["value"].hex() for call in finished.named("VtArgType")],
                          [number.hex() for number in numbers])
 
     def test_a_nan_stays_a_nan(self):
@@ -375,7 +384,7 @@ class ParameterTest(RendererCalls):
         self.assert_parameter("'stra\\u00dfe \\U0001f308'", "Text, 'straße 🌈'")
 
     def test_a_text_is_the_strings_own(self):
-        run = record("""
+        finished = record("""
             s = vantorPM.scene()
             ascii, other = 'some text ' * 3, 'stra\\u00dfe'
             import sys
@@ -384,28 +393,28 @@ class ParameterTest(RendererCalls):
             s.newObject(None, [other, ascii])
             """)
         ascii_, other, other_again, ascii_again = [call["address"]
-                                                   for call in run.named("VtArgType")]
+                                                   for call in finished.named("VtArgType")]
         self.assertEqual((ascii_, other), (ascii_again, other_again))
-        begin, size = map(int, run.output.split())
+        begin, size = map(int, finished.output.split())
         self.assertTrue(begin < ascii_ < begin + size)
 
     def test_values_are_copies(self):
         self.assert_scene_calls(
             """
             v = vantorPM.vector3(1, 2, 3)
-            m = vantorPM.matrix2()
+            m = vantorPM.matrix2(vantorPM.vector2(1, 2), vantorPM.vector2(3, 4))
             s.newObject('before', [v, m])
-            v.set(9, 9, 9)
+            v.set(1, 9)
             m.set(0, vantorPM.vector2(5, 6))
             s.newObject('after', [v, m])
             """,
             "#2 = VtArgList(0, 0)",
             "#3 = VtArgType(Vector3, [1.0, 2.0, 3.0])", "#2.Add(#3)", "~VtArgType #3",
-            "#4 = VtArgType(Matrix2, [[0.0, 0.0], [0.0, 0.0]])", "#2.Add(#4)", "~VtArgType #4",
+            "#4 = VtArgType(Matrix2, [[1.0, 2.0], [3.0, 4.0]])", "#2.Add(#4)", "~VtArgType #4",
             "#1.NewObject('before', #2) -> 1", "~VtArgList #2",
             "#5 = VtArgList(0, 0)",
-            "#6 = VtArgType(Vector3, [9.0, 9.0, 9.0])", "#5.Add(#6)", "~VtArgType #6",
-            "#7 = VtArgType(Matrix2, [[5.0, 6.0], [0.0, 0.0]])", "#5.Add(#7)", "~VtArgType #7",
+            "#6 = VtArgType(Vector3, [1.0, 9.0, 3.0])", "#5.Add(#6)", "~VtArgType #6",
+            "#7 = VtArgType(Matrix2, [[5.0, 6.0], [3.0, 4.0]])", "#5.Add(#7)", "~VtArgType #7",
             "#1.NewObject('after', #5) -> 2", "~VtArgList #5")
 
     def test_an_array_is_the_objects_own_container_whatever_its_size(self):
@@ -413,7 +422,7 @@ class ParameterTest(RendererCalls):
                  "matrix2array", "matrix3array", "matrix4array", "transformarray")
         for name in names:
             with self.subTest(name=name):
-                run = record("""
+                finished = record("""
                     s = vantorPM.scene()
                     a, other = vantorPM.{0}(), vantorPM.{0}()
                     s.newObject(None, [a, other])
@@ -422,14 +431,14 @@ class ParameterTest(RendererCalls):
                     a.setSize(5000)
                     s.newObject(None, [a, a])
                     """.format(name))
-                arrays = run.named("VtArgType")
+                arrays = finished.named("VtArgType")
                 self.assertEqual([call["size"] for call in arrays], [0, 0, 3, 5000, 5000])
                 own = arrays[0]["address"]
                 self.assertEqual([call["address"] == own for call in arrays],
                                  [True, False, True, True, True])
 
     def test_an_array_is_read_as_it_is_at_the_time_of_the_call(self):
-        run = record("""
+        finished = record("""
             s = vantorPM.scene()
             a = vantorPM.intarray().add(1).add(2).add(3)
             s.newObject(None, [a])
@@ -439,11 +448,11 @@ class ParameterTest(RendererCalls):
             a.setSize(-1)
             s.newObject(None, [a])
             """)
-        self.assertEqual([(call["size"], call["value"]) for call in run.named("VtArgType")],
+        self.assertEqual([(call["size"], call["value"]) for call in finished.named("VtArgType")],
                          [(3, [1, 2, 3]), (2, [1, 7]), (-1, [])])
 
     def test_a_large_array_arrives_whole(self):
-        run = record("""
+        finished = record("""
             a = vantorPM.floatarray()
             for i in range(1000):
                 a.add(i / 7)
@@ -452,7 +461,7 @@ class ParameterTest(RendererCalls):
         checksum = 0xcbf29ce484222325
         for byte in struct.pack("1000d", *[i / 7 for i in range(1000)]):
             checksum = (checksum ^ byte) * 0x100000001b3 % 2**64
-        call, = run.named("VtArgType")
+        call, = finished.named("VtArgType")
         self.assertEqual((call["size"], call["checksum"]), (1000, checksum))
 
     def test_the_same_object_may_stand_twice(self):
@@ -465,10 +474,10 @@ class ParameterTest(RendererCalls):
                                 "#1.NewObject(None, #2) -> 1", "~VtArgList #2")
 
     def test_a_long_list(self):
-        run = record("vantorPM.scene().newObject('o', list(range(2000)))")
-        self.assertEqual([call["value"] for call in run.named("VtArgType")], list(range(2000)))
-        self.assertEqual(run.named("NewObject")[0]["count"], 2000)
-        self.assertEqual(len(run.named("~VtArgType")), 2000)
+        finished = record("vantorPM.scene().newObject('o', list(range(2000)))")
+        self.assertEqual([call["value"] for call in finished.named("VtArgType")], list(range(2000)))
+        self.assertEqual(finished.named("NewObject")[0]["count"], 2000)
+        self.assertEqual(len(finished.named("~VtArgType")), 2000)
 
     def test_a_list_is_left_as_it_was(self):
         self.assert_scene_calls("l = []\ns.newObject(None, l)\nassert l == []", EMPTY_LIST[0],
@@ -488,12 +497,11 @@ class FailedConversionTest(RendererCalls):
         """
 
     def assert_failure(self, method, elements, error, text, *expected):
-        script = "s = vantorPM.scene()\n" + "\n".join(
-            part[8:] for part in self.ATTEMPT.format(method, elements, error).split("\n"))
-        run = record(script)
-        self.assertEqual(run.lines(), ["#1 = VtLocalSceneProxy(10240)", *expected,
+        attempt = self.ATTEMPT.format(method, elements, error)
+        finished = record("s = vantorPM.scene()\n" + dedent(attempt))
+        self.assertEqual(finished.lines(), ["#1 = VtLocalSceneProxy(10240)", *expected,
                                        "~VtLocalSceneProxy #1"])
-        self.assertIn(text, run.output)
+        self.assertIn(text, finished.output)
 
     def test_the_values_before_the_failing_one_were_added(self):
         for method, _ in CREATION_WITH_LIST:
@@ -568,16 +576,16 @@ class TransformTest(RendererCalls):
             "Zero()", "Identity()", "ReflectionOnXY()")
 
     def test_the_operations_set_the_objects_own_value(self):
-        run = record("""
+        finished = record("""
             t, other = vantorPM.transform(), vantorPM.transform()
             t.identity().rotationAroundX(30).scaling(vantorPM.vector3(1, 2, 3))
             other.identity()
             print(t)
             """)
-        first, second, third, other = [call["address"] for call in run.calls]
+        first, second, third, other = [call["address"] for call in finished.calls]
         self.assertEqual([first, second, third], [first] * 3)
         self.assertNotEqual(other, first)
-        self.assertEqual(run.output,
+        self.assertEqual(finished.output,
                          "transform( (1, 0, 0, 0), (0, 2, 0, 0), (0, 0, 3, 0), (0, 0, 0, 1) )\n")
 
     def test_everything_else_is_the_modules_own(self):
@@ -590,7 +598,8 @@ class TransformTest(RendererCalls):
 
     def test_refused_arguments_call_nothing(self):
         self.assert_calls("""
-            t, v3, v4 = vantorPM.transform(), vantorPM.vector3(), vantorPM.vector4()
+            t = vantorPM.transform()
+            v3, v4 = vantorPM.vector3(1, 2, 3), vantorPM.vector4(1, 2, 3, 4)
             for method, arguments in (
                 ('scaling', (v4,)), ('scaling', ()), ('translation', (v3, v3)),
                 ('alignmentToZ', (1,)), ('alignmentTo', (v3,)), ('alignmentTo', (v3, v4)),
@@ -606,7 +615,7 @@ class TransformTest(RendererCalls):
             """)
 
     def test_transform_begin_passes_a_copy(self):
-        run = record("""
+        finished = record("""
             s = vantorPM.scene()
             t = vantorPM.transform().identity()
             assert s.transformBegin(t) is None
@@ -614,7 +623,7 @@ class TransformTest(RendererCalls):
             s.transformBegin(t)
             s.transformEnd()
             """)
-        self.assertEqual(run.lines(), [
+        self.assertEqual(finished.lines(), [
             "#1 = VtLocalSceneProxy(10240)",
             "Identity()",
             "#1.TransformBegin({})".format(IDENTITY),
@@ -623,8 +632,8 @@ class TransformTest(RendererCalls):
             "#1.TransformEnd()",
             "~VtLocalSceneProxy #1",
         ])
-        own = run.named("VtTransform::Identity")[0]["address"]
-        self.assertNotIn(own, [call["address"] for call in run.named("TransformBegin")])
+        own = finished.named("VtTransform::Identity")[0]["address"]
+        self.assertNotIn(own, [call["address"] for call in finished.named("TransformBegin")])
 
 
 class SplineTest(RendererCalls):
@@ -641,84 +650,87 @@ class SplineTest(RendererCalls):
             """)
 
     def test_a_basis_arrives_row_by_row(self):
-        run = record("print(vantorPM.BezierBasis())")
-        self.assertEqual(run.output,
-                         "[ (-1, 3, -3, 1), (3, -6, 3, 0), (-3, 3, 0, 0), (1, 0, 0, 0) ]\n")
+        finished = record("print(vantorPM.BezierBasis())")
+        self.assertEqual(finished.output,
+                         "matrix4( (-1, 3, -3, 1), (3, -6, 3, 0), (-3, 3, 0, 0), (1, 0, 0, 0) )\n")
 
 
 class NativeExceptionTest(RendererCalls):
-    """Exceptions of the library pass through the module: its temporaries go, nothing is converted."""
+    """The library's exceptions pass through the module: its temporaries go, nothing is converted."""
 
-    def thrown(self, throw, script):
-        """The calls of a script in which `call` makes a call under the fault and prints what came."""
-        run = record("""
-            from vantor_probe import call_catching
-            def call(function, *arguments):
-                os.environ["VANTOR_RECORD_THROW"] = {!r}
-                try:
-                    print(call_catching(function, *arguments))
-                finally:
-                    del os.environ["VANTOR_RECORD_THROW"]
-            """.format(throw).replace("            ", "") + script)
-        self.assertEqual(run.output, throw.rsplit(":", 1)[0] + " throws\n"
-                         if throw[-1].isdigit() else throw + " throws\n")
-        return run.lines()
+    CALL = dedent("""
+        from vantor_probe import call_catching
+
+        def call(function, *arguments):
+            os.environ["VANTOR_RECORD_THROW"] = {!r}
+            print(call_catching(function, *arguments))
+            del os.environ["VANTOR_RECORD_THROW"]
+        """)
+
+    def thrown(self, throw, script, times=1):
+        """A script in which `call` makes a call under the fault and prints what came of it."""
+        finished = record(self.CALL.format(throw) + dedent(script))
+        self.assertEqual(finished.output, (re.sub(r":\d+$", "", throw) + " throws\n") * times)
+        return finished
+
+    def assert_thrown(self, throw, script, *expected):
+        """The fault arrives uncaught, and these are all the script's calls."""
+        self.assertEqual(self.thrown(throw, script).lines(), list(expected))
 
     def test_from_a_value(self):
-        self.assertEqual(
-            self.thrown("VtArgType:2", "s = vantorPM.scene()\ncall(s.newLight, 'x', [1, 2.5, 3])"),
-            ["#1 = VtLocalSceneProxy(10240)",
-             "#2 = VtArgList(0, 0)",
-             "#3 = VtArgType(Long, 1)", "#2.Add(#3)", "~VtArgType #3",
-             "#4 = VtArgType(Double, 2.5) throws",
-             "~VtArgList #2",
-             "~VtLocalSceneProxy #1"])
+        self.assert_thrown("VtArgType:2",
+                           "s = vantorPM.scene()\ncall(s.newLight, 'x', [1, 2.5, 3])",
+                           "#1 = VtLocalSceneProxy(10240)",
+                           "#2 = VtArgList(0, 0)",
+                           "#3 = VtArgType(Long, 1)", "#2.Add(#3)", "~VtArgType #3",
+                           "#4 = VtArgType(Double, 2.5) throws",
+                           "~VtArgList #2",
+                           "~VtLocalSceneProxy #1")
 
     def test_from_a_value_of_every_kind(self):
         elements = ["1", "1.5", "'text'", "'stra\\u00dfe'"]
-        elements += ["vantorPM.{}()".format(name) for name in (
-            "vector2", "vector3", "vector4", "matrix2", "matrix3", "matrix4", "transform",
-            "intarray", "floatarray", "vector2array", "vector3array", "vector4array",
-            "matrix2array", "matrix3array", "matrix4array", "transformarray")]
-        for element in elements:
-            for throw in ("VtArgType", "VtArgList::Add"):
-                with self.subTest(element=element, throw=throw):
-                    lines = self.thrown(
-                        throw, "s = vantorPM.scene()\ncall(s.newLight, 'x', [{}])".format(element))
-                    end = ["~VtArgType #3"] if throw == "VtArgList::Add" else []
-                    self.assertTrue(lines[-3 - len(end)].endswith(" throws"))
-                    self.assertEqual(lines[-2 - len(end):],
-                                     end + ["~VtArgList #2", "~VtLocalSceneProxy #1"])
+        arrays = ["vantorPM.{}array()".format(name) for name in (
+            "int", "float", "vector2", "vector3", "vector4", "matrix2", "matrix3", "matrix4",
+            "transform")]
+        elements += arrays + [array + ".setSize(1)[0]" for array in arrays]
+        script = """
+            s = vantorPM.scene()
+            for element in [{}]:
+                call(s.newLight, 'x', [element])
+            """.format(", ".join(elements))
+        for throw, between in (("VtArgType", ["VtArgType"]),
+                               ("VtArgList::Add", ["VtArgType", "VtArgList::Add", "~VtArgType"])):
+            with self.subTest(throw=throw):
+                calls = self.thrown(throw, script, times=len(elements)).calls[1:-1]
+                self.assertEqual([call["call"] for call in calls],
+                                 ["VtArgList", *between, "~VtArgList"] * len(elements))
 
     def test_from_adding(self):
-        self.assertEqual(
-            self.thrown("VtArgList::Add:2",
-                        "s = vantorPM.scene()\ncall(s.newLight, 'x', [1, 2.5, 3])"),
-            ["#1 = VtLocalSceneProxy(10240)",
-             "#2 = VtArgList(0, 0)",
-             "#3 = VtArgType(Long, 1)", "#2.Add(#3)", "~VtArgType #3",
-             "#4 = VtArgType(Double, 2.5)", "#2.Add(#4) throws", "~VtArgType #4",
-             "~VtArgList #2",
-             "~VtLocalSceneProxy #1"])
+        self.assert_thrown("VtArgList::Add:2",
+                           "s = vantorPM.scene()\ncall(s.newLight, 'x', [1, 2.5, 3])",
+                           "#1 = VtLocalSceneProxy(10240)",
+                           "#2 = VtArgList(0, 0)",
+                           "#3 = VtArgType(Long, 1)", "#2.Add(#3)", "~VtArgType #3",
+                           "#4 = VtArgType(Double, 2.5)", "#2.Add(#4) throws", "~VtArgType #4",
+                           "~VtArgList #2",
+                           "~VtLocalSceneProxy #1")
 
     def test_from_making_the_list(self):
-        self.assertEqual(
-            self.thrown("VtArgList", "s = vantorPM.scene()\ncall(s.newLight, 'x', [1])"),
-            ["#1 = VtLocalSceneProxy(10240)", "#2 = VtArgList(0, 0) throws",
-             "~VtLocalSceneProxy #1"])
+        self.assert_thrown("VtArgList", "s = vantorPM.scene()\ncall(s.newLight, 'x', [1])",
+                           "#1 = VtLocalSceneProxy(10240)", "#2 = VtArgList(0, 0) throws",
+                           "~VtLocalSceneProxy #1")
 
     def test_from_every_creation_call(self):
         for method, operation in CREATION_WITH_LIST:
             with self.subTest(method=method):
-                self.assertEqual(
-                    self.thrown(operation,
-                                "s = vantorPM.scene()\ncall(s.{}, 'x', [1])".format(method)),
-                    ["#1 = VtLocalSceneProxy(10240)",
-                     "#2 = VtArgList(0, 0)",
-                     "#3 = VtArgType(Long, 1)", "#2.Add(#3)", "~VtArgType #3",
-                     "#1.{}('x', #2) -> 1 throws".format(operation),
-                     "~VtArgList #2",
-                     "~VtLocalSceneProxy #1"])
+                self.assert_thrown(operation,
+                                   "s = vantorPM.scene()\ncall(s.{}, 'x', [1])".format(method),
+                                   "#1 = VtLocalSceneProxy(10240)",
+                                   "#2 = VtArgList(0, 0)",
+                                   "#3 = VtArgType(Long, 1)", "#2.Add(#3)", "~VtArgType #3",
+                                   "#1.{}('x', #2) -> 1 throws".format(operation),
+                                   "~VtArgList #2",
+                                   "~VtLocalSceneProxy #1")
 
     def test_from_every_other_operation(self):
         calls = [("newTexture, 'x'", "NewTexture", "NewTexture('x') -> 1"),
@@ -729,30 +741,32 @@ class NativeExceptionTest(RendererCalls):
         calls += [(method, operation, operation + "()") for method, operation in WITHOUT_ARGUMENTS]
         for call, operation, text in calls:
             with self.subTest(operation=operation):
-                self.assertEqual(
-                    self.thrown(operation, "s = vantorPM.scene()\ncall(s.{})".format(call)),
-                    ["#1 = VtLocalSceneProxy(10240)", "#1." + text + " throws",
-                     "~VtLocalSceneProxy #1"])
+                self.assert_thrown(operation, "s = vantorPM.scene()\ncall(s.{})".format(call),
+                                   "#1 = VtLocalSceneProxy(10240)", "#1." + text + " throws",
+                                   "~VtLocalSceneProxy #1")
 
     def test_from_making_the_proxy(self):
-        self.assertEqual(self.thrown("VtLocalSceneProxy", "call(vantorPM.scene, 5)"),
-                         ["#1 = VtLocalSceneProxy(5) throws"])
+        self.assert_thrown("VtLocalSceneProxy", "call(vantorPM.scene, 5)",
+                           "#1 = VtLocalSceneProxy(5) throws")
 
     def test_from_a_transform_operation_or_a_basis(self):
-        self.assertEqual(
-            self.thrown("VtTransform::Identity", "call(vantorPM.transform().identity)"),
-            ["Identity() throws"])
-        self.assertEqual(self.thrown("VtHermiteBasis", "call(vantorPM.HermiteBasis)"),
-                         ["VtHermiteBasis() throws"])
+        self.assert_thrown("VtTransform::Identity", "call(vantorPM.transform().identity)",
+                           "Identity() throws")
+        self.assert_thrown("VtHermiteBasis", "call(vantorPM.HermiteBasis)",
+                           "VtHermiteBasis() throws")
 
     def test_the_scene_works_on(self):
-        lines = self.thrown("NewLight", """
-s = vantorPM.scene()
-call(s.newLight, 'x', [1])
-s.newLight('y', [])
-""")
-        self.assertEqual(lines[-4:], ["#4 = VtArgList(0, 0)", "#1.NewLight('y', #4) -> 2",
-                                      "~VtArgList #4", "~VtLocalSceneProxy #1"])
+        self.assert_thrown("NewLight",
+                           """
+                           s = vantorPM.scene()
+                           call(s.newLight, 'x', [])
+                           s.newLight('y', [])
+                           """,
+                           "#1 = VtLocalSceneProxy(10240)",
+                           "#2 = VtArgList(0, 0)", "#1.NewLight('x', #2) -> 1 throws",
+                           "~VtArgList #2",
+                           "#3 = VtArgList(0, 0)", "#1.NewLight('y', #3) -> 2", "~VtArgList #3",
+                           "~VtLocalSceneProxy #1")
 
     def test_nothing_in_the_module_catches(self):
         finished = run("vantorPM.scene().newLight('x', [1])", VANTOR_RECORD_THROW="NewLight")

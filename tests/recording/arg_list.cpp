@@ -28,7 +28,7 @@ void VtArgList::Add(const VtArgType &value) {
     ListContent &own = content(*this);
     recording::Call("VtArgList::Add", ++places.added)
         .with("object", own.serial)
-        .with("value", content(value).serial)
+        .with("added", content(value).serial)
         .done();
     own.values.push_back(unrecorded_copy(value));
 }

@@ -12,7 +12,8 @@
 //
 // Each line has "call", the name of the function as C++ spells it (constructors and destructors too), and then the
 // arguments by name. Proxies, lists and values are known by serial numbers, one sequence for all, so that each
-// construction can be matched with its destruction. Reals are written in scientific form, the shortest that reads back
+// construction can be matched with its destruction: "object" is the one made, destroyed or called, "list" and "added"
+// are arguments. Creation calls end with "result". Reals are written in scientific form, the shortest that reads back
 // as the same double, and as NaN, Infinity and -Infinity; pointers as integers. Python's json reads all of it.
 //
 // Faults come from the environment, which is read again at each call, so that a test can switch them in its own

@@ -26,7 +26,7 @@ void act(const char *name, void *record, VtLong id) { operation(name, record).wi
 
 VtLong create(Call &call, void *record) {
     const VtLong id = recording::id_or(++static_cast<Scene *>(record)->last_id);
-    call.with("id", id).done();
+    call.with("result", id).done();
     return id;
 }
 
