@@ -52,7 +52,7 @@ FOREIGN = [
     (r"embree\d/.*|rtcore.*", r"libvantor/geometry/.*"),
     (r"png\.h|Imf.*|OpenEXR/.*|Imath/.*|Imath\w+\.h|half\.h|jpeglib\.h|turbojpeg\.h",
      r"libvantor/pictures/.*|tests/libvantor/.*"),
-    (r"(oneapi/)?tbb/.*", r"libvantor/base/.*"),
+    (r"(oneapi/)?tbb/.*", r"libvantor/base/.*|tests/libvantor/.*"),
 ]
 
 INCLUDE = re.compile(r'\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)(.*)')

@@ -8,7 +8,9 @@ function(vantor_python_facts prefix interpreter)
     execute_process(
         COMMAND
             ${interpreter} -c
-            "import sys, sysconfig as s; print(sys.executable, s.get_path('include'), s.get_config_var('EXT_SUFFIX'), s.get_path('platlib'), '%d.%d' % sys.version_info[:2], sep=';')"
+            "import sys, sysconfig as s; \
+             print(sys.executable, s.get_path('include'), s.get_config_var('EXT_SUFFIX'), s.get_path('platlib'), \
+             '%d.%d' % sys.version_info[:2], sep=';')"
         OUTPUT_VARIABLE facts
         OUTPUT_STRIP_TRAILING_WHITESPACE
         RESULT_VARIABLE failed)
