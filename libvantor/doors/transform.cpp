@@ -107,6 +107,11 @@ void VtTransform::AlignmentTo(const VtVector3 &from, const VtVector3 &to) {
     // Two unit vectors nearer to a line than this differ from it by rounding only, and their cross product is noise.
     constexpr double rounding = 1e-15;
     if (angle.sine > rounding) {
+        // Between nearly opposite directions the axis has few good digits, and needs none but those that keep it at
+        // right angles to the start.
+        axis.Normalize();
+        const double along = dot(axis, start);
+        axis = {axis[0] - along * start[0], axis[1] - along * start[1], axis[2] - along * start[2]};
         axis.Normalize();
         const double length = std::hypot(angle.cosine, angle.sine);
         angle = {angle.cosine / length, angle.sine / length};

@@ -1,0 +1,386 @@
+// Every kind of diagnostic, as the text that a script's author reads.
+#include "tests/libvantor/scripted_scene.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+using scripted::errors_of;
+using scripted::List;
+using scripted::Scene;
+
+const VtVector3 zero(0, 0, 0);
+
+template <class... Values> std::string camera_errors(const char *type, const Values &...values) {
+    Scene scene;
+    List list(values...);
+    return errors_of([&] { EXPECT_EQ(scene.NewCamera(type, list), 1); });
+}
+
+template <class... Values> std::string object_errors(const char *type, const Values &...values) {
+    Scene scene;
+    List list(values...);
+    return errors_of([&] { EXPECT_EQ(scene.NewObject(type, list), 1); });
+}
+
+template <class... Values> std::string light_errors(const char *type, const Values &...values) {
+    Scene scene;
+    List list(values...);
+    return errors_of([&] { EXPECT_EQ(scene.NewLight(type, list), 1); });
+}
+
+TEST(Diagnostics, NothingToSay) {
+    EXPECT_EQ(camera_errors("perspective", "position", VtVector3(0, 0, 3), "target", zero, "fov", 40.0), "");
+    EXPECT_EQ(camera_errors("perspective", "fov", 40), "");
+    EXPECT_EQ(light_errors("point", "intensity", VtVector3(1, 2, 3)), "");
+    EXPECT_EQ(light_errors("point", "intensity", 3), "");
+    EXPECT_EQ(object_errors("box"), "");
+}
+
+TEST(Diagnostics, Types) {
+    EXPECT_EQ(light_errors("pont"), "vantor: newLight \"pont\": unknown type (did you mean \"point\"?)\n");
+    EXPECT_EQ(light_errors("candle"),
+              "vantor: newLight \"candle\": unknown type (known: \"area\", \"distant\", \"point\")\n");
+    EXPECT_EQ(light_errors(nullptr), "vantor: newLight: no type given (known: \"area\", \"distant\", \"point\")\n");
+    EXPECT_EQ(camera_errors(""), "vantor: newCamera \"\": unknown type (known: \"perspective\")\n");
+
+    Scene scene;
+    List list;
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture("wood"), 1); }),
+              "vantor: newTexture \"wood\": unknown type (textures have no types yet)\n");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("wood", list), 2); }),
+              "vantor: newPattern \"wood\": unknown type (patterns have no types yet)\n");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTrimmer("curve", list), 3); }),
+              "vantor: newTrimmer \"curve\": unknown type (trimmers have no types yet)\n");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewInterior(nullptr, list), 4); }),
+              "vantor: newInterior: unknown type (interiors have no types yet)\n");
+}
+
+TEST(Diagnostics, ParameterNames) {
+    EXPECT_EQ(camera_errors("perspective", "position", zero, "fo", 45.0),
+              "vantor: newCamera \"perspective\": item 2: unknown parameter \"fo\" (did you mean \"fov\"?)\n");
+    EXPECT_EQ(camera_errors("perspective", "lens", 45.0, "fov", 30),
+              "vantor: newCamera \"perspective\": item 0: unknown parameter \"lens\" (known: \"position\", \"target\", "
+              "\"up\", \"fov\")\n");
+    EXPECT_EQ(camera_errors("perspective", 5, "fov", 30, zero),
+              "vantor: newCamera \"perspective\": item 0: an integer where a parameter name should be\n"
+              "vantor: newCamera \"perspective\": item 3: a vector3 where a parameter name should be\n");
+    EXPECT_EQ(camera_errors("perspective", "fov"),
+              "vantor: newCamera \"perspective\": item 0: parameter \"fov\" has no value (number is wanted)\n");
+    EXPECT_EQ(camera_errors("perspective", "fov", 30, "fov", 40),
+              "vantor: newCamera \"perspective\": item 3: parameter \"fov\" is given twice (the later value counts)\n");
+}
+
+TEST(Diagnostics, ParameterValues) {
+    EXPECT_EQ(camera_errors("perspective", "fov", zero),
+              "vantor: newCamera \"perspective\": item 1: parameter \"fov\" is a vector3 (number is wanted)\n");
+    EXPECT_EQ(light_errors("point", "position", 1.0),
+              "vantor: newLight \"point\": item 1: parameter \"position\" is a number (vector3 is wanted)\n");
+    EXPECT_EQ(light_errors("point", "intensity", "bright"),
+              "vantor: newLight \"point\": item 1: parameter \"intensity\" is a text (colour (vector3 or number) is "
+              "wanted)\n");
+    EXPECT_EQ(camera_errors("perspective", "fov", 190.0),
+              "vantor: newCamera \"perspective\": item 1: parameter \"fov\" is 190, which is out of range (0.001 to "
+              "179)\n");
+    EXPECT_EQ(
+        camera_errors("perspective", "fov", std::nan("")),
+        "vantor: newCamera \"perspective\": item 1: parameter \"fov\" is nan, which is not usable (finite numbers "
+        "up to 1e18 are)\n");
+    EXPECT_EQ(light_errors("distant", "direction", zero),
+              "vantor: newLight \"distant\": item 1: parameter \"direction\" is (0, 0, 0), which is out of range (-1e9 "
+              "to 1e9, not all 0)\n");
+    EXPECT_EQ(light_errors("area", "radiance", VtVector3(1, -0.5, 1)),
+              "vantor: newLight \"area\": item 1: parameter \"radiance\" is (1, -0.5, 1), which is out of range (0 or "
+              "more)\n");
+    EXPECT_EQ(object_errors("mesh"), "vantor: newObject \"mesh\": parameter \"points\" is missing (vector3array: the "
+                                     "corners of the triangles)\n"
+                                     "vantor: newObject \"mesh\": parameter \"triangles\" is missing (intarray: three "
+                                     "indices of points, from 0, for each triangle)\n");
+}
+
+TEST(Diagnostics, TextsOfScriptsStayOnOneLine) {
+    EXPECT_EQ(camera_errors("a\nb\x1b"), "vantor: newCamera \"a?b?\": unknown type (known: \"perspective\")\n");
+    const std::string name(1000, 'x');
+    EXPECT_EQ(camera_errors("perspective", name.c_str(), 1),
+              "vantor: newCamera \"perspective\": item 0: unknown parameter \"" + std::string(60, 'x') +
+                  "...\" (known: \"position\", \"target\", \"up\", \"fov\")\n");
+    // Not cut inside a character.
+    std::string euros;
+    for (int i = 0; i < 40; ++i)
+        euros += "\u20ac";
+    EXPECT_EQ(camera_errors(("a" + euros).c_str()).find("\xe2\x82..."), std::string::npos);
+}
+
+TEST(Diagnostics, Cameras) {
+    EXPECT_EQ(camera_errors("perspective", "target", zero),
+              "vantor: newCamera \"perspective\": item 1: parameter \"target\" is the camera's position (the camera "
+              "looks along -Z)\n");
+    EXPECT_EQ(
+        camera_errors("perspective", "up", VtVector3(0, 0, 2)),
+        "vantor: newCamera \"perspective\": item 1: parameter \"up\" is along the line of sight (another direction "
+        "is up)\n");
+    EXPECT_EQ(camera_errors("perspective", "target", VtVector3(0, 1, 0)),
+              "vantor: newCamera \"perspective\": the line of sight is along the default \"up\" (0, 1, 0) (another "
+              "direction is up)\n");
+}
+
+TEST(Diagnostics, Meshes) {
+    scripted::Points points;
+    scripted::fill(points, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {NAN, 0, 0}, {2, 0, 0}});
+    const auto errors = [&](const std::vector<VtLong> &indices) {
+        scripted::Indices triangles;
+        scripted::fill(triangles, indices);
+        return object_errors("mesh", "points", points, "triangles", triangles);
+    };
+    EXPECT_EQ(errors({0, 1, 2}), "");
+    EXPECT_EQ(errors({0, 1, 2, 0, 1, 5, 0, 1, -1}),
+              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out 2 triangles, the first of them 1 "
+              "(indices from 0 to 4 are wanted)\n");
+    EXPECT_EQ(errors({0, 1, 2, 0, 1, 3}),
+              "vantor: newObject \"mesh\": item 1: parameter \"points\" leaves out 1 triangles, the first of them 1 "
+              "(finite coordinates up to 1e9 are wanted)\n");
+    EXPECT_EQ(errors({0, 1, 4, 0, 1, 2}),
+              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out 1 triangles, the first of them 0 "
+              "(corners that span an area are wanted)\n");
+    EXPECT_EQ(errors({0, 1, 2, 0, 1}),
+              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" has 5 indices (three for each triangle are "
+              "wanted); the rest is left out\n");
+    EXPECT_EQ(errors({}), "vantor: newObject \"mesh\": the mesh has no usable triangle; nothing of it will be seen\n");
+
+    scripted::Indices triangles;
+    scripted::fill(triangles, {0, 1, 2});
+    scripted::Points normals;
+    scripted::fill(normals, {{0, 0, 1}, {0, 0, 1}});
+    VtInstanceArray<VtVector2> uvs;
+    EXPECT_EQ(
+        object_errors("mesh", "points", points, "triangles", triangles, "normals", normals, "uvs", uvs),
+        "vantor: newObject \"mesh\": item 5: parameter \"normals\" has 2 elements (one for each of the 5 points is "
+        "wanted); it is left out\n"
+        "vantor: newObject \"mesh\": item 7: parameter \"uvs\" has 0 elements (one for each of the 5 points is "
+        "wanted); it is left out\n");
+    scripted::fill(normals, {{0, 0, 1}, {0, 0, 0}, {0, 0, 1}});
+    EXPECT_EQ(object_errors("mesh", "points", points, "triangles", triangles, "normals", normals),
+              "vantor: newObject \"mesh\": item 5: parameter \"normals\" has zero or unusable vectors (directions are "
+              "wanted); it is left out\n");
+}
+
+TEST(Diagnostics, OtherShapes) {
+    scripted::Points three;
+    scripted::fill(three, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
+    EXPECT_EQ(object_errors("quad", "corners", three),
+              "vantor: newObject \"quad\": item 1: parameter \"corners\" has 3 elements (four are wanted); nothing of "
+              "the quad will be seen\n");
+    scripted::Points four;
+    scripted::fill(four, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
+    EXPECT_EQ(object_errors("quad", "corners", four, "edge_u", VtVector3(1, 0, 0)),
+              "vantor: newObject \"quad\": item 3: parameter \"edge_u\" has no effect beside \"corners\"\n");
+    EXPECT_EQ(object_errors("quad", "edge_u", VtVector3(0, 2, 0)),
+              "vantor: newObject \"quad\": the quad has no area, or corners beyond 1e9; nothing of it will be seen\n");
+    EXPECT_EQ(object_errors("box", "min", VtVector3(2, 0, 0)),
+              "vantor: newObject \"box\": the box has no inside, as \"min\" is not below \"max\" everywhere, or it "
+              "reaches beyond 1e9; nothing of it will be seen\n");
+    EXPECT_EQ(object_errors("sphere", "radius", 0),
+              "vantor: newObject \"sphere\": item 1: parameter \"radius\" is 0, which is out of range (1e-9 to 1e9)\n");
+}
+
+TEST(Diagnostics, Imagers) {
+    Scene scene;
+    List list("name", "picture.gif");
+    EXPECT_EQ(
+        errors_of([&] { EXPECT_EQ(scene.NewImager("file", list), 1); }),
+        "vantor: newImager \"file\": item 1: parameter \"name\" \"picture.gif\" has no known ending (.png and .exr "
+        "are known); nothing will be written\n");
+}
+
+TEST(Diagnostics, Ids) {
+    Scene scene;
+    const VtLong light = scene.light("point");
+    EXPECT_EQ(errors_of([&] { scene.AddObject(77); }),
+              "vantor: addObject: no entity has the id 77 (the id of an object is wanted)\n");
+    EXPECT_EQ(errors_of([&] { scene.AddObject(light); }),
+              "vantor: addObject: id 1 is a light (the id of an object is wanted)\n");
+    EXPECT_EQ(errors_of([&] { scene.MaterialBegin(0); }),
+              "vantor: materialBegin: no entity has the id 0 (the id of a material is wanted)\n");
+    EXPECT_EQ(errors_of([&] { scene.ImagerBegin(-1); }),
+              "vantor: imagerBegin: no entity has the id -1 (the id of an imager is wanted)\n");
+    EXPECT_EQ(errors_of([&] { scene.InteriorBegin(light); }),
+              "vantor: interiorBegin: id 1 is a light (the id of an interior is wanted)\n");
+    EXPECT_EQ(errors_of([&] { scene.LightOn(5); }),
+              "vantor: lightOn: no entity has the id 5 (the id of a light is wanted)\n");
+    EXPECT_EQ(errors_of([&] { scene.LightOff(5); }),
+              "vantor: lightOff: no entity has the id 5 (the id of a light is wanted)\n");
+    List list("interface", light);
+    EXPECT_EQ(errors_of([&] { scene.NewMaterial("surface", list); }),
+              "vantor: newMaterial \"surface\": id 1 is a light (the id of an interface is wanted)\n");
+}
+
+TEST(Diagnostics, AnEntityOfUnknownTypeIsReportedOnce) {
+    Scene scene;
+    VtLong teapot = 0;
+    errors_of([&] { teapot = scene.object("teapot"); });
+    EXPECT_EQ(errors_of([&] { scene.AddObject(teapot); }), "");
+}
+
+TEST(Diagnostics, Blocks) {
+    Scene scene;
+    EXPECT_EQ(errors_of([&] { scene.ImagerEnd(); }), "vantor: imagerEnd: no block is open (imagerBegin opens one)\n");
+    EXPECT_EQ(errors_of([&] { scene.InteriorEnd(); }),
+              "vantor: interiorEnd: no block is open (interiorBegin opens one)\n");
+    EXPECT_EQ(errors_of([&] { scene.LightEnd(); }), "vantor: lightEnd: no block is open (lightBegin opens one)\n");
+    EXPECT_EQ(errors_of([&] { scene.MaterialEnd(); }),
+              "vantor: materialEnd: no block is open (materialBegin opens one)\n");
+    EXPECT_EQ(errors_of([&] { scene.TransformEnd(); }),
+              "vantor: transformEnd: no block is open (transformBegin opens one)\n");
+    EXPECT_EQ(errors_of([&] { scene.LightBegin(); }),
+              "vantor: lightBegin: there is no area light (newLight(\"area\", ...) makes one)\n");
+
+    // An unknown id opens a block all the same, so that the end that follows is none too many.
+    errors_of([&] { scene.MaterialBegin(99); });
+    EXPECT_EQ(errors_of([&] { scene.MaterialEnd(); }), "");
+}
+
+TEST(Diagnostics, OpenBlocksAtRender) {
+    Scene scene;
+    scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+    scene.MaterialBegin(scene.diffuse(0.5));
+    VtTransform identity;
+    identity.Identity();
+    scene.TransformBegin(identity);
+    scene.TransformBegin(identity);
+    EXPECT_EQ(errors_of([&] { EXPECT_FALSE(scene.render(4, 4, 1).values.empty()); }),
+              "vantor: render: a block is still open (materialEnd is missing)\n"
+              "vantor: render: 2 blocks are still open (transformEnd is missing)\n");
+}
+
+TEST(Diagnostics, Transforms) {
+    Scene scene;
+    const auto errors = [&](const VtTransform &transform) {
+        return errors_of([&] {
+            scene.TransformBegin(transform);
+            // Silent: the block has been reported.
+            scene.AddObject(scene.object("sphere"));
+            scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+            scene.light("point");
+            scene.TransformEnd();
+        });
+    };
+    const std::string end = "; cameras, lights and objects of its block are left out\n";
+    VtTransform transform;
+    EXPECT_EQ(errors(transform),
+              "vantor: transformBegin: the transform is all zeros, as a new transform is (identity() "
+              "and the other operations set it)" +
+                  end);
+    transform.Scaling({1, 0, 1});
+    EXPECT_EQ(errors(transform),
+              "vantor: transformBegin: the transform is singular (its determinant is 0 or nearly so)" + end);
+    transform.Scaling({1, 1e-12, 1});
+    EXPECT_EQ(errors(transform), "vantor: transformBegin: the transform makes things smaller than floats can follow "
+                                 "(scales from 1e-9 up are possible)" +
+                                     end);
+    transform.Scaling({1, INFINITY, 1});
+    EXPECT_EQ(errors(transform),
+              "vantor: transformBegin: the transform has entries that are not usable (finite numbers "
+              "up to 1e9 are)" +
+                  end);
+    transform.Identity();
+    transform[0][3] = 5;
+    EXPECT_EQ(errors(transform), "vantor: transformBegin: the transform has a last column other than 0 0 0 1 (points "
+                                 "are rows: a translation stands in row 3)" +
+                                     end);
+    // Nothing came of the camera.
+    EXPECT_EQ(errors_of([&] { EXPECT_TRUE(scene.render(4, 4, 1).values.empty()); }),
+              "vantor: render: there is no camera (newCamera makes one); nothing is rendered\n");
+}
+
+TEST(Diagnostics, TooFarAway) {
+    Scene scene;
+    VtTransform far;
+    far.Translation({9e8, 0, 0});
+    scene.TransformBegin(far);
+    EXPECT_EQ(errors_of([&] { scene.AddObject(scene.object("sphere", "radius", 2e8)); }),
+              "vantor: addObject: the object reaches beyond 1e+09 in the world; it is left out\n");
+    EXPECT_EQ(errors_of([&] { scene.light("point", "position", VtVector3(2e8, 0, 0)); }),
+              "vantor: newLight \"point\": the position lies beyond 1e+09 in the world; it is left out\n");
+}
+
+TEST(Diagnostics, Render) {
+    Scene scene;
+    EXPECT_EQ(errors_of([&] { scene.Render(4, 4, 1, 0, 0, 1, 1); }),
+              "vantor: render: there is no camera (newCamera makes one); nothing is rendered\n"
+              "vantor: render: no usable imager block is open, so nothing would be written (imagerBegin opens one); "
+              "nothing is rendered\n");
+    scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+    const auto errors = [&](int width, int height, int samples, double x0, double y0, double x1, double y1) {
+        return errors_of([&] { EXPECT_TRUE(scene.render(width, height, samples, x0, y0, x1, y1).values.empty()); });
+    };
+    EXPECT_EQ(errors(0, 4, 1, 0, 0, 1, 1),
+              "vantor: render: the width is 0 (1 to 65536 is possible); nothing is rendered\n");
+    EXPECT_EQ(errors(4, -4, 1, 0, 0, 1, 1),
+              "vantor: render: the height is -4 (1 to 65536 is possible); nothing is rendered\n");
+    EXPECT_EQ(errors(4, 4, 0, 0, 0, 1, 1),
+              "vantor: render: the number of samples is 0 (1 to 16777216 is possible); nothing is rendered\n");
+    EXPECT_EQ(
+        errors(4, 4, 1, 0.5, 0, 0.5, 1),
+        "vantor: render: the window (0.5, 0, 0.5, 1) is no part of the picture (0 <= x0 < x1 <= 1 and 0 <= y0 < y1 "
+        "<= 1 is one); nothing is rendered\n");
+    EXPECT_EQ(errors(4, 4, 1, 0, std::nan(""), 1, 1),
+              "vantor: render: the window (0, nan, 1, 1) is no part of the picture (0 <= x0 < x1 <= 1 and 0 <= y0 < y1 "
+              "<= 1 is one); nothing is rendered\n");
+    EXPECT_EQ(errors(4, 4, 1, 0.2, 0, 0.3, 1),
+              "vantor: render: the window (0.2, 0, 0.3, 1) has no pixel's centre in it; nothing is rendered\n");
+    EXPECT_EQ(errors(65536, 65536, 1, 0, 0, 1, 1),
+              "vantor: render: the window has more than 268435456 pixels; nothing is rendered\n");
+}
+
+TEST(Diagnostics, Radiosity) {
+    Scene scene;
+    EXPECT_EQ(errors_of([&] { scene.Radiosity(); }),
+              "vantor: radiosity: nothing to do yet (render computes indirect light by itself)\n");
+}
+
+// Sets VANTOR_DIAGNOSTICS for the scenes that are made while it lives.
+class Mode {
+  public:
+    explicit Mode(const char *name) { setenv("VANTOR_DIAGNOSTICS", name, 1); }
+    ~Mode() { unsetenv("VANTOR_DIAGNOSTICS"); }
+};
+
+TEST(Diagnostics, SilentPrintsNothing) {
+    const Mode mode("silent");
+    EXPECT_EQ(light_errors("candle"), "");
+    Scene scene;
+    scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+    EXPECT_EQ(errors_of([&] {
+                  scene.Radiosity();
+                  scene.AddObject(7);
+                  EXPECT_FALSE(scene.render(4, 4, 1).values.empty());
+              }),
+              "");
+}
+
+TEST(Diagnostics, StrictRefusesPicturesAfterTheFirst) {
+    const Mode mode("strict");
+    Scene scene;
+    scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+    // A note is no diagnostic.
+    errors_of([&] { scene.Radiosity(); });
+    EXPECT_EQ(errors_of([&] { EXPECT_FALSE(scene.render(4, 4, 1).values.empty()); }), "");
+    EXPECT_EQ(errors_of([&] {
+                  scene.AddObject(7);
+                  scene.AddObject(8);
+              }),
+              "vantor: addObject: no entity has the id 7 (the id of an object is wanted)\n"
+              "vantor: addObject: no entity has the id 8 (the id of an object is wanted)\n");
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(errors_of([&] { EXPECT_TRUE(scene.render(4, 4, 1).values.empty()); }),
+                  "vantor: render: no picture is written: 2 diagnostics so far, and VANTOR_DIAGNOSTICS is strict\n");
+}
+
+TEST(Diagnostics, UnknownMode) {
+    const Mode mode("loud");
+    EXPECT_EQ(errors_of([] { const Scene scene; }),
+              "vantor: VANTOR_DIAGNOSTICS is \"loud\" (silent, warn and strict are known); warn is used\n");
+}
+
+} // namespace

@@ -1,0 +1,75 @@
+// The sample numbers: stratified in every dimension, different from each other, the same every time.
+#include "libvantor/base/random.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <set>
+#include <vector>
+
+namespace {
+
+using vantor::Pair;
+using vantor::Sampler;
+
+// Of 2^m points of a (0, m, 2)-net every elementary interval of area 2^-m has exactly one: the defining property of the
+// first two Sobol dimensions, which shuffling and scrambling keep.
+void expect_net(const std::vector<Pair> &points, int m) {
+    for (int split = 0; split <= m; ++split) {
+        std::set<std::pair<int, int>> cells;
+        for (const Pair &p : points)
+            cells.insert({static_cast<int>(p.u * static_cast<float>(1 << split)),
+                          static_cast<int>(p.v * static_cast<float>(1 << (m - split)))});
+        EXPECT_EQ(cells.size(), points.size()) << "intervals of 2^-" << split << " by 2^-" << m - split;
+    }
+}
+
+TEST(Random, SamplesOfAPixelAreANet) {
+    for (const std::uint32_t dimension : {0u, 1u, 7u, 100u})
+        for (const std::uint32_t x : {0u, 3u, 500u, 65535u}) {
+            std::vector<Pair> points;
+            for (std::uint32_t s = 0; s < 64; ++s)
+                points.push_back(Sampler(x, 17, s, 64).pair(dimension));
+            expect_net(points, 6);
+        }
+}
+
+TEST(Random, PixelsOfABlockAreANetTogether) {
+    std::vector<Pair> points;
+    for (std::uint32_t y = 0; y < 4; ++y)
+        for (std::uint32_t x = 0; x < 4; ++x)
+            for (std::uint32_t s = 0; s < 4; ++s)
+                points.push_back(Sampler(40 + x, 20 + y, s, 4).pair(3));
+    expect_net(points, 6);
+}
+
+TEST(Random, NumbersLieInTheUnitInterval) {
+    for (std::uint32_t s = 0; s < 4096; ++s) {
+        const Sampler sampler(65535, 65535, s, 4096);
+        for (const float number : {sampler.pair(5).u, sampler.pair(5).v, sampler.unstratified(5)}) {
+            EXPECT_GE(number, 0);
+            EXPECT_LT(number, 1);
+        }
+        EXPECT_GE(sampler.single(6), 0);
+        EXPECT_LT(sampler.single(6), 1);
+    }
+}
+
+TEST(Random, DimensionsAreUncorrelated) {
+    // The product of two independent uniform numbers has the mean 1/4 and the variance 7/144; four standard errors.
+    constexpr int count = 4096;
+    const double tolerance = 4 * std::sqrt(7 / 144.0 / count);
+    for (std::uint32_t a = 0; a < 8; ++a)
+        for (std::uint32_t b = a + 1; b < 8; ++b) {
+            double sums[3] = {};
+            for (std::uint32_t s = 0; s < count; ++s) {
+                const Sampler sampler(11, 12, s, count);
+                sums[0] += sampler.pair(a).u * sampler.pair(b).u;
+                sums[1] += sampler.pair(a).u * sampler.pair(b).v;
+                sums[2] += sampler.pair(a).v * sampler.unstratified(b);
+            }
+            for (const double sum : sums)
+                EXPECT_NEAR(sum / count, 0.25, tolerance) << "dimensions " << a << " and " << b;
+        }
+}
+
+} // namespace

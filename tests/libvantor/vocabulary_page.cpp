@@ -1,0 +1,62 @@
+// The tables of docs/vocabulary.md, made from the vocabulary.
+#include "tests/libvantor/vocabulary_page.h"
+
+#include "libvantor/base/report.h"
+#include "libvantor/words/vocabulary.h"
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace {
+
+using vantor::joined;
+
+std::string default_of(const vantor::Parameter &parameter) {
+    if (parameter.presence == vantor::Presence::Required)
+        return "required";
+    if (parameter.presence == vantor::Presence::Optional)
+        return "none";
+    const auto &n = parameter.fallback;
+    const std::string first = vantor::text_of(n[0]);
+    const bool is_number = parameter.kind == vantor::ValueKind::Number;
+    const bool is_grey = parameter.kind == vantor::ValueKind::Color && n[0] == n[1] && n[1] == n[2];
+    if (is_number || is_grey)
+        return first;
+    return joined({"(", first, ", ", vantor::text_of(n[1]), ", ", vantor::text_of(n[2]), ")"});
+}
+
+std::string tables() {
+    std::string page;
+    for (const vantor::EntityWords &words : vantor::vocabulary()) {
+        page += joined({"\n## `", words.call, "`\n"});
+        if (words.types.empty())
+            page += joined({"\nThere are no ", words.plural, " yet. Every type is reported, and gets an id.\n"});
+        for (const vantor::Type &type : words.types) {
+            page += joined({"\n### `\"", type.name, "\"`\n\n", type.meaning, "\n\n",
+                            "| parameter | value | unit | range | default | meaning |\n",
+                            "| --- | --- | --- | --- | --- | --- |\n"});
+            for (const vantor::Parameter &p : type.parameters)
+                page += joined({"| `", p.name, "` | ", vantor::name_of(p.kind), " | ", p.unit, " | ", p.range.text,
+                                " | ", default_of(p), " | ", p.meaning, " |\n"});
+        }
+    }
+    return page + "\n";
+}
+
+} // namespace
+
+std::string with_tables(const std::string &page) {
+    const std::string begin = "<!-- tables -->\n";
+    const std::string end = "<!-- end of tables -->\n";
+    const std::size_t from = page.find(begin);
+    const std::size_t to = page.find(end);
+    if (from == std::string::npos || to == std::string::npos || to < from)
+        throw std::runtime_error("the page has no place for the tables");
+    return joined({page.substr(0, from + begin.size()), tables(), page.substr(to)});
+}
+
+std::string contents_of(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}

@@ -1,0 +1,129 @@
+// The warps: where their points fall, against their densities.
+#include "libvantor/base/warp.h"
+
+#include "libvantor/entities/scattering.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+namespace {
+
+using vantor::Pair;
+using vantor::Vec3;
+
+constexpr int side = 8;
+constexpr int sample_count = 200000;
+
+// Pearson's chi-square of samples that are to fill all cells of a grid alike, where place() flattens a sample to the
+// unit square so that a uniform density is wanted there.
+template <class Place> double chi_square(Place place) {
+    std::mt19937 random(1);
+    std::vector<int> counts(side * side);
+    for (int i = 0; i < sample_count; ++i) {
+        // Independent numbers, as the test supposes; the sampler's are better than that.
+        const auto number = [&] { return vantor::sobol::unit_float(static_cast<std::uint32_t>(random())); };
+        const float u = number();
+        const auto [x, y] = place(Pair{u, number()});
+        EXPECT_TRUE(x >= 0 && x <= 1 && y >= 0 && y <= 1) << x << " " << y;
+        const int column = std::min(static_cast<int>(x * side), side - 1);
+        const int row = std::min(static_cast<int>(y * side), side - 1);
+        ++counts[static_cast<std::size_t>(row * side + column)];
+    }
+    const double expected = static_cast<double>(sample_count) / (side * side);
+    double sum = 0;
+    for (const int count : counts)
+        sum += (count - expected) * (count - expected) / expected;
+    return sum;
+}
+
+// The 99.99 % point of chi-square with 63 degrees of freedom is 112.
+constexpr double highest = 112;
+
+float turn_of(Vec3 d) { return std::atan2(d.y, d.x) / (2 * vantor::pi) + 0.5f; }
+
+TEST(Warp, DiskIsUniform) {
+    EXPECT_LT(chi_square([](Pair p) {
+                  const Vec3 d = vantor::warp::disk(p);
+                  return std::pair{d.x * d.x + d.y * d.y, turn_of(d)};
+              }),
+              highest);
+}
+
+TEST(Warp, CosineHemisphereFollowsTheCosine) {
+    // The share of directions within an angle of the normal is its squared sine.
+    EXPECT_LT(chi_square([](Pair p) {
+                  const Vec3 d = vantor::warp::cosine_hemisphere(p);
+                  EXPECT_NEAR(length(d), 1, 1e-6);
+                  return std::pair{1 - d.z * d.z, turn_of(d)};
+              }),
+              highest);
+}
+
+TEST(Warp, ConeIsUniformOverItsSolidAngle) {
+    for (const float height : {1e-3f, 0.5f, 2.0f})
+        EXPECT_LT(chi_square([=](Pair p) {
+                      const Vec3 d = vantor::warp::cone(p, height);
+                      EXPECT_NEAR(length(d), 1, 1e-6);
+                      // From the radius, as 1 - z has few digits in a narrow cone.
+                      const float drop = height < 0.01f ? (d.x * d.x + d.y * d.y) / (1 + d.z) : 1 - d.z;
+                      return std::pair{std::min(drop / height, 1.0f), turn_of(d)};
+                  }),
+                  highest);
+}
+
+TEST(Warp, TriangleIsUniform) {
+    // The triangle u + v <= 1, flattened: the corner at u = 1 has the share (1 - u)^2 beyond u.
+    EXPECT_LT(chi_square([](Pair p) {
+                  const Pair b = vantor::warp::triangle(p);
+                  EXPECT_LE(b.u + b.v, 1 + 1e-6f);
+                  return std::pair{(1 - b.u) * (1 - b.u), std::min(b.v / (1 - b.u), 1.0f)};
+              }),
+              highest);
+}
+
+TEST(Warp, TentHasItsShape) {
+    // The distribution function of the tent.
+    EXPECT_LT(chi_square([](Pair p) {
+                  const auto share = [](float x) { return x < 0 ? (1 + x) * (1 + x) / 2 : 1 - (1 - x) * (1 - x) / 2; };
+                  return std::pair{share(vantor::warp::tent(p.u)), share(vantor::warp::tent(p.v))};
+              }),
+              highest);
+}
+
+TEST(Warp, SineAndCosineAreRight) {
+    for (int i = 0; i < 1000; ++i) {
+        const float turn = static_cast<float>(i) / 1000;
+        const auto [sine, cosine] = vantor::warp::sine_cosine_of_turn(turn);
+        EXPECT_NEAR(sine, std::sin(2 * M_PI * turn), 5e-7);
+        EXPECT_NEAR(cosine, std::cos(2 * M_PI * turn), 5e-7);
+    }
+}
+
+TEST(Scattering, DensityIntegratesToOneAndEnergyIsTheReflectance) {
+    // The midpoint rule over the cosine, around the normal: 2 pi f(cosine) d(cosine).
+    const vantor::DiffuseReflection reflection{{0.2f, 0.5f, 0.9f}};
+    double density = 0;
+    double reflected = 0;
+    constexpr int steps = 1000;
+    for (int i = 0; i < steps; ++i) {
+        const float cosine = (static_cast<float>(i) + 0.5f) / steps;
+        density += 2 * M_PI * reflection.density(cosine) / steps;
+        reflected += 2 * M_PI * reflection.value().g * cosine / steps;
+    }
+    EXPECT_NEAR(density, 1, 1e-6);
+    EXPECT_NEAR(reflected, 0.5, 1e-6);
+}
+
+TEST(Frame, IsOrthonormalAndRightHanded) {
+    for (const Vec3 normal : {Vec3{0, 0, 1}, Vec3{0, 0, -1}, Vec3{1, 0, 0}, Vec3{0.6f, -0.8f, 0}, Vec3{1e-5f, 0, -1}}) {
+        const vantor::Frame frame(normal);
+        EXPECT_NEAR(dot(frame.x, frame.x), 1, 1e-6);
+        EXPECT_NEAR(dot(frame.y, frame.y), 1, 1e-6);
+        EXPECT_NEAR(dot(frame.x, frame.y), 0, 1e-6);
+        EXPECT_NEAR(dot(frame.x, frame.z), 0, 1e-6);
+        EXPECT_NEAR(dot(cross(frame.x, frame.y), frame.z), 1, 1e-6);
+    }
+}
+
+} // namespace
