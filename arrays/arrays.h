@@ -145,7 +145,7 @@ template <class A> PyObject *print(PyObject *self) {
     const VtLong shown = array.Size() < 0 ? 1 : array.Size();
     Text text;
     text << A::opening;
-    for (VtLong i = 0; i < shown; ++i) {
+    for (VtLong i = 0; i < shown && !text.failed(); ++i) {
         A::write(text, array.Read(i));
         text << (i < shown - 1 ? ", " : " ");
     }

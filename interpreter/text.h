@@ -9,7 +9,7 @@
 #include <string_view>
 
 /// Collects ASCII text and numbers and makes one Python string of them. Running out of memory is remembered, and
-/// reported by finish().
+/// reported by finish(); whoever has much more to write asks failed() first.
 class Text {
   public:
     Text() = default;
@@ -36,6 +36,8 @@ class Text {
         end = std::to_chars(at, at + longest_piece, number).ptr;
         return *this;
     }
+
+    bool failed() const { return out_of_memory; }
 
     /// The string as a new reference, or null with MemoryError set.
     PyObject *finish();

@@ -124,7 +124,6 @@ def sanitizer_environment():
         # The interpreter frees nothing at exit; leaks of the module are found by the reference counts.
         "ASAN_OPTIONS": "detect_leaks=0:allocator_may_return_null=1",
         "UBSAN_OPTIONS": "print_stacktrace=1",
-        "VANTOR_PRELOAD": ":".join(runtime),
         "LD_PRELOAD": ":".join(runtime),
     }
 
