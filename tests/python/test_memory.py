@@ -33,11 +33,11 @@ def outcome(call, *arguments):
 
 
 class MemoryTest(Scripts, unittest.TestCase):
-    def assert_each(self, script, output):
-        """The script, run for each array type, prints this."""
-        for name in ARRAYS:
+    def assert_each(self, script, output, *names):
+        """The script, run for each of the array types, prints this."""
+        for name in names or ARRAYS:
             with self.subTest(name):
-                self.assert_script(PROLOGUE.format(name=name) + script, output)
+                self.assert_script(PROLOGUE.format(name=name) + script, output.format(name=name))
 
     def test_a_size_that_cannot_be_had_is_a_memory_error_and_is_the_size_all_the_same(self):
         self.assert_each(
@@ -122,6 +122,30 @@ class MemoryTest(Scripts, unittest.TestCase):
             "    a.setSize(1)\n"
             "print(pages_now() - before < 256)\n",
             "True\n",
+        )
+
+    def test_an_array_without_its_storage_can_be_a_parameter(self):
+        self.assert_each(
+            "a = make().add(element)\n"
+            "outcome(a.setSize, MAX)\n"
+            "scene = vantorPM.scene()\n"
+            "print(type(outcome(scene.newObject, 'x', ['a', a])) is int)\n"
+            "print(a.getSize(), numbers(a.setSize(1)[0]) == numbers(element))\n",
+            "True\n2147483647 True\n",
+        )
+
+    def test_printing_an_array_without_its_storage_is_a_memory_error_and_soon(self):
+        # The text outgrows the memory long before the last of two thousand million elements.
+        self.assert_each(
+            "import signal\n"
+            "a = make()\n"
+            "outcome(a.setSize, MAX)\n"
+            "signal.alarm(15)\n"
+            "print(outcome(repr, a), a.getSize())\n"
+            "print(repr(a.setSize(0)))\n",
+            "MemoryError 2147483647\n[{name} ]\n",
+            "intarray",
+            "vector3array",
         )
 
     def test_printing_a_text_that_cannot_be_had_is_a_memory_error(self):
