@@ -80,16 +80,17 @@ class DocumentsTest(unittest.TestCase):
 
 class BuildTest(unittest.TestCase):
     def test_every_source_is_built(self):
+        # Named in its own folder's list or one above it, or with its folder in any list.
+        lists = {os.path.dirname(path): repository.text(path)
+                 for path in repository.files("CMakeLists.txt")}
         for path in repository.files(".cpp"):
-            folder, name = os.path.split(path)
-            lists = []
-            while True:
-                if exists(os.path.join(folder, "CMakeLists.txt")):
-                    lists.append(repository.text(os.path.join(folder, "CMakeLists.txt")))
-                if not folder:
-                    break
-                folder = os.path.dirname(folder)
-            self.assertTrue(any(re.search(r"\b" + re.escape(name), text) for text in lists), path)
+            is_listed = False
+            for place, text in lists.items():
+                is_above = path.startswith(place + "/") or not place
+                name = os.path.basename(path) if is_above else path
+                if re.search(r"(?<![\w-])" + re.escape(name), text):
+                    is_listed = True
+            self.assertTrue(is_listed, path)
 
     def test_every_package_that_a_message_names_is_in_the_list(self):
         named = set()
