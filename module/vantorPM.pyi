@@ -164,8 +164,8 @@ class scene:
         """Closes the innermost transform block."""
 
     def radiosity(self, *ignored: object) -> None:
-        """Runs the radiosity pass. Returns when it is done; Ctrl-C ends it with
-        KeyboardInterrupt."""
+        """Asks for a radiosity pass; docs/vocabulary.md says what comes of it. Returns when it is
+        done; Ctrl-C ends it with KeyboardInterrupt."""
 
     def render(
         self,
