@@ -9,14 +9,19 @@ BUILD = os.path.abspath(os.environ.get("VANTOR_BUILD", os.path.join(ROOT, "build
 # Where the build puts the module and the library.
 IMPORT_FOLDER = os.path.join(BUILD, "python")
 
-NO_SOURCES = {".git", "build", "__pycache__"}
+NO_SOURCES = {"build", "__pycache__"}
+
+
+def has_sources(folder):
+    """Whether a folder of that name holds files of ours; hidden ones are those of tools."""
+    return folder not in NO_SOURCES and (folder == ".ci" or not folder.startswith("."))
 
 
 def files(*suffixes):
     """The paths of all files with one of the suffixes, relative to the root, in order."""
     found = []
     for folder, folders, names in os.walk(ROOT):
-        folders[:] = [name for name in folders if name not in NO_SOURCES]
+        folders[:] = filter(has_sources, folders)
         for name in names:
             if name.endswith(suffixes):
                 found.append(os.path.relpath(os.path.join(folder, name), ROOT).replace(os.sep, "/"))
