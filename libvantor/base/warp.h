@@ -6,7 +6,7 @@
 
 namespace vantor::warp {
 
-/// Sine and cosine of a whole turn times a number in [0, 1); the error is below 3e-7. Written out, without a branch, so
+/// Sine and cosine of a whole turn times a number in [0, 1); the error is below 1e-6. Written out, without a branch, so
 /// that it is quick and the same with every mathematical library.
 struct SineCosine {
     float sine;

@@ -178,8 +178,10 @@ VtTransform Registry::current_transform() const {
     return transforms.empty() ? identity() : transforms.back().world_from_local;
 }
 
-std::vector<Imager> Registry::open_imagers() const {
+std::vector<Imager> Registry::writing_imagers() const {
     std::vector<Imager> result;
+    if (imager_blocks.empty() && !imagers.empty())
+        result.push_back(imagers.back());
     for (const int index : imager_blocks)
         if (index >= 0)
             result.push_back(imagers[static_cast<std::size_t>(index)]);

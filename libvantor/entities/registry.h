@@ -58,8 +58,9 @@ class Registry {
     const std::vector<Light> &lights() const { return all_lights; }
     const std::vector<Placement> &placements() const { return placed; }
 
-    /// The imagers whose blocks are open, outermost first.
-    std::vector<Imager> open_imagers() const;
+    /// The imagers that write: those whose blocks are open, outermost first; without an open block, the one that was
+    /// made last.
+    std::vector<Imager> writing_imagers() const;
 
     /// Reports every other block that is open.
     void report_open_blocks(const CallReport &call) const;

@@ -57,12 +57,12 @@ PixelArea window_of(const RenderRequest &request, const CallReport &call) {
     return window;
 }
 
-// The open imagers whose files can be written; each of the others is reported.
+// The imagers whose files can be written; each of the others is reported.
 std::vector<Imager> writable_imagers(const Registry &registry, const CallReport &call) {
-    std::vector<Imager> imagers = registry.open_imagers();
+    std::vector<Imager> imagers = registry.writing_imagers();
     if (imagers.empty())
-        call.diagnostic("no usable imager block is open, so nothing would be written (imagerBegin opens one); "
-                        "nothing is rendered");
+        call.diagnostic("there is no usable imager, so nothing would be written (newImager makes one); nothing is "
+                        "rendered");
     std::erase_if(imagers, [&](const Imager &imager) {
         const std::string why = why_unwritable(imager.path);
         if (!why.empty())

@@ -79,6 +79,18 @@ TEST(Pictures, EveryOpenImagerWritesItsFile) {
     EXPECT_EQ(scripted::read_exr(darker).at(5, 3), (scripted::Rgb{0.125f, 0.045f, 0.5f}));
 }
 
+TEST(Pictures, WithoutAnOpenBlockTheImagerMadeLastWrites) {
+    Scene scene;
+    build(scene, {1, 1, 1});
+    const std::string first = scripted::path_of("first.png");
+    const std::string last = scripted::path_of("last.png");
+    file_imager(scene, first);
+    file_imager(scene, last);
+    scene.Render(7, 4, 1, 0, 0, 1, 1);
+    EXPECT_FALSE(fs::exists(first));
+    EXPECT_EQ(read_png(last).width, 7u);
+}
+
 TEST(Pictures, WindowIsCroppedInPngAndADataWindowInExr) {
     Scene scene;
     build(scene, {1, 1, 1});
