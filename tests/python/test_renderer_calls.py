@@ -65,7 +65,8 @@ class RendererCalls(unittest.TestCase):
     def assert_scene_calls(self, script, *expected, **variables):
         """The script uses the scene `s`; these are its calls between the scene's own two."""
         self.assert_calls("s = vantorPM.scene()\n" + dedent(script),
-                          "#1 = VtLocalSceneProxy(10240)", *expected, "~VtLocalSceneProxy #1", **variables)
+                          "#1 = VtLocalSceneProxy(10240)", *expected, "~VtLocalSceneProxy #1",
+                          **variables)
 
 
 class LibraryTest(RendererCalls):
@@ -88,6 +89,36 @@ class LibraryTest(RendererCalls):
                          [path for path in recorded if "libVantor" not in path])
         self.assertEqual(len(embedded), 2)
         self.assertEqual(len(recorded), 2)
+
+
+class AnotherRendererTest(unittest.TestCase):
+    """The example of docs/another-renderer.md: a library that counts and prints."""
+
+    FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "examples",
+                          "another_renderer")
+    OUTPUT = """\
+Render 320 x 240, 16 samples
+     1 AddObject
+     1 ImagerBegin
+     1 LightOn
+     1 NewCamera
+     1 NewImager
+     1 NewLight
+     1 NewObject
+     1 TransformBegin
+     1 TransformEnd
+     5 points of objects
+"""
+
+    def test_the_script_runs_with_the_library(self):
+        with open(os.path.join(self.FOLDER, "pyramid.py")) as script:
+            finished = run(script.read(), "another_renderer")
+        self.assertEqual((finished.code, finished.errors), (0, ""))
+        self.assertEqual(finished.output, self.OUTPUT)
+
+    def test_the_page_shows_this_output(self):
+        with open(os.path.join(self.FOLDER, "..", "..", "docs", "another-renderer.md")) as page:
+            self.assertIn(self.OUTPUT, page.read())
 
 
 class SceneTest(RendererCalls):
@@ -656,7 +687,7 @@ class SplineTest(RendererCalls):
 
 
 class NativeExceptionTest(RendererCalls):
-    """The library's exceptions pass through the module: its temporaries go, nothing is converted."""
+    """The library's exceptions pass: the module's temporaries go, and nothing is converted."""
 
     CALL = dedent("""
         from vantor_probe import call_catching
