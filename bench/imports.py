@@ -19,8 +19,9 @@ def one_start(program, environment):
 
 
 def can_import(module, paths):
-    probe = "import sys, importlib.util as i; sys.path[:0] = {!r}; sys.exit(i.find_spec({!r}) is None)"
-    return subprocess.run([sys.executable, "-I", "-c", probe.format(paths, module)]).returncode == 0
+    probe = ("import importlib.util, sys; sys.path[:0] = {!r}\n"
+             "sys.exit(importlib.util.find_spec({!r}) is None)").format(paths, module)
+    return subprocess.run([sys.executable, "-I", "-c", probe]).returncode == 0
 
 
 def measure(candidates, starts):

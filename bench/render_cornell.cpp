@@ -176,7 +176,7 @@ struct Comparison {
 };
 
 // The reference shows the mirrored box: its noise is another pixel's, and so independent. It adds to the error as the
-// square root of the sum of squares, with 1024 samples about one percent to an error of 0.01.
+// square root of the sum of squares, with 1024 samples one to two percent to an error of 0.01.
 Comparison compared(const std::vector<Pixel> &picture, const std::vector<Pixel> &mirrored_reference, int side) {
     const Lamp lamp(side);
     double sum = 0, sum_of_squares = 0, count = 0;

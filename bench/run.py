@@ -91,7 +91,7 @@ def describe_machine():
 
 
 def show_operations(setting, figures):
-    found = setting.child("operations.py", only=setting.only, samples=9 if setting.quick else 41)
+    found = setting.child("operations.py", only=setting.only, samples=9 if setting.quick else 81)
     nanoseconds = found["nanoseconds"]
     if not nanoseconds:
         return found
@@ -183,7 +183,7 @@ def show_imports(setting, figures):
 def show_growth(setting, figures):
     sizes = [10 ** power for power in range(3, 7 if setting.quick else 8)]
     found = setting.child("growth.py", sizes=sizes, only=setting.only,
-                          samples=9 if setting.quick else 41)
+                          samples=9 if setting.quick else 81)
     if found:
         print("Growth: ns an element, by the number of elements\n")
         tables.show(["elements"] + ["1e{}".format(len(str(size)) - 1) for size in sizes],
