@@ -15,13 +15,19 @@ struct Minors {
 };
 
 // One column of the adjugate: the 3x3 determinants of a row and of two more rows, given by their minors, expanded along
-// the first. Signs alternate from plus; a column that begins with minus gets the minors of its two rows in reverse
-// order, which negates them exactly and leaves zeros positive.
-void set_column(VtTransform &adjugate, int column, const VtVector4 &row, const Minors &m) {
+// the first. Signs alternate, in a column from plus or from minus. No sign is put before a sum, so that zeros stay
+// positive.
+void set_column_from_plus(VtTransform &adjugate, int column, const VtVector4 &row, const Minors &m) {
     adjugate[0][column] = row[1] * m.m23 - row[2] * m.m13 + row[3] * m.m12;
     adjugate[1][column] = row[2] * m.m03 - row[0] * m.m23 - row[3] * m.m02;
     adjugate[2][column] = row[0] * m.m13 - row[1] * m.m03 + row[3] * m.m01;
     adjugate[3][column] = row[1] * m.m02 - row[0] * m.m12 - row[2] * m.m01;
+}
+void set_column_from_minus(VtTransform &adjugate, int column, const VtVector4 &row, const Minors &m) {
+    adjugate[0][column] = row[2] * m.m13 - row[1] * m.m23 - row[3] * m.m12;
+    adjugate[1][column] = row[0] * m.m23 - row[2] * m.m03 + row[3] * m.m02;
+    adjugate[2][column] = row[1] * m.m03 - row[0] * m.m13 - row[3] * m.m01;
+    adjugate[3][column] = row[0] * m.m12 - row[1] * m.m02 + row[2] * m.m01;
 }
 
 } // namespace
@@ -38,10 +44,11 @@ VtTransform Invert(const VtTransform &a) {
     constexpr double singular_below = 1e-6;
 
     VtTransform inverse;
-    set_column(inverse, 0, a[1], Minors(a[2], a[3]));
-    set_column(inverse, 1, a[0], Minors(a[3], a[2]));
-    set_column(inverse, 2, a[0], Minors(a[1], a[3]));
-    set_column(inverse, 3, a[0], Minors(a[2], a[1]));
+    const Minors lower(a[2], a[3]);
+    set_column_from_plus(inverse, 0, a[1], lower);
+    set_column_from_minus(inverse, 1, a[0], lower);
+    set_column_from_plus(inverse, 2, a[0], Minors(a[1], a[3]));
+    set_column_from_minus(inverse, 3, a[0], Minors(a[1], a[2]));
 
     const double determinant =
         a[0][0] * inverse[0][0] + a[0][1] * inverse[1][0] + a[0][2] * inverse[2][0] + a[0][3] * inverse[3][0];

@@ -43,7 +43,7 @@ template <class T> class OwnedArray : public VtInstanceArray<T> {
     bool Seek(VtLong i) {
         if (!last.Holds(i))
             last = this->Locate(i);
-        return last.slots != nullptr;
+        return last.count > 0;
     }
 
     typename VtInstanceArray<T>::Stretch last;

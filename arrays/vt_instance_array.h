@@ -126,7 +126,7 @@ template <class T> class VtInstanceArray {
   private:
     T *Find(VtLong i) const {
         const Stretch stretch = Locate(i);
-        return stretch.slots ? &stretch.Slot(i) : nullptr;
+        return stretch.count > 0 ? &stretch.Slot(i) : nullptr;
     }
 
     void Shrink(VtLong n) {
