@@ -129,6 +129,19 @@ bool render_pixels(const World &world, int samples, const Interrupt &interrupt, 
     return for_each_tile(whole_blocks(picture.window, picture.full_width, picture.full_height), interrupt, render_tile);
 }
 
+// Nothing if it was interrupted. The old handler is back before files are written: from there on Ctrl-C is the
+// interpreter's business.
+std::optional<Picture> render_picture(const RenderRequest &request, const PixelArea &window, const Registry &registry) {
+    const Interrupt interrupt;
+    const std::optional<World> world = freeze(registry, interrupt);
+    if (!world)
+        return {};
+    Picture picture(request.width, request.height, window);
+    if (!render_pixels(*world, request.samples, interrupt, picture))
+        return {};
+    return picture;
+}
+
 } // namespace
 
 void render(const RenderRequest &request, const Registry &registry, Report &report) {
@@ -147,19 +160,13 @@ void render(const RenderRequest &request, const Registry &registry, Report &repo
     if (window.is_empty() || !registry.camera() || imagers.empty())
         return;
 
-    // The old handler is back before files are written: from there on a second Ctrl-C is the interpreter's business.
-    Picture picture(request.width, request.height, window);
-    {
-        const Interrupt interrupt;
-        const std::optional<World> world = freeze(registry, interrupt);
-        if (!world || !render_pixels(*world, request.samples, interrupt, picture)) {
-            report.note("render: interrupted; no picture is written");
-            return;
-        }
+    const std::optional<Picture> picture = render_picture(request, window, registry);
+    if (!picture) {
+        report.note("render: interrupted; no picture is written");
+        return;
     }
-
     for (const Imager &imager : imagers)
-        if (const std::string why = write_picture(picture, imager.scale, imager.path); !why.empty())
+        if (const std::string why = write_picture(*picture, imager.scale, imager.path); !why.empty())
             call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
 }
 
