@@ -1,20 +1,13 @@
 // A VtArgList that keeps its values in reverse, for the conformance program to find.
 #include "content.h"
 
-#include <cstring>
+#include <new>
 
-ListContent &content(const VtArgList &list) {
-    ListContent *content;
-    std::memcpy(&content, &list, sizeof content);
-    return *content;
-}
+ListContent &content(const VtArgList &list) { return *reinterpret_cast<ListContent *>(const_cast<VtArgList *>(&list)); }
 
-VtArgList::VtArgList(VtLong, VtLong) {
-    const auto *own = new ListContent{};
-    std::memcpy(inside, &own, sizeof own);
-}
+VtArgList::VtArgList(VtLong, VtLong) { new (inside) ListContent{}; }
 
-VtArgList::~VtArgList() { delete &content(*this); }
+VtArgList::~VtArgList() { content(*this).~ListContent(); }
 
 void VtArgList::Add(const VtArgType &value) {
     auto &values = content(*this).values;

@@ -2,26 +2,20 @@
 #include "call.h"
 #include "content.h"
 
-#include <cstring>
+#include <new>
 
-ListContent &content(const VtArgList &list) {
-    ListContent *content;
-    std::memcpy(&content, &list, sizeof content);
-    return *content;
-}
+ListContent &content(const VtArgList &list) { return *reinterpret_cast<ListContent *>(const_cast<VtArgList *>(&list)); }
 
 VtArgList::VtArgList(VtLong first, VtLong second) {
     places = {};
     const int serial = recording::new_serial();
     recording::Call("VtArgList").with("object", serial).with("first", first).with("second", second).done();
-    const auto *own = new ListContent{serial, {}};
-    std::memcpy(inside, &own, sizeof own);
+    new (inside) ListContent{serial, {}};
 }
 
 VtArgList::~VtArgList() {
-    ListContent *own = &content(*this);
-    recording::Call("~VtArgList").with("object", own->serial).done_without_fault();
-    delete own;
+    recording::Call("~VtArgList").with("object", content(*this).serial).done_without_fault();
+    content(*this).~ListContent();
 }
 
 void VtArgList::Add(const VtArgType &value) {

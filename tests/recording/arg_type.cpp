@@ -2,7 +2,7 @@
 #include "call.h"
 #include "content.h"
 
-#include <cstring>
+#include <new>
 
 Places places;
 
@@ -23,8 +23,7 @@ void add_value(recording::Call &call, const char *text) {
 template <class T> void add_value(recording::Call &call, const VtInstanceArray<T> *array) { call.with_array(*array); }
 template <class T> void add_value(recording::Call &call, const T &value) { call.with("value", value); }
 
-// The pointer to the content is copied in and out, because the room in the header is plain bytes.
-void put(unsigned char *inside, const ValueContent *content) { std::memcpy(inside, &content, sizeof content); }
+using Pointer = const ValueContent *;
 
 void construct(unsigned char *inside, const Value &value) {
     const int serial = recording::new_serial();
@@ -32,7 +31,7 @@ void construct(unsigned char *inside, const Value &value) {
     call.with("object", serial).with("tag", tag_names[value.index()]);
     std::visit([&](const auto &alternative) { add_value(call, alternative); }, value);
     call.done();
-    put(inside, new ValueContent{serial, value});
+    new (inside) Pointer(new ValueContent{serial, value});
 }
 
 template <class T> const T &get(const VtArgType &value) { return std::get<T>(content(value).value); }
@@ -42,11 +41,7 @@ template <class T> const VtInstanceArray<T> &get_array(const VtArgType &value) {
 
 } // namespace
 
-const ValueContent &content(const VtArgType &value) {
-    const ValueContent *content;
-    std::memcpy(&content, &value, sizeof content);
-    return *content;
-}
+const ValueContent &content(const VtArgType &value) { return **reinterpret_cast<const Pointer *>(&value); }
 
 std::unique_ptr<VtArgType> unrecorded_copy(const VtArgType &value) {
     copying_for_a_list = true;
@@ -79,7 +74,7 @@ VtArgType::VtArgType(const VtArgType &other) {
     const int serial = copying_for_a_list ? 0 : recording::new_serial();
     if (serial)
         recording::Call("VtArgType(copy)").with("object", serial).with("of", content(other).serial).done();
-    put(inside, new ValueContent{serial, content(other).value});
+    new (inside) Pointer(new ValueContent{serial, content(other).value});
 }
 
 VtArgType::~VtArgType() {

@@ -20,11 +20,12 @@ struct ValueContent {
     Value value;
 };
 
-/// A VtArgList's inside is a pointer to one of these.
+/// A VtArgList's inside.
 struct ListContent {
     int serial;
     std::vector<std::unique_ptr<VtArgType>> values;
 };
+static_assert(sizeof(ListContent) <= sizeof(VtArgList));
 
 const ValueContent &content(const VtArgType &value);
 ListContent &content(const VtArgList &list);
