@@ -18,7 +18,7 @@ box = scene()
 
 # The camera stands in front of the open side and looks in.
 box.newCamera("perspective", ["position", vector3(2.78, 2.73, -8.0),
-                              "target", vector3(2.78, 2.73, 0.0), "fov", 39.3])
+                              "target", vector3(2.78, 2.73, 0.0), "fov", 37.6])
 
 # Materials: what fraction of red, green and blue light a surface reflects.
 white = box.newMaterial("diffuse", ["reflectance", vector3(0.73, 0.73, 0.73)])
@@ -72,8 +72,8 @@ for height, angle, x, z in ((1.65, 17.0, 1.86, 1.69), (3.30, -17.0, 3.69, 3.51))
     box.transformEnd()
 box.materialEnd()
 
-# An imager writes the picture that is rendered within its block.
-box.imagerBegin(box.newImager("file", ["name", PICTURE]))
+# An imager writes the picture that is rendered within its block; exposure is in stops.
+box.imagerBegin(box.newImager("file", ["name", PICTURE, "exposure", 0.8]))
 box.render(WIDTH, WIDTH, SAMPLES)
 box.imagerEnd()
 print("The picture is in", PICTURE)

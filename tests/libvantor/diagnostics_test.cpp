@@ -306,10 +306,11 @@ TEST(Diagnostics, TooFarAway) {
 
 TEST(Diagnostics, Render) {
     Scene scene;
-    EXPECT_EQ(errors_of([&] { scene.Render(4, 4, 1, 0, 0, 1, 1); }),
-              "vantor: render: there is no camera (newCamera makes one); nothing is rendered\n"
-              "vantor: render: there is no usable imager, so nothing would be written (newImager makes one); nothing is "
-              "rendered\n");
+    EXPECT_EQ(
+        errors_of([&] { scene.Render(4, 4, 1, 0, 0, 1, 1); }),
+        "vantor: render: there is no camera (newCamera makes one); nothing is rendered\n"
+        "vantor: render: there is no usable imager, so nothing would be written (newImager makes one); nothing is "
+        "rendered\n");
     scene.camera({0, 0, 3}, {0, 0, 0}, 40);
     const auto errors = [&](int width, int height, int samples, double x0, double y0, double x1, double y1) {
         return errors_of([&] { EXPECT_TRUE(scene.render(width, height, samples, x0, y0, x1, y1).values.empty()); });
