@@ -29,7 +29,7 @@ constexpr float luminance(Color a) { return 0.2126f * a.r + 0.7152f * a.g + 0.07
 inline std::uint8_t srgb_byte(float linear) {
     const float clipped = std::clamp(linear, 0.0f, 1.0f);
     const float curved = clipped <= 0.0031308f ? 12.92f * clipped : 1.055f * std::pow(clipped, 1 / 2.4f) - 0.055f;
-    return static_cast<std::uint8_t>(255.0f * curved + 0.5f);
+    return static_cast<std::uint8_t>(std::lround(255.0f * curved));
 }
 
 } // namespace vantor

@@ -17,6 +17,7 @@ constexpr std::size_t small_size = value_at + sizeof(VtMatrix2);
 
 template <class Value> void put(unsigned char *inside, VtArgTag tag, const Value &value) {
     static_assert(std::is_trivially_copyable_v<Value> && std::is_trivially_destructible_v<Value>);
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): of an array, the address is meant
     static_assert(value_at + sizeof(Value) <= sizeof(VtArgType));
     ::new (inside) VtArgTag(tag);
     ::new (inside + value_at) Value(value);
@@ -54,7 +55,7 @@ VtArgType::VtArgType(const VtArgType &other) {
     std::memcpy(inside, other.inside, is_large ? sizeof inside : small_size);
 }
 
-VtArgType::~VtArgType() = default;
+VtArgType::~VtArgType() {} // Exported, so not the header's; values own nothing.
 
 VtArgTag VtArgType::Tag() const { return *std::launder(reinterpret_cast<const VtArgTag *>(inside)); }
 

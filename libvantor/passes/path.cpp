@@ -37,8 +37,8 @@ struct Vertex {
     Vertex(const Hit &at, Vec3 direction, const World &world)
         : hit(at), reflection(world.materials[at.placement].interface.reflection),
           is_front(dot(at.geometric_normal, direction) < 0),
-          geometric_normal(at.geometric_normal * (is_front ? 1 : -1)),
-          shading_normal(at.shading_normal * (is_front ? 1 : -1)) {}
+          geometric_normal(at.geometric_normal * (is_front ? 1.0f : -1.0f)),
+          shading_normal(at.shading_normal * (is_front ? 1.0f : -1.0f)) {}
 };
 
 // Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, except at the

@@ -90,7 +90,7 @@ PixelArea whole_blocks(const PixelArea &window, int width, int height) {
 
 void render_block(const PixelArea &block, const World &world, int samples, const Interrupt &interrupt,
                   Picture &picture) {
-    std::array<PixelFilm, block_side * block_side> film;
+    std::array<PixelFilm, std::size_t{block_side} * block_side> film;
     std::vector<Path> wave;
     wave.reserve(film.size() * wave_samples);
 
