@@ -5,6 +5,7 @@
 #include "libvantor/geometry/builder.h"
 
 #include <limits>
+#include <type_traits>
 
 namespace vantor {
 
@@ -14,11 +15,23 @@ constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float smallest = std::numeric_limits<float>::min();
 constexpr float largest = std::numeric_limits<float>::max();
 
-// Rays go to Embree in packets of this many, whatever the processor: that is the fastest width for rays that go apart,
-// and nearly so for those that do not.
-constexpr std::size_t width = 8;
+// Rays go to Embree in packets, as wide as the processor takes at once: 16, or else 8. Narrower ones are not worth it.
+template <class Rays> constexpr std::size_t width_of = std::extent_v<decltype(Rays::tfar)>;
 
-void set_ray(RTCRay8 &packet, std::size_t lane, Vec3 from, Vec3 direction, float reach) {
+void intersect(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRayHit8 &packet) {
+    rtcIntersect8(used, scene, context, &packet);
+}
+void intersect(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRayHit16 &packet) {
+    rtcIntersect16(used, scene, context, &packet);
+}
+void occlude(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRay8 &packet) {
+    rtcOccluded8(used, scene, context, &packet);
+}
+void occlude(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRay16 &packet) {
+    rtcOccluded16(used, scene, context, &packet);
+}
+
+template <class Rays> void set_ray(Rays &packet, std::size_t lane, Vec3 from, Vec3 direction, float reach) {
     packet.org_x[lane] = from.x;
     packet.org_y[lane] = from.y;
     packet.org_z[lane] = from.z;
@@ -34,7 +47,7 @@ void set_ray(RTCRay8 &packet, std::size_t lane, Vec3 from, Vec3 direction, float
 }
 
 // Which lanes of a packet are in use: -1 if so, 0 if not. Embree wants it aligned like the packet.
-struct alignas(32) Mask {
+template <std::size_t width> struct alignas(4 * width) Mask {
     int lanes[width];
 
     explicit Mask(std::size_t used) {
@@ -51,7 +64,8 @@ Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float
 } // namespace
 
 Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placement> placements)
-    : built(std::move(scene)) {
+    : built(std::move(scene)),
+      has_wide_packets(rtcGetDeviceProperty(built->device.get(), RTC_DEVICE_PROPERTY_NATIVE_RAY16_SUPPORTED) != 0) {
     decodings.reserve(placements.size());
     for (std::size_t i = 0; i < placements.size(); ++i) {
         const Placement &placement = placements[i];
@@ -68,44 +82,6 @@ Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placemen
 
 Tracer::~Tracer() = default;
 Tracer::Tracer(Tracer &&) noexcept = default;
-
-void Tracer::nearest(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
-    RTCIntersectContext context;
-    rtcInitIntersectContext(&context);
-    context.flags = are_coherent ? RTC_INTERSECT_CONTEXT_FLAG_COHERENT : RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT;
-
-    // Lanes that are not in use are looked at all the same, so they hold numbers.
-    RTCRayHit8 packet{};
-    for (std::size_t first = 0; first < rays.size(); first += width) {
-        const std::size_t used = std::min(width, rays.size() - first);
-        for (std::size_t lane = 0; lane < used; ++lane) {
-            set_ray(packet.ray, lane, rays[first + lane].origin, rays[first + lane].direction, infinity);
-            packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
-            packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
-        }
-        rtcIntersect8(Mask(used).lanes, built->top.get(), &context, &packet);
-        for (std::size_t lane = 0; lane < used; ++lane)
-            hits[first + lane] = decoded(packet, lane, rays[first + lane]);
-    }
-}
-
-void Tracer::blocked(std::span<const Segment> ways, std::span<char> are_blocked) const {
-    RTCIntersectContext context;
-    rtcInitIntersectContext(&context);
-
-    RTCRay8 packet{};
-    for (std::size_t first = 0; first < ways.size(); first += width) {
-        const std::size_t used = std::min(width, ways.size() - first);
-        for (std::size_t lane = 0; lane < used; ++lane) {
-            const Segment &way = ways[first + lane];
-            set_ray(packet, lane, way.from, way.direction, way.reach);
-        }
-        rtcOccluded8(Mask(used).lanes, built->top.get(), &context, &packet);
-        // Embree marks a blocked way by a negative end.
-        for (std::size_t lane = 0; lane < used; ++lane)
-            are_blocked[first + lane] = packet.tfar[lane] < 0;
-    }
-}
 
 template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t lane, const Ray &ray) const {
     Hit hit;
@@ -144,6 +120,62 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
         }
     }
     return hit;
+}
+
+void Tracer::nearest(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
+    if (has_wide_packets)
+        nearest_in_packets<RTCRayHit16>(rays, are_coherent, hits);
+    else
+        nearest_in_packets<RTCRayHit8>(rays, are_coherent, hits);
+}
+
+template <class Packet>
+void Tracer::nearest_in_packets(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
+    constexpr std::size_t width = width_of<decltype(Packet::ray)>;
+    RTCIntersectContext context;
+    rtcInitIntersectContext(&context);
+    context.flags = are_coherent ? RTC_INTERSECT_CONTEXT_FLAG_COHERENT : RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT;
+
+    // Lanes that are not in use are looked at all the same, so they hold numbers.
+    Packet packet{};
+    for (std::size_t first = 0; first < rays.size(); first += width) {
+        const std::size_t used = std::min(width, rays.size() - first);
+        for (std::size_t lane = 0; lane < used; ++lane) {
+            set_ray(packet.ray, lane, rays[first + lane].origin, rays[first + lane].direction, infinity);
+            packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
+            packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
+        }
+        intersect(Mask<width>(used).lanes, built->top.get(), &context, packet);
+        for (std::size_t lane = 0; lane < used; ++lane)
+            hits[first + lane] = decoded(packet, lane, rays[first + lane]);
+    }
+}
+
+void Tracer::blocked(std::span<const Segment> ways, std::span<char> are_blocked) const {
+    if (has_wide_packets)
+        blocked_in_packets<RTCRay16>(ways, are_blocked);
+    else
+        blocked_in_packets<RTCRay8>(ways, are_blocked);
+}
+
+template <class Packet>
+void Tracer::blocked_in_packets(std::span<const Segment> ways, std::span<char> are_blocked) const {
+    constexpr std::size_t width = width_of<Packet>;
+    RTCIntersectContext context;
+    rtcInitIntersectContext(&context);
+
+    Packet packet{};
+    for (std::size_t first = 0; first < ways.size(); first += width) {
+        const std::size_t used = std::min(width, ways.size() - first);
+        for (std::size_t lane = 0; lane < used; ++lane) {
+            const Segment &way = ways[first + lane];
+            set_ray(packet, lane, way.from, way.direction, way.reach);
+        }
+        occlude(Mask<width>(used).lanes, built->top.get(), &context, packet);
+        // Embree marks a blocked way by a negative end.
+        for (std::size_t lane = 0; lane < used; ++lane)
+            are_blocked[first + lane] = packet.tfar[lane] < 0 ? 1 : 0;
+    }
 }
 
 float Tracer::radius() const {

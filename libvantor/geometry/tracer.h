@@ -45,7 +45,12 @@ class Tracer {
         unsigned halvings;          // 1 where two of Embree's triangles are one primitive, 0 otherwise
     };
 
+    template <class Packet>
+    void nearest_in_packets(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const;
+    template <class Packet> void blocked_in_packets(std::span<const Segment> ways, std::span<char> are_blocked) const;
+
     std::unique_ptr<const BuiltScene> built;
+    bool has_wide_packets;
     std::vector<Decoding> decodings; // for each placement
 };
 
