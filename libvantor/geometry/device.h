@@ -1,7 +1,8 @@
 // Device: Embree's handles, owned; and its errors.
 #pragma once
 
-#include <embree3/rtcore.h>
+#include "libvantor/geometry/embree.h"
+
 #include <memory>
 #include <stdexcept>
 #include <string>

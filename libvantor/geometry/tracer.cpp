@@ -1,8 +1,8 @@
-// Tracer: rays against everything that is placed. Written for Embree 3: the intersection context is what Embree 4
-// passes in another way.
+// Tracer: rays against everything that is placed.
 #include "libvantor/geometry/tracer.h"
 
 #include "libvantor/geometry/builder.h"
+#include "libvantor/geometry/embree.h"
 
 #include <limits>
 #include <type_traits>
@@ -17,19 +17,6 @@ constexpr float largest = std::numeric_limits<float>::max();
 
 // Rays go to Embree in packets, as wide as the processor takes at once: 16, or else 8. Narrower ones are not worth it.
 template <class Rays> constexpr std::size_t width_of = std::extent_v<decltype(Rays::tfar)>;
-
-void intersect(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRayHit8 &packet) {
-    rtcIntersect8(used, scene, context, &packet);
-}
-void intersect(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRayHit16 &packet) {
-    rtcIntersect16(used, scene, context, &packet);
-}
-void occlude(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRay8 &packet) {
-    rtcOccluded8(used, scene, context, &packet);
-}
-void occlude(const int *used, RTCScene scene, RTCIntersectContext *context, RTCRay16 &packet) {
-    rtcOccluded16(used, scene, context, &packet);
-}
 
 template <class Rays> void set_ray(Rays &packet, std::size_t lane, Vec3 from, Vec3 direction, float reach) {
     packet.org_x[lane] = from.x;
@@ -62,6 +49,13 @@ Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float
 }
 
 } // namespace
+
+std::optional<Tracer> Tracer::build(std::span<const Placement> placements, const Interrupt &interrupt) {
+    std::unique_ptr<const BuiltScene> scene = build_scene(placements, interrupt);
+    if (!scene)
+        return {};
+    return Tracer(std::move(scene), placements);
+}
 
 Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placement> placements)
     : built(std::move(scene)),
@@ -132,9 +126,7 @@ void Tracer::nearest(std::span<const Ray> rays, bool are_coherent, std::span<Hit
 template <class Packet>
 void Tracer::nearest_in_packets(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
     constexpr std::size_t width = width_of<decltype(Packet::ray)>;
-    RTCIntersectContext context;
-    rtcInitIntersectContext(&context);
-    context.flags = are_coherent ? RTC_INTERSECT_CONTEXT_FLAG_COHERENT : RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT;
+    RayQuery query(are_coherent);
 
     // Lanes that are not in use are looked at all the same, so they hold numbers.
     Packet packet{};
@@ -145,7 +137,7 @@ void Tracer::nearest_in_packets(std::span<const Ray> rays, bool are_coherent, st
             packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
             packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
         }
-        intersect(Mask<width>(used).lanes, built->top.get(), &context, packet);
+        query.intersect(Mask<width>(used).lanes, built->top.get(), packet);
         for (std::size_t lane = 0; lane < used; ++lane)
             hits[first + lane] = decoded(packet, lane, rays[first + lane]);
     }
@@ -161,8 +153,7 @@ void Tracer::blocked(std::span<const Segment> ways, std::span<char> are_blocked)
 template <class Packet>
 void Tracer::blocked_in_packets(std::span<const Segment> ways, std::span<char> are_blocked) const {
     constexpr std::size_t width = width_of<Packet>;
-    RTCIntersectContext context;
-    rtcInitIntersectContext(&context);
+    RayQuery query(false);
 
     Packet packet{};
     for (std::size_t first = 0; first < ways.size(); first += width) {
@@ -171,7 +162,7 @@ void Tracer::blocked_in_packets(std::span<const Segment> ways, std::span<char> a
             const Segment &way = ways[first + lane];
             set_ray(packet, lane, way.from, way.direction, way.reach);
         }
-        occlude(Mask<width>(used).lanes, built->top.get(), &context, packet);
+        query.occlude(Mask<width>(used).lanes, built->top.get(), packet);
         // Embree marks a blocked way by a negative end.
         for (std::size_t lane = 0; lane < used; ++lane)
             are_blocked[first + lane] = packet.tfar[lane] < 0 ? 1 : 0;

@@ -11,6 +11,7 @@
 namespace vantor {
 
 struct BuiltScene;
+class Interrupt;
 struct Placement;
 struct TriangleMesh;
 
@@ -18,7 +19,8 @@ struct TriangleMesh;
 /// threads. The placements' objects have to outlive it.
 class Tracer {
   public:
-    Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placement> placements);
+    /// Builds what rays are traced in. Nothing if it was interrupted.
+    static std::optional<Tracer> build(std::span<const Placement> placements, const Interrupt &interrupt);
     ~Tracer();
     Tracer(Tracer &&) noexcept;
     Tracer &operator=(Tracer &&) = delete;
@@ -33,6 +35,8 @@ class Tracer {
     float radius() const;
 
   private:
+    Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placement> placements);
+
     /// One lane of an Embree packet.
     template <class Packet> Hit decoded(const Packet &packet, std::size_t lane, const Ray &ray) const;
 

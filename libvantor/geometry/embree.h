@@ -1,0 +1,47 @@
+// Embree: its header, and the calls in which its versions 3 and 4 differ.
+#pragma once
+
+#if VANTOR_EMBREE == 4 // set by the build
+#include <embree4/rtcore.h>
+#else
+#include <embree3/rtcore.h>
+#endif
+
+namespace vantor {
+
+/// Traces packets of rays. Version 3 takes a context for that, version 4 arguments; both say whether the rays are
+/// coherent. `used` holds -1 for each ray that counts and 0 for the others.
+class RayQuery {
+  public:
+#if VANTOR_EMBREE == 4
+    explicit RayQuery(bool are_coherent) {
+        rtcInitIntersectArguments(&arguments);
+        arguments.flags = are_coherent ? RTC_RAY_QUERY_FLAG_COHERENT : RTC_RAY_QUERY_FLAG_INCOHERENT;
+    }
+
+    void intersect(const int *used, RTCScene scene, RTCRayHit8 &rays) { rtcIntersect8(used, scene, &rays, &arguments); }
+    void intersect(const int *used, RTCScene scene, RTCRayHit16 &rays) {
+        rtcIntersect16(used, scene, &rays, &arguments);
+    }
+    void occlude(const int *used, RTCScene scene, RTCRay8 &rays) { rtcOccluded8(used, scene, &rays, nullptr); }
+    void occlude(const int *used, RTCScene scene, RTCRay16 &rays) { rtcOccluded16(used, scene, &rays, nullptr); }
+
+  private:
+    RTCIntersectArguments arguments;
+#else
+    explicit RayQuery(bool are_coherent) {
+        rtcInitIntersectContext(&context);
+        context.flags = are_coherent ? RTC_INTERSECT_CONTEXT_FLAG_COHERENT : RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT;
+    }
+
+    void intersect(const int *used, RTCScene scene, RTCRayHit8 &rays) { rtcIntersect8(used, scene, &context, &rays); }
+    void intersect(const int *used, RTCScene scene, RTCRayHit16 &rays) { rtcIntersect16(used, scene, &context, &rays); }
+    void occlude(const int *used, RTCScene scene, RTCRay8 &rays) { rtcOccluded8(used, scene, &context, &rays); }
+    void occlude(const int *used, RTCScene scene, RTCRay16 &rays) { rtcOccluded16(used, scene, &context, &rays); }
+
+  private:
+    RTCIntersectContext context;
+#endif
+};
+
+} // namespace vantor
