@@ -5,6 +5,7 @@ Closes with one line, "N passed, N failed", and fails if anything did. What a st
 
 import glob
 import os
+import pathlib
 import re
 import shutil
 import subprocess
@@ -132,8 +133,8 @@ def installation(tally):
     """Installs into an empty folder and imports from there."""
     with tempfile.TemporaryDirectory() as target:
         if tally.run("install", ["cmake", "--install", "build/test"], DESTDIR=target):
-            places = glob.glob(target + "/**/vantorPM.*.so", recursive=True)
-            folder = os.path.dirname(places[0]) if places else target
+            modules = list(pathlib.Path(target).rglob("vantorPM.*.so"))
+            folder = str(modules[0].parent) if modules else target
             tally.run("import what was installed",
                       ["python3", "-c", "import vantorPM; print(vantorPM.transform().identity())"],
                       PYTHONPATH=folder)
