@@ -42,12 +42,19 @@ class Tally:
 
     def run(self, name, command, count=None, **environment):
         """Runs a command as one step. `count` reads (passed, failed) from what it printed; without it, the command
-        itself is one check. A command that counts no failure and still fails, or counts nothing, is a failure."""
+        itself is one check. A command that counts no failure and still fails, or counts nothing, is a failure.
+        """
         log = os.path.join(LOG, re.sub(r"\W+", "-", name) + ".log")
         started = time.monotonic()
         with open(log, "w") as out:
-            status = subprocess.run(command, cwd=ROOT, stdout=out, stderr=subprocess.STDOUT,
-                                    stdin=subprocess.DEVNULL, env=dict(os.environ, **environment)).returncode
+            status = subprocess.run(
+                command,
+                cwd=ROOT,
+                stdout=out,
+                stderr=subprocess.STDOUT,
+                stdin=subprocess.DEVNULL,
+                env=dict(os.environ, **environment),
+            ).returncode
         passed, failed = (int(status == 0), int(status != 0))
         if count:
             with open(log, errors="replace") as text:
@@ -68,7 +75,11 @@ def unittest_lines(text):
     """The counts of unittest's closing lines."""
     ran = re.search(r"^Ran (\d+) tests?", text, re.M)
     bad = re.search(r"^FAILED \((.*)\)", text, re.M)
-    failed = sum(int(n) for n in re.findall(r"(?:failures|errors|unexpected successes)=(\d+)", bad[1])) if bad else 0
+    failed = (
+        sum(int(n) for n in re.findall(r"(?:failures|errors|unexpected successes)=(\d+)", bad[1]))
+        if bad
+        else 0
+    )
     skipped = sum(int(n) for n in re.findall(r"skipped=(\d+)", text))
     return (int(ran[1]) - failed - skipped, failed) if ran else (0, 1)
 
@@ -93,7 +104,9 @@ def interpreters():
 def build(tally, preset, *settings):
     configured = tally.run("configure " + preset, ["cmake", "--preset", preset, *settings])
     return configured and tally.run(
-        "build %s, warnings as errors" % preset, ["cmake", "--build", "--preset", preset, "-j" + JOBS])
+        "build %s, warnings as errors" % preset,
+        ["cmake", "--build", "--preset", preset, "-j" + JOBS],
+    )
 
 
 def native_tests(tally, preset, **environment):
@@ -105,22 +118,43 @@ def native_tests(tally, preset, **environment):
         failed = int(suite.get("failures"))
         return int(suite.get("tests")) - failed - int(suite.get("skipped")), failed
 
-    tally.run("native tests, " + preset,
-              ["ctest", "--test-dir", folder, "--output-on-failure", "-j" + JOBS, "--output-junit", report],
-              count, **environment)
+    tally.run(
+        "native tests, " + preset,
+        [
+            "ctest",
+            "--test-dir",
+            folder,
+            "--output-on-failure",
+            "-j" + JOBS,
+            "--output-junit",
+            report,
+        ],
+        count,
+        **environment
+    )
 
 
 def python_tests(tally, preset, name, interpreter, **environment):
     folder = os.path.join(ROOT, "build", preset)
-    tally.run("Python tests, %s, %s" % (preset, name), [interpreter, "tests/python/run.py"], plain_line,
-              PYTHONPATH=os.path.join(folder, "python"), VANTOR_BUILD=folder, PYTHONDONTWRITEBYTECODE="1",
-              **environment)
+    tally.run(
+        "Python tests, %s, %s" % (preset, name),
+        [interpreter, "tests/python/run.py"],
+        plain_line,
+        PYTHONPATH=os.path.join(folder, "python"),
+        VANTOR_BUILD=folder,
+        PYTHONDONTWRITEBYTECODE="1",
+        **environment
+    )
 
 
 def sanitizer_environment():
     """What an interpreter that was built without the sanitizers needs to load a module that was built with them."""
-    runtime = [subprocess.run(["g++", "-print-file-name=" + name], capture_output=True, text=True).stdout.strip()
-               for name in ("libasan.so", "libubsan.so")]
+    runtime = [
+        subprocess.run(
+            ["g++", "-print-file-name=" + name], capture_output=True, text=True
+        ).stdout.strip()
+        for name in ("libasan.so", "libubsan.so")
+    ]
     return {
         # The interpreter frees nothing at exit; leaks of the module are found by the reference counts.
         "ASAN_OPTIONS": "detect_leaks=0:allocator_may_return_null=1",
@@ -135,9 +169,11 @@ def installation(tally):
         if tally.run("install", ["cmake", "--install", "build/test"], DESTDIR=target):
             modules = list(pathlib.Path(target).rglob("vantorPM.*.so"))
             folder = str(modules[0].parent) if modules else target
-            tally.run("import what was installed",
-                      ["python3", "-c", "import vantorPM; print(vantorPM.transform().identity())"],
-                      PYTHONPATH=folder)
+            tally.run(
+                "import what was installed",
+                ["python3", "-c", "import vantorPM; print(vantorPM.transform().identity())"],
+                PYTHONPATH=folder,
+            )
 
 
 def main():
@@ -149,16 +185,24 @@ def main():
     if build(tally, "test", "-DVANTOR_ALSO_FOR=" + others):
         native_tests(tally, "test")
         for version, _, path, debug in found:
-            python_tests(tally, "test", "%s%s (%s)" % (version, " debug" if debug else "", path), path)
-        tally.run("house rules", ["python3", "-m", "unittest", "discover", "-v", "-s", "tests/house"], unittest_lines,
-                  VANTOR_BUILD=os.path.join(ROOT, "build", "test"), PYTHONDONTWRITEBYTECODE="1")
+            python_tests(tally, "test", version + (" debug" if debug else ""), path)
+        tally.run(
+            "house rules",
+            ["python3", "-m", "unittest", "discover", "-v", "-s", "tests/house"],
+            unittest_lines,
+            VANTOR_BUILD=os.path.join(ROOT, "build", "test"),
+            PYTHONDONTWRITEBYTECODE="1",
+        )
         installation(tally)
 
     if build(tally, "clang"):
         native_tests(tally, "clang")
         python_tests(tally, "clang", "python3", "python3")
-        tally.run("clang-tidy", ["python3", "tests/house/tidy.py"],
-                  VANTOR_BUILD=os.path.join(ROOT, "build", "clang"))
+        tally.run(
+            "clang-tidy",
+            ["python3", "tests/house/tidy.py"],
+            VANTOR_BUILD=os.path.join(ROOT, "build", "clang"),
+        )
 
     if build(tally, "sanitize"):
         native_tests(tally, "sanitize", ASAN_OPTIONS="allocator_may_return_null=1")
