@@ -8,23 +8,28 @@ import textwrap
 from module_under_test import vantorPM
 
 
-def run(script, *options, **environment):
-    """The finished process; a script that takes longer than a minute is a failure."""
-    variables = dict(os.environ)
-    variables["PYTHONPATH"] = os.pathsep.join(
+def variables(**changes):
+    """The environment of a script: it finds the module, and the files beside this one."""
+    result = dict(os.environ)
+    result["PYTHONPATH"] = os.pathsep.join(
         [
             os.path.dirname(os.path.abspath(vantorPM.__file__)),
             os.path.dirname(os.path.abspath(__file__)),
         ]
     )
     # Under the address sanitizer a failed allocation is to be a null pointer, as it is without.
-    variables["ASAN_OPTIONS"] = ":".join(
-        filter(None, [variables.get("ASAN_OPTIONS"), "allocator_may_return_null=1"])
+    result["ASAN_OPTIONS"] = ":".join(
+        filter(None, [result.get("ASAN_OPTIONS"), "allocator_may_return_null=1"])
     )
-    variables.update(environment)
+    result.update(changes)
+    return result
+
+
+def run(script, *options, **environment):
+    """The finished process; a script that takes longer than a minute is a failure."""
     return subprocess.run(
         [sys.executable, *options, "-c", textwrap.dedent(script)],
-        env=variables,
+        env=variables(**environment),
         stdout=subprocess.PIPE,
         stderr=subprocess.PIPE,
         universal_newlines=True,

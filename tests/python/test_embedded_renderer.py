@@ -1,0 +1,122 @@
+"""From a script to a picture: the examples, Ctrl-C, the progress line, reports of mistakes."""
+
+import os
+import pty
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import textwrap
+import unittest
+
+import scripts
+
+EXAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "examples")
+
+ENDLESS = """
+    import vantorPM
+    from vantorPM import vector3
+
+    scene = vantorPM.scene()
+    scene.newCamera("perspective", ["position", vector3(0, 0, 5)])
+    scene.newImager("file", ["name", "never.png"])
+    scene.newLight("point", ["position", vector3(2, 3, 4), "intensity", 20.0])
+    scene.addObject(scene.newObject("sphere", []))
+    try:
+        scene.render(8192, 8192, 256)
+    except KeyboardInterrupt:
+        print("stopped")
+"""
+
+MISTAKES = """
+    from vantorPM import scene, vector3
+
+    ball = scene()
+    ball.newCamera("perspective", ["position", vector3(0, 2, 6), "tarqet", vector3(0, 1, 0)])
+    ball.newLight("point", ["intensity", "bright"])
+    ball.addObject(ball.newObject("spere", ["radius", 1.0]))
+"""
+
+
+def png_size(path):
+    """Width and height, from the header."""
+    with open(path, "rb") as file:
+        header = file.read(24)
+    assert header[:8] == b"\x89PNG\r\n\x1a\n", header
+    return struct.unpack(">II", header[16:])
+
+
+class EmbeddedRendererTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = os.path.realpath(folder.name)
+
+    def run_in_folder(self, *arguments):
+        return subprocess.run(
+            [sys.executable, *arguments],
+            cwd=self.folder,
+            env=scripts.variables(VANTOR_DIAGNOSTICS="warn"),
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            universal_newlines=True,
+            timeout=120,
+        )
+
+    def test_the_cornell_box_says_where_its_picture_is(self):
+        process = self.run_in_folder(os.path.join(EXAMPLES, "cornell_box.py"), "32", "4")
+        picture = os.path.join(self.folder, "cornell_box.png")
+        self.assertEqual((process.stdout, process.stderr), ("The picture is in %s\n" % picture, ""))
+        self.assertEqual(png_size(picture), (32, 32))
+
+    def test_the_first_picture_needs_no_block(self):
+        with open(os.path.join(EXAMPLES, "first_picture.py")) as file:
+            script = file.read()
+        self.assertIn("ball.render(640, 480, 64)", script)
+        process = self.run_in_folder("-c", script.replace("640, 480, 64", "32, 24, 4"))
+        self.assertEqual((process.returncode, process.stdout, process.stderr), (0, "", ""))
+        self.assertEqual(png_size(os.path.join(self.folder, "first_picture.png")), (32, 24))
+
+    def test_ctrl_c_stops_a_pass_with_keyboard_interrupt_and_writes_no_picture(self):
+        # The error stream is a terminal, so there is a progress line; it says when the pass is under way.
+        terminal, error_stream = pty.openpty()
+        self.addCleanup(os.close, terminal)
+        process = subprocess.Popen(
+            [sys.executable, "-c", textwrap.dedent(ENDLESS)],
+            cwd=self.folder,
+            env=scripts.variables(VANTOR_DIAGNOSTICS="warn"),
+            stdout=subprocess.PIPE,
+            stderr=error_stream,
+            universal_newlines=True,
+        )
+        os.close(error_stream)
+        self.addCleanup(process.stdout.close)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        shown = b""
+        while b"vantor: render:" not in shown:
+            shown += os.read(terminal, 1000)
+
+        process.send_signal(signal.SIGINT)
+        output, _ = process.communicate(timeout=60)
+        self.assertEqual(output, "stopped\n")
+        self.assertEqual(os.listdir(self.folder), [])
+
+    def test_three_mistakes_give_three_lines_with_the_fix(self):
+        process = self.run_in_folder("-c", textwrap.dedent(MISTAKES))
+        self.assertEqual(
+            process.stderr.splitlines(),
+            [
+                'vantor: newCamera "perspective": item 2: unknown parameter "tarqet" '
+                '(did you mean "target"?)',
+                'vantor: newLight "point": item 1: parameter "intensity" is a text '
+                "(colour (vector3 or number) is wanted)",
+                'vantor: newObject "spere": unknown type (did you mean "sphere"?)',
+            ],
+        )
+        self.assertEqual((process.returncode, process.stdout), (0, ""))
+
+
+if __name__ == "__main__":
+    unittest.main()
