@@ -3,7 +3,7 @@ JOBS := $(shell nproc)
 
 .PHONY: demo test bench clean
 
-# Builds the module and its renderer, and draws the first picture.
+# Builds the module and its renderer, and draws the README's picture.
 demo:
 	@tools/setup build
 	@cmake --preset release --log-level=WARNING

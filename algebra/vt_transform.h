@@ -7,10 +7,11 @@
 /// Sixteen doubles, row after row, and nothing else: no inverse, no flag, no cached data. A default-constructed
 /// transform is all zeros, not the identity.
 ///
-/// The operations below Compose and Invert belong to the renderer library, because it decides what they mean; each
-/// replaces all sixteen entries and never reads the old ones. The formulas stated are those of the libVantor that
-/// ships with the module: points are rows (p' = p M), so that a translation stands in row 3; the coordinate system is
-/// right-handed; angles are in degrees, positive counter-clockwise when looked at against the axis.
+/// The operations from Zero() on belong to the renderer library, because it decides what they mean; each replaces all
+/// sixteen entries and never reads the old ones. Composition and inversion are the module's own. The formulas stated
+/// are those of the libVantor that ships with the module: points are rows (p' = p M), so that a translation stands in
+/// row 3; the coordinate system is right-handed; angles are in degrees, positive counter-clockwise when looked at
+/// against the axis.
 class VtTransform {
   public:
     constexpr VtTransform() = default;

@@ -66,7 +66,8 @@ cube = box.newObject("box", ["min", vector3(-0.5, 0, -0.5), "max", vector3(0.5, 
 box.materialBegin(white)
 for height, angle, x, z in ((1.65, 17.0, 1.86, 1.69), (3.30, -17.0, 3.69, 3.51)):
     place = transform().scaling(vector3(1.65, height, 1.65))
-    place.compose(transform().rotationAroundY(angle)).compose(transform().translation(vector3(x, 0, z)))
+    place.compose(transform().rotationAroundY(angle))
+    place.compose(transform().translation(vector3(x, 0, z)))
     box.transformBegin(place)
     box.addObject(cube)
     box.transformEnd()

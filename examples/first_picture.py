@@ -3,7 +3,8 @@
 from vantorPM import scene, vector3
 
 ball = scene()
-ball.newCamera("perspective", ["position", vector3(0, 2, 6), "target", vector3(0, 1, 0), "fov", 35.0])
+ball.newCamera("perspective", ["position", vector3(0, 2, 6), "target", vector3(0, 1, 0),
+                               "fov", 35.0])
 ball.newImager("file", ["name", "first_picture.png"])
 ball.newLight("distant", ["direction", vector3(-1, -2, -1), "irradiance", vector3(3.0, 2.7, 2.3)])
 ball.newLight("point", ["position", vector3(4, 5, 4), "intensity", vector3(4, 9, 16)])

@@ -83,7 +83,8 @@ class scene:
     """
 
     def __init__(self, n: _Integer = ..., /) -> None:
-        """Makes an empty scene. n is the budget of patches of a radiosity pass, 10240 if left out.
+        """Makes an empty scene. n, 10240 if left out, is meant as the budget of patches of a
+        radiosity pass; the renderer that ships with the module has no such pass yet.
         """
 
     def newCamera(self, type: Optional[str], parameters: _Parameters, /) -> int:
@@ -164,8 +165,7 @@ class scene:
         """Closes the innermost transform block."""
 
     def radiosity(self, *ignored: object) -> None:
-        """Asks for a radiosity pass; docs/vocabulary.md says what comes of it. Returns when it is
-        done; Ctrl-C ends it with KeyboardInterrupt."""
+        """Asks for a radiosity pass; docs/vocabulary.md says what comes of it."""
 
     def render(
         self,

@@ -32,8 +32,8 @@
 /// interface. Nothing is ever inserted; a library may append virtual operations of its own in a derived class.
 class VT_API VtLocalSceneProxy {
   public:
-    /// The number is the script's argument to scene(), or 10240. The module gives it no meaning; in the libVantor that
-    /// ships with it, it is the budget of patches of a radiosity pass.
+    /// The number is the script's argument to scene(), or 10240. The module gives it no meaning; it is
+    /// meant as the budget of patches of a radiosity pass, and without effect in a library that has none.
     VT_API explicit VtLocalSceneProxy(VtLong);
     VtLocalSceneProxy(const VtLocalSceneProxy &) = delete;
     VtLocalSceneProxy &operator=(const VtLocalSceneProxy &) = delete;

@@ -2,6 +2,8 @@
 
 usage: tidy.py [-j JOBS] [PATH...]   PATH is a source or a folder; all rooms are checked without it
 The commands are those of compile_commands.json in the build folder, which VANTOR_BUILD names.
+Closes with one line, "N passed, N failed", one for each source. Another version of clang-tidy
+knows other checks, and is skipped.
 """
 
 import argparse
@@ -14,6 +16,8 @@ import subprocess
 import sys
 
 import repository
+
+CLANG_TIDY = "14"
 
 ROOMS = ["algebra", "arrays", "interpreter", "libvantor", "module", "renderer", "scene"]
 
@@ -47,7 +51,13 @@ def main():
 
     program = shutil.which("clang-tidy")
     if program is None:
-        print("skipped: clang-tidy is not installed")
+        print("clang-tidy is not installed")
+        return 1
+    version = subprocess.run([program, "--version"], stdout=subprocess.PIPE,
+                             universal_newlines=True).stdout
+    if "version {}.".format(CLANG_TIDY) not in version:
+        print("skipped: the sources are kept clean under clang-tidy {}".format(CLANG_TIDY))
+        print("0 passed, 0 failed, 1 skipped")
         return 0
     database = os.path.join(repository.BUILD, "compile_commands.json")
     if not os.path.exists(database):
@@ -69,6 +79,7 @@ def main():
                     findings.setdefault(finding.splitlines()[0], finding)
     print("".join(finding for _, finding in sorted(findings.items())), end="")
     print("{} sources, {} findings".format(len(paths), len(findings)))
+    print("{} passed, {} failed".format(len(paths) if not findings else 0, len(findings)))
     return 1 if findings else 0
 
 

@@ -79,7 +79,7 @@ class EmbeddedRendererTest(unittest.TestCase):
         self.assertEqual(png_size(os.path.join(self.folder, "first_picture.png")), (32, 24))
 
     def test_ctrl_c_stops_a_pass_with_keyboard_interrupt_and_writes_no_picture(self):
-        # The error stream is a terminal, so there is a progress line; it says when the pass is under way.
+        # The error stream is a terminal, so a progress line says when the pass is under way.
         terminal, error_stream = pty.openpty()
         self.addCleanup(os.close, terminal)
         process = subprocess.Popen(

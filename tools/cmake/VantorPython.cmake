@@ -34,6 +34,20 @@ function(vantor_python_facts prefix interpreter)
     set(${prefix}_PLATLIB ${platlib} PARENT_SCOPE)
 endfunction()
 
+# The interpreters that modules are built for, as prefixes of their facts: VANTOR for the one that is installed for, and
+# one for each further interpreter whose modules have another suffix. Two interpreters with one suffix share a binary.
+vantor_python_facts(VANTOR ${VANTOR_PYTHON})
+set(VANTOR_INTERPRETERS VANTOR)
+set(known_suffixes ${VANTOR_SUFFIX})
+foreach(interpreter IN LISTS VANTOR_ALSO_FOR)
+    vantor_python_facts(VANTOR_OTHER ${interpreter})
+    if(NOT VANTOR_OTHER_SUFFIX IN_LIST known_suffixes)
+        list(APPEND known_suffixes ${VANTOR_OTHER_SUFFIX})
+        vantor_python_facts(VANTOR${VANTOR_OTHER_SUFFIX} ${interpreter})
+        list(APPEND VANTOR_INTERPRETERS VANTOR${VANTOR_OTHER_SUFFIX})
+    endif()
+endforeach()
+
 # vantor_python_module(TARGET NAME FACTS SOURCE...): the extension module NAME for the interpreter that FACTS describe.
 function(vantor_python_module target name facts)
     add_library(${target} MODULE ${ARGN})
