@@ -3,8 +3,12 @@
 
 #include "libvantor/base/color.h"
 
+#include <algorithm>
+#include <csignal>
 #include <fstream>
+#include <iterator>
 #include <png.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -43,6 +47,38 @@ Png read_png(const std::string &path) {
     png_image_finish_read(&image, nullptr, result.bytes.data(), 0, nullptr);
     return result;
 }
+
+std::vector<std::string> names_in(const fs::path &folder) {
+    std::vector<std::string> names;
+    for (const fs::directory_entry &entry : fs::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    return names;
+}
+
+std::string contents_of(const fs::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Until it goes out of scope, a file may have so many bytes.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(rlim_t bytes) : old_handler(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit limit{bytes, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, old_handler);
+    }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+  private:
+    void (*old_handler)(int);
+    rlimit before{};
+};
 
 TEST(Pictures, SrgbCurveHasItsKnownValues) {
     EXPECT_EQ(vantor::srgb_byte(0), 0);
@@ -117,10 +153,7 @@ TEST(Pictures, FolderHoldsNothingButThePicture) {
     scene.Render(4, 4, 1, 0, 0, 1, 1);
     scene.Render(5, 4, 1, 0, 0, 1, 1);
     scene.ImagerEnd();
-    std::vector<std::string> names;
-    for (const fs::directory_entry &entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    EXPECT_EQ(names, std::vector<std::string>{"a.png"});
+    EXPECT_EQ(names_in(folder), std::vector<std::string>{"a.png"});
     EXPECT_EQ(read_png((folder / "a.png").string()).width, 5u);
     // As any new file: readable by whom the process's mask allows.
     const mode_t mask = umask(0);
@@ -140,6 +173,97 @@ TEST(Pictures, ALinkStaysALink) {
     scene.ImagerEnd();
     EXPECT_TRUE(fs::is_symlink(folder / "link.png"));
     EXPECT_EQ(read_png((folder / "real.png").string()).width, 4u);
+}
+
+TEST(Pictures, ALinkToNothingYetGetsItsFile) {
+    Scene scene;
+    build(scene, {1, 1, 1});
+    const fs::path folder = scripted::path_of("dangling");
+    fs::create_directories(folder / "inner");
+    fs::create_symlink("inner/second.png", folder / "first.png");
+    fs::create_symlink("real.png", folder / "inner" / "second.png");
+    scene.ImagerBegin(file_imager(scene, (folder / "first.png").string()));
+    scene.Render(4, 4, 1, 0, 0, 1, 1);
+    scene.ImagerEnd();
+    EXPECT_TRUE(fs::is_symlink(folder / "first.png"));
+    EXPECT_TRUE(fs::is_symlink(folder / "inner" / "second.png"));
+    EXPECT_EQ(read_png((folder / "inner" / "real.png").string()).width, 4u);
+}
+
+TEST(Pictures, LinksInACircleAreReported) {
+    Scene scene;
+    build(scene, {1, 1, 1});
+    const fs::path folder = scripted::path_of("circle");
+    fs::create_directory(folder);
+    fs::create_symlink("b.png", folder / "a.png");
+    fs::create_symlink("a.png", folder / "b.png");
+    scene.ImagerBegin(file_imager(scene, (folder / "a.png").string()));
+    const std::string errors = scripted::errors_of([&] { scene.Render(4, 4, 1, 0, 0, 1, 1); });
+    scene.ImagerEnd();
+    EXPECT_TRUE(errors.ends_with(": Too many levels of symbolic links\n")) << errors;
+    EXPECT_TRUE(fs::is_symlink(folder / "a.png"));
+}
+
+TEST(Pictures, AReplacedFileKeepsItsMode) {
+    Scene scene;
+    build(scene, {1, 1, 1});
+    const std::string path = scripted::path_of("mode.png");
+    scene.ImagerBegin(file_imager(scene, path));
+    for (const mode_t mode : {mode_t{0600}, mode_t{0666}, mode_t{0640}}) {
+        std::ofstream(path) << "old";
+        ASSERT_EQ(chmod(path.c_str(), mode), 0);
+        scene.Render(4, 4, 1, 0, 0, 1, 1);
+        EXPECT_EQ(read_png(path).width, 4u);
+        EXPECT_EQ(static_cast<mode_t>(fs::status(path).permissions()), mode);
+    }
+    scene.ImagerEnd();
+}
+
+TEST(Pictures, ANameMayBeAsLongAsTheFileSystemLetsIt) {
+    Scene scene;
+    build(scene, {1, 1, 1});
+    const std::string longest = scripted::path_of(std::string(251, 'x') + ".png");
+    scene.ImagerBegin(file_imager(scene, longest));
+    scene.Render(4, 4, 1, 0, 0, 1, 1);
+    scene.ImagerEnd();
+    EXPECT_EQ(read_png(longest).width, 4u);
+
+    // One more is refused before rendering, which would not end.
+    scene.ImagerBegin(file_imager(scene, scripted::path_of(std::string(252, 'x') + ".png")));
+    const std::string errors = scripted::errors_of([&] { scene.Render(4096, 4096, 1 << 24, 0, 0, 1, 1); });
+    scene.ImagerEnd();
+    EXPECT_TRUE(errors.ends_with(": File name too long\n")) << errors;
+}
+
+TEST(Pictures, AFileThatDoesNotFitLeavesTheOldOne) {
+    for (const char *name : {"full.png", "full.exr"}) {
+        Scene scene;
+        build(scene, {0.5, 0.18, 2});
+        const fs::path folder = scripted::path_of(std::string(name) + ".folder");
+        fs::create_directory(folder);
+        const fs::path path = folder / name;
+        scene.ImagerBegin(file_imager(scene, path.string()));
+        const auto render = [&] { return scripted::errors_of([&] { scene.Render(400, 300, 1, 0, 0, 1, 1); }); };
+        EXPECT_EQ(render(), "");
+        const std::uintmax_t size = fs::file_size(path);
+        std::ofstream(path, std::ios::trunc) << "old";
+        std::string errors;
+        {
+            const FileSizeLimit limit(size - 1);
+            errors = render();
+        }
+        EXPECT_TRUE(errors.starts_with("vantor: render: cannot write \"")) << errors;
+        EXPECT_TRUE(errors.ends_with(": File too large\n")) << errors;
+        EXPECT_EQ(std::ranges::count(errors, '\n'), 1);
+        EXPECT_EQ(contents_of(path), "old");
+        EXPECT_EQ(names_in(folder), std::vector<std::string>{name});
+        {
+            const FileSizeLimit limit(size);
+            EXPECT_EQ(render(), "");
+        }
+        EXPECT_EQ(fs::file_size(path), size);
+        scene.ImagerEnd();
+    }
 }
 
 TEST(Pictures, UnwritablePathIsReportedBeforeRendering) {
