@@ -66,8 +66,8 @@ std::string quoted(std::string_view text) {
         result += byte < 0x20 || byte == 0x7f ? '?' : c;
     }
     if (text.size() > longest) {
-        // Not in the middle of a UTF-8 sequence.
-        while ((static_cast<unsigned char>(text[result.size() - 1]) & 0xc0) == 0x80)
+        // Not in the middle of a UTF-8 sequence; bytes that are none may leave nothing but the quote.
+        while (result.size() > 1 && (static_cast<unsigned char>(text[result.size() - 1]) & 0xc0) == 0x80)
             result.pop_back();
         result += "...";
     }

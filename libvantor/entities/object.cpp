@@ -20,9 +20,29 @@ bool has_area(Vec3 a, Vec3 b, Vec3 c) {
 // Neither does a NaN pass, as largest_coordinate() may lose one.
 bool is_usable(Vec3 p) { return is_finite(p) && largest_coordinate(p) <= largest_reach; }
 
+// How many of its elements the array really has: fewer than its size, if that is negative or memory ran out.
+template <class Element> VtLong stored_count(const VtInstanceArray<Element> &array) {
+    VtLong stored = 0;
+    array.ForEachBlock([&](const Element *, VtLong count) { stored += count; });
+    return stored;
+}
+
+// Whether the array has all the elements that its size says; reported if not.
+template <class Element> bool is_whole(const VtInstanceArray<Element> &array, std::string_view name,
+                                       const Parameters &parameters, const CallReport &report) {
+    const VtLong stored = stored_count(array);
+    const bool has_all = stored == array.Size();
+    if (!has_all)
+        parameters.complain(name,
+                            joined({"has ", std::to_string(array.Size()), " elements, of which ",
+                                    std::to_string(stored), " have storage; nothing of the object will be seen"}),
+                            report);
+    return has_all;
+}
+
 std::vector<Vec3> floats_of(const VtInstanceArray<VtVector3> &array) {
     std::vector<Vec3> result;
-    result.reserve(static_cast<std::size_t>(std::max<VtLong>(array.Size(), 0)));
+    result.reserve(static_cast<std::size_t>(stored_count(array)));
     array.ForEachBlock([&](const VtVector3 *elements, VtLong count) {
         for (VtLong i = 0; i < count; ++i) {
             result.push_back(to_float(elements[i]));
@@ -33,7 +53,7 @@ std::vector<Vec3> floats_of(const VtInstanceArray<VtVector3> &array) {
 
 std::vector<std::uint32_t> indices_of(const VtInstanceArray<VtLong> &array) {
     std::vector<std::uint32_t> result;
-    result.reserve(static_cast<std::size_t>(std::max<VtLong>(array.Size(), 0)));
+    result.reserve(static_cast<std::size_t>(stored_count(array)));
     // A negative index becomes a very large one, which no mesh has.
     array.ForEachBlock(
         [&](const VtLong *elements, VtLong count) { result.insert(result.end(), elements, elements + count); });
@@ -52,6 +72,16 @@ struct Faults {
 };
 
 std::optional<Shape> make_mesh(const Parameters &parameters, const CallReport &report) {
+    bool are_whole = true;
+    for (const char *name : {"points", "normals"})
+        if (parameters.is_given(name))
+            are_whole &= is_whole(parameters.vector3_array(name), name, parameters, report);
+    are_whole &= is_whole(parameters.long_array("triangles"), "triangles", parameters, report);
+    if (parameters.is_given("uvs"))
+        are_whole &= is_whole(parameters.vector2_array("uvs"), "uvs", parameters, report);
+    if (!are_whole)
+        return {};
+
     TriangleMesh mesh;
     mesh.points = floats_of(parameters.vector3_array("points"));
     const std::size_t point_count = mesh.points.size();
@@ -90,7 +120,8 @@ std::optional<Shape> make_mesh(const Parameters &parameters, const CallReport &r
                                 report);
     };
     report_faults(outside, "triangles",
-                  joined({"indices from 0 to ", std::to_string(static_cast<long>(point_count) - 1), " are wanted"}));
+                  point_count == 0 ? "there are no points"
+                                   : joined({"indices from 0 to ", std::to_string(point_count - 1), " are wanted"}));
     report_faults(unusable, "points", "finite coordinates up to 1e9 are wanted");
     report_faults(flat, "triangles", "corners that span an area are wanted");
 
@@ -140,6 +171,8 @@ std::optional<Shape> make_quad(const Parameters &parameters, const CallReport &r
 
     if (parameters.is_given("corners")) {
         const VtInstanceArray<VtVector3> &given = parameters.vector3_array("corners");
+        if (!is_whole(given, "corners", parameters, report))
+            return {};
         if (given.Size() != 4) {
             parameters.complain("corners",
                                 joined({"has ", std::to_string(given.Size()),

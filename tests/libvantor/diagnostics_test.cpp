@@ -3,6 +3,8 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -110,6 +112,9 @@ TEST(Diagnostics, TextsOfScriptsStayOnOneLine) {
     for (int i = 0; i < 40; ++i)
         euros += "\u20ac";
     EXPECT_EQ(camera_errors(("a" + euros).c_str()).find("\xe2\x82..."), std::string::npos);
+    // Bytes that no character begins with.
+    EXPECT_EQ(camera_errors(std::string(61, '\x80').c_str()),
+              "vantor: newCamera \"...\": unknown type (known: \"perspective\")\n");
 }
 
 TEST(Diagnostics, Cameras) {
@@ -163,6 +168,66 @@ TEST(Diagnostics, Meshes) {
     EXPECT_EQ(object_errors("mesh", "points", points, "triangles", triangles, "normals", normals),
               "vantor: newObject \"mesh\": item 5: parameter \"normals\" has zero or unusable vectors (directions are "
               "wanted); it is left out\n");
+}
+
+TEST(Diagnostics, MeshWithoutPoints) {
+    const scripted::Points none;
+    scripted::Indices triangles;
+    scripted::fill(triangles, {0, 1, 2});
+    EXPECT_EQ(object_errors("mesh", "points", none, "triangles", triangles),
+              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out 1 triangles, the first of them 0 "
+              "(there are no points)\n"
+              "vantor: newObject \"mesh\": the mesh has no usable triangle; nothing of it will be seen\n");
+}
+
+// An array whose growth has failed: the size is the new one all the same.
+template <class Element> struct ShortArray : VtInstanceArray<Element> {
+    ShortArray(VtLong stored, VtLong claimed) {
+        this->SetSize(stored);
+        this->size = claimed;
+    }
+    const VtInstanceArray<Element> &array() const { return *this; }
+};
+
+TEST(Diagnostics, ArraysWithLessStorageThanTheirSizeSays) {
+    constexpr VtLong largest = std::numeric_limits<VtLong>::max();
+    const std::pair<VtLong, VtLong> cases[] = {{0, largest}, {3, 1 << 30}, {3, 4}, {0, 4}, {0, -1}};
+    scripted::Points points;
+    scripted::fill(points, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
+    scripted::Indices triangles;
+    scripted::fill(triangles, {0, 1, 2});
+    for (const auto &one : cases) {
+        const VtLong stored = one.first;
+        const VtLong claimed = one.second;
+        const ShortArray<VtVector3> vectors(stored, claimed);
+        const ShortArray<VtVector2> pairs(stored, claimed);
+        const ShortArray<VtLong> numbers(stored, claimed);
+        const auto expected = [&](const char *type, int item, const char *name) {
+            return "vantor: newObject \"" + std::string(type) + "\": item " + std::to_string(item) + ": parameter \"" +
+                   name + "\" has " + std::to_string(claimed) + " elements, of which " + std::to_string(stored) +
+                   " have storage; nothing of the object will be seen\n";
+        };
+        EXPECT_EQ(object_errors("mesh", "points", vectors.array(), "triangles", triangles),
+                  expected("mesh", 1, "points"));
+        EXPECT_EQ(object_errors("mesh", "points", points, "triangles", numbers.array()),
+                  expected("mesh", 3, "triangles"));
+        EXPECT_EQ(object_errors("mesh", "points", points, "triangles", triangles, "normals", vectors.array()),
+                  expected("mesh", 5, "normals"));
+        EXPECT_EQ(object_errors("mesh", "points", points, "triangles", triangles, "uvs", pairs.array()),
+                  expected("mesh", 5, "uvs"));
+        EXPECT_EQ(object_errors("quad", "corners", vectors.array()), expected("quad", 1, "corners"));
+    }
+}
+
+TEST(Diagnostics, AnObjectOfAShortArrayIsNotSeen) {
+    const ShortArray<VtVector3> corners(3, 4);
+    Scene scene;
+    scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+    scene.light("area", "radiance", 1);
+    scene.LightBegin();
+    errors_of([&] { scene.AddObject(scene.object("quad", "corners", corners.array())); });
+    scene.LightEnd();
+    EXPECT_EQ(scene.render(4, 4, 1).mean(), 0);
 }
 
 TEST(Diagnostics, OtherShapes) {
