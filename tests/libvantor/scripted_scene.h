@@ -81,13 +81,22 @@ inline Pixels read_exr(const std::string &path) {
     return pixels;
 }
 
-/// A path in a folder of this process's own.
-inline std::string path_of(const std::string &name) {
-    const std::filesystem::path folder =
-        std::filesystem::path(testing::TempDir()) / ("libvantor_test." + std::to_string(getpid()));
-    std::filesystem::create_directories(folder);
-    return (folder / name).string();
+inline std::filesystem::path own_folder() {
+    return std::filesystem::path(testing::TempDir()) / ("libvantor_test." + std::to_string(getpid()));
 }
+
+/// A path in a folder of this process's own, which is removed after the last test.
+inline std::string path_of(const std::string &name) {
+    std::filesystem::create_directories(own_folder());
+    return (own_folder() / name).string();
+}
+
+class FolderRemoval : public testing::Environment {
+  public:
+    void TearDown() override { std::filesystem::remove_all(own_folder()); }
+};
+// GoogleTest owns it.
+inline testing::Environment *const folder_removal = testing::AddGlobalTestEnvironment(new FolderRemoval);
 
 /// A scene with short names for what tests do often. Any diagnostic is printed, so a test that wants none captures.
 class Scene : public VtLocalSceneProxy {
