@@ -14,11 +14,11 @@ A member says:
 import io
 import random
 
-import specimens
+import samples
 from expectations import Expectations
 from module_under_test import vantorPM
 from native_parts import block_counts, container
-from specimens import METHODS
+from samples import METHODS
 
 
 class Chain:
@@ -88,10 +88,10 @@ class ArrayTests(Expectations):
     def read(self, array):
         """All elements as tuples of their numbers, the same through every door."""
         size = array.getSize()
-        got = [tuple(specimens.numbers(array.get(index))) for index in range(size)]
-        items = [tuple(specimens.numbers(array[index])) for index in range(size)]
-        negative = [tuple(specimens.numbers(array[index - size])) for index in range(size)]
-        iterated = [tuple(specimens.numbers(element)) for element in array]
+        got = [tuple(samples.numbers(array.get(index))) for index in range(size)]
+        items = [tuple(samples.numbers(array[index])) for index in range(size)]
+        negative = [tuple(samples.numbers(array[index - size])) for index in range(size)]
+        iterated = [tuple(samples.numbers(element)) for element in array]
         self.assertEqual(items, got)
         self.assertEqual(negative, got)
         self.assertEqual(iterated, got)
@@ -159,7 +159,7 @@ class ArrayTests(Expectations):
 
     def test_get_of_minus_one_fails_while_a_negative_subscript_counts_from_the_end(self):
         self.assert_out_of_bounds(self.array.get, -1)
-        self.assertEqual(tuple(specimens.numbers(self.array[-1])), tuple(self.numbers(2)))
+        self.assertEqual(tuple(samples.numbers(self.array[-1])), tuple(self.numbers(2)))
 
     def test_items_out_of_range_are_index_errors(self):
         for index in [3, 4, -4, -5, 2**31, 2**32, -(2**32), 2**32 - 3, 2**62]:
@@ -180,8 +180,8 @@ class ArrayTests(Expectations):
             def __index__(self):
                 return -1
 
-        self.assertEqual(tuple(specimens.numbers(self.array[Index()])), tuple(self.numbers(2)))
-        self.assertEqual(tuple(specimens.numbers(self.array[True])), tuple(self.numbers(1)))
+        self.assertEqual(tuple(samples.numbers(self.array[Index()])), tuple(self.numbers(2)))
+        self.assertEqual(tuple(samples.numbers(self.array[True])), tuple(self.numbers(1)))
         self.assert_out_of_bounds(self.array.get, Index())
 
     def test_set_changes_one_element_and_no_other(self):
@@ -286,8 +286,8 @@ class ArrayTests(Expectations):
         self.assert_holds(self.array, [0, 1, 2])
 
     def test_indexes_and_sizes_are_truncated_toward_zero(self):
-        self.assertEqual(tuple(specimens.numbers(self.array.get(1.9))), tuple(self.numbers(1)))
-        self.assertEqual(tuple(specimens.numbers(self.array.get(-0.9))), tuple(self.numbers(0)))
+        self.assertEqual(tuple(samples.numbers(self.array.get(1.9))), tuple(self.numbers(1)))
+        self.assertEqual(tuple(samples.numbers(self.array.get(-0.9))), tuple(self.numbers(0)))
         self.array.set(2.5, self.element(0))
         self.assert_holds(self.array, [0, 1, 0])
         self.array.setSize(2.99)
@@ -375,13 +375,13 @@ class ArrayTests(Expectations):
     def test_shrinking_keeps_the_blocks_that_cover_the_new_size(self):
         array = self.numbered_array(7)
         self.assertEqual(block_counts(array), [1, 2, 4])
-        third = specimens.numbers(array.get(2))
+        third = samples.numbers(array.get(2))
         array.setSize(2)
         self.assertEqual(block_counts(array), [1, 2])
         self.assertEqual(array.getSize(), 2)
         array.setSize(3)
         self.assertEqual(block_counts(array), [1, 2])
-        self.assertEqual(specimens.numbers(array.get(2)), third)
+        self.assertEqual(samples.numbers(array.get(2)), third)
 
     def test_an_element_in_a_kept_block_reappears(self):
         self.array.setSize(2)
@@ -413,7 +413,7 @@ class ArrayTests(Expectations):
 
     def test_elements_keep_their_values_while_the_array_grows(self):
         array = self.numbered_array(100)
-        expected = [tuple(specimens.numbers(self.numbered(number))) for number in range(100)]
+        expected = [tuple(samples.numbers(self.numbered(number))) for number in range(100)]
         self.assertEqual(self.read(array), expected)
         array.setSize(1000)
         self.assertEqual(self.read(array), expected + [self.zero()] * 900)
@@ -422,9 +422,7 @@ class ArrayTests(Expectations):
         array = self.numbered_array(5000)
         self.assertEqual(array.getSize(), 5000)
         for index in [0, 1, 2, 3, 4095, 4096, 4999]:
-            self.assertEqual(
-                specimens.numbers(array[index]), specimens.numbers(self.numbered(index))
-            )
+            self.assertEqual(samples.numbers(array[index]), samples.numbers(self.numbered(index)))
         self.assertEqual(block_counts(array), [2**power for power in range(13)])
 
     def test_random_operations_follow_the_rules_of_the_container(self):
@@ -432,7 +430,7 @@ class ArrayTests(Expectations):
         array, chain = self.make(), Chain(self.zero())
         for step in range(400):
             number = generator.randrange(1, 1000)
-            value = tuple(specimens.numbers(self.numbered(number)))
+            value = tuple(samples.numbers(self.numbered(number)))
             operation = generator.choice(
                 ["add", "add", "add", "set", "item", "size", "shrink", "zero"]
             )
@@ -460,7 +458,7 @@ class ArrayTests(Expectations):
             self.assertEqual(array.getSize(), chain.size)
             self.assertEqual(block_counts(array), chain.counts())
             self.assertEqual(
-                [tuple(specimens.numbers(array.get(index))) for index in range(chain.size)],
+                [tuple(samples.numbers(array.get(index))) for index in range(chain.size)],
                 chain.elements(),
             )
 
@@ -593,7 +591,7 @@ class ArrayTests(Expectations):
 
     def test_reversed(self):
         self.assertEqual(
-            [specimens.numbers(element) for element in reversed(self.array)],
+            [samples.numbers(element) for element in reversed(self.array)],
             [list(self.numbers(place)) for place in (2, 1, 0)],
         )
 
@@ -726,7 +724,7 @@ class ObjectElementTests(ArrayTests):
     def test_an_element_that_was_read_is_independent_of_the_array(self):
         for element in [self.array.get(0), self.array[0], next(iter(self.array))]:
             self.change(element)
-            self.assertNotEqual(tuple(specimens.numbers(element)), tuple(self.numbers(0)))
+            self.assertNotEqual(tuple(samples.numbers(element)), tuple(self.numbers(0)))
             self.assert_holds(self.array, [0, 1, 2])
         self.assertIsNot(self.array.get(0), self.array.get(0))
 
@@ -749,7 +747,7 @@ class ObjectElementTests(ArrayTests):
 
     def test_the_elements_of_every_other_type_are_refused(self):
         expected = type(self.element(0)).__name__
-        for name, value in specimens.one_of_each().items():
+        for name, value in samples.one_of_each().items():
             if name != expected:
                 with self.subTest(name):
                     pattern = "must be {}, not {}".format(expected, name)

@@ -61,8 +61,17 @@ def line(call):
     for key, value in call.items():
         if key in ("list", "added"):
             arguments.append("#{}".format(value))
-        elif key not in ("call", "object", "tag", "address", "size", "checksum", "count",
-                         "result", "throws"):
+        elif key not in (
+            "call",
+            "object",
+            "tag",
+            "address",
+            "size",
+            "checksum",
+            "count",
+            "result",
+            "throws",
+        ):
             arguments.append(repr(value))
     text = "{}({})".format(name.split("::")[-1], ", ".join(arguments))
 
@@ -95,8 +104,12 @@ def run(script, library="recording", **variables):
         environment["LD_LIBRARY_PATH"] = os.pathsep.join(filter(None, paths))
         process = subprocess.run(
             [sys.executable, "-c", "import os, vantorPM\n" + textwrap.dedent(script)],
-            env=environment, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-            universal_newlines=True, timeout=120)
+            env=environment,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            universal_newlines=True,
+            timeout=120,
+        )
         with open(path, encoding="utf-8") as lines:
             return Run(process, [json.loads(text) for text in lines])
     finally:

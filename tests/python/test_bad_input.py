@@ -9,10 +9,10 @@ import fractions
 import math
 import unittest
 
-import specimens
+import samples
 from expectations import Expectations
 from module_under_test import vantorPM
-from specimens import ARRAYS, MATRICES, VECTORS
+from samples import ARRAYS, MATRICES, VECTORS
 
 TOO_LARGE = "Python int too large to convert to C long"
 
@@ -21,7 +21,7 @@ ROW_OF = {"matrix2": "vector2", "matrix3": "vector3", "matrix4": "vector4"}
 
 def element_of(name):
     """An element for the array type."""
-    return specimens.MAKE[name]().get(0)
+    return samples.MAKE[name]().get(0)
 
 
 def assign(value, index, number):
@@ -42,7 +42,7 @@ def long_places():
         places.append(
             (
                 "scene." + method,
-                specimens.MAKE["scene"],
+                samples.MAKE["scene"],
                 lambda scene, number, method=method: getattr(scene, method)(number),
             )
         )
@@ -54,10 +54,10 @@ def long_places():
             return scene.render(*sizes)
 
         places.append(
-            ("scene.render, argument {}".format(place + 1), specimens.MAKE["scene"], render)
+            ("scene.render, argument {}".format(place + 1), samples.MAKE["scene"], render)
         )
     for name in ARRAYS:
-        make = specimens.MAKE[name]
+        make = samples.MAKE[name]
         places += [
             (name + ".get", make, lambda array, number: array.get(number)),
             (
@@ -70,14 +70,14 @@ def long_places():
     places += [
         (
             "intarray.set, value",
-            specimens.MAKE["intarray"],
+            samples.MAKE["intarray"],
             lambda array, number: array.set(0, number),
         ),
-        ("intarray.add", specimens.MAKE["intarray"], lambda array, number: array.add(number)),
-        ("intarray[0]", specimens.MAKE["intarray"], lambda array, number: assign(array, 0, number)),
+        ("intarray.add", samples.MAKE["intarray"], lambda array, number: array.add(number)),
+        ("intarray[0]", samples.MAKE["intarray"], lambda array, number: assign(array, 0, number)),
         (
             "floatarray[0]",
-            specimens.MAKE["floatarray"],
+            samples.MAKE["floatarray"],
             lambda array, number: assign(array, 0, number),
         ),
     ]
@@ -89,28 +89,26 @@ def int_places():
     places = [
         (
             "transform.get",
-            specimens.MAKE["transform"],
+            samples.MAKE["transform"],
             lambda transform, number: transform.get(number),
         )
     ]
     for name in VECTORS:
         places += [
-            (name + ".get", specimens.MAKE[name], lambda vector, number: vector.get(number)),
+            (name + ".get", samples.MAKE[name], lambda vector, number: vector.get(number)),
             (
                 name + ".set, index",
-                specimens.MAKE[name],
+                samples.MAKE[name],
                 lambda vector, number: vector.set(number, 1.0),
             ),
         ]
     for name in MATRICES:
         places += [
-            (name + ".get", specimens.MAKE[name], lambda matrix, number: matrix.get(number)),
+            (name + ".get", samples.MAKE[name], lambda matrix, number: matrix.get(number)),
             (
                 name + ".set, index",
-                specimens.MAKE[name],
-                lambda matrix, number, name=name: matrix.set(
-                    number, specimens.MAKE[ROW_OF[name]]()
-                ),
+                samples.MAKE[name],
+                lambda matrix, number, name=name: matrix.set(number, samples.MAKE[ROW_OF[name]]()),
             ),
         ]
     return places
@@ -131,20 +129,20 @@ def double_places():
                 ("{}, argument {}".format(name, place + 1), lambda: None, construct),
                 (
                     "{}.set, component {}".format(name, place),
-                    specimens.MAKE[name],
+                    samples.MAKE[name],
                     lambda vector, number, place=place: vector.set(place, number),
                 ),
                 (
                     "{}[{}]".format(name, place),
-                    specimens.MAKE[name],
+                    samples.MAKE[name],
                     lambda vector, number, place=place: assign(vector, place, number),
                 ),
             ]
     places += [
-        ("floatarray.add", specimens.MAKE["floatarray"], lambda array, number: array.add(number)),
+        ("floatarray.add", samples.MAKE["floatarray"], lambda array, number: array.add(number)),
         (
             "floatarray.set, value",
-            specimens.MAKE["floatarray"],
+            samples.MAKE["floatarray"],
             lambda array, number: array.set(1, number),
         ),
     ]
@@ -152,14 +150,14 @@ def double_places():
         places.append(
             (
                 "transform." + method,
-                specimens.MAKE["transform"],
+                samples.MAKE["transform"],
                 lambda transform, number, method=method: getattr(transform, method)(number),
             )
         )
     places.append(
         (
             "transform.rotationAroundAxis",
-            specimens.MAKE["transform"],
+            samples.MAKE["transform"],
             lambda transform, number: transform.rotationAroundAxis(
                 vantorPM.vector3(1, 2, 3), vantorPM.vector3(0, 0, 1), number
             ),
@@ -173,7 +171,7 @@ def double_places():
             return scene.render(1, 1, 1, *window)
 
         places.append(
-            ("scene.render, argument {}".format(place + 4), specimens.MAKE["scene"], render)
+            ("scene.render, argument {}".format(place + 4), samples.MAKE["scene"], render)
         )
     return places
 
@@ -219,13 +217,13 @@ class BadInputTests(Expectations):
         value = make()
         before = (
             repr(value),
-            specimens.numbers(value) if type(value).__name__ in specimens.SEQUENCES else None,
+            samples.numbers(value) if type(value).__name__ in samples.SEQUENCES else None,
         )
         with self.subTest(label, number=number):
             self.assert_fails(kind, pattern, call, value, number)
             after = (
                 repr(value),
-                specimens.numbers(value) if type(value).__name__ in specimens.SEQUENCES else None,
+                samples.numbers(value) if type(value).__name__ in samples.SEQUENCES else None,
             )
             self.assertEqual(after, before)
 

@@ -33,8 +33,13 @@ CONSTRUCTORS = [
     ("transformarray", ()),
 ]
 ARRAYS_OF_OBJECTS = [
-    "vector2array", "vector3array", "vector4array", "matrix2array", "matrix3array",
-    "matrix4array", "transformarray",
+    "vector2array",
+    "vector3array",
+    "vector4array",
+    "matrix2array",
+    "matrix3array",
+    "matrix4array",
+    "transformarray",
 ]
 
 factories = None
@@ -54,27 +59,47 @@ class FactoryTest(unittest.TestCase):
         self.assertEqual(repr(factories.make_vector4(1, 2, 3, 4)), "vector4( 1, 2, 3, 4 )")
 
     def test_matrices_from_rows(self):
-        make2, make3, make4 = (factories.make_vector2, factories.make_vector3,
-                               factories.make_vector4)
-        self.assertEqual(repr(factories.make_matrix2(make2(1, 2), make2(3, 4))),
-                         "matrix2( (1, 2), (3, 4) )")
+        make2, make3, make4 = (
+            factories.make_vector2,
+            factories.make_vector3,
+            factories.make_vector4,
+        )
+        self.assertEqual(
+            repr(factories.make_matrix2(make2(1, 2), make2(3, 4))), "matrix2( (1, 2), (3, 4) )"
+        )
         self.assertEqual(
             repr(factories.make_matrix3(make3(1, 2, 3), make3(4, 5, 6), make3(7, 8, 9))),
-            "matrix3( (1, 2, 3), (4, 5, 6), (7, 8, 9) )")
+            "matrix3( (1, 2, 3), (4, 5, 6), (7, 8, 9) )",
+        )
         self.assertEqual(
-            repr(factories.make_matrix4(make4(1, 2, 3, 4), make4(5, 6, 7, 8), make4(9, 10, 11, 12),
-                                        make4(13, 14, 15, 16))),
-            "matrix4( (1, 2, 3, 4), (5, 6, 7, 8), (9, 10, 11, 12), (13, 14, 15, 16) )")
+            repr(
+                factories.make_matrix4(
+                    make4(1, 2, 3, 4),
+                    make4(5, 6, 7, 8),
+                    make4(9, 10, 11, 12),
+                    make4(13, 14, 15, 16),
+                )
+            ),
+            "matrix4( (1, 2, 3, 4), (5, 6, 7, 8), (9, 10, 11, 12), (13, 14, 15, 16) )",
+        )
 
     def test_a_transform_from_nothing_is_zero(self):
-        self.assertEqual(repr(factories.make_transform()),
-                         "transform( (0, 0, 0, 0), (0, 0, 0, 0), (0, 0, 0, 0), (0, 0, 0, 0) )")
+        self.assertEqual(
+            repr(factories.make_transform()),
+            "transform( (0, 0, 0, 0), (0, 0, 0, 0), (0, 0, 0, 0), (0, 0, 0, 0) )",
+        )
 
     def test_from_a_value_is_an_independent_copy(self):
-        originals = [factories.make_vector2(1, 2), factories.make_vector3(1, 2, 3),
-                     factories.make_vector4(1, 2, 3, 4), factories.make_transform()]
-        originals += [getattr(factories.module, name)().setSize(1)[0]
-                      for name in ("matrix2array", "matrix3array", "matrix4array")]
+        originals = [
+            factories.make_vector2(1, 2),
+            factories.make_vector3(1, 2, 3),
+            factories.make_vector4(1, 2, 3, 4),
+            factories.make_transform(),
+        ]
+        originals += [
+            getattr(factories.module, name)().setSize(1)[0]
+            for name in ("matrix2array", "matrix3array", "matrix4array")
+        ]
         for original in originals:
             with self.subTest(type=type(original).__name__):
                 text = repr(original)
@@ -93,8 +118,9 @@ class FactoryTest(unittest.TestCase):
 
     @staticmethod
     def row(length):
-        return {2: factories.make_vector2, 3: factories.make_vector3,
-                4: factories.make_vector4}[length](*[9] * length)
+        return {2: factories.make_vector2, 3: factories.make_vector3, 4: factories.make_vector4}[
+            length
+        ](*[9] * length)
 
     def test_a_scene_takes_any_number(self):
         for number in (10240, 1, 0, -1, 2147483647, -2147483648):
@@ -135,12 +161,17 @@ class FailedAllocationTest(unittest.TestCase):
                 self.assert_fails_without_a_leak(getattr(factories.module, name), *arguments)
 
     def test_matrices(self):
-        vectors = {2: factories.make_vector2(1, 2), 3: factories.make_vector3(1, 2, 3),
-                   4: factories.make_vector4(1, 2, 3, 4)}
+        vectors = {
+            2: factories.make_vector2(1, 2),
+            3: factories.make_vector3(1, 2, 3),
+            4: factories.make_vector4(1, 2, 3, 4),
+        }
         for size, row in vectors.items():
             with self.subTest(size=size):
-                for make in (getattr(factories.module, "matrix%d" % size),
-                             getattr(factories, "make_matrix%d" % size)):
+                for make in (
+                    getattr(factories.module, "matrix%d" % size),
+                    getattr(factories, "make_matrix%d" % size),
+                ):
                     self.assert_fails_without_a_leak(make, *[row] * size)
 
     def test_compose_and_invert(self):
@@ -184,7 +215,8 @@ class FailedAllocationTest(unittest.TestCase):
 
 class ThrowingProxyTest(unittest.TestCase):
     def test_the_memory_of_a_proxy_whose_constructor_throws_is_released(self):
-        finished = recording.record("""
+        finished = recording.record(
+            """
             import vantor_factories
             from vantor_probe import call_catching
             vantor_factories.make_scene(1)
@@ -193,10 +225,13 @@ class ThrowingProxyTest(unittest.TestCase):
             for make in (vantor_factories.make_scene, vantor_factories.module.scene):
                 print(call_catching(make, 5))
                 print(vantor_factories.outstanding_allocations() - before)
-            """)
+            """
+        )
         self.assertEqual(finished.output, "VtLocalSceneProxy throws\n0\n" * 2)
-        self.assertEqual(finished.lines()[2:], ["#2 = VtLocalSceneProxy(5) throws",
-                                           "#3 = VtLocalSceneProxy(5) throws"])
+        self.assertEqual(
+            finished.lines()[2:],
+            ["#2 = VtLocalSceneProxy(5) throws", "#3 = VtLocalSceneProxy(5) throws"],
+        )
 
 
 if __name__ == "__main__":

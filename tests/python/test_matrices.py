@@ -4,11 +4,11 @@ import io
 import math
 import unittest
 
-import specimens
+import samples
 from expectations import Expectations
 from module_under_test import vantorPM
 from native_parts import doubles
-from specimens import METHODS
+from samples import METHODS
 
 
 class MatrixTests(Expectations):
@@ -58,7 +58,7 @@ class MatrixTests(Expectations):
     def test_constructor_takes_rows_of_its_own_vector_type_only(self):
         row = self.make_row(*self.rows[0])
         for place in range(self.dimension):
-            for name, value in specimens.one_of_each().items():
+            for name, value in samples.one_of_each().items():
                 if name != self.row_type:
                     with self.subTest(name, place=place):
                         rows = [row] * self.dimension
@@ -116,7 +116,7 @@ class MatrixTests(Expectations):
         self.assert_holds(self.matrix, [self.other_row] * 2 + list(self.rows[2:]))
 
     def test_set_with_an_object_of_another_type_changes_nothing(self):
-        for name, value in specimens.one_of_each().items():
+        for name, value in samples.one_of_each().items():
             if name != self.row_type:
                 with self.subTest(name):
                     pattern = "must be {}, not {}".format(self.row_type, name)

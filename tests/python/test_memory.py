@@ -3,13 +3,13 @@
 import unittest
 
 from scripts import Scripts
-from specimens import ARRAYS
+from samples import ARRAYS
 
 # Limits the address space to what the process has and 192 MiB more.
 PROLOGUE = """
 import resource
 import vantorPM
-import specimens
+import samples
 
 with open("/proc/self/statm") as statm:
     pages = int(statm.read().split()[0])
@@ -18,8 +18,8 @@ resource.setrlimit(resource.RLIMIT_AS, (limit, resource.getrlimit(resource.RLIMI
 
 MAX = 2**31 - 1
 make = vantorPM.{name}
-element = specimens.MAKE["{name}"]().get(1)
-numbers = specimens.numbers
+element = samples.MAKE["{name}"]().get(1)
+numbers = samples.numbers
 
 
 def outcome(call, *arguments):

@@ -5,9 +5,9 @@ import gc
 import sys
 import unittest
 
-import specimens
+import samples
 from module_under_test import vantorPM
-from specimens import ARRAYS, MATRICES, VECTORS
+from samples import ARRAYS, MATRICES, VECTORS
 
 ROW_OF = {"matrix2": "vector2", "matrix3": "vector3", "matrix4": "vector4"}
 ELEMENT_OF = {
@@ -85,7 +85,7 @@ def watched_calls():
 
     wrong, bad = object(), Unconvertible()
     for name in VECTORS:
-        vector = specimens.MAKE[name]()
+        vector = samples.MAKE[name]()
         call("get", vector, (0,), (99,), (), (wrong,), (bad,), (0, wrong), (1.5,), (fresh_int(),))
         call(
             "set",
@@ -116,7 +116,7 @@ def watched_calls():
         calls.append((name, vector, function, (wrong,)))
 
     for name in MATRICES:
-        matrix, row = specimens.MAKE[name](), specimens.MAKE[ROW_OF[name]]()
+        matrix, row = samples.MAKE[name](), samples.MAKE[ROW_OF[name]]()
         call("get", matrix, (0,), (99,), (), (wrong,), (bad,), (0, wrong))
         call(
             "set",
@@ -136,7 +136,7 @@ def watched_calls():
         calls.append((name, matrix, function, tuple([row] * (count - 1) + [wrong])))
         calls.append((name, matrix, function, (row,)))
 
-    transform, other = specimens.transform(), vantorPM.transform().identity()
+    transform, other = samples.transform(), vantorPM.transform().identity()
     v, w = vantorPM.vector3(1, 2, 3), vantorPM.vector3(0, 0, 1)
     call("get", transform, (0,), (4,), (), (wrong,), (bad,))
     for name in ["matrix", "zero", "identity", "reflectionOnXY", "invert"]:
@@ -170,9 +170,9 @@ def watched_calls():
         calls.append(("invert", transform, vantorPM.invert, arguments))
 
     for name in ARRAYS:
-        array = specimens.MAKE[name]()
+        array = samples.MAKE[name]()
         element = (
-            specimens.MAKE[ELEMENT_OF[name]]()
+            samples.MAKE[ELEMENT_OF[name]]()
             if name in ELEMENT_OF
             else (fresh_int() if name == "intarray" else fresh_float())
         )
@@ -208,7 +208,7 @@ def watched_calls():
         calls.append((name, array, getattr(vantorPM, name), (wrong, bad)))
 
     scene = vantorPM.scene()
-    supported = list(specimens.one_of_each().values())[1:] + [
+    supported = list(samples.one_of_each().values())[1:] + [
         fresh_int(),
         fresh_float(),
         fresh_text("name"),
@@ -341,14 +341,14 @@ class ReferenceCountTest(unittest.TestCase):
         transform = vantorPM.transform()
         cases = []
         for name in VECTORS:
-            vector = specimens.MAKE[name]()
+            vector = samples.MAKE[name]()
             cases += [
                 (vector, vector.set, (0, 1.0)),
                 (vector, vector.set, ((0, 1.0),)),
                 (vector, vector.normalize, ()),
             ]
         for name in MATRICES:
-            matrix, row = specimens.MAKE[name](), specimens.MAKE[ROW_OF[name]]()
+            matrix, row = samples.MAKE[name](), samples.MAKE[ROW_OF[name]]()
             cases += [(matrix, matrix.set, (0, row)), (matrix, matrix.set, (99, row))]
         for name, arguments in [
             ("zero", ()),
@@ -368,7 +368,7 @@ class ReferenceCountTest(unittest.TestCase):
         ]:
             cases.append((transform, getattr(transform, name), arguments))
         for name in ARRAYS:
-            array = specimens.MAKE[name]()
+            array = samples.MAKE[name]()
             element = array.get(0)
             cases += [
                 (array, array.set, (0, element)),
@@ -392,7 +392,7 @@ class ReferenceCountTest(unittest.TestCase):
     def test_what_is_stored_by_value_is_not_referred_to(self):
         for name in list(ELEMENT_OF) + MATRICES:
             with self.subTest(name):
-                value = specimens.MAKE[name]()
+                value = samples.MAKE[name]()
                 element = value.get(0)
                 before = sys.getrefcount(element)
                 value.set(0, element)
@@ -403,13 +403,13 @@ class ReferenceCountTest(unittest.TestCase):
 
     def test_new_objects_have_one_owner(self):
         one = sys.getrefcount(object())
-        for make in specimens.MAKE.values():
+        for make in samples.MAKE.values():
             with self.subTest(make):
                 self.assertEqual(sys.getrefcount(make()), one)
-        array = specimens.MAKE["vector3array"]()
+        array = samples.MAKE["vector3array"]()
         self.assertEqual(sys.getrefcount(array.get(0)), one)
         self.assertEqual(sys.getrefcount(array[0]), one)
-        self.assertEqual(sys.getrefcount(specimens.matrix3().get(0)), one)
+        self.assertEqual(sys.getrefcount(samples.matrix3().get(0)), one)
         self.assertEqual(sys.getrefcount(vantorPM.transform().matrix()), one)
         self.assertEqual(sys.getrefcount(vantorPM.HermiteBasis()), one)
         self.assertEqual(
@@ -448,7 +448,7 @@ class GrowthTest(unittest.TestCase):
             make_the_call(function, arguments)
         for array in self.arrays:
             array.setSize(0)
-        specimens.one_of_each()
+        samples.one_of_each()
 
     def setUp(self):
         # A renderer's scene keeps what it is given, so that scenes have rounds of their own.

@@ -3,7 +3,7 @@
 import math
 import unittest
 
-import specimens
+import samples
 from array_tests import ArrayTests
 from module_under_test import vantorPM
 
@@ -11,7 +11,7 @@ from module_under_test import vantorPM
 def except_numbers():
     """Values that are no number of any kind."""
     wrong = [lambda: None, lambda: "1", lambda: b"1", lambda: 1j, lambda: [], lambda: (), object]
-    return wrong + [make for make in specimens.MAKE.values()]
+    return wrong + [make for make in samples.MAKE.values()]
 
 
 class IntArrayTest(ArrayTests, unittest.TestCase):

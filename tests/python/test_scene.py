@@ -8,10 +8,10 @@ import os
 import tempfile
 import unittest
 
-import specimens
+import samples
 from expectations import Expectations
 from module_under_test import vantorPM
-from specimens import METHODS
+from samples import METHODS
 
 MESSAGE = "scene object has not been initialized"
 
@@ -85,10 +85,10 @@ class Disguised:
 
 def supported():
     """An element of each supported type, and more than one of some."""
-    values = specimens.one_of_each()
+    values = samples.one_of_each()
     del values["scene"]
     elements = list(values.values())
-    elements += [getattr(vantorPM, name)() for name in specimens.ARRAYS]
+    elements += [getattr(vantorPM, name)() for name in samples.ARRAYS]
     elements += [
         1,
         0,
@@ -565,9 +565,9 @@ class ParameterListTest(SceneTestCase):
         self.assertEqual((str(vector), str(array)), ("vector3( 9, 2, 3 )", "[intarray ]"))
 
     def test_empty_and_negative_arrays_are_passed(self):
-        for name in specimens.ARRAYS:
+        for name in samples.ARRAYS:
             make = getattr(vantorPM, name)
-            filled = specimens.MAKE[name]()
+            filled = samples.MAKE[name]()
             for array in [make(), make().setSize(-1), filled.setSize(-1), make().setSize(1000)]:
                 with self.subTest(name, size=array.getSize()):
                     self.assertIs(type(self.scene.newObject("x", ["a", array])), int)
@@ -585,7 +585,7 @@ class ParameterListTest(SceneTestCase):
 
 class TransformBlockTest(SceneTestCase):
     def test_transform_begin_takes_a_transform_and_returns_none(self):
-        transform = specimens.transform()
+        transform = samples.transform()
         before = repr(transform)
         self.assertIsNone(self.scene.transformBegin(transform))
         self.assertEqual(repr(transform), before)
@@ -593,7 +593,7 @@ class TransformBlockTest(SceneTestCase):
         self.assertIsNone(self.scene.transformEnd())
 
     def test_transform_begin_takes_exactly_a_transform(self):
-        for name, value in specimens.one_of_each().items():
+        for name, value in samples.one_of_each().items():
             if name != "transform":
                 with self.subTest(name):
                     self.assert_fails(

@@ -9,10 +9,10 @@ import pickle
 import unittest
 import weakref
 
-import specimens
+import samples
 from expectations import Expectations
 from native_parts import doubles
-from specimens import METHODS, SEQUENCES
+from samples import METHODS, SEQUENCES
 
 OTHER_SLOTS = [
     "__call__",
@@ -61,7 +61,7 @@ def for_each_type(test):
 
     @functools.wraps(test)
     def run(self):
-        for name, value in specimens.one_of_each().items():
+        for name, value in samples.one_of_each().items():
             with self.subTest(name):
                 test(self, name, value)
 
@@ -76,7 +76,7 @@ class SealedTypeTest(Expectations, unittest.TestCase):
         self.assertEqual(repr(value), before)
 
     def test_there_are_17_types_with_their_names(self):
-        values = specimens.one_of_each()
+        values = samples.one_of_each()
         self.assertEqual([type(value).__name__ for value in values.values()], list(values))
         self.assertEqual(len({type(value) for value in values.values()}), 17)
 
@@ -157,7 +157,7 @@ class SealedTypeTest(Expectations, unittest.TestCase):
             pass
 
         self.assert_sealed(TypeError, value, setattr, value, "__class__", Plain)
-        for other in specimens.one_of_each().values():
+        for other in samples.one_of_each().values():
             if type(other) is not type(value):
                 self.assert_sealed(TypeError, value, setattr, value, "__class__", type(other))
 
@@ -204,7 +204,7 @@ class SealedTypeTest(Expectations, unittest.TestCase):
         )
 
     def test_methods_refuse_another_types_object(self):
-        values = specimens.one_of_each()
+        values = samples.one_of_each()
         for name, value in values.items():
             for method in METHODS[name]:
                 unbound = getattr(type(value), method)
@@ -226,7 +226,7 @@ class SealedTypeTest(Expectations, unittest.TestCase):
             ("transform", 16),
         ]:
             with self.subTest(name):
-                value = specimens.MAKE[name]()
+                value = samples.MAKE[name]()
                 self.assertEqual(
                     list(doubles(value, count)), [float(number) for number in range(1, count + 1)]
                 )

@@ -5,11 +5,11 @@ import math
 import random
 import unittest
 
-import specimens
+import samples
 from expectations import Expectations
 from module_under_test import vantorPM
 from native_parts import doubles, transform_of
-from specimens import METHODS
+from samples import METHODS
 
 ZERO = [0.0] * 16
 IDENTITY = [1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0]
@@ -303,7 +303,7 @@ class TransformTest(Expectations, unittest.TestCase):
 
     def test_a_vector_argument_is_exactly_a_vector3(self):
         for method, arguments in self.vector_calls():
-            for name, value in specimens.one_of_each().items():
+            for name, value in samples.one_of_each().items():
                 if name != "vector3":
                     with self.subTest(method, value=name):
                         pattern = "must be vector3, not " + name

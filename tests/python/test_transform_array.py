@@ -2,7 +2,7 @@
 
 import unittest
 
-import specimens
+import samples
 from array_tests import ObjectElementTests
 from module_under_test import vantorPM
 from native_parts import transform_of
@@ -71,7 +71,7 @@ class TransformArrayTest(ObjectElementTests, unittest.TestCase):
         self.assertEqual(
             str(array.get(0)), "transform( (0, 0, 0, 0), (0, 0, 0, 0), (0, 0, 0, 0), (0, 0, 0, 0) )"
         )
-        self.assertEqual(specimens.numbers(array), [0.0] * 32)
+        self.assertEqual(samples.numbers(array), [0.0] * 32)
 
     def test_an_element_read_back_prints_the_same_entries_as_a_transform(self):
         self.assertEqual(
