@@ -220,7 +220,11 @@ TEST(Diagnostics, ArraysWithLessStorageThanTheirSizeSays) {
 }
 
 TEST(Diagnostics, AnObjectOfAShortArrayIsNotSeen) {
-    const ShortArray<VtVector3> corners(3, 4);
+    // The last corner would be read as the first: a triangle that fills the view.
+    ShortArray<VtVector3> corners(3, 4);
+    corners.Store(0, {-9, -9, 0});
+    corners.Store(1, {9, -9, 0});
+    corners.Store(2, {0, 9, 0});
     Scene scene;
     scene.camera({0, 0, 3}, {0, 0, 0}, 40);
     scene.light("area", "radiance", 1);
