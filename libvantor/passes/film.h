@@ -21,15 +21,23 @@ class PixelFilm {
 
     void add(Color radiance) {
         // Sums of very large radiances may overflow; one such sample must not make the pixel unusable.
-        if (is_finite(radiance))
-            sum += radiance;
+        if (is_finite(radiance)) {
+            red += radiance.r;
+            green += radiance.g;
+            blue += radiance.b;
+        }
         ++count;
     }
 
-    Color mean() const { return sum * (1 / static_cast<float>(count)); }
+    Color mean() const {
+        return {static_cast<float>(red / count), static_cast<float>(green / count), static_cast<float>(blue / count)};
+    }
 
   private:
-    Color sum;
+    // Sums of all samples. Floats would lose what a sample adds to the sum of a million others.
+    double red = 0;
+    double green = 0;
+    double blue = 0;
     int count = 0;
 };
 
