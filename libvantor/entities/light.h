@@ -31,7 +31,7 @@ struct Light {
     bool is_area() const { return std::holds_alternative<AreaLight>(kind); }
 };
 
-/// Under the transform, which is usable.
+/// Under the transform, which has to be usable, but for an area light: that has no place.
 Light make_light(const Type &type, const Parameters &parameters, const VtTransform &transform);
 
 } // namespace vantor

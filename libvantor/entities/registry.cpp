@@ -18,6 +18,17 @@ template <class Block> void close(std::vector<Block> &blocks, Report &report, co
         blocks.pop_back();
 }
 
+// The largest coordinate in the world that a point may have whose coordinates are at most `reach` in the object.
+double world_reach(double reach, const VtTransform &world_from_object) {
+    const VtTransform &m = world_from_object;
+    double largest = 0;
+    for (int c = 0; c < 3; ++c) {
+        const double stretch = std::fabs(m[0][c]) + std::fabs(m[1][c]) + std::fabs(m[2][c]);
+        largest = std::max(largest, reach * stretch + std::fabs(m[3][c]));
+    }
+    return largest;
+}
+
 } // namespace
 
 void Registry::create(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list) {
@@ -44,7 +55,9 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
         entry.index = appended(interfaces, make_diffuse_interface(parameters));
         break;
     case EntityKind::Light:
-        if (type->name == "point" ? !is_in_reach(parameters, call) : !is_placeable())
+        if (type->name == "point" && !is_in_reach(parameters, call))
+            break;
+        if (type->name == "distant" && !is_placeable())
             break;
         entry.index = appended(all_lights, make_light(*type, parameters, current_transform()));
         if (all_lights.back().is_area())
@@ -142,9 +155,7 @@ void Registry::add_object(VtLong id) {
         return;
     const Object &object = *objects[static_cast<std::size_t>(index)];
     const VtTransform world_from_object = current_transform();
-    const Affine map = to_float(world_from_object);
-    const float stretch = length(map.linear.row0) + length(map.linear.row1) + length(map.linear.row2);
-    if (!(object.reach * stretch + largest_coordinate(map.offset) <= largest_reach)) {
+    if (!(world_reach(object.reach, world_from_object) <= largest_reach)) {
         call.diagnostic(
             joined({"the object reaches beyond ", text_of(largest_reach), " in the world; it is left out"}));
         return;

@@ -163,6 +163,39 @@ TEST(Placement, MeshNormalsAreInterpolatedAndFollowTheTransform) {
     EXPECT_NEAR(lit(-2), 1 / std::sqrt(1.25), 1e-5);
 }
 
+TEST(Placement, ObjectsMayReachUpToTheLimit) {
+    // As far as coordinates may go, 1e9, whatever the sum of several of them.
+    const auto seen = [](auto add) {
+        Scene scene;
+        scene.camera({0, 0, 9e8}, {0, 0, 0}, 10);
+        scene.light("area");
+        scene.LightBegin();
+        const std::string errors = scripted::errors_of([&] { scene.AddObject(add(scene)); });
+        scene.LightEnd();
+        EXPECT_EQ(errors, "");
+        return scene.render(4, 4, 1).at(1, 1)[1];
+    };
+    EXPECT_EQ(seen([](Scene &scene) { return scene.object("sphere", "radius", 5e8); }), 1);
+    EXPECT_EQ(seen([](Scene &scene) {
+                  return scene.object("quad", "origin", VtVector3(-4e8, -4e8, 0), "edge_u", VtVector3(8e8, 0, 0),
+                                      "edge_v", VtVector3(0, 8e8, 0));
+              }),
+              1);
+
+    const auto is_refused = [](double radius, const VtTransform &transform) {
+        Scene scene;
+        scene.TransformBegin(transform);
+        const VtLong sphere = scene.object("sphere", "radius", radius);
+        const std::string errors = scripted::errors_of([&] { scene.AddObject(sphere); });
+        scene.TransformEnd();
+        return errors.find("reaches beyond") != std::string::npos;
+    };
+    EXPECT_FALSE(is_refused(9e8, translation(0, 9e7, 0)));
+    EXPECT_TRUE(is_refused(9e8, translation(0, 2e8, 0)));
+    EXPECT_FALSE(is_refused(9e5, scaling(1, 1, 1e3)));
+    EXPECT_TRUE(is_refused(2e6, scaling(1, 1, 1e3)));
+}
+
 TEST(Placement, MaterialsNest) {
     const auto seen = [](int depth) {
         Scene scene;
@@ -204,6 +237,22 @@ TEST(Placement, CamerasAndLightsTakeTheTransform) {
     // Straight ahead, at distance 3: E = I / 9.
     const Pixels pixels = scene.render(65, 65, 4);
     EXPECT_NEAR(pixels.at(32, 32)[1], 1, 1e-3);
+}
+
+TEST(Placement, AreaLightsHaveNoPlaceThatATransformCouldSpoil) {
+    Scene scene;
+    scene.camera({0, 0, 3}, {0, 0, 0}, 10);
+    scene.light("area", "radiance", 1.0);
+    scripted::errors_of([&] { scene.TransformBegin(scaling(1, 1, 0)); });
+    scene.light("area", "radiance", 2.0);
+    scene.light("distant");
+    scene.TransformEnd();
+    scene.LightBegin();
+    scene.AddObject(scene.object("quad", "origin", VtVector3(-1, -1, 0), "edge_u", VtVector3(2, 0, 0), "edge_v",
+                                 VtVector3(0, 2, 0)));
+    scene.LightEnd();
+    // The light's own radiance; nothing is reflected, as the distant light was left out.
+    EXPECT_EQ(scene.render(4, 4, 4).at(1, 1)[1], 2);
 }
 
 } // namespace
