@@ -13,10 +13,11 @@ enum Dimension : std::uint32_t { light_point, light_choice, reflected_direction,
 constexpr int first_roulette = 3;
 
 // Multiple importance sampling: the weight of a sample drawn with one density where another could have drawn it too.
-// The power heuristic with exponent 2, Veach 9.2.4.
+// The power heuristic with exponent 2, Veach 9.2.4. The density is above 0; squares of densities may overflow, which a
+// ratio survives.
 float weight(float density, float other_density) {
-    const float square = density * density;
-    return square / (square + other_density * other_density);
+    const float ratio = other_density / density;
+    return 1 / (1 + ratio * ratio);
 }
 
 // Light that has been sampled. It arrives if nothing is in its way.
@@ -67,12 +68,13 @@ bool sample_direct_light(Path &path, const Vertex &vertex, std::uint32_t dimensi
         return false;
 
     const DiffuseReflection &reflection = vertex.reflection;
-    const float share = light.density > 0 ? weight(light.density, reflection.density(cosine)) : 1.0f;
+    const float share = light.has_extent ? weight(light.density, reflection.density(cosine)) : 1.0f;
     result.path = &path;
     result.radiance = path.throughput * reflection.value() * light.contribution * (cosine * share);
     const Vec3 from = vertex.hit.origin_towards(light.to_light);
     way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
-    return true;
+    // Embree with assertions ends the process at a ray that is not finite. The sum is finite if both are.
+    return is_finite(way.from + way.direction);
 }
 
 // The next ray; its throughput is value * cosine / density. False if the path ends.
@@ -100,7 +102,7 @@ bool sample_next_ray(Path &path, const Vertex &vertex, std::uint32_t dimension, 
     path.vertex = vertex.hit.point;
     path.direction_density = density;
     path.ray = {vertex.hit.origin_towards(direction), direction};
-    return true;
+    return is_finite(path.ray.origin + direction);
 }
 
 } // namespace

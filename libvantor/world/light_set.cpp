@@ -43,7 +43,8 @@ bool sample_source(const FlatEmitter &emitter, Vec3 reference, Pair numbers, Lig
 
     // From area to solid angle: dw = cos dA / r^2.
     result.to_light = difference * (1 / distance);
-    result.end = point + emitter.normal * clearance_of(point, 0);
+    result.end = point + emitter.normal * clearance_of(point, distance);
+    result.has_extent = true;
     result.density = squared_distance / (cosine * emitter.area);
     result.contribution = emitter.radiance;
     return true;
@@ -80,14 +81,17 @@ bool sample_source(const SphereEmitter &emitter, Vec3 reference, Pair numbers, L
     const Vec3 local = warp::cone(numbers, cone_height(squared_distance));
     const Vec3 direction = frame.world_from_local(local);
 
-    // The nearer crossing of the sphere. Normalised, because far away the sum loses digits.
+    // The nearer crossing of the sphere, in the frame around its centre: from + direction * t would cancel far away.
     const float squared_sine = local.x * local.x + local.y * local.y;
     const float half_chord = std::sqrt(std::max(0.0f, 1 - squared_distance * squared_sine));
-    const Vec3 on_sphere = normalized(from + direction * (distance * local.z - half_chord));
+    const float t = distance * local.z - half_chord;
+    const float towards_reference = distance * squared_sine + local.z * half_chord;
+    const Vec3 on_sphere = frame.world_from_local({local.x * t, local.y * t, -towards_reference});
     const Vec3 point = map.point(on_sphere);
 
     result.to_light = normalized(map.linear(direction));
-    result.end = point + normalized(map.normals(on_sphere)) * clearance_of(point, 0);
+    result.end = point + normalized(map.normals(on_sphere)) * clearance_of(point, length(point - reference));
+    result.has_extent = true;
     result.density = density_of(emitter, reference, result.to_light, Hit());
     result.contribution = emitter.radiance;
     return true;
@@ -100,6 +104,7 @@ bool sample_source(const PointLight &light, Vec3 reference, Pair, LightSample &r
         return false;
     result.to_light = difference * (1 / std::sqrt(squared_distance));
     result.end = light.position;
+    result.has_extent = false;
     result.contribution = light.intensity * (1 / squared_distance);
     return true;
 }
@@ -107,6 +112,7 @@ bool sample_source(const PointLight &light, Vec3 reference, Pair, LightSample &r
 bool sample_source(const DistantLight &light, Vec3, Pair, LightSample &result) {
     result.to_light = light.to_light;
     result.is_distant = true;
+    result.has_extent = false;
     result.contribution = light.irradiance;
     return true;
 }
@@ -184,15 +190,19 @@ bool LightSet::sample(Vec3 reference, double choice, Pair numbers, LightSample &
     const auto chosen = static_cast<float>(choice_density(index));
 
     result.is_distant = false;
-    result.density = 0;
     const bool arrives = std::visit(
         [&](const auto &source) { return sample_source(source, reference, numbers, result); }, sources[index]);
     if (!arrives)
         return false;
 
-    const bool has_extent = result.density > 0;
+    if (!result.has_extent) {
+        result.contribution = result.contribution * (1 / chosen);
+        return true;
+    }
     result.density *= chosen;
-    result.contribution = result.contribution * (1 / (has_extent ? result.density : chosen));
+    if (!(result.density > 0 && std::isfinite(result.density)))
+        return false;
+    result.contribution = result.contribution * (1 / result.density);
     return true;
 }
 

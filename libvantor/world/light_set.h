@@ -14,8 +14,9 @@ struct LightSample {
     Vec3 to_light;      ///< Unit length.
     Vec3 end;           ///< The point that it comes from, clear of its surface; unused if is_distant.
     bool is_distant;    ///< Comes from infinitely far away.
-    Color contribution; ///< Radiance over density; of a point or distant light its irradiance over the choice.
-    float density;      ///< Per solid angle, choice included; 0 where no other way of sampling finds the light.
+    bool has_extent;    ///< Following a ray can find the light, too; not so a point or distant light.
+    Color contribution; ///< Radiance over density; of a light without extent its irradiance over the choice.
+    float density;      ///< Per solid angle, choice included; above 0 and finite. Unused without extent.
 };
 
 /// A triangle or parallelogram that shines on its front side.

@@ -11,12 +11,12 @@ using scripted::Scene;
 constexpr double pi = 3.14159265358979;
 constexpr double reflectance = 0.5;
 
-// A floor at y = 0 that faces up, and a camera that sees a spot of 2 mm around the origin from between it and the
+// A floor at height y that faces up, and a camera that sees a spot of 2 mm around x = z = 0 from between it and the
 // light. There is nothing else for the floor's light to be reflected by.
-void add_floor(Scene &scene) {
-    scene.camera({0.3, 0.5, 0}, {0, 0, 0}, 0.2);
+void add_floor(Scene &scene, double y = 0) {
+    scene.camera({0.3, y + 0.5, 0}, {0, y, 0}, 0.2);
     scene.MaterialBegin(scene.diffuse(reflectance));
-    scene.AddObject(scene.object("quad", "origin", VtVector3(-5, 0, 5), "edge_u", VtVector3(10, 0, 0), "edge_v",
+    scene.AddObject(scene.object("quad", "origin", VtVector3(-5, y, 5), "edge_u", VtVector3(10, 0, 0), "edge_v",
                                  VtVector3(0, 0, -10)));
     scene.MaterialEnd();
 }
@@ -31,7 +31,7 @@ template <class Add> void add_area_light(Scene &scene, double radiance, Add add)
     scene.MaterialEnd();
 }
 
-double floor_radiance(Scene &scene) { return scene.render(8, 8, 256).mean(); }
+double floor_radiance(Scene &scene, int samples = 256) { return scene.render(8, 8, samples).mean(); }
 
 TEST(DirectLight, PointLightFallsWithTheSquareAndTheCosine) {
     Scene scene;
@@ -90,6 +90,65 @@ TEST(DirectLight, SphereHasItsFormFactor) {
                    [&] { scene.AddObject(scene.object("sphere", "center", VtVector3(-1.2, 1.6, 0), "radius", 0.7)); });
     const double wanted = reflectance * 2 * 0.49 / 4 * 0.8;
     EXPECT_NEAR(floor_radiance(scene), wanted, 0.003 * wanted);
+}
+
+// The radiance of a floor that much below a square of radiance 1, or a sphere that fits into it.
+double lit_by_square(double side, double distance) {
+    return reflectance * 4 * corner_form_factor(side / 2, side / 2, distance);
+}
+double lit_by_sphere(double radius, double distance) { return reflectance * (radius / distance) * (radius / distance); }
+
+VtLong square_facing_down(Scene &scene, double side, double y) {
+    return scene.object("quad", "origin", VtVector3(-side / 2, y, -side / 2), "edge_u", VtVector3(side, 0, 0), "edge_v",
+                        VtVector3(0, 0, side));
+}
+
+TEST(DirectLight, LightsAtTheOriginDoNotHideThemselves) {
+    // The nearer a light is to the origin, the smaller is the rounding of its own coordinates; that of the ray which
+    // looks for it goes with the distance.
+    for (const double distance : {3.0, 30.0, 1000.0})
+        for (const double side : {1.0, 0.01}) {
+            const auto lit_by = [&](auto add) {
+                Scene scene;
+                add_floor(scene, -distance);
+                add_area_light(scene, 1, [&] { scene.AddObject(add(scene)); });
+                return floor_radiance(scene, 64);
+            };
+            const double quad = lit_by([&](Scene &scene) { return square_facing_down(scene, side, 0); });
+            const double mesh = lit_by([&](Scene &scene) {
+                const double a = side / 2;
+                return scene.mesh({{-a, 0, -a}, {a, 0, -a}, {a, 0, a}, {-a, 0, a}}, {0, 1, 2, 0, 2, 3});
+            });
+            const double sphere = lit_by([&](Scene &scene) { return scene.object("sphere", "radius", side / 2); });
+
+            // 4096 samples of a light that is small from there: the standard error is below a thousandth.
+            const double square = lit_by_square(side, distance);
+            EXPECT_NEAR(quad, square, 0.005 * square) << side << " from " << distance;
+            EXPECT_NEAR(mesh, square, 0.005 * square) << side << " from " << distance;
+            const double round = lit_by_sphere(side / 2, distance);
+            EXPECT_NEAR(sphere, round, 0.005 * round) << side << " from " << distance;
+        }
+}
+
+TEST(DirectLight, TinyLightsFarAwayShine) {
+    // The densities of their directions are so large that their squares are beyond floats.
+    const auto lit_by = [](auto add) {
+        Scene scene;
+        add_floor(scene);
+        add_area_light(scene, 1, [&] { scene.AddObject(add(scene)); });
+        return floor_radiance(scene, 4);
+    };
+    for (const auto &[radius, distance] : {std::pair(1e-6, 1e4), std::pair(1e-9, 100.0), std::pair(1e-3, 1e8)}) {
+        const VtVector3 center(0, distance, 0);
+        const double sphere =
+            lit_by([&, r = radius](Scene &scene) { return scene.object("sphere", "center", center, "radius", r); });
+        const double wanted = lit_by_sphere(radius, distance);
+        EXPECT_NEAR(sphere, wanted, 1e-4 * wanted) << radius << " from " << distance;
+    }
+    // Seen under so small an angle, the form factor is the area over pi r^2.
+    const double quad = lit_by([](Scene &scene) { return square_facing_down(scene, 1e-6, 1e4); });
+    const double wanted = reflectance * 1e-12 / (pi * 1e8);
+    EXPECT_NEAR(quad, wanted, 1e-4 * wanted);
 }
 
 TEST(DirectLight, EllipsoidIsTheSameLightByBothWaysOfSampling) {
