@@ -53,6 +53,17 @@ inline bool quickly(PyObject *item, double &value) {
     return true;
 }
 
+/// A float truncated toward zero.
+inline bool quickly_truncated(PyObject *item, std::int32_t &value) {
+    if (!PyFloat_CheckExact(item))
+        return false;
+    const double number = PyFloat_AS_DOUBLE(item);
+    if (!(number > -2147483649.0 && number < 2147483648.0))
+        return false;
+    value = static_cast<std::int32_t>(number);
+    return true;
+}
+
 /// The text of a string without a copy. Not taken: other characters than ASCII, a null character inside.
 inline bool quickly(PyObject *item, const char *&text) {
     if (!PyUnicode_CheckExact(item) || !PyUnicode_IS_COMPACT_ASCII(item))
@@ -83,7 +94,7 @@ struct Index {
 struct Long {
     std::int32_t &value;
     static constexpr char format[] = "O&";
-    bool fast(PyObject *item) const { return quickly(item, value); }
+    bool fast(PyObject *item) const { return quickly(item, value) || quickly_truncated(item, value); }
     auto parser_arguments() const { return std::tuple(&to_long, &value); }
 };
 
