@@ -177,7 +177,8 @@ void Registry::begin_transform(const VtTransform &transform) {
             why = why_unusable(inner.world_from_local);
         if (why) {
             CallReport(report, "transformBegin")
-                .diagnostic(joined({"the transform ", why, "; cameras, lights and objects of its block are left out"}));
+                .diagnostic(
+                    joined({"the transform ", why, "; cameras, placed lights and objects of its block are left out"}));
             inner.is_usable = false;
         }
     }

@@ -334,7 +334,7 @@ TEST(Diagnostics, Transforms) {
             scene.TransformEnd();
         });
     };
-    const std::string end = "; cameras, lights and objects of its block are left out\n";
+    const std::string end = "; cameras, placed lights and objects of its block are left out\n";
     VtTransform transform;
     EXPECT_EQ(errors(transform),
               "vantor: transformBegin: the transform is all zeros, as a new transform is (identity() "
