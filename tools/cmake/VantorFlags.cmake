@@ -18,6 +18,10 @@ target_compile_options(vantor_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshad
 add_library(vantor_exact INTERFACE)
 target_compile_options(vantor_exact INTERFACE -ffp-contract=off)
 
+# Whether the compiler can optimise across files; for targets whose hot paths run through several.
+include(CheckIPOSupported)
+check_ipo_supported(RESULT VANTOR_IPO LANGUAGES CXX OUTPUT why_not)
+
 add_library(vantor_sanitizers INTERFACE)
 if(VANTOR_SANITIZE)
     target_compile_options(
