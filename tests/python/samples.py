@@ -80,6 +80,19 @@ ARRAYS = [
 ]
 SEQUENCES = VECTORS + ARRAYS
 
+# The scene's methods that take a type and a parameter list.
+CREATION = [
+    "newCamera",
+    "newImager",
+    "newInterface",
+    "newInterior",
+    "newLight",
+    "newMaterial",
+    "newObject",
+    "newPattern",
+    "newTrimmer",
+]
+
 
 def vector2(start=1.0):
     return vantorPM.vector2(start, start + 1)

@@ -14,6 +14,18 @@ from expectations import Expectations
 from module_under_test import vantorPM
 from samples import ARRAYS, MATRICES, VECTORS
 
+BEYOND_32_BITS = [
+    2**31,
+    -(2**31) - 1,
+    2**32,
+    2**32 + 1,
+    -(2**32),
+    2**63 - 1,
+    2**63,
+    -(2**63) - 1,
+    2**64 + 1,
+    10**100,
+]
 TOO_LARGE = "Python int too large to convert to C long"
 
 ROW_OF = {"matrix2": "vector2", "matrix3": "vector3", "matrix4": "vector4"}
@@ -278,37 +290,13 @@ class IntegerPlaceTest(BadInputTests, unittest.TestCase):
 
     def test_integers_beyond_32_bits_are_an_overflow_everywhere(self):
         for place in self.places:
-            for number in [
-                2**31,
-                -(2**31) - 1,
-                2**32,
-                2**32 + 1,
-                -(2**32),
-                2**63 - 1,
-                2**63,
-                -(2**63) - 1,
-                2**64 + 1,
-                10**100,
-            ]:
+            for number in BEYOND_32_BITS:
                 self.assert_refused(OverflowError, None, place, number)
 
     def test_integers_beyond_the_long_have_the_interpreters_text(self):
         for place in long_places():
-            for number in [
-                2**31,
-                -(2**31) - 1,
-                2**32,
-                2**32 + 1,
-                -(2**32),
-                2**63 - 1,
-                2**63,
-                -(2**63) - 1,
-                2**64 + 1,
-                10**100,
-                Integer(2**31),
-                Index(2**31),
-                Index(2**64),
-            ]:
+            others = [Integer(2**31), Index(2**31), Index(2**64)]
+            for number in BEYOND_32_BITS + others:
                 self.assert_refused(OverflowError, "^" + TOO_LARGE + "$", place, number)
 
     def test_floats_beyond_32_bits_are_an_overflow(self):

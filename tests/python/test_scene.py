@@ -11,22 +11,10 @@ import unittest
 import samples
 from expectations import Expectations
 from module_under_test import vantorPM
-from samples import METHODS
+from samples import CREATION, METHODS
 
 MESSAGE = "scene object has not been initialized"
 
-# Methods that take a type and a parameter list.
-CREATION = [
-    "newCamera",
-    "newImager",
-    "newInterface",
-    "newInterior",
-    "newLight",
-    "newMaterial",
-    "newObject",
-    "newPattern",
-    "newTrimmer",
-]
 # Methods that take one id.
 WITH_ID = ["imagerBegin", "interiorBegin", "lightOn", "lightOff", "materialBegin", "addObject"]
 # Methods that look at no argument.
