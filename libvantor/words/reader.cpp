@@ -26,6 +26,9 @@ std::size_t edit_distance(std::string_view a, std::string_view b) {
     return row[b.size()];
 }
 
+std::string_view name_of(std::string_view word) { return word; }
+template <class Named> std::string_view name_of(const Named &entry) { return entry.name; }
+
 // " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".
 template <class Named> std::string suggestion(std::string_view wrong, std::span<const Named> known) {
     // A longer word is nobody's slip of the pen; it is not worth comparing.
@@ -33,20 +36,20 @@ template <class Named> std::string suggestion(std::string_view wrong, std::span<
     const Named *nearest = nullptr;
     std::size_t least = std::min<std::size_t>(3, wrong.size());
     for (const Named &entry : known) {
-        const bool starts_alike = wrong.size() >= 2 && entry.name.starts_with(wrong);
-        const std::size_t distance = wrong.size() > longest ? longest : edit_distance(wrong, entry.name);
+        const bool starts_alike = wrong.size() >= 2 && name_of(entry).starts_with(wrong);
+        const std::size_t distance = wrong.size() > longest ? longest : edit_distance(wrong, name_of(entry));
         if (distance < least || (starts_alike && !nearest)) {
             nearest = &entry;
             least = std::min(distance, least);
         }
     }
     if (nearest)
-        return joined({" (did you mean ", quoted(nearest->name), "?)"});
+        return joined({" (did you mean ", quoted(name_of(*nearest)), "?)"});
 
     std::string text = " (known:";
     for (const Named &entry : known) {
         text += &entry == known.data() ? " " : ", ";
-        text += quoted(entry.name);
+        text += quoted(name_of(entry));
     }
     text += ')';
     return text;
@@ -100,23 +103,59 @@ bool is_kind(ValueKind kind, VtArgTag tag) {
     const bool is_number = tag == VtArgTag::Long || tag == VtArgTag::Double;
     switch (kind) {
     case ValueKind::Number:
+    case ValueKind::NumberOrPattern:
         return is_number;
+    case ValueKind::Integer:
+    case ValueKind::Switch:
+    case ValueKind::InterfaceId:
+    case ValueKind::ObjectId:
+    case ValueKind::PatternId:
+    case ValueKind::TextureId:
+        return tag == VtArgTag::Long;
     case ValueKind::Color:
+    case ValueKind::ColorOrPattern:
         return is_number || tag == VtArgTag::Vector3;
+    case ValueKind::Vector2:
+        return tag == VtArgTag::Vector2;
     case ValueKind::Vector3:
         return tag == VtArgTag::Vector3;
     case ValueKind::Text:
+    case ValueKind::Choice:
         return tag == VtArgTag::Text;
-    case ValueKind::InterfaceId:
-        return tag == VtArgTag::Long;
+    case ValueKind::TrimmerIds:
+        return tag == VtArgTag::Long || tag == VtArgTag::LongArray;
+    case ValueKind::Matrix4:
+        return tag == VtArgTag::Matrix4;
     case ValueKind::LongArray:
         return tag == VtArgTag::LongArray;
+    case ValueKind::DoubleArray:
+        return tag == VtArgTag::DoubleArray;
     case ValueKind::Vector2Array:
         return tag == VtArgTag::Vector2Array;
     case ValueKind::Vector3Array:
         return tag == VtArgTag::Vector3Array;
+    case ValueKind::TransformArray:
+        return tag == VtArgTag::TransformArray;
     }
     return false;
+}
+
+// Whether the range speaks of a value of that kind: it is numbers, and no pattern's id.
+bool has_range(ValueKind kind, VtArgTag tag) {
+    switch (kind) {
+    case ValueKind::Number:
+    case ValueKind::Integer:
+    case ValueKind::Switch:
+    case ValueKind::Color:
+    case ValueKind::Vector2:
+    case ValueKind::Vector3:
+        return true;
+    case ValueKind::NumberOrPattern:
+    case ValueKind::ColorOrPattern:
+        return tag != VtArgTag::Long;
+    default:
+        return false;
+    }
 }
 
 // The numbers of a value: itself, three times, or the components. Other kinds have none.
@@ -129,6 +168,10 @@ std::array<double, 3> numbers_of(const VtArgType &value) {
     case VtArgTag::Double: {
         const double n = value.Double();
         return {n, n, n};
+    }
+    case VtArgTag::Vector2: {
+        const VtVector2 &v = value.Vector2();
+        return {v[0], v[1], v[0]}; // no third component to be out of range
     }
     case VtArgTag::Vector3: {
         const VtVector3 &v = value.Vector3();
@@ -145,14 +188,19 @@ std::string text_of(const VtArgType &value) {
     if (value.Tag() == VtArgTag::Double)
         return vantor::text_of(value.Double());
     const std::array<double, 3> n = numbers_of(value);
-    return joined({"(", vantor::text_of(n[0]), ", ", vantor::text_of(n[1]), ", ", vantor::text_of(n[2]), ")"});
+    const std::string third = value.Tag() == VtArgTag::Vector3 ? joined({", ", vantor::text_of(n[2])}) : std::string();
+    return joined({"(", vantor::text_of(n[0]), ", ", vantor::text_of(n[1]), third, ")"});
 }
 
 // What is wrong with the numbers of a parameter; empty if nothing is.
 std::string complaint(const Parameter &parameter, const VtArgType &value, const std::array<double, 3> &numbers) {
-    const bool has_numbers = parameter.kind == ValueKind::Number || parameter.kind == ValueKind::Color ||
-                             parameter.kind == ValueKind::Vector3;
-    if (!has_numbers)
+    if (parameter.kind == ValueKind::Choice) {
+        const std::string_view word = value.Text();
+        if (std::ranges::find(parameter.choices, word) != parameter.choices.end())
+            return {};
+        return joined({"is ", quoted(word), ", which is no known word", suggestion(word, parameter.choices)});
+    }
+    if (!has_range(parameter.kind, value.Tag()))
         return {};
 
     const Range &range = parameter.range;
@@ -189,6 +237,20 @@ const Parameters::Value &Parameters::find(std::string_view name) const {
 VtVector3 Parameters::vector(std::string_view name) const {
     const std::array<double, 3> &n = find(name).numbers;
     return {n[0], n[1], n[2]};
+}
+
+std::string_view Parameters::choice(std::string_view name) const {
+    const Value &value = find(name);
+    const Parameter &parameter = type.parameters[static_cast<std::size_t>(&value - values.data())];
+    return value.given ? std::string_view(value.given->Text()) : parameter.choices.front();
+}
+
+const VtInstanceArray<double> &Parameters::double_array(std::string_view name) const {
+    return find(name).given->DoubleArray();
+}
+
+const VtInstanceArray<VtTransform> &Parameters::transform_array(std::string_view name) const {
+    return find(name).given->TransformArray();
 }
 
 const VtInstanceArray<VtVector2> &Parameters::vector2_array(std::string_view name) const {

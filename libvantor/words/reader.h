@@ -19,8 +19,17 @@ class Parameters {
     double number(std::string_view name) const { return find(name).numbers[0]; }
     VtVector3 vector(std::string_view name) const;
     const char *text(std::string_view name) const { return find(name).given->Text(); }
+    VtLong integer(std::string_view name) const { return static_cast<VtLong>(number(name)); }
+    bool is_on(std::string_view name) const { return number(name) != 0; }
+    std::string_view choice(std::string_view name) const;
     VtLong id(std::string_view name) const { return find(name).given->Long(); }
+
+    /// Whether a ColorOrPattern or a NumberOrPattern is given as a pattern, whose id() it then has.
+    bool is_pattern(std::string_view name) const { return is_given(name) && find(name).given->Tag() == VtArgTag::Long; }
+    const VtMatrix4 &matrix4(std::string_view name) const { return find(name).given->Matrix4(); }
     const VtInstanceArray<VtLong> &long_array(std::string_view name) const { return find(name).given->LongArray(); }
+    const VtInstanceArray<double> &double_array(std::string_view name) const;
+    const VtInstanceArray<VtTransform> &transform_array(std::string_view name) const;
     const VtInstanceArray<VtVector2> &vector2_array(std::string_view name) const;
     const VtInstanceArray<VtVector3> &vector3_array(std::string_view name) const;
 

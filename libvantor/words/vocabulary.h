@@ -13,14 +13,27 @@ enum class EntityKind { Camera, Imager, Interface, Interior, Light, Material, Ob
 
 /// What a parameter's value has to be.
 enum class ValueKind {
-    Number,       ///< A real number or an integer.
-    Color,        ///< A vector3, linear Rec. 709; or one number for all three components.
-    Vector3,      ///< A vector3.
-    Text,         ///< A string.
-    InterfaceId,  ///< An integer that newInterface() returned.
-    LongArray,    ///< An intarray.
-    Vector2Array, ///< A vector2array.
-    Vector3Array, ///< A vector3array.
+    Number,          ///< A real number or an integer.
+    Integer,         ///< An integer.
+    Switch,          ///< 0 or 1 (False or True).
+    Color,           ///< A vector3, linear Rec. 709; or one number for all three components.
+    Vector2,         ///< A vector2.
+    Vector3,         ///< A vector3.
+    Text,            ///< A string.
+    Choice,          ///< One of the parameter's words. The first is the default.
+    InterfaceId,     ///< An integer that newInterface() returned.
+    ObjectId,        ///< An integer that newObject() returned.
+    PatternId,       ///< An integer that newPattern() returned.
+    TextureId,       ///< An integer that newTexture() returned.
+    TrimmerIds,      ///< An integer that newTrimmer() returned, or an intarray of such.
+    NumberOrPattern, ///< A number, written with a decimal point; an integer is a pattern's id.
+    ColorOrPattern,  ///< A vector3 or a number, written with a decimal point; an integer is a pattern's id.
+    Matrix4,         ///< A matrix4.
+    LongArray,       ///< An intarray.
+    DoubleArray,     ///< A floatarray.
+    Vector2Array,    ///< A vector2array.
+    Vector3Array,    ///< A vector3array.
+    TransformArray,  ///< A transformarray.
 };
 
 /// The numbers that a parameter takes; each component of a colour or a vector. A value outside is reported and the
@@ -46,6 +59,7 @@ struct Parameter {
     std::array<double, 3> fallback; ///< The default; a number uses the first component.
     std::string_view unit;
     std::string_view meaning;
+    std::span<const std::string_view> choices = {}; ///< The words of a Choice.
 };
 
 struct Type {

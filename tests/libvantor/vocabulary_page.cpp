@@ -12,18 +12,30 @@ namespace {
 
 using vantor::joined;
 
+using vantor::ValueKind;
+
+std::string value_of(const vantor::Parameter &parameter) {
+    std::string words;
+    for (const std::string_view choice : parameter.choices)
+        words += joined({words.empty() ? "one of " : ", ", vantor::quoted(choice)});
+    return words.empty() ? std::string(vantor::name_of(parameter.kind)) : words;
+}
+
 std::string default_of(const vantor::Parameter &parameter) {
     if (parameter.presence == vantor::Presence::Required)
         return "required";
     if (parameter.presence == vantor::Presence::Optional)
         return "none";
+    if (parameter.kind == ValueKind::Choice)
+        return vantor::quoted(parameter.choices.front());
     const auto &n = parameter.fallback;
     const std::string first = vantor::text_of(n[0]);
-    const bool is_number = parameter.kind == vantor::ValueKind::Number;
-    const bool is_grey = parameter.kind == vantor::ValueKind::Color && n[0] == n[1] && n[1] == n[2];
-    if (is_number || is_grey)
-        return first;
-    return joined({"(", first, ", ", vantor::text_of(n[1]), ", ", vantor::text_of(n[2]), ")"});
+    const std::string second = vantor::text_of(n[1]);
+    if (parameter.kind == ValueKind::Vector2)
+        return joined({"(", first, ", ", second, ")"});
+    const bool is_color = parameter.kind == ValueKind::Color || parameter.kind == ValueKind::ColorOrPattern;
+    const bool has_three = parameter.kind == ValueKind::Vector3 || (is_color && !(n[0] == n[1] && n[1] == n[2]));
+    return has_three ? joined({"(", first, ", ", second, ", ", vantor::text_of(n[2]), ")"}) : first;
 }
 
 std::string tables() {
@@ -37,8 +49,8 @@ std::string tables() {
                             "| parameter | value | unit | range | default | meaning |\n",
                             "| --- | --- | --- | --- | --- | --- |\n"});
             for (const vantor::Parameter &p : type.parameters)
-                page += joined({"| `", p.name, "` | ", vantor::name_of(p.kind), " | ", p.unit, " | ", p.range.text,
-                                " | ", default_of(p), " | ", p.meaning, " |\n"});
+                page += joined({"| `", p.name, "` | ", value_of(p), " | ", p.unit, " | ", p.range.text, " | ",
+                                default_of(p), " | ", p.meaning, " |\n"});
         }
     }
     return page + "\n";

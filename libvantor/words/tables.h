@@ -1,0 +1,15 @@
+// Tables: the types of each kind of entity, each kind in a file of its own.
+#pragma once
+
+#include "libvantor/words/vocabulary.h"
+
+namespace vantor::words {
+
+std::span<const Type> camera_types();
+std::span<const Type> imager_types();
+std::span<const Type> interface_types();
+std::span<const Type> light_types();
+std::span<const Type> material_types();
+std::span<const Type> object_types();
+
+} // namespace vantor::words
