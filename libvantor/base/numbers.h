@@ -52,6 +52,7 @@ struct Frame {
     }
 
     Vec3 world_from_local(Vec3 local) const { return x * local.x + y * local.y + z * local.z; }
+    Vec3 local_from_world(Vec3 world) const { return {dot(world, x), dot(world, y), dot(world, z)}; }
 };
 
 /// A linear map of rows, v' = v M: the row vectors of M.

@@ -1,24 +1,19 @@
-// Material and interface: what surfaces are made of.
+// Material: what the surfaces of objects are made of.
 #pragma once
 
-#include "libvantor/entities/scattering.h"
+#include "libvantor/scattering/scattering.h"
 #include "libvantor/words/reader.h"
 
 namespace vantor {
 
-/// How a surface scatters light.
-struct Interface {
-    DiffuseReflection reflection;
-};
-
 struct Material {
-    Interface interface;
+    Scattering scattering;
 };
 
-/// The "reflectance" of an interface, or of a material that is one at the same time.
-Interface make_diffuse_interface(const Parameters &parameters);
+/// Of the type that the script named, an interface, or a material that is one at the same time.
+Scattering make_scattering(const Type &type, const Parameters &parameters);
 
-/// Every number of the table's "diffuse" interface at its default: for objects without a material.
+/// For objects without a material: "diffuse" with all defaults.
 Material default_material();
 
 } // namespace vantor

@@ -5,7 +5,7 @@ namespace vantor {
 
 namespace {
 
-template <class Entity> int appended(std::vector<Entity> &all, Entity entity) {
+template <class Entities> int appended(Entities &all, typename Entities::value_type entity) {
     all.push_back(std::move(entity));
     return static_cast<int>(all.size()) - 1;
 }
@@ -52,7 +52,7 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             entry.index = appended(imagers, std::move(*imager));
         break;
     case EntityKind::Interface:
-        entry.index = appended(interfaces, make_diffuse_interface(parameters));
+        entry.index = appended(interfaces, make_scattering(*type, parameters));
         break;
     case EntityKind::Light:
         if (type->name == "point" && !is_in_reach(parameters, call))
@@ -64,13 +64,13 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             current_area_light = entry.index;
         break;
     case EntityKind::Material:
-        if (const std::optional<Interface> interface = find_interface(*type, parameters, call))
-            entry.index = appended(materials, Material{*interface});
+        if (const std::optional<Scattering> scattering = find_scattering(*type, parameters, call))
+            entry.index = appended(materials, Material{*scattering});
         break;
     case EntityKind::Object:
         if (std::optional<Shape> shape = make_shape(*type, parameters, call)) {
             const float reach = reach_of(*shape);
-            entry.index = appended(objects, std::make_unique<const Object>(Object{std::move(*shape), reach}));
+            entry.index = appended(objects, Object{id, std::move(*shape), reach});
         }
         break;
     case EntityKind::Interior:
@@ -91,10 +91,10 @@ bool Registry::is_in_reach(const Parameters &parameters, const CallReport &call)
     return is_near;
 }
 
-std::optional<Interface> Registry::find_interface(const Type &type, const Parameters &parameters,
-                                                  const CallReport &call) const {
+std::optional<Scattering> Registry::find_scattering(const Type &type, const Parameters &parameters,
+                                                    const CallReport &call) const {
     if (type.name == "diffuse")
-        return make_diffuse_interface(parameters);
+        return make_scattering(type, parameters);
     const int index = find(parameters.id("interface"), EntityKind::Interface, call);
     if (index < 0)
         return {};
@@ -153,7 +153,7 @@ void Registry::add_object(VtLong id) {
     const int index = find(id, EntityKind::Object, call);
     if (index < 0 || !is_placeable())
         return;
-    const Object &object = *objects[static_cast<std::size_t>(index)];
+    const Object &object = objects[static_cast<std::size_t>(index)];
     const VtTransform world_from_object = current_transform();
     if (!(world_reach(object.reach, world_from_object) <= largest_reach)) {
         call.diagnostic(
@@ -162,8 +162,8 @@ void Registry::add_object(VtLong id) {
     }
 
     const int material = material_blocks.empty() ? -1 : material_blocks.back();
-    placed.push_back({&object.shape, world_from_object,
-                      material < 0 ? default_material() : materials[static_cast<std::size_t>(material)],
+    placed.push_back({&object, world_from_object,
+                      material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)],
                       light_blocks.empty() ? -1 : light_blocks.back()});
 }
 

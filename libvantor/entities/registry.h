@@ -7,7 +7,7 @@
 #include "libvantor/entities/material.h"
 #include "libvantor/entities/object.h"
 
-#include <memory>
+#include <deque>
 #include <unordered_map>
 #include <vector>
 
@@ -15,9 +15,9 @@ namespace vantor {
 
 /// One object, put into the scene.
 struct Placement {
-    const Shape *shape;
+    const Object *object;
     VtTransform world_from_object; ///< Usable.
-    Material material;
+    const Material *material;
     int light; ///< The area light that shines from it, an index of lights(); -1 for none.
 };
 
@@ -70,10 +70,6 @@ class Registry {
         EntityKind kind;
         int index; // among the entities of its kind; -1 if nothing came of it, which has been reported
     };
-    struct Object {
-        Shape shape;
-        float reach;
-    };
     struct TransformBlock {
         VtTransform world_from_local;
         bool is_usable;
@@ -87,8 +83,8 @@ class Registry {
 
     // The index of an entity of that kind; -1, reported if there never was such an id.
     int find(VtLong id, EntityKind kind, const CallReport &call) const;
-    std::optional<Interface> find_interface(const Type &type, const Parameters &parameters,
-                                            const CallReport &call) const;
+    std::optional<Scattering> find_scattering(const Type &type, const Parameters &parameters,
+                                              const CallReport &call) const;
 
     Report &report;
     VtLong last_id = 0;
@@ -96,10 +92,12 @@ class Registry {
 
     std::optional<Camera> current_camera;
     std::vector<Imager> imagers;
-    std::vector<Interface> interfaces;
+    std::vector<Scattering> interfaces;
     std::vector<Light> all_lights;
-    std::vector<Material> materials;
-    std::vector<std::unique_ptr<const Object>> objects; // placements point to them
+    // Placements point to these; a deque moves none of its elements.
+    std::deque<Material> materials;
+    std::deque<Object> objects;
+    const Material material_of_others = default_material();
     std::vector<Placement> placed;
     int current_area_light = -1; // created or switched on last
 

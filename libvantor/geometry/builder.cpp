@@ -18,7 +18,7 @@ class Builder {
     void build(std::span<const Placement> placements) {
         std::unordered_map<const Shape *, std::size_t> uses;
         for (const Placement &placement : placements)
-            ++uses[placement.shape];
+            ++uses[&placement.object->shape];
 
         built.top = new_scene();
         built.is_instance.reserve(placements.size());
@@ -26,13 +26,13 @@ class Builder {
             if (interrupt.requested())
                 return;
             const Affine world_from_object = to_float(placement.world_from_object);
-            const std::size_t use_count = uses[placement.shape];
-            const bool is_round = std::holds_alternative<Sphere>(*placement.shape);
+            const std::size_t use_count = uses[&placement.object->shape];
+            const bool is_round = std::holds_alternative<Sphere>(placement.object->shape);
             const bool may_copy = !is_round || world_from_object.uniform_scale() > 0;
-            const bool copies =
-                may_copy && (use_count == 1 || use_count * primitives_of(*placement.shape) <= most_copied_primitives);
-            OwnedGeometry geometry = copies ? new_geometry(*placement.shape, world_from_object)
-                                            : new_instance(shared_scene(*placement.shape), world_from_object);
+            const bool copies = may_copy && (use_count == 1 || use_count * primitives_of(placement.object->shape) <=
+                                                                   most_copied_primitives);
+            OwnedGeometry geometry = copies ? new_geometry(placement.object->shape, world_from_object)
+                                            : new_instance(shared_scene(placement.object->shape), world_from_object);
             rtcCommitGeometry(geometry.get());
             rtcAttachGeometryByID(built.top.get(), geometry.get(), static_cast<unsigned>(built.is_instance.size()));
             built.is_instance.push_back(!copies);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libvantor/base/numbers.h"
+#include "libvantor/base/random.h"
 
 #include <cstdint>
 
@@ -22,6 +23,7 @@ struct Hit {
     float clearance;       ///< How far from the point the rounding of its coordinates may reach.
     std::uint32_t placement;
     std::uint32_t primitive; ///< A triangle or parallelogram of the object.
+    Pair on_primitive;       ///< Embree's coordinates of the point on it.
 
     /// Where a ray starts that leaves towards the direction: off the surface, so that it does not hit it again.
     Vec3 origin_towards(Vec3 direction) const {

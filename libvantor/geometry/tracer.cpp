@@ -64,13 +64,13 @@ Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placemen
     for (std::size_t i = 0; i < placements.size(); ++i) {
         const Placement &placement = placements[i];
         const Affine world_from_object = to_float(placement.world_from_object);
-        const auto *mesh = std::get_if<TriangleMesh>(placement.shape);
+        const auto *mesh = std::get_if<TriangleMesh>(&placement.object->shape);
         const bool is_instance = built->is_instance[i];
-        const bool has_winding = !std::holds_alternative<Sphere>(*placement.shape);
+        const bool has_winding = !std::holds_alternative<Sphere>(placement.object->shape);
         const bool is_turned = !is_instance && has_winding && world_from_object.determinant < 0;
         decodings.push_back({mesh && !mesh->normals.empty() ? mesh : nullptr, world_from_object.normals,
                              is_turned ? -1.0f : 1.0f, is_instance,
-                             std::holds_alternative<Quads>(*placement.shape) ? 1u : 0u});
+                             std::holds_alternative<Quads>(placement.object->shape) ? 1u : 0u});
     }
 }
 
@@ -91,6 +91,7 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     // Embree's normal follows the winding and has any length.
     const Decoding &decoding = decodings[hit.placement];
     hit.primitive = packet.hit.primID[lane] >> decoding.halvings;
+    hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
     Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
     if (decoding.is_instance)
         normal = decoding.normals(normal);

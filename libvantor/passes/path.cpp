@@ -2,12 +2,14 @@
 // Monte Carlo Methods for Light Transport Simulation", 1997, chapters 8 to 10.
 #include "libvantor/passes/path.h"
 
+#include "libvantor/world/surface.h"
+
 namespace vantor {
 
 namespace {
 
 // What the numbers of a bounce are for.
-enum Dimension : std::uint32_t { light_point, light_choice, reflected_direction, survival, dimensions_per_bounce };
+enum Dimension : std::uint32_t { light_point, light_choice, next_direction, survival, lobe, dimensions_per_bounce };
 
 // Roulette from this bounce on. Earlier it costs more in noise than it saves in time, later the other way round.
 constexpr int first_roulette = 3;
@@ -33,66 +35,47 @@ struct DirectLight {
     Color radiance;
 };
 
-// The surface at a hit, as the path meets it. It reflects on both sides, so its normals are those of the side on which
-// the path arrives.
-struct Vertex {
-    const Hit &hit;
-    const DiffuseReflection &reflection;
-    bool is_front;
-    Vec3 geometric_normal;
-    Vec3 shading_normal;
-
-    Vertex(const Hit &at, Vec3 direction, const World &world)
-        : hit(at), reflection(world.materials[at.placement].interface.reflection),
-          is_front(dot(at.geometric_normal, direction) < 0),
-          geometric_normal(at.geometric_normal * (is_front ? 1.0f : -1.0f)),
-          shading_normal(at.shading_normal * (is_front ? 1.0f : -1.0f)) {}
-};
-
-// Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, except at the
-// camera: the two share it by their densities.
-void add_emitted_light(Path &path, const Vertex &vertex, int bounce, const World &world) {
-    const int first_emitter = world.lights.first_emitter(vertex.hit.placement);
-    if (first_emitter < 0 || !vertex.is_front)
+// Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, unless the ray
+// had no choice: the two share it by their densities.
+void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const World &world) {
+    const int first_emitter = world.lights.first_emitter(hit.placement);
+    if (first_emitter < 0 || !surface.arrives_at_front())
         return;
-    const int emitter = first_emitter + static_cast<int>(vertex.hit.primitive);
+    const int emitter = first_emitter + static_cast<int>(hit.primitive);
     float share = 1;
-    if (bounce > 0)
-        share =
-            weight(path.direction_density, world.lights.density(emitter, path.vertex, path.ray.direction, vertex.hit));
+    if (!path.finds_lights)
+        share = weight(path.direction_density, world.lights.density(emitter, path.vertex, path.ray.direction, hit));
     path.radiance += path.throughput * world.lights.radiance(emitter) * share;
 }
 
 // Direct light, from a sampled point of a sampled light: value * cosine * radiance / density. False if none arrives.
-bool sample_direct_light(Path &path, const Vertex &vertex, std::uint32_t dimension, const World &world,
-                         DirectLight &result, Segment &way) {
+bool sample_direct_light(Path &path, const Hit &hit, const Surface &surface, std::uint32_t dimension,
+                         const World &world, DirectLight &result, Segment &way) {
+    if (surface.is_specular())
+        return false;
     const double choice = world.lights.has_choice() ? path.sampler.single(dimension + light_choice) : 0.0;
     LightSample light;
-    if (!world.lights.sample(vertex.hit.point, choice, path.sampler.pair(dimension + light_point), light))
+    if (!world.lights.sample(hit.point, choice, path.sampler.pair(dimension + light_point), light))
         return false;
-    const float cosine = dot(vertex.shading_normal, light.to_light);
-    if (!(cosine > 0) || !(dot(vertex.geometric_normal, light.to_light) > 0))
+    const Scattered scattered = surface.evaluate(light.to_light);
+    if (is_black(scattered.value))
         return false;
 
-    const DiffuseReflection &reflection = vertex.reflection;
-    const float share = light.has_extent ? weight(light.density, reflection.density(cosine)) : 1.0f;
+    const float share = light.has_extent ? weight(light.density, scattered.density) : 1.0f;
     result.path = &path;
-    result.radiance = path.throughput * reflection.value() * light.contribution * (cosine * share);
-    const Vec3 from = vertex.hit.origin_towards(light.to_light);
+    result.radiance = path.throughput * scattered.value * light.contribution * share;
+    const Vec3 from = hit.origin_towards(light.to_light);
     way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
     return is_traceable(way.from, way.direction);
 }
 
 // The next ray; its throughput is value * cosine / density. False if the path ends.
-bool sample_next_ray(Path &path, const Vertex &vertex, std::uint32_t dimension, int bounce) {
-    const DiffuseReflection &reflection = vertex.reflection;
-    const Vec3 local = reflection.sample(path.sampler.pair(dimension + reflected_direction));
-    const float density = reflection.density(local.z);
-    const Vec3 direction = Frame(vertex.shading_normal).world_from_local(local);
-    // Where the shading normal leans, part of its hemisphere lies below the surface.
-    if (!(density > 0) || !(dot(vertex.geometric_normal, direction) > 0))
+bool sample_next_ray(Path &path, const Hit &hit, const Surface &surface, std::uint32_t dimension, int bounce) {
+    ScatteringSample scattering;
+    if (!surface.sample(path.sampler.pair(dimension + next_direction), path.sampler.unstratified(dimension + lobe),
+                        scattering))
         return false;
-    path.throughput *= reflection.value() * (local.z / density);
+    path.throughput *= scattering.weight;
 
     // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk,
     // "Particle Transport and Image Synthesis", 1990).
@@ -105,10 +88,11 @@ bool sample_next_ray(Path &path, const Vertex &vertex, std::uint32_t dimension, 
         path.throughput = path.throughput * (1 / survives);
     }
 
-    path.vertex = vertex.hit.point;
-    path.direction_density = density;
-    path.ray = {vertex.hit.origin_towards(direction), direction};
-    return is_traceable(path.ray.origin, direction);
+    path.vertex = hit.point;
+    path.direction_density = scattering.density;
+    path.finds_lights = scattering.is_specular;
+    path.ray = {hit.origin_towards(scattering.in), scattering.in};
+    return is_traceable(path.ray.origin, path.ray.direction);
 }
 
 } // namespace
@@ -139,11 +123,11 @@ void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_
             if (!hits[i].exists)
                 continue;
             Path &path = *growing[i];
-            const Vertex vertex(hits[i], path.ray.direction, world);
-            add_emitted_light(path, vertex, bounce, world);
-            if (sample_direct_light(path, vertex, dimension, world, lights[light_count], ways[light_count]))
+            const Surface surface(hits[i], path.ray.direction, world);
+            add_emitted_light(path, hits[i], surface, world);
+            if (sample_direct_light(path, hits[i], surface, dimension, world, lights[light_count], ways[light_count]))
                 ++light_count;
-            if (sample_next_ray(path, vertex, dimension, bounce))
+            if (sample_next_ray(path, hits[i], surface, dimension, bounce))
                 growing[still_growing++] = &path;
         }
         growing.resize(still_growing);

@@ -14,6 +14,7 @@ struct Path {
     Color throughput{1, 1, 1};   ///< The product of value * cosine / density over its vertices.
     Vec3 vertex{};               ///< The surface point that the ray left.
     float direction_density = 0; ///< Per solid angle, with which the ray's direction was drawn there.
+    bool finds_lights = true;    ///< Only the ray could find a light: it left the camera, or a specular surface.
 };
 
 /// Takes the paths to their ends: each path's radiance is then an unbiased estimate of the radiance that arrives along

@@ -159,14 +159,14 @@ void LightSet::add_emitters(const Placement &placement, Color radiance) {
         const FlatEmitter emitter = flat_emitter(map, a, b, d, is_triangle, radiance);
         add(emitter, power(emitter));
     };
-    if (const auto *mesh = std::get_if<TriangleMesh>(placement.shape)) {
+    if (const auto *mesh = std::get_if<TriangleMesh>(&placement.object->shape)) {
         for (const TriangleMesh::Triangle &t : mesh->triangles)
             add_flat(mesh->points[t[0]], mesh->points[t[1]], mesh->points[t[2]], true);
-    } else if (const auto *quads = std::get_if<Quads>(placement.shape)) {
+    } else if (const auto *quads = std::get_if<Quads>(&placement.object->shape)) {
         for (const Quads::Corners &c : quads->corners)
             add_flat(c[0], c[1], c[3], false);
     } else {
-        const Sphere &sphere = std::get<Sphere>(*placement.shape);
+        const Sphere &sphere = std::get<Sphere>(placement.object->shape);
         VtTransform unit_to_sphere = identity();
         for (int i = 0; i < 3; ++i)
             unit_to_sphere[i][i] = sphere.radius;

@@ -10,11 +10,7 @@ std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt
         return {};
 
     LightSet lights(registry.lights(), placements, tracer->radius());
-    std::vector<Material> materials;
-    materials.reserve(placements.size());
-    for (const Placement &placement : placements)
-        materials.push_back(placement.material);
-    return World{*registry.camera(), std::move(*tracer), std::move(lights), std::move(materials)};
+    return World{*registry.camera(), std::move(*tracer), std::move(lights), placements};
 }
 
 } // namespace vantor

@@ -13,7 +13,7 @@ struct World {
     Camera camera;
     Tracer tracer;
     LightSet lights;
-    std::vector<Material> materials; ///< For each placement.
+    std::span<const Placement> placements;
 };
 
 /// The registry has a camera. Nothing if it was interrupted.

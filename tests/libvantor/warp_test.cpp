@@ -1,7 +1,7 @@
 // The warps: where their points fall, against their densities.
 #include "libvantor/base/warp.h"
 
-#include "libvantor/entities/scattering.h"
+#include "libvantor/scattering/diffuse.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -102,14 +102,16 @@ TEST(Warp, SineAndCosineAreRight) {
 
 TEST(Scattering, DensityIntegratesToOneAndEnergyIsTheReflectance) {
     // The midpoint rule over the cosine, around the normal: 2 pi f(cosine) d(cosine).
-    const vantor::DiffuseReflection reflection{{0.2f, 0.5f, 0.9f}};
+    const vantor::Diffuse reflection{{0.2f, 0.5f, 0.9f}};
+    const vantor::Vec3 out{0, 0, 1};
     double density = 0;
     double reflected = 0;
     constexpr int steps = 1000;
     for (int i = 0; i < steps; ++i) {
         const float cosine = (static_cast<float>(i) + 0.5f) / steps;
-        density += 2 * M_PI * reflection.density(cosine) / steps;
-        reflected += 2 * M_PI * reflection.value().g * cosine / steps;
+        const vantor::Vec3 in{std::sqrt(1 - cosine * cosine), 0, cosine};
+        density += 2 * M_PI * reflection.evaluate(out, in).density / steps;
+        reflected += 2 * M_PI * reflection.evaluate(out, in).value.g * cosine / steps;
     }
     EXPECT_NEAR(density, 1, 1e-6);
     EXPECT_NEAR(reflected, 0.5, 1e-6);

@@ -1,0 +1,31 @@
+// Diffuse: the same radiance in all directions.
+#pragma once
+
+#include "libvantor/scattering/lobe.h"
+
+namespace vantor {
+
+/// Lambert's reflection, on both sides.
+struct Diffuse {
+    Color reflectance; ///< The fraction of light that is reflected, 0 to 1.
+
+    Scattered evaluate(Vec3 out, Vec3 in) const {
+        if (!(out.z * in.z > 0))
+            return {};
+        return {reflectance * inverse_pi, warp::cosine_hemisphere_density(std::fabs(in.z))};
+    }
+
+    bool sample(Vec3 out, Pair numbers, float, ScatteringSample &result) const {
+        const Vec3 above = warp::cosine_hemisphere(numbers);
+        if (!(above.z > 0))
+            return false;
+        const float side = std::copysign(1.0f, out.z);
+        result = {{above.x, above.y, side * above.z}, reflectance, warp::cosine_hemisphere_density(above.z), false};
+        return true;
+    }
+
+    Color albedo() const { return reflectance; }
+    bool is_specular() const { return false; }
+};
+
+} // namespace vantor

@@ -1,0 +1,36 @@
+// Lobe: what every way of scattering says about itself.
+#pragma once
+
+#include "libvantor/base/color.h"
+#include "libvantor/base/warp.h"
+
+namespace vantor {
+
+// Directions are of unit length and point away from the surface. They are in the frame of the shading normal, whose +Z
+// is the front of the surface (the outside of a body): a direction with negative z lies on its back. `out` is where
+// the light goes that a path asks for, `in` where it comes from. Every lobe has:
+//
+//     Scattered evaluate(Vec3 out, Vec3 in) const;
+//     bool sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const;
+//     Color albedo() const;
+//     bool is_specular() const;
+//
+// sample() draws `in` with the density that evaluate() tells; false if nothing is scattered. The numbers and the choice
+// are uniform in [0, 1). albedo() is the colour: about the fraction that is scattered of light from everywhere.
+// is_specular() says that every sample is, so that evaluate() has nothing to tell.
+
+/// How much light goes from one direction to another.
+struct Scattered {
+    Color value{};     ///< The bidirectional scattering distribution function (BSDF), in 1/sr, of radiance.
+    float density = 0; ///< With which sample() draws `in`, per solid angle.
+};
+
+/// A direction to go on.
+struct ScatteringSample {
+    Vec3 in;
+    Color weight;     ///< value * |cosine| / density.
+    float density;    ///< Per solid angle; unused if it is specular.
+    bool is_specular; ///< The direction is one of a few, so that a light's sample can never be it.
+};
+
+} // namespace vantor

@@ -1,0 +1,28 @@
+// Scattering: how light scatters where two media meet.
+#pragma once
+
+#include "libvantor/scattering/diffuse.h"
+
+#include <variant>
+
+namespace vantor {
+
+using Scattering = std::variant<Diffuse>;
+
+inline Scattered evaluate(const Scattering &scattering, Vec3 out, Vec3 in) {
+    return std::visit([&](const auto &lobe) { return lobe.evaluate(out, in); }, scattering);
+}
+
+inline bool sample(const Scattering &scattering, Vec3 out, Pair numbers, float choice, ScatteringSample &result) {
+    return std::visit([&](const auto &lobe) { return lobe.sample(out, numbers, choice, result); }, scattering);
+}
+
+inline Color albedo(const Scattering &scattering) {
+    return std::visit([](const auto &lobe) { return lobe.albedo(); }, scattering);
+}
+
+inline bool is_specular(const Scattering &scattering) {
+    return std::visit([](const auto &lobe) { return lobe.is_specular(); }, scattering);
+}
+
+} // namespace vantor

@@ -1,0 +1,67 @@
+// Arrays: what shapes have in common when they read a script's points, and what is wrong with those.
+#pragma once
+
+#include "libvantor/base/numbers.h"
+#include "libvantor/words/reader.h"
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace vantor {
+
+/// The largest coordinate that a point may have, in an object or in the world: squares of areas stay finite.
+inline constexpr float largest_reach = 1e9f;
+
+inline bool has_area(Vec3 a, Vec3 b, Vec3 c) {
+    const Vec3 normal = cross(b - a, c - a);
+    // The product of two short edges may underflow; such a triangle could not be hit reliably either.
+    const float square = dot(normal, normal);
+    return square > std::numeric_limits<float>::min() && std::isfinite(square);
+}
+
+// Neither does a NaN pass, as largest_coordinate() may lose one.
+inline bool is_usable(Vec3 p) { return is_finite(p) && largest_coordinate(p) <= largest_reach; }
+
+// How many of its elements the array really has: fewer than its size, if that is negative or memory ran out.
+template <class Element> VtLong stored_count(const VtInstanceArray<Element> &array) {
+    VtLong stored = 0;
+    array.ForEachBlock([&](const Element *, VtLong count) { stored += count; });
+    return stored;
+}
+
+// Whether the array has all the elements that its size says; reported if not.
+template <class Element> bool is_whole(const VtInstanceArray<Element> &array, std::string_view name,
+                                       const Parameters &parameters, const CallReport &report) {
+    const VtLong stored = stored_count(array);
+    const bool has_all = stored == array.Size();
+    if (!has_all)
+        parameters.complain(name,
+                            joined({"has ", std::to_string(array.Size()), " elements, of which ",
+                                    std::to_string(stored), " have storage; nothing of the object will be seen"}),
+                            report);
+    return has_all;
+}
+
+inline std::vector<Vec3> floats_of(const VtInstanceArray<VtVector3> &array) {
+    std::vector<Vec3> result;
+    result.reserve(static_cast<std::size_t>(stored_count(array)));
+    array.ForEachBlock([&](const VtVector3 *elements, VtLong count) {
+        for (VtLong i = 0; i < count; ++i) {
+            result.push_back(to_float(elements[i]));
+        }
+    });
+    return result;
+}
+
+inline std::vector<std::uint32_t> indices_of(const VtInstanceArray<VtLong> &array) {
+    std::vector<std::uint32_t> result;
+    result.reserve(static_cast<std::size_t>(stored_count(array)));
+    // A negative index becomes a very large one, which no mesh has.
+    array.ForEachBlock(
+        [&](const VtLong *elements, VtLong count) { result.insert(result.end(), elements, elements + count); });
+    return result;
+}
+
+} // namespace vantor

@@ -1,0 +1,43 @@
+// Shape: what can be placed, in its own space.
+#include "libvantor/shapes/shape.h"
+
+namespace vantor {
+
+namespace {
+
+// A shape of any kind that is made of it.
+template <class Kind> std::optional<Shape> as_shape(std::optional<Kind> kind) {
+    if (!kind)
+        return {};
+    return Shape(std::move(*kind));
+}
+
+} // namespace
+
+std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, const CallReport &report) {
+    if (type.name == "mesh")
+        return as_shape(make_mesh(parameters, report));
+    if (type.name == "quad") {
+        std::optional<QuadOrMesh> quad = make_quad(parameters, report);
+        if (!quad)
+            return {};
+        return std::visit([](auto &&kind) { return Shape(std::move(kind)); }, std::move(*quad));
+    }
+    if (type.name == "box")
+        return as_shape(make_box(parameters, report));
+    return make_sphere(parameters);
+}
+
+float reach_of(const Shape &shape) {
+    return std::visit([](const auto &kind) { return reach_of(kind); }, shape);
+}
+
+std::size_t primitives_of(const Shape &shape) {
+    return std::visit([](const auto &kind) { return primitives_of(kind); }, shape);
+}
+
+SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Pair on_primitive, Vec3 point) {
+    return std::visit([&](const auto &kind) { return parameters_at(kind, primitive, on_primitive, point); }, shape);
+}
+
+} // namespace vantor

@@ -1,0 +1,23 @@
+// Shape: what can be placed, in its own space.
+#pragma once
+
+#include "libvantor/shapes/quad.h"
+#include "libvantor/shapes/sphere.h"
+
+namespace vantor {
+
+using Shape = std::variant<TriangleMesh, Quads, Sphere>;
+
+/// Nothing, after a diagnostic, if there is nothing to see.
+std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, const CallReport &report);
+
+/// The largest coordinate of any of its points, either way.
+float reach_of(const Shape &shape);
+
+/// How many triangles, parallelograms or spheres it has.
+std::size_t primitives_of(const Shape &shape);
+
+/// At a point of the shape's surface: of that primitive, with Embree's coordinates on it.
+SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Pair on_primitive, Vec3 point);
+
+} // namespace vantor

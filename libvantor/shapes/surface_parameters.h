@@ -1,0 +1,16 @@
+// Surface parameters: what patterns ask about a point of a shape.
+#pragma once
+
+#include "libvantor/base/color.h"
+#include "libvantor/base/numbers.h"
+#include "libvantor/base/random.h"
+
+namespace vantor {
+
+struct SurfaceParameters {
+    Pair uv;              ///< Texture coordinates, v upwards.
+    Vec3 along_u;         ///< How the point moves with u, in the object's space; may be zero.
+    Color color{1, 1, 1}; ///< Its own colour, where a mesh has colours.
+};
+
+} // namespace vantor

@@ -1,0 +1,59 @@
+// Surface: what a path meets at a hit.
+#pragma once
+
+#include "libvantor/geometry/hit.h"
+#include "libvantor/world/world.h"
+
+namespace vantor {
+
+/// The surface at a hit: where its sides are, and how it scatters.
+class Surface {
+  public:
+    Surface(const Hit &hit, Vec3 arriving, const World &world)
+        : frame(hit.shading_normal), is_front(dot(hit.geometric_normal, arriving) < 0),
+          out(side_of(frame.local_from_world(-arriving), is_front)), geometric_normal(hit.geometric_normal),
+          scattering(world.placements[hit.placement].material->scattering) {}
+
+    bool arrives_at_front() const { return is_front; }
+    bool is_specular() const { return vantor::is_specular(scattering); }
+    Color albedo() const { return vantor::albedo(scattering); }
+
+    /// How much of the light from that direction goes back along the path, with the cosine of its direction.
+    Scattered evaluate(Vec3 to_light) const {
+        const Vec3 in = frame.local_from_world(to_light);
+        if (!is_consistent(in.z, to_light))
+            return {};
+        Scattered found = vantor::evaluate(scattering, out, in);
+        found.value = found.value * std::fabs(in.z);
+        return found;
+    }
+
+    /// A direction to go on, in world space; false if there is none.
+    bool sample(Pair numbers, float choice, ScatteringSample &result) const {
+        if (!vantor::sample(scattering, out, numbers, choice, result))
+            return false;
+        const float z = result.in.z;
+        result.in = frame.world_from_local(result.in);
+        return is_consistent(z, result.in);
+    }
+
+  private:
+    // Where the shading normal leans, part of each of its hemispheres lies on the other side of the surface.
+    bool is_consistent(float z, Vec3 direction) const { return z * dot(geometric_normal, direction) > 0; }
+
+    // The path arrives on the side of the surface itself; a leaning normal must not make it the other one.
+    static Vec3 side_of(Vec3 out, bool is_front) {
+        constexpr float grazing = 1e-4f;
+        if ((out.z > 0) == is_front && out.z != 0)
+            return out;
+        return normalized({out.x, out.y, is_front ? grazing : -grazing});
+    }
+
+    Frame frame; // of the shading normal
+    bool is_front;
+    Vec3 out;
+    Vec3 geometric_normal;
+    const Scattering &scattering;
+};
+
+} // namespace vantor
