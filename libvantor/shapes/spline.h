@@ -1,0 +1,132 @@
+// Spline: families of cubic curves, each by its basis matrix and its step.
+#pragma once
+
+#include "libvantor/words/reader.h"
+#include "renderer/vt_bases.h"
+
+#include <array>
+#include <cmath>
+
+namespace vantor {
+
+/// What each of a segment's four control points counts for.
+using CubicWeights = std::array<double, 4>;
+
+/// The sum of four points or numbers, each times its weight.
+template <int N> VtVector<N> weighted_sum(const CubicWeights &weights, const std::array<VtVector<N>, 4> &points) {
+    VtVector<N> sum;
+    for (int c = 0; c < N; ++c)
+        for (std::size_t i = 0; i < 4; ++i)
+            sum[c] += weights[i] * points[i][c];
+    return sum;
+}
+inline double weighted_sum(const CubicWeights &weights, const std::array<double, 4> &numbers) {
+    double sum = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        sum += weights[i] * numbers[i];
+    return sum;
+}
+
+/// A segment with control points P0..P3 is, as renderer/vt_bases.h has it,
+///
+///     p(t) = (t^3  t^2  t  1) B (P0 P1 P2 P3)^T,   0 <= t <= 1,
+///
+/// so that row 0 of the basis B holds the coefficients of t^3. The next segment begins `step` control points further.
+/// A Point is a VtVector of any dimension, or a double.
+struct Spline {
+    VtMatrix4 basis = VtBezierBasis();
+    VtLong step = 3;
+
+    /// Of a point at t.
+    CubicWeights weights(double t) const {
+        CubicWeights result;
+        for (int c = 0; c < 4; ++c)
+            result[static_cast<std::size_t>(c)] = ((basis[0][c] * t + basis[1][c]) * t + basis[2][c]) * t + basis[3][c];
+        return result;
+    }
+
+    /// Of the derivative by t at t.
+    CubicWeights slopes(double t) const {
+        CubicWeights result;
+        for (int c = 0; c < 4; ++c)
+            result[static_cast<std::size_t>(c)] = (3 * basis[0][c] * t + 2 * basis[1][c]) * t + basis[2][c];
+        return result;
+    }
+
+    template <class Point> Point point(const std::array<Point, 4> &control, double t) const {
+        return weighted_sum(weights(t), control);
+    }
+    template <class Point> Point derivative(const std::array<Point, 4> &control, double t) const {
+        return weighted_sum(slopes(t), control);
+    }
+
+    /// The Bezier control points of the same segment. From its polynomial a t^3 + b t^2 + c t + d they are d, d + c/3,
+    /// d + 2c/3 + b/3 and a + b + c + d (Bartels, Beatty, Barsky, "An Introduction to Splines", 1987, chapter 10).
+    template <class Point> std::array<Point, 4> bezier(const std::array<Point, 4> &control) const {
+        std::array<CubicWeights, 4> rows{};
+        for (int c = 0; c < 4; ++c) {
+            const auto i = static_cast<std::size_t>(c);
+            const double cubic = basis[0][c], square = basis[1][c], linear = basis[2][c], constant = basis[3][c];
+            rows[0][i] = constant;
+            rows[1][i] = constant + linear / 3;
+            rows[2][i] = constant + (2 * linear + square) / 3;
+            rows[3][i] = ((cubic + square) + linear) + constant;
+        }
+        return {weighted_sum(rows[0], control), weighted_sum(rows[1], control), weighted_sum(rows[2], control),
+                weighted_sum(rows[3], control)};
+    }
+
+    /// How many segments so many control points make; 0 if they do not come out even. A closed spline goes on from the
+    /// last point to the first.
+    std::size_t segments_of(std::size_t points, bool is_closed) const {
+        const auto advance = static_cast<std::size_t>(step);
+        if (is_closed)
+            return points % advance == 0 ? points / advance : 0;
+        return points >= 4 && (points - 4) % advance == 0 ? (points - 4) / advance + 1 : 0;
+    }
+
+    /// Which numbers of control points come out even: "4, 7, 10 ...".
+    std::string fitting_counts(bool is_closed) const {
+        const VtLong first = is_closed ? step : 4;
+        return joined({std::to_string(first), ", ", std::to_string(first + step), ", ",
+                       std::to_string(first + 2 * step), " ..."});
+    }
+};
+
+/// The step that goes with a basis: the module's own for its four families, else 3.
+inline VtLong natural_step(const VtMatrix4 &basis) {
+    const auto is_basis = [&](const VtMatrix4 &known) {
+        for (int r = 0; r < 4; ++r)
+            for (int c = 0; c < 4; ++c)
+                if (!(std::fabs(basis[r][c] - known[r][c]) <= 1e-12))
+                    return false;
+        return true;
+    };
+    if (is_basis(VtBSplineBasis()) || is_basis(VtCatmullRomBasis()))
+        return 1;
+    return is_basis(VtHermiteBasis()) ? 2 : 3;
+}
+
+/// The parameters "basis", a matrix4, and "step", an integer, under the names that the type has for them. Left out, the
+/// basis is that of the fallback, and the step the basis's natural one. An unusable basis is reported, and counts as
+/// left out.
+inline Spline make_spline(const Parameters &parameters, std::string_view basis, std::string_view step,
+                          const VtMatrix4 &fallback, const CallReport &report) {
+    Spline spline{fallback, 3};
+    if (parameters.is_given(basis)) {
+        const VtMatrix4 &given = parameters.matrix4(basis);
+        bool is_usable = true;
+        for (int r = 0; r < 4; ++r)
+            for (int c = 0; c < 4; ++c)
+                is_usable &= std::fabs(given[r][c]) <= 1e9;
+        if (is_usable)
+            spline.basis = given;
+        else
+            parameters.complain(basis, "has unusable elements (finite numbers up to 1e9 are wanted); it is left out",
+                                report);
+    }
+    spline.step = parameters.is_given(step) ? parameters.integer(step) : natural_step(spline.basis);
+    return spline;
+}
+
+} // namespace vantor
