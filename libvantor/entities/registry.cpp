@@ -45,7 +45,8 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
     switch (kind) {
     case EntityKind::Camera:
         if (is_in_reach(parameters, call))
-            current_camera.emplace(parameters, current_transform(), call);
+            if (std::optional<Camera> camera = make_camera(*type, parameters, current_transform(), call))
+                current_camera = std::move(camera);
         break;
     case EntityKind::Imager:
         if (std::optional<Imager> imager = make_imager(parameters, call))

@@ -72,9 +72,10 @@ std::vector<Imager> writable_imagers(const Registry &registry, const CallReport 
     return imagers;
 }
 
-// The first numbers of a sample go to the film; its path has the rest.
+// The first numbers of a sample go to the film and the lens; its path has the rest.
 constexpr std::uint32_t film_dimension = 0;
-constexpr std::uint32_t path_dimension = 1;
+constexpr std::uint32_t lens_dimension = 1;
+constexpr std::uint32_t path_dimension = 2;
 
 // Paths are traced in waves: some samples of all pixels of a block. The blocks are those of the whole picture, and a
 // window renders every block that it touches in full. So a path has the same company in every window, and no rounding
@@ -93,6 +94,7 @@ void render_block(const PixelArea &block, const World &world, int samples, const
     std::array<PixelFilm, std::size_t{block_side} * block_side> film;
     std::vector<Path> wave;
     wave.reserve(film.size() * wave_samples);
+    const bool has_lens = world.camera.has_lens();
 
     for (int first = 0; first < samples && !interrupt.requested(); first += wave_samples) {
         const int end = std::min(first + wave_samples, samples);
@@ -103,7 +105,8 @@ void render_block(const PixelArea &block, const World &world, int samples, const
                     const Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
                                           static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(samples));
                     const Pair place = PixelFilm::position(x, y, sampler.pair(film_dimension));
-                    const Ray ray = world.camera.ray(place.u, place.v, picture.full_width, picture.full_height);
+                    const Pair lens = has_lens ? sampler.pair(lens_dimension) : Pair();
+                    const Ray ray = world.camera.ray(place.u, place.v, picture.full_width, picture.full_height, lens);
                     wave.push_back({ray, sampler});
                 }
         trace_paths(wave, world, path_dimension);

@@ -45,7 +45,8 @@ TEST(Diagnostics, Types) {
     EXPECT_EQ(light_errors("candle"),
               "vantor: newLight \"candle\": unknown type (known: \"area\", \"distant\", \"point\")\n");
     EXPECT_EQ(light_errors(nullptr), "vantor: newLight: no type given (known: \"area\", \"distant\", \"point\")\n");
-    EXPECT_EQ(camera_errors(""), "vantor: newCamera \"\": unknown type (known: \"perspective\")\n");
+    EXPECT_EQ(camera_errors(""),
+              "vantor: newCamera \"\": unknown type (known: \"orthographic\", \"panorama\", \"perspective\")\n");
 
     Scene scene;
     List list;
@@ -64,7 +65,7 @@ TEST(Diagnostics, ParameterNames) {
               "vantor: newCamera \"perspective\": item 2: unknown parameter \"fo\" (did you mean \"fov\"?)\n");
     EXPECT_EQ(camera_errors("perspective", "lens", 45.0, "fov", 30),
               "vantor: newCamera \"perspective\": item 0: unknown parameter \"lens\" (known: \"position\", \"target\", "
-              "\"up\", \"fov\")\n");
+              "\"up\", \"fov\", \"fov_axis\", \"aperture_radius\", \"focus_distance\")\n");
     EXPECT_EQ(camera_errors("perspective", 5, "fov", 30, zero),
               "vantor: newCamera \"perspective\": item 0: an integer where a parameter name should be\n"
               "vantor: newCamera \"perspective\": item 3: a vector3 where a parameter name should be\n");
@@ -102,11 +103,13 @@ TEST(Diagnostics, ParameterValues) {
 }
 
 TEST(Diagnostics, TextsOfScriptsStayOnOneLine) {
-    EXPECT_EQ(camera_errors("a\nb\x1b"), "vantor: newCamera \"a?b?\": unknown type (known: \"perspective\")\n");
+    EXPECT_EQ(camera_errors("a\nb\x1b"),
+              "vantor: newCamera \"a?b?\": unknown type (known: \"orthographic\", \"panorama\", \"perspective\")\n");
     const std::string name(1000, 'x');
     EXPECT_EQ(camera_errors("perspective", name.c_str(), 1),
               "vantor: newCamera \"perspective\": item 0: unknown parameter \"" + std::string(60, 'x') +
-                  "...\" (known: \"position\", \"target\", \"up\", \"fov\")\n");
+                  "...\" (known: \"position\", \"target\", \"up\", \"fov\", \"fov_axis\", \"aperture_radius\", "
+                  "\"focus_distance\")\n");
     // Not cut inside a character.
     std::string euros;
     for (int i = 0; i < 40; ++i)
@@ -114,7 +117,7 @@ TEST(Diagnostics, TextsOfScriptsStayOnOneLine) {
     EXPECT_EQ(camera_errors(("a" + euros).c_str()).find("\xe2\x82..."), std::string::npos);
     // Bytes that no character begins with.
     EXPECT_EQ(camera_errors(std::string(61, '\x80').c_str()),
-              "vantor: newCamera \"...\": unknown type (known: \"perspective\")\n");
+              "vantor: newCamera \"...\": unknown type (known: \"orthographic\", \"panorama\", \"perspective\")\n");
 }
 
 TEST(Diagnostics, Cameras) {
@@ -128,6 +131,25 @@ TEST(Diagnostics, Cameras) {
     EXPECT_EQ(camera_errors("perspective", "target", VtVector3(0, 1, 0)),
               "vantor: newCamera \"perspective\": the line of sight is along the default \"up\" (0, 1, 0) (another "
               "direction is up)\n");
+    EXPECT_EQ(camera_errors("perspective", "fov_axis", "hor"),
+              "vantor: newCamera \"perspective\": item 1: parameter \"fov_axis\" is \"hor\", which is no known word "
+              "(did you mean \"horizontal\"?)\n");
+    VtTransform large;
+    large.Scaling({1e6, 1e6, 1e6});
+    Scene scene;
+    scene.TransformBegin(large);
+    EXPECT_EQ(
+        errors_of([&] {
+            List list("aperture_radius", 1e4);
+            scene.NewCamera("perspective", list);
+        }),
+        "vantor: newCamera \"perspective\": the lens reaches beyond 1e+09 in the world; the camera is left out\n");
+    EXPECT_EQ(
+        errors_of([&] {
+            List list("height", 1e4);
+            scene.NewCamera("orthographic", list);
+        }),
+        "vantor: newCamera \"orthographic\": the picture reaches beyond 1e+09 in the world; the camera is left out\n");
 }
 
 TEST(Diagnostics, Meshes) {

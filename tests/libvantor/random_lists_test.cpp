@@ -26,16 +26,44 @@ class Dice {
     VtVector3 vector() { return {number(), number(), number()}; }
 
     const char *text() {
-        static const char *const texts[] = {
-            "position",  "target",    "up",        "fov",        "name",      "exposure", "reflectance",
-            "interface", "radiance",  "direction", "irradiance", "intensity", "min",      "max",
-            "points",    "triangles", "normals",   "uvs",        "origin",    "edge_u",   "edge_v",
-            "corners",   "center",    "radius",    "",           "fo",        "\xff\xfe"};
+        static const char *const texts[] = {"position",
+                                            "target",
+                                            "up",
+                                            "fov",
+                                            "name",
+                                            "exposure",
+                                            "reflectance",
+                                            "interface",
+                                            "radiance",
+                                            "direction",
+                                            "irradiance",
+                                            "intensity",
+                                            "min",
+                                            "max",
+                                            "points",
+                                            "triangles",
+                                            "normals",
+                                            "uvs",
+                                            "origin",
+                                            "edge_u",
+                                            "edge_v",
+                                            "corners",
+                                            "center",
+                                            "radius",
+                                            "",
+                                            "fo",
+                                            "\xff\xfe",
+                                            "height",
+                                            "fov_axis",
+                                            "smaller",
+                                            "aperture_radius",
+                                            "focus_distance"};
         return texts[below(std::size(texts))];
     }
     const char *type() {
-        static const char *const types[] = {"perspective", "file", "diffuse", "surface", "area",   "distant",
-                                            "point",       "box",  "mesh",    "quad",    "sphere", "unknown"};
+        static const char *const types[] = {"perspective", "orthographic", "panorama", "file",   "diffuse",
+                                            "surface",     "area",         "distant",  "point",  "box",
+                                            "mesh",        "quad",         "sphere",   "unknown"};
         const int i = below(std::size(types) + 1);
         return i == std::size(types) ? nullptr : types[i];
     }
