@@ -8,6 +8,9 @@ namespace vantor {
 
 struct Material {
     Scattering scattering;
+
+    /// Whether light may pass straight through.
+    bool is_see_through() const { return false; }
 };
 
 /// Of the type that the script named, an interface, or a material that is one at the same time.

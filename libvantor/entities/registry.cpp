@@ -75,6 +75,12 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
         }
         break;
     case EntityKind::Interior:
+        if (interiors.size() < most_interiors)
+            entry.index = appended(interiors, make_medium(parameters, call));
+        else
+            call.diagnostic(
+                joined({"there are ", std::to_string(most_interiors), " interiors already, which is the most"}));
+        break;
     case EntityKind::Pattern:
     case EntityKind::Texture:
     case EntityKind::Trimmer:
@@ -165,6 +171,7 @@ void Registry::add_object(VtLong id) {
     const int material = material_blocks.empty() ? -1 : material_blocks.back();
     placed.push_back({&object, world_from_object,
                       material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)],
+                      interior_blocks.empty() ? -1 : interior_blocks.back(),
                       light_blocks.empty() ? -1 : light_blocks.back()});
 }
 

@@ -3,6 +3,7 @@
 
 #include "libvantor/entities/camera.h"
 #include "libvantor/entities/imager.h"
+#include "libvantor/entities/interior.h"
 #include "libvantor/entities/light.h"
 #include "libvantor/entities/material.h"
 #include "libvantor/entities/object.h"
@@ -18,7 +19,8 @@ struct Placement {
     const Object *object;
     VtTransform world_from_object; ///< Usable.
     const Material *material;
-    int light; ///< The area light that shines from it, an index of lights(); -1 for none.
+    int interior; ///< The medium inside, an index of media(); -1 for none.
+    int light;    ///< The area light that shines from it, an index of lights(); -1 for none.
 };
 
 /// The one writer of descriptions. Every mistake is reported and leaves the registry usable. Nothing here knows how a
@@ -57,6 +59,7 @@ class Registry {
     const Camera *camera() const { return current_camera ? &*current_camera : nullptr; }
     const std::vector<Light> &lights() const { return all_lights; }
     const std::vector<Placement> &placements() const { return placed; }
+    const std::vector<Medium> &media() const { return interiors; }
 
     /// The imagers that write: those whose blocks are open, outermost first; without an open block, the one that was
     /// made last.
@@ -93,6 +96,7 @@ class Registry {
     std::optional<Camera> current_camera;
     std::vector<Imager> imagers;
     std::vector<Scattering> interfaces;
+    std::vector<Medium> interiors;
     std::vector<Light> all_lights;
     // Placements point to these; a deque moves none of its elements.
     std::deque<Material> materials;

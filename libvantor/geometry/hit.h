@@ -16,7 +16,8 @@ struct Segment {
 };
 
 struct Hit {
-    bool exists; ///< Whether the ray meets anything; the rest is meaningless otherwise.
+    bool exists;    ///< Whether the ray meets anything; the rest is meaningless otherwise.
+    float distance; ///< From the ray's origin.
     Vec3 point;
     Vec3 geometric_normal; ///< Unit length, on the front side of the surface.
     Vec3 shading_normal;   ///< Unit length, on the same side; interpolated where a mesh has normals.

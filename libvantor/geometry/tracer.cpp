@@ -83,6 +83,7 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     if (!hit.exists)
         return hit;
     const float distance = packet.ray.tfar[lane];
+    hit.distance = distance;
     const unsigned instance = packet.hit.instID[0][lane];
     hit.placement = instance != RTC_INVALID_GEOMETRY_ID ? instance : packet.hit.geomID[lane];
     hit.point = ray.origin + ray.direction * distance;

@@ -2,14 +2,24 @@
 // Monte Carlo Methods for Light Transport Simulation", 1997, chapters 8 to 10.
 #include "libvantor/passes/path.h"
 
+#include "libvantor/passes/shadow.h"
 #include "libvantor/world/surface.h"
 
 namespace vantor {
 
 namespace {
 
-// What the numbers of a bounce are for.
-enum Dimension : std::uint32_t { light_point, light_choice, next_direction, survival, lobe, dimensions_per_bounce };
+// What the numbers of a step are for.
+enum Dimension : std::uint32_t {
+    light_point,
+    light_choice,
+    next_direction,
+    survival,
+    lobe,
+    passage,
+    flight_distance,
+    dimensions_per_step
+};
 
 // Roulette from this bounce on. Earlier it costs more in noise than it saves in time, later the other way round.
 constexpr int first_roulette = 3;
@@ -29,10 +39,19 @@ bool is_traceable(Vec3 from, Vec3 direction) {
     return std::isfinite(sum.x + sum.y + sum.z);
 }
 
-// Light that has been sampled. It arrives if nothing is in its way.
-struct DirectLight {
-    Path *path;
-    Color radiance;
+// Light that has been sampled for paths, and the ways that it has to come.
+struct SampledLight {
+    struct Gain {
+        Path *path;
+        Color radiance; // if all of it arrives
+    };
+    std::vector<Gain> gains;
+    LightWays ways;
+
+    void clear() {
+        gains.clear();
+        ways.clear();
+    }
 };
 
 // Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, unless the ray
@@ -48,95 +67,149 @@ void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const
     path.radiance += path.throughput * world.lights.radiance(emitter) * share;
 }
 
-// Direct light, from a sampled point of a sampled light: value * cosine * radiance / density. False if none arrives.
-bool sample_direct_light(Path &path, const Hit &hit, const Surface &surface, std::uint32_t dimension,
-                         const World &world, DirectLight &result, Segment &way) {
-    if (surface.is_specular())
-        return false;
+// A sampled point of a sampled light, as seen from a point of the path; false if none can arrive.
+bool sample_light(const Path &path, Vec3 reference, std::uint32_t dimension, const World &world, LightSample &light) {
     const double choice = world.lights.has_choice() ? path.sampler.single(dimension + light_choice) : 0.0;
-    LightSample light;
-    if (!world.lights.sample(hit.point, choice, path.sampler.pair(dimension + light_point), light))
-        return false;
-    const Scattered scattered = surface.evaluate(light.to_light);
-    if (is_black(scattered.value))
-        return false;
-
-    const float share = light.has_extent ? weight(light.density, scattered.density) : 1.0f;
-    result.path = &path;
-    result.radiance = path.throughput * scattered.value * light.contribution * share;
-    const Vec3 from = hit.origin_towards(light.to_light);
-    way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
-    return is_traceable(way.from, way.direction);
+    return world.lights.sample(reference, choice, path.sampler.pair(dimension + light_point), light);
 }
 
-// The next ray; its throughput is value * cosine / density. False if the path ends.
-bool sample_next_ray(Path &path, const Hit &hit, const Surface &surface, std::uint32_t dimension, int bounce) {
-    ScatteringSample scattering;
-    if (!surface.sample(path.sampler.pair(dimension + next_direction), path.sampler.unstratified(dimension + lobe),
-                        scattering))
-        return false;
-    path.throughput *= scattering.weight;
+// Notes what a sampled light brings if it arrives at `from`: value * cosine * radiance / density.
+void add_direct_light(Path &path, Vec3 from, const MediumStack &media, const LightSample &light,
+                      const Scattered &scattered, SampledLight &direct) {
+    if (is_black(scattered.value))
+        return;
+    const Segment way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
+    if (!is_traceable(way.from, way.direction))
+        return;
+    const float share = light.has_extent ? weight(light.density, scattered.density) : 1.0f;
+    direct.gains.push_back({&path, path.throughput * scattered.value * light.contribution * share});
+    direct.ways.segments.push_back(way);
+    direct.ways.media.push_back(media);
+}
 
-    // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk,
-    // "Particle Transport and Image Synthesis", 1990).
+// Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle
+// Transport and Image Synthesis", 1990).
+bool survives_roulette(Path &path, std::uint32_t dimension) {
     const float survives = std::min(largest_component(path.throughput), 0.95f);
     if (!(survives > 0))
         return false;
-    if (bounce >= first_roulette) {
+    if (path.scatterings++ >= first_roulette) {
         if (path.sampler.unstratified(dimension + survival) >= survives)
             return false;
         path.throughput = path.throughput * (1 / survives);
     }
+    return true;
+}
 
+bool leave(Path &path, Vec3 origin, Vec3 direction) {
+    path.ray = {origin, direction};
+    return is_traceable(origin, direction);
+}
+
+// A path at a surface, and at a point of a medium: looks for light there, and tells whether the path goes on.
+
+bool meet_surface(Path &path, const Hit &hit, std::uint32_t dimension, const World &world, SampledLight &direct) {
+    const Placement &placement = world.placements[hit.placement];
+    const Surface surface(hit, path.ray.direction, world);
+    add_emitted_light(path, hit, surface, world);
+
+    const float opacity = surface.opacity();
+    if (opacity < 1 && path.sampler.unstratified(dimension + passage) >= opacity) {
+        cross_surface(path.media, placement, hit, path.ray.direction);
+        return leave(path, hit.origin_towards(path.ray.direction), path.ray.direction);
+    }
+
+    LightSample light;
+    if (!surface.is_specular() && sample_light(path, hit.point, dimension, world, light)) {
+        MediumStack media = path.media;
+        if (surface.is_crossed(light.to_light))
+            cross_surface(media, placement, hit, light.to_light);
+        add_direct_light(path, hit.origin_towards(light.to_light), media, light, surface.evaluate(light.to_light),
+                         direct);
+    }
+
+    ScatteringSample next;
+    if (!surface.sample(path.sampler.pair(dimension + next_direction), path.sampler.unstratified(dimension + lobe),
+                        next))
+        return false;
+    path.throughput *= next.weight;
+    if (!survives_roulette(path, dimension))
+        return false;
+    if (surface.is_crossed(next.in))
+        cross_surface(path.media, placement, hit, next.in);
     path.vertex = hit.point;
-    path.direction_density = scattering.density;
-    path.finds_lights = scattering.is_specular;
-    path.ray = {hit.origin_towards(scattering.in), scattering.in};
-    return is_traceable(path.ray.origin, path.ray.direction);
+    path.direction_density = next.density;
+    path.finds_lights = next.is_specular;
+    return leave(path, hit.origin_towards(next.in), next.in);
+}
+
+bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, std::uint32_t dimension, const World &world,
+                       SampledLight &direct) {
+    const Vec3 before = path.ray.direction;
+    LightSample light;
+    if (sample_light(path, point, dimension, world, light)) {
+        const float phase = medium.phase(dot(before, light.to_light));
+        add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, direct);
+    }
+
+    const Vec3 direction = medium.sample_direction(before, path.sampler.pair(dimension + next_direction));
+    if (!survives_roulette(path, dimension))
+        return false;
+    path.vertex = point;
+    path.direction_density = medium.phase(dot(before, direction));
+    path.finds_lights = false;
+    return leave(path, point, direction);
+}
+
+// One step of a path, whose ray hits something or nothing.
+bool advance(Path &path, const Hit &hit, std::uint32_t dimension, const World &world, SampledLight &direct) {
+    if (path.media.innermost() != MediumStack::none) {
+        const Medium &medium = world.media_of(path.media);
+        const Medium::Flight flight =
+            medium.fly(hit.exists ? hit.distance : INFINITY, path.sampler.pair(dimension + flight_distance));
+        path.throughput *= flight.weight;
+        if (flight.is_scattered)
+            return scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, dimension,
+                                     world, direct);
+    }
+    return hit.exists && meet_surface(path, hit, dimension, world, direct);
 }
 
 } // namespace
 
 void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension) {
+    // Surfaces that are passed straight through are no bounces, but steps; more than this are one too many.
+    constexpr int most_steps = 10000;
+
     std::vector<Path *> growing;
     growing.reserve(paths.size());
     for (Path &path : paths)
         growing.push_back(&path);
     std::vector<Ray> rays(paths.size());
     std::vector<Hit> hits(paths.size());
-    std::vector<DirectLight> lights(paths.size());
-    std::vector<Segment> ways(paths.size());
-    std::vector<char> are_blocked(paths.size());
+    SampledLight direct;
+    std::vector<Color> arriving;
 
     std::uint32_t dimension = first_dimension;
-    for (int bounce = 0; !growing.empty(); ++bounce, dimension += dimensions_per_bounce) {
+    for (int step = 0; !growing.empty() && step < most_steps; ++step, dimension += dimensions_per_step) {
         // Where the paths arrive.
         const std::size_t path_count = growing.size();
         for (std::size_t i = 0; i < path_count; ++i)
             rays[i] = growing[i]->ray;
-        world.tracer.nearest(std::span(rays).first(path_count), bounce == 0, hits);
+        world.tracer.nearest(std::span(rays).first(path_count), step == 0, hits);
 
         // What they find there, and where they go on.
-        std::size_t light_count = 0;
+        direct.clear();
         std::size_t still_growing = 0;
-        for (std::size_t i = 0; i < path_count; ++i) {
-            if (!hits[i].exists)
-                continue;
-            Path &path = *growing[i];
-            const Surface surface(hits[i], path.ray.direction, world);
-            add_emitted_light(path, hits[i], surface, world);
-            if (sample_direct_light(path, hits[i], surface, dimension, world, lights[light_count], ways[light_count]))
-                ++light_count;
-            if (sample_next_ray(path, hits[i], surface, dimension, bounce))
-                growing[still_growing++] = &path;
-        }
+        for (std::size_t i = 0; i < path_count; ++i)
+            if (advance(*growing[i], hits[i], dimension, world, direct))
+                growing[still_growing++] = growing[i];
         growing.resize(still_growing);
 
-        // Which of the sampled light arrives.
-        world.tracer.blocked(std::span(ways).first(light_count), are_blocked);
-        for (std::size_t i = 0; i < light_count; ++i)
-            if (!are_blocked[i])
-                lights[i].path->radiance += lights[i].radiance;
+        // How much of the sampled light arrives.
+        transmit(direct.ways, world, arriving);
+        for (std::size_t i = 0; i < direct.gains.size(); ++i)
+            direct.gains[i].path->radiance += direct.gains[i].radiance * arriving[i];
     }
 }
 

@@ -9,11 +9,13 @@ namespace vantor {
 struct Path {
     Ray ray;               ///< From its latest vertex; at first from the camera.
     const Sampler sampler; ///< Every random number of the path.
+    MediumStack media;     ///< Those that the ray starts in.
     Color radiance{};      ///< What has been found so far of the radiance that arrives at the camera.
 
     Color throughput{1, 1, 1};   ///< The product of value * cosine / density over its vertices.
     Vec3 vertex{};               ///< The surface point that the ray left.
     float direction_density = 0; ///< Per solid angle, with which the ray's direction was drawn there.
+    int scatterings = 0;         ///< How often its direction has changed.
     bool finds_lights = true;    ///< Only the ray could find a light: it left the camera, or a specular surface.
 };
 

@@ -107,7 +107,7 @@ void render_block(const PixelArea &block, const World &world, int samples, const
                     const Pair place = PixelFilm::position(x, y, sampler.pair(film_dimension));
                     const Pair lens = has_lens ? sampler.pair(lens_dimension) : Pair();
                     const Ray ray = world.camera.ray(place.u, place.v, picture.full_width, picture.full_height, lens);
-                    wave.push_back({ray, sampler});
+                    wave.push_back({ray, sampler, world.camera_media});
                 }
         trace_paths(wave, world, path_dimension);
         for (std::size_t i = 0; i < wave.size(); ++i)

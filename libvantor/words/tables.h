@@ -8,6 +8,7 @@ namespace vantor::words {
 std::span<const Type> camera_types();
 std::span<const Type> imager_types();
 std::span<const Type> interface_types();
+std::span<const Type> interior_types();
 std::span<const Type> light_types();
 std::span<const Type> material_types();
 std::span<const Type> object_types();

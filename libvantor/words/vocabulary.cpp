@@ -13,7 +13,7 @@ std::span<const EntityWords> all_words() {
         {EntityKind::Camera, "newCamera", "a camera", "cameras", words::camera_types()},
         {EntityKind::Imager, "newImager", "an imager", "imagers", words::imager_types()},
         {EntityKind::Interface, "newInterface", "an interface", "interfaces", words::interface_types()},
-        {EntityKind::Interior, "newInterior", "an interior", "interiors", {}},
+        {EntityKind::Interior, "newInterior", "an interior", "interiors", words::interior_types()},
         {EntityKind::Light, "newLight", "a light", "lights", words::light_types()},
         {EntityKind::Material, "newMaterial", "a material", "materials", words::material_types()},
         {EntityKind::Object, "newObject", "an object", "objects", words::object_types()},

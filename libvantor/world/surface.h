@@ -16,6 +16,7 @@ class Surface {
 
     bool arrives_at_front() const { return is_front; }
     bool is_specular() const { return vantor::is_specular(scattering); }
+    float opacity() const { return 1; }
     Color albedo() const { return vantor::albedo(scattering); }
 
     /// How much of the light from that direction goes back along the path, with the cosine of its direction.
@@ -27,6 +28,9 @@ class Surface {
         found.value = found.value * std::fabs(in.z);
         return found;
     }
+
+    /// Whether a way on in that direction leaves the surface on the other side than the path arrives.
+    bool is_crossed(Vec3 direction) const { return (dot(geometric_normal, direction) > 0) != is_front; }
 
     /// A direction to go on, in world space; false if there is none.
     bool sample(Pair numbers, float choice, ScatteringSample &result) const {

@@ -10,7 +10,14 @@ std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt
         return {};
 
     LightSet lights(registry.lights(), placements, tracer->radius());
-    return World{*registry.camera(), std::move(*tracer), std::move(lights), placements};
+    const bool has_media = std::ranges::any_of(placements, [](const Placement &p) { return p.interior >= 0; });
+    const bool is_opaque =
+        std::ranges::none_of(placements, [](const Placement &p) { return p.material->is_see_through(); });
+    // The stack of a camera without media around is empty, which saves the search.
+    const Camera &camera = *registry.camera();
+    const MediumStack camera_media = has_media ? media_at(camera.place(), *tracer, placements) : MediumStack();
+    return World{camera,           std::move(*tracer), std::move(lights),      placements,
+                 registry.media(), camera_media,       is_opaque && !has_media};
 }
 
 } // namespace vantor

@@ -4,6 +4,7 @@
 #include "libvantor/base/interrupt.h"
 #include "libvantor/geometry/tracer.h"
 #include "libvantor/world/light_set.h"
+#include "libvantor/world/media.h"
 
 namespace vantor {
 
@@ -14,6 +15,14 @@ struct World {
     Tracer tracer;
     LightSet lights;
     std::span<const Placement> placements;
+    std::span<const Medium> media; ///< What MediumStack has indexes of.
+    MediumStack camera_media;      ///< Those that the camera stands in.
+    bool is_clear;                 ///< No media, and no surface that light passes straight through.
+
+    /// The medium that counts where there is one.
+    const Medium &media_of(const MediumStack &stack) const {
+        return media[static_cast<std::size_t>(stack.innermost())];
+    }
 };
 
 /// The registry has a camera. Nothing if it was interrupted.

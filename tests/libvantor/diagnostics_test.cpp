@@ -57,7 +57,7 @@ TEST(Diagnostics, Types) {
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTrimmer("curve", list), 3); }),
               "vantor: newTrimmer \"curve\": unknown type (trimmers have no types yet)\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewInterior(nullptr, list), 4); }),
-              "vantor: newInterior: unknown type (interiors have no types yet)\n");
+              "vantor: newInterior: no type given (known: \"homogeneous\")\n");
 }
 
 TEST(Diagnostics, ParameterNames) {
