@@ -1,10 +1,24 @@
 // Progress: a line on the error stream that tells how far a pass is, when that stream is a terminal.
 #include "libvantor/base/progress.h"
 
+#include "libvantor/base/report.h"
+
+#include <cmath>
 #include <cstdio>
 #include <unistd.h>
 
 namespace vantor {
+
+std::string time_text(double seconds) {
+    const auto whole = static_cast<long>(std::lround(seconds));
+    if (whole < 60)
+        return std::to_string(whole) + " s";
+    // Two units: a guess is no better than that.
+    const long minutes = whole / 60;
+    if (minutes < 60)
+        return joined({std::to_string(minutes), " min ", std::to_string(whole % 60), " s"});
+    return joined({std::to_string(minutes / 60), " h ", std::to_string(minutes % 60), " min"});
+}
 
 Progress::Progress(long steps) : total(steps), is_shown(isatty(STDERR_FILENO) == 1) {}
 
@@ -32,7 +46,7 @@ void Progress::done_one() {
     const double fraction = static_cast<double>(now_done) / static_cast<double>(total);
     const double seconds = std::chrono::duration<double>(now - start).count();
     const double left = seconds * (1 - fraction) / fraction;
-    std::fprintf(stderr, "\rvantor: render: %3.0f %%, %.0f s left\x1b[K", 100 * fraction, left);
+    std::fprintf(stderr, "\rvantor: render: %3.0f %%, %s left\x1b[K", 100 * fraction, time_text(left).c_str());
 }
 
 } // namespace vantor

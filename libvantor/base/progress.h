@@ -4,8 +4,12 @@
 #include <atomic>
 #include <chrono>
 #include <mutex>
+#include <string>
 
 namespace vantor {
+
+/// "12 s", "3 min 20 s" or "2 h 5 min"; of 0 seconds or more.
+std::string time_text(double seconds);
 
 /// The line is wiped when the object goes. Any thread may call done_one().
 class Progress {

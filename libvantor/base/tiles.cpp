@@ -8,7 +8,7 @@
 
 namespace vantor {
 
-bool for_each_tile(const PixelArea &area, const Interrupt &interrupt,
+void for_each_tile(const PixelArea &area, const Interrupt &interrupt,
                    const std::function<void(const PixelArea &)> &work) {
     // Small enough to share the work evenly among many cores, large enough that handing it out costs nothing.
     constexpr int side = 16;
@@ -27,7 +27,6 @@ bool for_each_tile(const PixelArea &area, const Interrupt &interrupt,
             }
         },
         tbb::simple_partitioner());
-    return !interrupt.requested();
 }
 
 } // namespace vantor

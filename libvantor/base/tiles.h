@@ -22,8 +22,8 @@ struct PixelArea {
 };
 
 /// Calls work for every tile of the area, on as many threads as there are; each tile once, in no particular order.
-/// Stops early, and returns false, once an interrupt is requested.
-bool for_each_tile(const PixelArea &area, const Interrupt &interrupt,
+/// Begins no further tile once an interrupt is requested.
+void for_each_tile(const PixelArea &area, const Interrupt &interrupt,
                    const std::function<void(const PixelArea &)> &work);
 
 } // namespace vantor

@@ -1,6 +1,7 @@
 // Imager: where a picture goes.
 #pragma once
 
+#include "libvantor/pictures/display.h"
 #include "libvantor/words/reader.h"
 
 #include <optional>
@@ -9,8 +10,9 @@
 namespace vantor {
 
 struct Imager {
-    std::string path; ///< Ends in .png or .exr.
+    std::string path; ///< Its ending is that of a known format.
     float scale;      ///< What the picture is multiplied by.
+    Display display;  ///< How 8 bits are made of it.
 };
 
 /// Nothing, after a diagnostic, if the path names no format.

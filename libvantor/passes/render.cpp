@@ -5,6 +5,8 @@
 #include "libvantor/passes/path.h"
 #include "libvantor/pictures/files.h"
 
+#include <atomic>
+
 namespace vantor {
 
 namespace {
@@ -58,13 +60,13 @@ PixelArea window_of(const RenderRequest &request, const CallReport &call) {
 }
 
 // The imagers whose files can be written; each of the others is reported.
-std::vector<Imager> writable_imagers(const Registry &registry, const CallReport &call) {
+std::vector<Imager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call) {
     std::vector<Imager> imagers = registry.writing_imagers();
     if (imagers.empty())
         call.diagnostic("there is no usable imager, so nothing would be written (newImager makes one); nothing is "
                         "rendered");
     std::erase_if(imagers, [&](const Imager &imager) {
-        const std::string why = why_unwritable(imager.path);
+        const std::string why = why_unwritable(imager.path, window.width(), window.height());
         if (!why.empty())
             call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
         return !why.empty();
@@ -89,14 +91,25 @@ PixelArea whole_blocks(const PixelArea &window, int width, int height) {
     return {down(window.x0), down(window.y0), std::min(up(window.x1), width), std::min(up(window.y1), height)};
 }
 
-void render_block(const PixelArea &block, const World &world, int samples, const Interrupt &interrupt,
-                  Picture &picture) {
+// What a pass has made of a picture. Pixels that are not finished are black.
+struct Result {
+    Picture picture;
+    long finished = 0; ///< Pixels.
+
+    long pixels() const { return static_cast<long>(picture.pixels.size()); }
+};
+
+// Returns how many pixels of the picture are finished: none if it was interrupted.
+int render_block(const PixelArea &block, const World &world, int samples, const Interrupt &interrupt,
+                 Picture &picture) {
     std::array<PixelFilm, std::size_t{block_side} * block_side> film;
     std::vector<Path> wave;
     wave.reserve(film.size() * wave_samples);
     const bool has_lens = world.camera.has_lens();
 
-    for (int first = 0; first < samples && !interrupt.requested(); first += wave_samples) {
+    for (int first = 0; first < samples; first += wave_samples) {
+        if (interrupt.requested())
+            return 0;
         const int end = std::min(first + wave_samples, samples);
         wave.clear();
         for (int y = block.y0; y < block.y1; ++y)
@@ -114,35 +127,70 @@ void render_block(const PixelArea &block, const World &world, int samples, const
             film[i / static_cast<std::size_t>(end - first)].add(wave[i].radiance);
     }
 
+    int finished = 0;
     std::size_t pixel = 0;
     for (int y = block.y0; y < block.y1; ++y)
         for (int x = block.x0; x < block.x1; ++x, ++pixel)
-            if (picture.window.contains(x, y))
+            if (picture.window.contains(x, y)) {
                 picture.at(x, y) = film[pixel].mean();
+                ++finished;
+            }
+    return finished;
 }
 
-// False if it was interrupted.
-bool render_pixels(const World &world, int samples, const Interrupt &interrupt, Picture &picture) {
+void render_pixels(const World &world, int samples, const Interrupt &interrupt, Result &result) {
+    std::atomic<long> finished = 0;
+    Picture &picture = result.picture;
     const auto render_tile = [&](const PixelArea &tile) {
         for (int y = tile.y0; y < tile.y1; y += block_side)
             for (int x = tile.x0; x < tile.x1; x += block_side)
-                render_block({x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)}, world,
-                             samples, interrupt, picture);
+                finished += render_block({x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)},
+                                         world, samples, interrupt, picture);
     };
-    return for_each_tile(whole_blocks(picture.window, picture.full_width, picture.full_height), interrupt, render_tile);
+    for_each_tile(whole_blocks(picture.window, picture.full_width, picture.full_height), interrupt, render_tile);
+    result.finished = finished;
 }
 
-// Nothing if it was interrupted. The old handler is back before files are written: from there on Ctrl-C is the
-// interpreter's business.
-std::optional<Picture> render_picture(const RenderRequest &request, const PixelArea &window, const Registry &registry) {
-    const Interrupt interrupt;
+// Nothing if nothing is finished.
+std::optional<Result> render_picture(const RenderRequest &request, const PixelArea &window, const Registry &registry,
+                                     const Interrupt &interrupt) {
     const std::optional<World> world = freeze(registry, interrupt);
     if (!world)
         return {};
-    Picture picture(request.width, request.height, window);
-    if (!render_pixels(*world, request.samples, interrupt, picture))
+    Result result{Picture(request.width, request.height, window)};
+    render_pixels(*world, request.samples, interrupt, result);
+    if (result.finished == 0)
         return {};
-    return picture;
+    return result;
+}
+
+// How much of a picture is finished, for a reader: "42 % of the pixels", and never 0 or 100 %.
+std::string share_text(const Result &result) {
+    const long percent = 100 * result.finished / result.pixels();
+    return joined({percent == 0 ? "less than 1" : std::to_string(percent), " % of the pixels"});
+}
+
+// What goes into a file besides its pixels.
+std::string comment_of(const RenderRequest &request, const Result &result) {
+    std::string comment = joined({"vantorPM ", VANTOR_VERSION, "; ", std::to_string(request.width), " x ",
+                                  std::to_string(request.height), " pixels; ", std::to_string(request.samples),
+                                  request.samples == 1 ? " sample a pixel" : " samples a pixel"});
+    if (result.finished < result.pixels())
+        comment += joined({"; interrupted: ", share_text(result), " are finished"});
+    return comment;
+}
+
+// Every file; what is not written is reported.
+void write_files(const std::vector<Imager> &imagers, const Result &result, const RenderRequest &request,
+                 const CallReport &call, const Report &report) {
+    const std::string comment = comment_of(request, result);
+    for (const Imager &imager : imagers) {
+        const std::string why = write_picture(result.picture, {imager.scale, imager.display, comment}, imager.path);
+        if (!why.empty())
+            call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
+        else if (result.finished < result.pixels())
+            report.note(joined({"render: interrupted; ", share_text(result), " are in ", quoted(imager.path)}));
+    }
 }
 
 } // namespace
@@ -154,7 +202,7 @@ void render(const RenderRequest &request, const Registry &registry, Report &repo
     const PixelArea window = window_of(request, call);
     if (!registry.camera())
         call.diagnostic("there is no camera (newCamera makes one); nothing is rendered");
-    const std::vector<Imager> imagers = writable_imagers(registry, call);
+    const std::vector<Imager> imagers = writable_imagers(registry, window, call);
     if (report.refuses_pictures()) {
         report.note(joined({"render: no picture is written: ", std::to_string(report.diagnostics()),
                             " diagnostics so far, and VANTOR_DIAGNOSTICS is strict"}));
@@ -163,14 +211,13 @@ void render(const RenderRequest &request, const Registry &registry, Report &repo
     if (window.is_empty() || !registry.camera() || imagers.empty())
         return;
 
-    const std::optional<Picture> picture = render_picture(request, window, registry);
-    if (!picture) {
+    // Until the files are there: where Ctrl-C ends the process, it keeps what is finished all the same.
+    const Interrupt interrupt;
+    const std::optional<Result> result = render_picture(request, window, registry, interrupt);
+    if (result)
+        write_files(imagers, *result, request, call, report);
+    else
         report.note("render: interrupted; no picture is written");
-        return;
-    }
-    for (const Imager &imager : imagers)
-        if (const std::string why = write_picture(*picture, imager.scale, imager.path); !why.empty())
-            call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
 }
 
 } // namespace vantor

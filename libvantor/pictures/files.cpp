@@ -1,21 +1,15 @@
-// Picture files: PNG and OpenEXR. The only room with the image libraries.
+// Picture files: which format a path means, and writing them whole or not at all.
 #include "libvantor/pictures/files.h"
 
 #include "libvantor/base/report.h"
+#include "libvantor/pictures/formats.h"
 
-#include <ImfChannelList.h>
-#include <ImfFrameBuffer.h>
-#include <ImfHeader.h>
-#include <ImfOutputFile.h>
-#include <ImfStdIO.h>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <png.h>
-#include <stdexcept>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -27,14 +21,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum class Format { Unknown, Png, Exr };
+enum class Format { Unknown, Png, Jpeg, Tiff, Exr };
 
 Format format_of(const std::string &path) {
     std::string ending = fs::path(path).extension().string();
     for (char &c : ending)
         if (c >= 'A' && c <= 'Z')
             c = static_cast<char>(c - 'A' + 'a');
-    return ending == ".png" ? Format::Png : ending == ".exr" ? Format::Exr : Format::Unknown;
+    constexpr std::pair<std::string_view, Format> endings[] = {{".png", Format::Png},   {".jpg", Format::Jpeg},
+                                                               {".jpeg", Format::Jpeg}, {".tif", Format::Tiff},
+                                                               {".tiff", Format::Tiff}, {".exr", Format::Exr}};
+    for (const auto &[known, format] : endings)
+        if (ending == known)
+            return format;
+    return Format::Unknown;
 }
 
 [[noreturn]] void throw_errno(int number) { throw std::system_error(number, std::generic_category()); }
@@ -114,63 +114,38 @@ class TemporaryFile {
     int descriptor = -1;
 };
 
-std::string png_of(const Picture &picture, float scale) {
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(3 * picture.pixels.size());
+// The values as they are shown, in 8 bits.
+BytePicture bytes_of(const Picture &picture, float scale, Display display) {
+    BytePicture result{picture.window.width(), picture.window.height(), {}};
+    result.bytes.reserve(3 * picture.pixels.size());
     for (const Color &c : picture.pixels)
         for (const float value : {c.r, c.g, c.b})
-            bytes.push_back(srgb_byte(value * scale));
-
-    png_image header = {};
-    header.version = PNG_IMAGE_VERSION;
-    header.width = static_cast<png_uint_32>(picture.window.width());
-    header.height = static_cast<png_uint_32>(picture.window.height());
-    header.format = PNG_FORMAT_RGB;
-    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(header);
-    std::string file(size, '\0');
-    if (!png_image_write_to_memory(&header, file.data(), &size, 0, bytes.data(), 0, nullptr))
-        throw std::runtime_error(header.message);
-    file.resize(size);
-    return file;
+            result.bytes.push_back(shown(value * scale, display));
+    return result;
 }
 
-std::string exr_of(const Picture &picture, float scale) {
-    std::vector<Color> scaled = picture.pixels;
-    for (Color &c : scaled)
-        c = c * scale;
-
-    // The library wants bounds that include the last pixel.
-    const PixelArea &window = picture.window;
-    const Imath::Box2i display({0, 0}, {picture.full_width - 1, picture.full_height - 1});
-    const Imath::Box2i data({window.x0, window.y0}, {window.x1 - 1, window.y1 - 1});
-    Imf::Header header(display, data);
-    header.compression() = Imf::ZIP_COMPRESSION;
-
-    const char *names[] = {"R", "G", "B"};
-    float *values = &scaled[0].r;
-    Imf::FrameBuffer frame;
-    for (int i = 0; i < 3; ++i) {
-        header.channels().insert(names[i], Imf::Channel(Imf::FLOAT));
-        frame.insert(names[i], Imf::Slice::Make(Imf::FLOAT, values + i, data, sizeof(Color),
-                                                sizeof(Color) * static_cast<std::size_t>(window.width())));
+std::string file_of(const Picture &picture, const FileForm &form, Format format) {
+    if (format == Format::Exr)
+        return exr_file(picture, form.scale, form.comment);
+    const BytePicture bytes = bytes_of(picture, form.scale, form.display);
+    switch (format) {
+    case Format::Jpeg:
+        return jpeg_file(bytes, form.comment);
+    case Format::Tiff:
+        return tiff_file(bytes, form.comment);
+    default:
+        return png_file(bytes, form.comment);
     }
-    // In memory, because the library's last writes come when the file is closed, and their failure is not told.
-    Imf::StdOSStream stream;
-    {
-        Imf::OutputFile file(stream, header, 0);
-        file.setFrameBuffer(frame);
-        file.writePixels(window.height());
-    }
-    return stream.str();
 }
 
 } // namespace
 
-static_assert(sizeof(Color) == 3 * sizeof(float), "EXR files are written straight from the pixels");
-
 bool has_known_format(const std::string &path) { return format_of(path) != Format::Unknown; }
+bool holds_floats(const std::string &path) { return format_of(path) == Format::Exr; }
 
-std::string why_unwritable(const std::string &path) {
+std::string why_unwritable(const std::string &path, int width, int height) {
+    if (format_of(path) == Format::Jpeg && std::max(width, height) > largest_jpeg_side)
+        return joined({"a JPEG file has at most ", std::to_string(largest_jpeg_side), " pixels a side"});
     try {
         const fs::path target = resolved(path);
         struct stat found;
@@ -191,9 +166,9 @@ std::string why_unwritable(const std::string &path) {
     }
 }
 
-std::string write_picture(const Picture &picture, float scale, const std::string &path) {
+std::string write_picture(const Picture &picture, const FileForm &form, const std::string &path) {
     try {
-        const std::string bytes = format_of(path) == Format::Png ? png_of(picture, scale) : exr_of(picture, scale);
+        const std::string bytes = file_of(picture, form, format_of(path));
         TemporaryFile file(resolved(path));
         file.write(bytes);
         file.replace_target();

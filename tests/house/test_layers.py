@@ -56,7 +56,7 @@ FOREIGN = [
     (r"Python\.h|pybind11/.*|structmember\.h",
      r"(interpreter|scene|module|tests/probe|bench)/.*|(algebra|arrays)/(?!vt_).*"),
     (r"embree\d/.*|rtcore.*", r"libvantor/geometry/.*"),
-    (r"png\.h|Imf.*|OpenEXR/.*|Imath/.*|Imath\w+\.h|half\.h|jpeglib\.h|turbojpeg\.h",
+    (r"png\.h|tiffio\.h|Imf.*|OpenEXR/.*|Imath/.*|Imath\w+\.h|half\.h|jpeglib\.h|turbojpeg\.h",
      r"libvantor/pictures/.*|tests/libvantor/.*"),
     (r"(oneapi/)?tbb/.*", r"libvantor/base/.*|tests/libvantor/.*"),
 ]

@@ -278,10 +278,9 @@ TEST(Diagnostics, OtherShapes) {
 TEST(Diagnostics, Imagers) {
     Scene scene;
     List list("name", "picture.gif");
-    EXPECT_EQ(
-        errors_of([&] { EXPECT_EQ(scene.NewImager("file", list), 1); }),
-        "vantor: newImager \"file\": item 1: parameter \"name\" \"picture.gif\" has no known ending (.png and .exr "
-        "are known); nothing will be written\n");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewImager("file", list), 1); }),
+              "vantor: newImager \"file\": item 1: parameter \"name\" \"picture.gif\" has no known ending (.png, .jpg, "
+              ".jpeg, .tif, .tiff and .exr are known); nothing will be written\n");
 }
 
 TEST(Diagnostics, Ids) {

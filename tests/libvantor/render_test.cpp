@@ -1,10 +1,14 @@
 // Render passes: windows, threads, interrupts, several scenes.
+#include "tests/libvantor/picture_readers.h"
 #include "tests/libvantor/scripted_scene.h"
+
+#include "libvantor/base/progress.h"
 
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <regex>
 #include <tbb/global_control.h>
 #include <thread>
 
@@ -154,6 +158,61 @@ TEST(Render, InterruptStopsThePassAndReachesTheOldHandler) {
     EXPECT_FALSE(scene.render(8, 8, 1).values.empty());
 }
 
+TEST(Render, InterruptKeepsWhatIsFinished) {
+    Scene scene;
+    build(scene);
+    struct sigaction ours = {};
+    ours.sa_handler = count_interrupt;
+    struct sigaction old;
+    sigaction(SIGINT, &ours, &old);
+    interrupts_seen = 0;
+    // Tiles of some milliseconds, and very many of them: soon some are finished, and never all.
+    std::chrono::steady_clock::time_point raised;
+    const std::string exr = scripted::path_of("interrupted.exr");
+    const std::string jpeg = scripted::path_of("interrupted.jpg");
+    const auto imager = [&](const std::string &path) {
+        scripted::List list("name", path);
+        return scene.NewImager("file", list);
+    };
+    scene.ImagerBegin(imager(exr));
+    scene.ImagerBegin(imager(jpeg));
+    std::thread other = interrupt_the_pass(std::chrono::milliseconds(400), raised);
+    const std::string errors = scripted::errors_of([&] { scene.Render(800, 800, 256, 0, 0, 1, 1); });
+    other.join();
+    scene.ImagerEnd();
+    scene.ImagerEnd();
+    sigaction(SIGINT, &old, nullptr);
+    EXPECT_EQ(interrupts_seen, 1);
+
+    std::smatch found;
+    const std::regex lines("vantor: render: interrupted; ((?:less than )?\\d+) % of the pixels are in \"" + exr +
+                           "\"\nvantor: render: interrupted; \\1 % of the pixels are in \"" + jpeg + "\"\n");
+    ASSERT_TRUE(std::regex_match(errors, found, lines)) << errors;
+    const std::string comment =
+        "vantorPM 1.0.0; 800 x 800 pixels; 256 samples a pixel; interrupted: " + found[1].str() +
+        " % of the pixels are finished";
+    EXPECT_EQ(scripted::exr_comment(exr), comment);
+    EXPECT_EQ(scripted::read_jpeg(jpeg).comment, comment);
+
+    // The room is lit everywhere: what is black is not finished, and what is not black is as it would have been.
+    const Pixels pixels = scripted::read_exr(exr);
+    long finished = 0;
+    int x = -1;
+    int y = -1;
+    for (int i = 0; i < 800 * 800; ++i)
+        if (pixels.values[static_cast<std::size_t>(i)] != scripted::Rgb{}) {
+            ++finished;
+            x = i % 800;
+            y = i / 800;
+        }
+    ASSERT_GT(finished, 0);
+    const std::string share = found[1].str();
+    const long percent = share == "less than 1" ? 0 : std::stol(share);
+    EXPECT_EQ(finished * 100 / (800 * 800), percent);
+    const Pixels one = scene.render(800, 800, 256, x / 800.0, y / 800.0, (x + 1) / 800.0, (y + 1) / 800.0);
+    EXPECT_EQ(one.at(x, y), pixels.at(x, y));
+}
+
 TEST(Render, InterruptStopsTheBuildOfALargeScene) {
     Scene scene;
     scene.camera({0, 0, 5}, {0, 0, 0}, 40);
@@ -177,6 +236,14 @@ TEST(Render, InterruptStopsTheBuildOfALargeScene) {
     scene.AddObject(scene.object("mesh", "points", points, "triangles", triangles));
     // A million triangles take longer than this to build.
     EXPECT_LT(least_lateness(scene, std::chrono::milliseconds(20)), std::chrono::milliseconds(250));
+}
+
+TEST(Render, TimeLeftIsToldInTwoUnitsAtMost) {
+    EXPECT_EQ(vantor::time_text(0.4), "0 s");
+    EXPECT_EQ(vantor::time_text(59.4), "59 s");
+    EXPECT_EQ(vantor::time_text(59.6), "1 min 0 s");
+    EXPECT_EQ(vantor::time_text(200), "3 min 20 s");
+    EXPECT_EQ(vantor::time_text(7500), "2 h 5 min");
 }
 
 TEST(Render, AnIgnoredInterruptStaysIgnored) {

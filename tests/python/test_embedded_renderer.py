@@ -20,11 +20,11 @@ ENDLESS = """
 
     scene = vantorPM.scene()
     scene.newCamera("perspective", ["position", vector3(0, 0, 5)])
-    scene.newImager("file", ["name", "never.png"])
+    scene.newImager("file", ["name", "part.png"])
     scene.newLight("point", ["position", vector3(2, 3, 4), "intensity", 20.0])
     scene.addObject(scene.newObject("sphere", []))
     try:
-        scene.render(8192, 8192, 256)
+        scene.render(1024, 1024, 4096)
     except KeyboardInterrupt:
         print("stopped")
 """
@@ -78,12 +78,13 @@ class EmbeddedRendererTest(unittest.TestCase):
         self.assertEqual((process.returncode, process.stdout, process.stderr), (0, "", ""))
         self.assertEqual(png_size(os.path.join(self.folder, "first_picture.png")), (32, 24))
 
-    def test_ctrl_c_stops_a_pass_with_keyboard_interrupt_and_writes_no_picture(self):
-        # The error stream is a terminal, so a progress line says when the pass is under way.
+    def output_after_ctrl_c(self, script):
+        """The output and the return code of a script that gets Ctrl-C during a pass."""
+        # The error stream is a terminal, so a progress line says when some of the picture is there.
         terminal, error_stream = pty.openpty()
         self.addCleanup(os.close, terminal)
         process = subprocess.Popen(
-            [sys.executable, "-c", textwrap.dedent(ENDLESS)],
+            [sys.executable, "-c", textwrap.dedent(script)],
             cwd=self.folder,
             env=scripts.variables(VANTOR_DIAGNOSTICS="warn"),
             stdout=subprocess.PIPE,
@@ -97,11 +98,37 @@ class EmbeddedRendererTest(unittest.TestCase):
         shown = b""
         while b"vantor: render:" not in shown:
             shown += os.read(terminal, 1000)
+        self.assertRegex(shown, rb"vantor: render: +\d+ %, .* left")
 
         process.send_signal(signal.SIGINT)
         output, _ = process.communicate(timeout=60)
-        self.assertEqual(output, "stopped\n")
-        self.assertEqual(os.listdir(self.folder), [])
+        while b"interrupted" not in shown:
+            shown += os.read(terminal, 1000)
+        self.assertRegex(
+            shown,
+            rb'vantor: render: interrupted; (less than )?\d+ % of the pixels are in "part.png"',
+        )
+        return output, process.returncode
+
+    def assert_part_is_kept(self):
+        self.assertEqual(os.listdir(self.folder), ["part.png"])
+        self.assertEqual(png_size(os.path.join(self.folder, "part.png")), (1024, 1024))
+        with open(os.path.join(self.folder, "part.png"), "rb") as file:
+            comment = rb"; interrupted: (less than )?\d+ % of the pixels are finished"
+            self.assertRegex(file.read(), comment)
+
+    def test_ctrl_c_stops_a_pass_with_keyboard_interrupt_and_keeps_what_is_there(self):
+        self.assertEqual(self.output_after_ctrl_c(ENDLESS), ("stopped\n", 0))
+        self.assert_part_is_kept()
+
+    def test_ctrl_c_keeps_what_is_there_even_where_it_ends_the_process(self):
+        default = """
+            import signal
+            signal.signal(signal.SIGINT, signal.SIG_DFL)
+        """
+        script = textwrap.dedent(default) + textwrap.dedent(ENDLESS)
+        self.assertEqual(self.output_after_ctrl_c(script), ("", -signal.SIGINT))
+        self.assert_part_is_kept()
 
     def test_three_mistakes_give_three_lines_with_the_fix(self):
         process = self.run_in_folder("-c", textwrap.dedent(MISTAKES))

@@ -1,0 +1,34 @@
+// Display: from linear values to the 8 bits of a picture that is looked at.
+#pragma once
+
+#include "libvantor/base/color.h"
+
+namespace vantor {
+
+enum class Display {
+    Srgb,   ///< The curve of IEC 61966-2-1; whatever is brighter than 1 is clipped.
+    Linear, ///< The value itself, for those that are no light.
+    Filmic, ///< Bright values are compressed as film does, before the sRGB curve.
+};
+
+/// A fit of the film-like response of the Academy Color Encoding System. Narkowicz, "ACES Filmic Tone Mapping Curve",
+/// 2015. From 0 or more to 0 to 1.03: what would be infinitely bright is a little more than white.
+inline float filmic(float linear) {
+    // Beyond, the curve is flat, and squares would overflow.
+    const float x = std::clamp(linear, 0.0f, 1e6f);
+    return x * (2.51f * x + 0.03f) / (x * (2.43f * x + 0.59f) + 0.14f);
+}
+
+/// 0 to 255, rounded.
+inline std::uint8_t shown(float linear, Display display) {
+    switch (display) {
+    case Display::Linear:
+        return static_cast<std::uint8_t>(std::lround(255.0f * std::clamp(linear, 0.0f, 1.0f)));
+    case Display::Filmic:
+        return srgb_byte(filmic(linear));
+    default:
+        return srgb_byte(linear);
+    }
+}
+
+} // namespace vantor
