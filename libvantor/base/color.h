@@ -32,4 +32,9 @@ inline std::uint8_t srgb_byte(float linear) {
     return static_cast<std::uint8_t>(std::lround(255.0f * curved));
 }
 
+/// The linear value of an sRGB one (IEC 61966-2-1), 0 to 1.
+inline float linear_of_srgb(float encoded) {
+    return encoded <= 0.04045f ? encoded / 12.92f : std::pow((encoded + 0.055f) / 1.055f, 2.4f);
+}
+
 } // namespace vantor

@@ -56,11 +56,11 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
         entry.index = appended(interfaces, make_scattering(*type, parameters));
         break;
     case EntityKind::Light:
-        if (type->name == "point" && !is_in_reach(parameters, call))
+        if ((type->name == "point" || type->name == "spot") && !is_in_reach(parameters, call))
             break;
-        if (type->name == "distant" && !is_placeable())
+        if (type->name != "area" && !is_placeable())
             break;
-        entry.index = appended(all_lights, make_light(*type, parameters, current_transform()));
+        entry.index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
         if (all_lights.back().is_area())
             current_area_light = entry.index;
         break;

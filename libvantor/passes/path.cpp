@@ -57,14 +57,21 @@ struct SampledLight {
 // Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, unless the ray
 // had no choice: the two share it by their densities.
 void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const World &world) {
-    const int first_emitter = world.lights.first_emitter(hit.placement);
-    if (first_emitter < 0 || !surface.arrives_at_front())
+    const int emitter = world.lights.emitter_at(hit);
+    if (emitter < 0 || !surface.arrives_at_front())
         return;
-    const int emitter = first_emitter + static_cast<int>(hit.primitive);
     float share = 1;
     if (!path.finds_lights)
         share = weight(path.direction_density, world.lights.density(emitter, path.vertex, path.ray.direction, hit));
     path.radiance += path.throughput * world.lights.radiance(emitter) * share;
+}
+
+// Light from infinity, found by a ray that misses everything; shared as above.
+void add_light_from_afar(Path &path, const World &world) {
+    world.lights.for_each_from_afar(path.ray.direction, [&](Color radiance, float density) {
+        const float share = path.finds_lights ? 1.0f : weight(path.direction_density, density);
+        path.radiance += path.throughput * radiance * share;
+    });
 }
 
 // A sampled point of a sampled light, as seen from a point of the path; false if none can arrive.
@@ -172,7 +179,10 @@ bool advance(Path &path, const Hit &hit, std::uint32_t dimension, const World &w
             return scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, dimension,
                                      world, direct);
     }
-    return hit.exists && meet_surface(path, hit, dimension, world, direct);
+    if (hit.exists)
+        return meet_surface(path, hit, dimension, world, direct);
+    add_light_from_afar(path, world);
+    return false;
 }
 
 } // namespace

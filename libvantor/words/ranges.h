@@ -13,6 +13,9 @@ inline constexpr Range direction{
     .low = -1e9, .high = 1e9, .excludes_zero_vector = true, .text = "-1e9 to 1e9, not all 0"};
 inline constexpr Range size{.low = 1e-9, .high = 1e9, .text = "1e-9 to 1e9"};
 inline constexpr Range aperture{.low = 0.0, .high = 1e9, .text = "0 to 1e9"};
+inline constexpr Range half_turn{.low = 0.0, .high = 180.0, .text = "0 to 180"};
+inline constexpr Range cone{.low = 0.01, .high = 180.0, .text = "0.01 to 180"};
+inline constexpr Range turbidity{.low = 2.0, .high = 10.0, .text = "2 to 10"};
 inline constexpr Range off_or_on{.low = 0.0, .high = 1.0, .text = "0 or 1"};
 inline constexpr Range fraction{.low = 0.0, .high = 1.0, .text = "0 to 1"};
 inline constexpr Range field_of_view{.low = 1e-3, .high = 179.0, .text = "0.001 to 179"};

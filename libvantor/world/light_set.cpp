@@ -109,6 +109,14 @@ bool sample_source(const PointLight &light, Vec3 reference, Pair, LightSample &r
     return true;
 }
 
+bool sample_source(const SpotLight &light, Vec3 reference, Pair numbers, LightSample &result) {
+    if (!sample_source(PointLight{light.position, light.intensity}, reference, numbers, result))
+        return false;
+    const float share = light.falloff(-dot(result.to_light, light.axis));
+    result.contribution = result.contribution * share;
+    return share > 0;
+}
+
 bool sample_source(const DistantLight &light, Vec3, Pair, LightSample &result) {
     result.to_light = light.to_light;
     result.is_distant = true;
@@ -117,43 +125,107 @@ bool sample_source(const DistantLight &light, Vec3, Pair, LightSample &result) {
     return true;
 }
 
+bool sample_source(const DiskSource &disk, Vec3, Pair numbers, LightSample &result) {
+    result.to_light = Frame(disk.to_light).world_from_local(warp::cone(numbers, disk.cone_height));
+    result.is_distant = true;
+    result.has_extent = true;
+    result.density = warp::cone_density(disk.cone_height);
+    result.contribution = disk.radiance;
+    return true;
+}
+
+bool sample_source(const EnvironmentSource &source, Vec3, Pair numbers, LightSample &result) {
+    result.to_light = source.environment->sample(numbers, result.density);
+    result.is_distant = true;
+    result.has_extent = true;
+    result.contribution = source.environment->radiance(result.to_light);
+    return true;
+}
+
+// Never chosen, as it has no power.
+bool sample_source(const UnsampledEmitter &, Vec3, Pair, LightSample &) { return false; }
+
+// A disk of radiance L has the irradiance pi L sin^2, with the angle from its middle to its edge.
+DiskSource disk_of(const DistantLight &light) {
+    const float squared_sine = light.cone_height * (2 - light.cone_height);
+    return {light.to_light, light.cone_height, light.irradiance * (inverse_pi / squared_sine)};
+}
+
+// From the squared distance of the unit vectors, as one minus their product has few digits in a narrow cone.
+bool contains(const DiskSource &disk, Vec3 direction) {
+    const Vec3 difference = direction - disk.to_light;
+    return 0.5f * dot(difference, difference) <= disk.cone_height;
+}
+
 } // namespace
 
 LightSet::LightSet(std::span<const Light> lights, std::span<const Placement> placements, float scene_radius)
     : shares_up_to{0.0} {
-    first_emitters.reserve(placements.size());
+    emitters_of.reserve(placements.size());
     for (const Placement &placement : placements) {
-        int first = -1;
+        Emitters emitters{-1, 0};
         if (placement.light >= 0) {
             const Light &light = lights[static_cast<std::size_t>(placement.light)];
             const Color radiance = std::get<AreaLight>(light.kind).radiance;
-            if (light.is_on && !is_black(radiance)) {
-                first = static_cast<int>(sources.size());
-                add_emitters(placement, radiance);
-            }
+            if (light.is_on && !is_black(radiance))
+                emitters = add_emitters(placement, radiance);
         }
-        first_emitters.push_back(first);
+        emitters_of.push_back(emitters);
     }
-    for (const Light &light : lights) {
-        if (!light.is_on)
-            continue;
-        if (const auto *point = std::get_if<PointLight>(&light.kind))
-            add(*point, 4 * pi * luminance(point->intensity));
-        else if (const auto *distant = std::get_if<DistantLight>(&light.kind))
-            add(*distant, pi * scene_radius * scene_radius * luminance(distant->irradiance));
-    }
+    for (const Light &light : lights)
+        if (light.is_on)
+            add_light(light, scene_radius);
 
     const double total = shares_up_to.back();
     for (double &share : shares_up_to)
         share = total > 0 ? share / total : 0.0;
 }
 
+void LightSet::add_light(const Light &light, float scene_radius) {
+    if (const auto *point = std::get_if<PointLight>(&light.kind)) {
+        add(*point, 4 * pi * luminance(point->intensity));
+    } else if (const auto *spot = std::get_if<SpotLight>(&light.kind)) {
+        // The whole cone inside, and half of the ring around it: the mean of 3x^2 - 2x^3.
+        const float solid_angle = 2 * pi * (1 - 0.5f * (spot->cos_beam + spot->cos_cutoff));
+        add(*spot, solid_angle * luminance(spot->intensity));
+    } else if (const auto *distant = std::get_if<DistantLight>(&light.kind)) {
+        add_distant(*distant, scene_radius);
+    } else if (const auto *environment = std::get_if<EnvironmentLight>(&light.kind)) {
+        add_environment(*environment, scene_radius);
+    } else if (const auto *daylight = std::get_if<SkyLight>(&light.kind)) {
+        add_environment(daylight->sky, scene_radius);
+        if (daylight->sun)
+            add_distant(*daylight->sun, scene_radius);
+    }
+}
+
+void LightSet::add_distant(const DistantLight &light, float scene_radius) {
+    const float power = pi * scene_radius * scene_radius * luminance(light.irradiance);
+    if (light.cone_height > 0) {
+        sources_at_infinity.push_back(sources.size());
+        add(disk_of(light), power);
+    } else {
+        add(light, power);
+    }
+}
+
+void LightSet::add_environment(const EnvironmentLight &light, float scene_radius) {
+    auto environment = std::make_unique<const Environment>(light);
+    if (environment->is_black())
+        return;
+    const float power = pi * scene_radius * scene_radius * environment->flux();
+    sources_at_infinity.push_back(sources.size());
+    add(EnvironmentSource{std::move(environment)}, power);
+}
+
 void LightSet::add(Source source, float its_power) {
-    sources.push_back(source);
+    sources.push_back(std::move(source));
     shares_up_to.push_back(shares_up_to.back() + (std::isfinite(its_power) ? its_power : 0.0f));
 }
 
-void LightSet::add_emitters(const Placement &placement, Color radiance) {
+LightSet::Emitters LightSet::add_emitters(const Placement &placement, Color radiance) {
+    const Emitters one_for_each{static_cast<int>(sources.size()), 1};
+    const Emitters one_for_all{one_for_each.first, 0};
     const Affine map = to_float(placement.world_from_object);
     const auto add_flat = [&](Vec3 a, Vec3 b, Vec3 d, bool is_triangle) {
         const FlatEmitter emitter = flat_emitter(map, a, b, d, is_triangle, radiance);
@@ -165,15 +237,19 @@ void LightSet::add_emitters(const Placement &placement, Color radiance) {
     } else if (const auto *quads = std::get_if<Quads>(&placement.object->shape)) {
         for (const Quads::Corners &c : quads->corners)
             add_flat(c[0], c[1], c[3], false);
-    } else {
-        const Sphere &sphere = std::get<Sphere>(placement.object->shape);
+    } else if (const auto *sphere = std::get_if<Sphere>(&placement.object->shape)) {
         VtTransform unit_to_sphere = identity();
         for (int i = 0; i < 3; ++i)
-            unit_to_sphere[i][i] = sphere.radius;
-        unit_to_sphere[3] = {sphere.center.x, sphere.center.y, sphere.center.z, 1.0};
+            unit_to_sphere[i][i] = sphere->radius;
+        unit_to_sphere[3] = {sphere->center.x, sphere->center.y, sphere->center.z, 1.0};
         const SphereEmitter emitter{to_float(composed(unit_to_sphere, placement.world_from_object)), radiance};
         add(emitter, power(emitter));
+        return one_for_all;
+    } else {
+        add(UnsampledEmitter{radiance}, 0);
+        return one_for_all;
     }
+    return one_for_each;
 }
 
 bool LightSet::sample(Vec3 reference, double choice, Pair numbers, LightSample &result) const {
@@ -210,7 +286,9 @@ Color LightSet::radiance(int emitter) const {
     const Source &source = sources[static_cast<std::size_t>(emitter)];
     if (const auto *flat = std::get_if<FlatEmitter>(&source))
         return flat->radiance;
-    return std::get<SphereEmitter>(source).radiance;
+    if (const auto *sphere = std::get_if<SphereEmitter>(&source))
+        return sphere->radiance;
+    return std::get<UnsampledEmitter>(source).radiance;
 }
 
 float LightSet::density(int emitter, Vec3 reference, Vec3 direction, const Hit &hit) const {
@@ -218,7 +296,22 @@ float LightSet::density(int emitter, Vec3 reference, Vec3 direction, const Hit &
     const auto chosen = static_cast<float>(choice_density(index));
     if (const auto *flat = std::get_if<FlatEmitter>(&sources[index]))
         return chosen * density_of(*flat, reference, direction, hit);
-    return chosen * density_of(std::get<SphereEmitter>(sources[index]), reference, direction, hit);
+    if (const auto *sphere = std::get_if<SphereEmitter>(&sources[index]))
+        return chosen * density_of(*sphere, reference, direction, hit);
+    return 0;
+}
+
+float LightSet::seen_from_afar(std::size_t source, Vec3 direction, Color &radiance) const {
+    const auto chosen = static_cast<float>(choice_density(source));
+    if (const auto *disk = std::get_if<DiskSource>(&sources[source])) {
+        if (!contains(*disk, direction))
+            return 0;
+        radiance = disk->radiance;
+        return chosen * warp::cone_density(disk->cone_height);
+    }
+    const Environment &environment = *std::get<EnvironmentSource>(sources[source]).environment;
+    radiance = environment.radiance(direction);
+    return chosen * environment.density(direction);
 }
 
 } // namespace vantor

@@ -4,6 +4,7 @@
 #include "libvantor/base/random.h"
 #include "libvantor/entities/registry.h"
 #include "libvantor/geometry/hit.h"
+#include "libvantor/world/environment.h"
 
 #include <span>
 
@@ -14,7 +15,7 @@ struct LightSample {
     Vec3 to_light;      ///< Unit length.
     Vec3 end;           ///< The point that it comes from, clear of its surface; unused if is_distant.
     bool is_distant;    ///< Comes from infinitely far away.
-    bool has_extent;    ///< Following a ray can find the light, too; not so a point or distant light.
+    bool has_extent;    ///< Following a ray can find the light, too; not so a point or parallel light.
     Color contribution; ///< Radiance over density; of a light without extent its irradiance over the choice.
     float density;      ///< Per solid angle, choice included; above 0 and finite. Unused without extent.
 };
@@ -36,6 +37,22 @@ struct SphereEmitter {
     Color radiance;
 };
 
+/// A placement whose points nothing draws: its light is found by following rays.
+struct UnsampledEmitter {
+    Color radiance;
+};
+
+/// A disk at infinity.
+struct DiskSource {
+    Vec3 to_light;     ///< Unit length; its middle.
+    float cone_height; ///< One minus the cosine of the angle to its edge; above 0.
+    Color radiance;
+};
+
+struct EnvironmentSource {
+    std::unique_ptr<const Environment> environment; ///< Not in place, as most sources are far smaller.
+};
+
 /// All lights that are on. Constant once made.
 class LightSet {
   public:
@@ -48,24 +65,52 @@ class LightSet {
     /// One light by its share of the power, and a point of it. False where none of it can arrive.
     bool sample(Vec3 reference, double choice, Pair numbers, LightSample &result) const;
 
-    /// The first of a placement's emitters, which follow each other as its primitives do; -1 if it does not shine.
-    int first_emitter(std::uint32_t placement) const { return first_emitters[placement]; }
+    /// The emitter at a hit, which shines from the front; -1 if nothing shines there.
+    int emitter_at(const Hit &hit) const {
+        const Emitters &emitters = emitters_of[hit.placement];
+        return emitters.first + static_cast<int>(hit.primitive) * emitters.step;
+    }
 
     Color radiance(int emitter) const;
 
     /// The density with which sample(reference) would have chosen the emitter and the direction of the ray that hit it.
     float density(int emitter, Vec3 reference, Vec3 direction, const Hit &hit) const;
 
-  private:
-    using Source = std::variant<FlatEmitter, SphereEmitter, PointLight, DistantLight>;
+    /// Of every light at infinity that has an extent: what a ray sees of it that misses everything. Calls
+    /// visit(radiance, density), with the density with which sample() would have chosen the light and this direction.
+    template <class Visit> void for_each_from_afar(Vec3 direction, Visit visit) const {
+        for (const std::size_t source : sources_at_infinity) {
+            Color radiance;
+            const float direction_density = seen_from_afar(source, direction, radiance);
+            if (!is_black(radiance))
+                visit(radiance, direction_density);
+        }
+    }
 
-    void add_emitters(const Placement &placement, Color radiance);
+  private:
+    using Source = std::variant<FlatEmitter, SphereEmitter, UnsampledEmitter, PointLight, SpotLight, DistantLight,
+                                DiskSource, EnvironmentSource>;
+
+    // A placement's emitters: one for each primitive in turn, or one for all, or none.
+    struct Emitters {
+        int first; // -1 if there are none
+        int step;  // 1 if each primitive has one, 0 otherwise
+    };
+
+    Emitters add_emitters(const Placement &placement, Color radiance);
+    void add_light(const Light &light, float scene_radius);
+    void add_distant(const DistantLight &light, float scene_radius);
+    void add_environment(const EnvironmentLight &light, float scene_radius);
     void add(Source source, float power);
     double choice_density(std::size_t source) const { return shares_up_to[source + 1] - shares_up_to[source]; }
 
+    // The density of the direction, and the radiance from there.
+    float seen_from_afar(std::size_t source, Vec3 direction, Color &radiance) const;
+
     std::vector<Source> sources;
-    std::vector<double> shares_up_to; // of the power, cumulated: 0 first, 1 last; doubles for millions of emitters
-    std::vector<int> first_emitters;  // for each placement
+    std::vector<double> shares_up_to;             // of the power, cumulated: 0 first, 1 last; doubles for millions
+    std::vector<Emitters> emitters_of;            // for each placement
+    std::vector<std::size_t> sources_at_infinity; // with an extent
 };
 
 } // namespace vantor

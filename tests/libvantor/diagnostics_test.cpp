@@ -42,9 +42,10 @@ TEST(Diagnostics, NothingToSay) {
 
 TEST(Diagnostics, Types) {
     EXPECT_EQ(light_errors("pont"), "vantor: newLight \"pont\": unknown type (did you mean \"point\"?)\n");
-    EXPECT_EQ(light_errors("candle"),
-              "vantor: newLight \"candle\": unknown type (known: \"area\", \"distant\", \"point\")\n");
-    EXPECT_EQ(light_errors(nullptr), "vantor: newLight: no type given (known: \"area\", \"distant\", \"point\")\n");
+    EXPECT_EQ(light_errors("candle"), "vantor: newLight \"candle\": unknown type (known: \"area\", \"distant\", "
+                                      "\"environment\", \"point\", \"sky\", \"spot\")\n");
+    EXPECT_EQ(light_errors(nullptr), "vantor: newLight: no type given (known: \"area\", \"distant\", \"environment\", "
+                                     "\"point\", \"sky\", \"spot\")\n");
     EXPECT_EQ(camera_errors(""),
               "vantor: newCamera \"\": unknown type (known: \"orthographic\", \"panorama\", \"perspective\")\n");
 

@@ -57,13 +57,21 @@ class Dice {
                                             "fov_axis",
                                             "smaller",
                                             "aperture_radius",
-                                            "focus_distance"};
+                                            "focus_distance",
+                                            "angle",
+                                            "cutoff_angle",
+                                            "beam_width",
+                                            "sun_direction",
+                                            "turbidity",
+                                            "sun",
+                                            "scale",
+                                            "target"};
         return texts[below(std::size(texts))];
     }
     const char *type() {
-        static const char *const types[] = {"perspective", "orthographic", "panorama", "file",   "diffuse",
-                                            "surface",     "area",         "distant",  "point",  "box",
-                                            "mesh",        "quad",         "sphere",   "unknown"};
+        static const char *const types[] = {
+            "perspective", "orthographic", "panorama", "environment", "sky",  "spot", "file",   "diffuse", "surface",
+            "area",        "distant",      "point",    "box",         "mesh", "quad", "sphere", "unknown"};
         const int i = below(std::size(types) + 1);
         return i == std::size(types) ? nullptr : types[i];
     }

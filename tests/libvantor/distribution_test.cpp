@@ -1,0 +1,84 @@
+// The distribution of a grid: where its points fall, against the weights.
+#include "libvantor/world/distribution.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+using vantor::Distribution;
+using vantor::Pair;
+
+Pair numbers(std::mt19937 &random) {
+    const auto number = [&] { return vantor::sobol::unit_float(static_cast<std::uint32_t>(random())); };
+    const float u = number();
+    return {u, number()};
+}
+
+TEST(Distribution, DrawsCellsByTheirWeights) {
+    constexpr int columns = 7;
+    constexpr int rows = 5;
+    std::mt19937 random(1);
+    std::vector<float> weights;
+    double total = 0;
+    for (int i = 0; i < columns * rows; ++i) {
+        weights.push_back(static_cast<float>(1 + random() % 20));
+        total += weights.back();
+    }
+    const Distribution distribution(weights, columns, rows);
+
+    // Each cell in quarters, to see that points are uniform inside.
+    constexpr int draws = 200000;
+    std::vector<int> counts(weights.size() * 4);
+    for (int i = 0; i < draws; ++i) {
+        const Distribution::Sample sample = distribution.sample(numbers(random));
+        ASSERT_TRUE(sample.column >= 0 && sample.column < columns && sample.row >= 0 && sample.row < rows);
+        ASSERT_TRUE(sample.within.u >= 0 && sample.within.u <= 1 && sample.within.v >= 0 && sample.within.v <= 1);
+        const int quarter = (sample.within.u < 0.5f ? 0 : 1) + (sample.within.v < 0.5f ? 0 : 2);
+        ++counts[static_cast<std::size_t>((sample.row * columns + sample.column) * 4 + quarter)];
+    }
+    double chi_square = 0;
+    double probabilities = 0;
+    for (std::size_t i = 0; i < weights.size(); ++i) {
+        const float probability =
+            distribution.probability(static_cast<int>(i) % columns, static_cast<int>(i) / columns);
+        EXPECT_NEAR(probability, weights[i] / total, 1e-6);
+        probabilities += probability;
+        for (std::size_t quarter = 0; quarter < 4; ++quarter) {
+            const double expected = draws * weights[i] / total / 4;
+            chi_square += std::pow(counts[4 * i + quarter] - expected, 2) / expected;
+        }
+    }
+    EXPECT_NEAR(probabilities, 1, 1e-6);
+    // The 99.99 % point of chi-square with 139 degrees of freedom.
+    EXPECT_LT(chi_square, 209);
+}
+
+TEST(Distribution, NeverDrawsACellWithoutWeight) {
+    // Empty cells and rows at the start, in the middle and at the end; and a weight that is nearly nothing beside the
+    // others.
+    const std::vector<float> weights{0, 0, 0,         0, /**/ 0, 1, 0,      0, /**/ 0, 0,
+                                     0, 0, /**/ 3e9f, 0, 1e-9f,  0, /**/ 0, 0, 0,      0};
+    const Distribution distribution(weights, 4, 5);
+    const float last = 1 - 0x1p-24f;
+    for (const float u : {0.0f, 0x1p-24f, 0.3f, 0.5f, last})
+        for (const float v : {0.0f, 0x1p-24f, 0.3f, 0.5f, last}) {
+            const Distribution::Sample sample = distribution.sample({u, v});
+            EXPECT_GT(weights[static_cast<std::size_t>(4 * sample.row + sample.column)], 0) << u << " " << v;
+            EXPECT_GT(distribution.probability(sample.column, sample.row), 0);
+        }
+    EXPECT_EQ(distribution.probability(0, 0), 0);
+    EXPECT_EQ(distribution.probability(3, 3), 0);
+    EXPECT_EQ(distribution.probability(3, 4), 0);
+}
+
+TEST(Distribution, OneCellIsTheWholeSquare) {
+    const std::vector<float> weights{5};
+    const Distribution distribution(weights, 1, 1);
+    const Distribution::Sample sample = distribution.sample({0.25f, 0.75f});
+    EXPECT_EQ(sample.within.u, 0.25f);
+    EXPECT_EQ(sample.within.v, 0.75f);
+    EXPECT_EQ(distribution.probability(0, 0), 1);
+}
+
+} // namespace

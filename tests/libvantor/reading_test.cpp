@@ -1,0 +1,300 @@
+// Reading pictures: what good files hold, and what becomes of bad ones.
+#include "libvantor/pictures/reading.h"
+
+#include "tests/libvantor/scripted_scene.h"
+
+#include <ImfChannelList.h>
+#include <ImfOutputFile.h>
+#include <ImfTiledOutputFile.h>
+#include <cmath>
+#include <fstream>
+#include <png.h>
+#include <random>
+
+namespace {
+
+using scripted::path_of;
+using vantor::Color;
+using vantor::Raster;
+using vantor::ReadPicture;
+
+// Rows of bytes as they go into the file.
+void write_png(const std::string &path, int width, int height, int depth, int color_type,
+               const std::vector<std::vector<png_byte>> &rows, bool is_interlaced = false) {
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    std::FILE *file = std::fopen(path.c_str(), "wb");
+    png_init_io(png, file);
+    png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height), depth, color_type,
+                 is_interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                 PNG_FILTER_TYPE_DEFAULT);
+    const png_color palette[] = {{255, 0, 0}, {0, 128, 255}};
+    const png_byte transparency[] = {255, 51};
+    if (color_type == PNG_COLOR_TYPE_PALETTE) {
+        png_set_PLTE(png, info, palette, 2);
+        png_set_tRNS(png, info, transparency, 2, nullptr);
+    }
+    std::vector<png_bytep> pointers;
+    for (const std::vector<png_byte> &row : rows)
+        pointers.push_back(const_cast<png_bytep>(row.data()));
+    png_set_rows(png, info, pointers.data());
+    png_write_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
+    png_destroy_write_struct(&png, &info);
+    std::fclose(file);
+}
+
+Raster read(const std::string &path) {
+    ReadPicture picture = vantor::read_picture(path);
+    EXPECT_EQ(picture.why_not, "");
+    EXPECT_TRUE(picture.raster.has_value());
+    return picture.raster.value_or(Raster());
+}
+
+// IEC 61966-2-1.
+double decoded(double srgb) { return srgb <= 0.04045 ? srgb / 12.92 : std::pow((srgb + 0.055) / 1.055, 2.4); }
+
+void expect_color(Color got, double r, double g, double b, double tolerance = 1e-6) {
+    EXPECT_NEAR(got.r, r, tolerance);
+    EXPECT_NEAR(got.g, g, tolerance);
+    EXPECT_NEAR(got.b, b, tolerance);
+}
+
+TEST(Reading, PngColors) {
+    const std::string path = path_of("in.png");
+    for (const bool is_interlaced : {false, true}) {
+        write_png(path, 2, 2, 8, PNG_COLOR_TYPE_RGB, {{0, 1, 255, 10, 11, 128}, {200, 0, 0, 0, 0, 7}}, is_interlaced);
+        const Raster raster = read(path);
+        ASSERT_EQ(raster.width, 2);
+        ASSERT_EQ(raster.height, 2);
+        EXPECT_TRUE(raster.alpha.empty());
+        expect_color(raster.at(0, 0), 0, decoded(1 / 255.0), 1);
+        expect_color(raster.at(1, 0), decoded(10 / 255.0), decoded(11 / 255.0), decoded(128 / 255.0));
+        expect_color(raster.at(0, 1), decoded(200 / 255.0), 0, 0);
+        expect_color(raster.at(1, 1), 0, 0, decoded(7 / 255.0));
+    }
+}
+
+TEST(Reading, PngGreyPaletteAndAlpha) {
+    const std::string path = path_of("in.png");
+    write_png(path, 3, 1, 8, PNG_COLOR_TYPE_GRAY, {{0, 100, 255}});
+    const double grey = decoded(100 / 255.0);
+    expect_color(read(path).at(1, 0), grey, grey, grey);
+
+    write_png(path, 8, 1, 1, PNG_COLOR_TYPE_GRAY, {{0x81}});
+    expect_color(read(path).at(0, 0), 1, 1, 1);
+    expect_color(read(path).at(3, 0), 0, 0, 0);
+
+    write_png(path, 2, 1, 8, PNG_COLOR_TYPE_PALETTE, {{1, 0}});
+    const Raster indexed = read(path);
+    expect_color(indexed.at(0, 0), 0, decoded(128 / 255.0), 1);
+    expect_color(indexed.at(1, 0), 1, 0, 0);
+    ASSERT_EQ(indexed.alpha.size(), 2U);
+    EXPECT_NEAR(indexed.alpha[0], 0.2, 1e-6);
+    EXPECT_EQ(indexed.alpha[1], 1);
+
+    // The colour of what is hardly there stays what it is.
+    write_png(path, 1, 1, 8, PNG_COLOR_TYPE_RGBA, {{255, 100, 0, 51}});
+    const Raster faint = read(path);
+    expect_color(faint.at(0, 0), 1, grey, 0);
+    EXPECT_NEAR(faint.alpha.at(0), 0.2, 1e-6);
+}
+
+TEST(Reading, PngWithSixteenBits) {
+    const std::string path = path_of("in.png");
+    write_png(path, 1, 1, 16, PNG_COLOR_TYPE_RGB, {{0x12, 0x34, 0xff, 0xff, 0x80, 0x00}});
+    expect_color(read(path).at(0, 0), decoded(0x1234 / 65535.0), 1, decoded(0x8000 / 65535.0));
+    write_png(path, 1, 1, 16, PNG_COLOR_TYPE_RGBA, {{0x80, 0, 0xff, 0xff, 0, 0, 0x80, 0}});
+    const Raster half = read(path);
+    expect_color(half.at(0, 0), decoded(0x8000 / 65535.0), 1, 0);
+    EXPECT_NEAR(half.alpha.at(0), 0x8000 / 65535.0, 1e-6);
+}
+
+// A picture of which pixel (x, y) has the channels x, y and 0.5, and alpha 0.25; the windows are given with their last
+// pixels.
+void write_exr(const std::string &path, const std::vector<const char *> &names, Imath::Box2i display, Imath::Box2i data,
+               Imf::Compression compression = Imf::ZIP_COMPRESSION, bool is_tiled = false) {
+    Imf::Header header(display, data);
+    header.compression() = compression;
+    const int width = data.max.x - data.min.x + 1;
+    const int height = data.max.y - data.min.y + 1;
+    std::vector<std::vector<float>> values;
+    Imf::FrameBuffer frame;
+    for (const std::string name : names) {
+        std::vector<float> &channel = values.emplace_back();
+        for (int y = data.min.y; y <= data.max.y; ++y)
+            for (int x = data.min.x; x <= data.max.x; ++x)
+                channel.push_back(name == "R" || name == "Y" ? static_cast<float>(x)
+                                  : name == "G"              ? static_cast<float>(y)
+                                  : name == "B"              ? 0.5f
+                                                             : 0.25f);
+        header.channels().insert(name, Imf::Channel(Imf::FLOAT));
+        frame.insert(name, Imf::Slice::Make(Imf::FLOAT, channel.data(), data, sizeof(float),
+                                            sizeof(float) * static_cast<std::size_t>(width)));
+    }
+    if (is_tiled) {
+        header.setTileDescription(Imf::TileDescription(8, 4));
+        Imf::TiledOutputFile file(path.c_str(), header, 0);
+        file.setFrameBuffer(frame);
+        file.writeTiles(0, file.numXTiles() - 1, 0, file.numYTiles() - 1);
+        return;
+    }
+    Imf::OutputFile file(path.c_str(), header, 0);
+    file.setFrameBuffer(frame);
+    file.writePixels(height);
+}
+
+TEST(Reading, Exr) {
+    const std::string path = path_of("in.exr");
+    const Imath::Box2i window({0, 0}, {19, 39});
+    for (const bool is_tiled : {false, true})
+        for (const Imf::Compression compression : {Imf::NO_COMPRESSION, Imf::ZIP_COMPRESSION, Imf::PIZ_COMPRESSION}) {
+            write_exr(path, {"R", "G", "B", "A"}, window, window, compression, is_tiled);
+            const Raster raster = read(path);
+            ASSERT_EQ(raster.width, 20);
+            ASSERT_EQ(raster.height, 40);
+            ASSERT_EQ(raster.alpha.size(), 800U);
+            EXPECT_EQ(raster.alpha[7], 0.25f);
+            for (int y = 0; y < 40; ++y)
+                for (int x = 0; x < 20; ++x)
+                    expect_color(raster.at(x, y), x, y, 0.5, 0);
+        }
+}
+
+TEST(Reading, ExrWindowsAndChannels) {
+    const std::string path = path_of("in.exr");
+    // The data window reaches out of the display window on the left and ends before it on the right.
+    write_exr(path, {"R", "G", "B", "A"}, {{-1, 5}, {6, 8}}, {{-3, 6}, {4, 7}});
+    const Raster raster = read(path);
+    ASSERT_EQ(raster.width, 8);
+    ASSERT_EQ(raster.height, 4);
+    expect_color(raster.at(0, 1), -1, 6, 0.5, 0);
+    expect_color(raster.at(5, 2), 4, 7, 0.5, 0);
+    expect_color(raster.at(6, 2), 0, 0, 0, 0);
+    expect_color(raster.at(0, 0), 0, 0, 0, 0);
+    EXPECT_EQ(raster.alpha[8], 0.25f);
+    EXPECT_EQ(raster.alpha[0], 0);
+
+    const Imath::Box2i window({0, 0}, {3, 1});
+    write_exr(path, {"Y"}, window, window);
+    expect_color(read(path).at(3, 1), 3, 3, 3, 0);
+    write_exr(path, {"G"}, window, window);
+    expect_color(read(path).at(3, 1), 0, 1, 0, 0);
+    write_exr(path, {"Z"}, window, window);
+    EXPECT_EQ(vantor::read_picture(path).why_not, "the file has neither the channels R, G and B nor Y");
+}
+
+std::string bytes_of(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void write_bytes(const std::string &path, const std::string &bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+TEST(Reading, OtherFiles) {
+    EXPECT_EQ(vantor::read_picture(path_of("missing.png")).why_not, "No such file or directory");
+    EXPECT_EQ(vantor::read_picture(scripted::own_folder()).why_not, "Is a directory");
+    EXPECT_EQ(vantor::read_picture("/dev/zero").why_not, "Not a regular file");
+    const std::string path = path_of("other.png");
+    write_bytes(path, "");
+    EXPECT_EQ(vantor::read_picture(path).why_not, "it is neither a PNG nor an OpenEXR file");
+    write_bytes(path, "a text that is no picture");
+    EXPECT_EQ(vantor::read_picture(path).why_not, "it is neither a PNG nor an OpenEXR file");
+}
+
+// Either a picture of the size that the file has, or a reason in one line.
+void expect_sane(const std::string &path) {
+    const ReadPicture picture = vantor::read_picture(path);
+    if (!picture.raster) {
+        EXPECT_FALSE(picture.why_not.empty());
+        EXPECT_EQ(picture.why_not.find('\n'), std::string::npos) << picture.why_not;
+        return;
+    }
+    const auto count =
+        static_cast<std::size_t>(picture.raster->width) * static_cast<std::size_t>(picture.raster->height);
+    EXPECT_EQ(picture.raster->pixels.size(), count);
+    EXPECT_TRUE(picture.raster->alpha.empty() || picture.raster->alpha.size() == count);
+}
+
+std::vector<std::string> good_files() {
+    const std::string path = path_of("good");
+    std::vector<std::string> files;
+    write_png(path, 2, 2, 8, PNG_COLOR_TYPE_RGB, {{0, 1, 255, 10, 11, 128}, {200, 0, 0, 0, 0, 7}});
+    files.push_back(bytes_of(path));
+    write_exr(path, {"R", "G", "B"}, {{0, 0}, {9, 19}}, {{0, 0}, {9, 19}});
+    files.push_back(bytes_of(path));
+    write_exr(path, {"R", "G", "B"}, {{0, 0}, {9, 19}}, {{0, 0}, {9, 19}}, Imf::PIZ_COMPRESSION, true);
+    files.push_back(bytes_of(path));
+    return files;
+}
+
+TEST(Reading, FilesThatAreCutOffHaveAReason) {
+    const std::string path = path_of("cut");
+    for (const std::string &file : good_files()) {
+        // Every length at the start, where headers are, and some later on.
+        for (std::size_t length = 0; length < file.size(); length += length < 400 ? 3 : 37) {
+            write_bytes(path, file.substr(0, length));
+            expect_sane(path);
+        }
+        write_bytes(path, file.substr(0, file.size() / 2));
+        EXPECT_FALSE(vantor::read_picture(path).raster);
+    }
+}
+
+TEST(Reading, DamagedFilesDoNoHarm) {
+    const std::string path = path_of("damaged");
+    std::mt19937 random(1);
+    for (const std::string &file : good_files())
+        for (int i = 0; i < 150; ++i) {
+            std::string damaged = file;
+            for (int k = 0; k < 3; ++k)
+                damaged[random() % std::min<std::size_t>(damaged.size(), 500)] = static_cast<char>(random());
+            write_bytes(path, damaged);
+            expect_sane(path);
+        }
+}
+
+TEST(Reading, HugePicturesAreRefused) {
+    const std::string path = path_of("huge.exr");
+    write_exr(path, {"Y"}, {{0, 0}, {3, 1}}, {{0, 0}, {3, 1}});
+    std::string file = bytes_of(path);
+    // The display window has the numbers 0, 0, 3, 1 after its name, type and size.
+    const std::size_t window = file.find("displayWindow") + std::string("displayWindow.box2i.size").size();
+    ASSERT_EQ(file[window + 8], 3);
+    const auto with_size = [&](int right, int lower) {
+        std::string changed = file;
+        std::memcpy(changed.data() + window + 8, &right, 4);
+        std::memcpy(changed.data() + window + 12, &lower, 4);
+        write_bytes(path, changed);
+        return vantor::read_picture(path).why_not;
+    };
+    EXPECT_EQ(with_size(1 << 20, 1 << 20), "the picture has more than 268435456 pixels");
+    EXPECT_EQ(with_size(INT_MAX, INT_MAX), "the picture has more than 268435456 pixels");
+    EXPECT_EQ(with_size(-5, 1), "the picture has no pixels");
+    EXPECT_EQ(with_size(INT_MIN, INT_MIN), "the picture has no pixels");
+
+    // A PNG file of a few bytes that claims 16384 by 16384 pixels; its checksum is made for that.
+    const std::string small = path_of("small.png");
+    write_png(small, 1, 1, 8, PNG_COLOR_TYPE_GRAY, {{0}});
+    std::string png = bytes_of(small);
+    const auto check = [&](const std::string &reason) {
+        std::uint32_t remainder = ~0u;
+        for (std::size_t i = 12; i < 29; ++i) { // CRC-32 of chunk type and data
+            remainder ^= static_cast<unsigned char>(png[i]);
+            for (int bit = 0; bit < 8; ++bit)
+                remainder = remainder & 1 ? remainder >> 1 ^ 0xedb88320u : remainder >> 1;
+        }
+        for (std::size_t i = 0; i < 4; ++i)
+            png[29 + i] = static_cast<char>(~remainder >> (24 - 8 * i));
+        write_bytes(small, png);
+        EXPECT_EQ(vantor::read_picture(small).why_not, reason);
+    };
+    png[18] = png[22] = 0x40; // big-endian sizes at 16 and 20
+    png[19] = png[23] = 0;
+    check("the file is too short for its picture");
+    png[17] = png[21] = 1;
+    check("the picture has more than 268435456 pixels");
+}
+
+} // namespace
