@@ -1,6 +1,8 @@
 // Shape: what can be placed, in its own space.
 #include "libvantor/shapes/shape.h"
 
+#include "libvantor/shapes/patches.h"
+
 namespace vantor {
 
 namespace {
@@ -17,6 +19,8 @@ template <class Kind> std::optional<Shape> as_shape(std::optional<Kind> kind) {
 std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, const CallReport &report) {
     if (type.name == "mesh")
         return as_shape(make_mesh(parameters, report));
+    if (type.name == "patches")
+        return as_shape(make_patches(parameters, report));
     if (type.name == "quad") {
         std::optional<QuadOrMesh> quad = make_quad(parameters, report);
         if (!quad)

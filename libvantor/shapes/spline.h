@@ -107,26 +107,27 @@ inline VtLong natural_step(const VtMatrix4 &basis) {
     return is_basis(VtHermiteBasis()) ? 2 : 3;
 }
 
-/// The parameters "basis", a matrix4, and "step", an integer, under the names that the type has for them. Left out, the
-/// basis is that of the fallback, and the step the basis's natural one. An unusable basis is reported, and counts as
-/// left out.
-inline Spline make_spline(const Parameters &parameters, std::string_view basis, std::string_view step,
-                          const VtMatrix4 &fallback, const CallReport &report) {
-    Spline spline{fallback, 3};
-    if (parameters.is_given(basis)) {
-        const VtMatrix4 &given = parameters.matrix4(basis);
-        bool is_usable = true;
-        for (int r = 0; r < 4; ++r)
-            for (int c = 0; c < 4; ++c)
-                is_usable &= std::fabs(given[r][c]) <= 1e9;
-        if (is_usable)
-            spline.basis = given;
-        else
-            parameters.complain(basis, "has unusable elements (finite numbers up to 1e9 are wanted); it is left out",
-                                report);
-    }
-    spline.step = parameters.is_given(step) ? parameters.integer(step) : natural_step(spline.basis);
-    return spline;
+/// The matrix4 that is given under that name. Left out, the fallback; so it is after a report if it is unusable.
+inline VtMatrix4 basis_of(const Parameters &parameters, std::string_view name, const VtMatrix4 &fallback,
+                          const CallReport &report) {
+    if (!parameters.is_given(name))
+        return fallback;
+    const VtMatrix4 &basis = parameters.matrix4(name);
+    for (int r = 0; r < 4; ++r)
+        for (int c = 0; c < 4; ++c)
+            if (!(std::fabs(basis[r][c]) <= 1e9)) {
+                parameters.complain(name, "has unusable elements (finite numbers up to 1e9 are wanted); it is left out",
+                                    report);
+                return fallback;
+            }
+    return basis;
+}
+
+/// The parameters "basis", a matrix4, and "step", an integer. Left out, the basis is the fallback, and the step its
+/// natural one.
+inline Spline make_spline(const Parameters &parameters, const VtMatrix4 &fallback, const CallReport &report) {
+    const VtMatrix4 basis = basis_of(parameters, "basis", fallback, report);
+    return {basis, parameters.is_given("step") ? parameters.integer("step") : natural_step(basis)};
 }
 
 } // namespace vantor

@@ -10,6 +10,25 @@ namespace {
 
 using namespace vantor;
 
+// How many of a default's three numbers count.
+std::size_t used_numbers(ValueKind kind) {
+    switch (kind) {
+    case ValueKind::Number:
+    case ValueKind::NumberOrPattern:
+    case ValueKind::Integer:
+    case ValueKind::Switch:
+        return 1;
+    case ValueKind::Vector2:
+        return 2;
+    case ValueKind::Color:
+    case ValueKind::ColorOrPattern:
+    case ValueKind::Vector3:
+        return 3;
+    default:
+        return 0;
+    }
+}
+
 TEST(Vocabulary, EntriesStandInTheOrderOfTheirKinds) {
     const auto all = vocabulary();
     ASSERT_EQ(all.size(), 10u);
@@ -28,8 +47,7 @@ TEST(Vocabulary, NamesAreUniqueAndDefaultsInRange) {
                 EXPECT_FALSE(parameter.meaning.empty());
                 if (parameter.presence != Presence::Default)
                     continue;
-                const std::size_t used = parameter.kind == ValueKind::Number ? 1 : 3;
-                for (std::size_t i = 0; i < used; ++i) {
+                for (std::size_t i = 0; i < used_numbers(parameter.kind); ++i) {
                     EXPECT_GE(parameter.fallback[i], parameter.range.low) << parameter.name;
                     EXPECT_LE(parameter.fallback[i], parameter.range.high) << parameter.name;
                 }
