@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <span>
 
 namespace vantor {
 
@@ -72,6 +73,9 @@ constexpr std::uint32_t spread(std::uint32_t x) {
 /// Diffusion of Monte Carlo Sampling Error via Hierarchical Ordering of Pixels", 2020).
 class Sampler {
   public:
+    /// The first sample of the first pixel.
+    Sampler() : Sampler(0, 0, 0, 1) {}
+
     /// 0 <= x, y < 65536; 0 <= sample < samples.
     Sampler(std::uint32_t x, std::uint32_t y, std::uint32_t sample, std::uint32_t samples) {
         const std::uint64_t pixel = sobol::spread(x) | (sobol::spread(y) << 1);
@@ -81,6 +85,7 @@ class Sampler {
         round = static_cast<std::uint32_t>(index >> 32);
     }
 
+    /// See pairs_of() for many at once.
     Pair pair(std::uint32_t dimension) const {
         const std::uint32_t seed = seed_of(dimension);
         const std::uint32_t index = shuffled(seed);
@@ -117,5 +122,8 @@ class Sampler {
     std::uint32_t reversed_index;
     std::uint32_t round;
 };
+
+/// The pairs of many samples in one dimension, in as many lanes as the processor has.
+void pairs_of(std::span<const Sampler> samplers, std::uint32_t dimension, std::span<Pair> result);
 
 } // namespace vantor

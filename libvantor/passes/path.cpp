@@ -74,10 +74,18 @@ void add_light_from_afar(Path &path, const World &world) {
     });
 }
 
+// The numbers of one step of a path: the two pairs that nearly every step needs, and the way to the others.
+struct Numbers {
+    const Sampler &sampler;
+    std::uint32_t dimension;
+    Pair light_point;
+    Pair next_direction;
+};
+
 // A sampled point of a sampled light, as seen from a point of the path; false if none can arrive.
-bool sample_light(const Path &path, Vec3 reference, std::uint32_t dimension, const World &world, LightSample &light) {
-    const double choice = world.lights.has_choice() ? path.sampler.single(dimension + light_choice) : 0.0;
-    return world.lights.sample(reference, choice, path.sampler.pair(dimension + light_point), light);
+bool sample_light(const Numbers &numbers, Vec3 reference, const World &world, LightSample &light) {
+    const double choice = world.lights.has_choice() ? numbers.sampler.single(numbers.dimension + light_choice) : 0.0;
+    return world.lights.sample(reference, choice, numbers.light_point, light);
 }
 
 // Notes what a sampled light brings if it arrives at `from`: value * cosine * radiance / density.
@@ -96,12 +104,12 @@ void add_direct_light(Path &path, Vec3 from, const MediumStack &media, const Lig
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle
 // Transport and Image Synthesis", 1990).
-bool survives_roulette(Path &path, std::uint32_t dimension) {
+bool survives_roulette(Path &path, const Numbers &numbers) {
     const float survives = std::min(largest_component(path.throughput), 0.95f);
     if (!(survives > 0))
         return false;
     if (path.scatterings++ >= first_roulette) {
-        if (path.sampler.unstratified(dimension + survival) >= survives)
+        if (numbers.sampler.unstratified(numbers.dimension + survival) >= survives)
             return false;
         path.throughput = path.throughput * (1 / survives);
     }
@@ -115,19 +123,19 @@ bool leave(Path &path, Vec3 origin, Vec3 direction) {
 
 // A path at a surface, and at a point of a medium: looks for light there, and tells whether the path goes on.
 
-bool meet_surface(Path &path, const Hit &hit, std::uint32_t dimension, const World &world, SampledLight &direct) {
+bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const World &world, SampledLight &direct) {
     const Placement &placement = world.placements[hit.placement];
     const Surface surface(hit, path.ray.direction, world);
     add_emitted_light(path, hit, surface, world);
 
     const float opacity = surface.opacity();
-    if (opacity < 1 && path.sampler.unstratified(dimension + passage) >= opacity) {
+    if (opacity < 1 && numbers.sampler.unstratified(numbers.dimension + passage) >= opacity) {
         cross_surface(path.media, placement, hit, path.ray.direction);
         return leave(path, hit.origin_towards(path.ray.direction), path.ray.direction);
     }
 
     LightSample light;
-    if (!surface.is_specular() && sample_light(path, hit.point, dimension, world, light)) {
+    if (!surface.is_specular() && sample_light(numbers, hit.point, world, light)) {
         MediumStack media = path.media;
         if (surface.is_crossed(light.to_light))
             cross_surface(media, placement, hit, light.to_light);
@@ -136,11 +144,10 @@ bool meet_surface(Path &path, const Hit &hit, std::uint32_t dimension, const Wor
     }
 
     ScatteringSample next;
-    if (!surface.sample(path.sampler.pair(dimension + next_direction), path.sampler.unstratified(dimension + lobe),
-                        next))
+    if (!surface.sample(numbers.next_direction, numbers.sampler.unstratified(numbers.dimension + lobe), next))
         return false;
     path.throughput *= next.weight;
-    if (!survives_roulette(path, dimension))
+    if (!survives_roulette(path, numbers))
         return false;
     if (surface.is_crossed(next.in))
         cross_surface(path.media, placement, hit, next.in);
@@ -150,17 +157,17 @@ bool meet_surface(Path &path, const Hit &hit, std::uint32_t dimension, const Wor
     return leave(path, hit.origin_towards(next.in), next.in);
 }
 
-bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, std::uint32_t dimension, const World &world,
+bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, const Numbers &numbers, const World &world,
                        SampledLight &direct) {
     const Vec3 before = path.ray.direction;
     LightSample light;
-    if (sample_light(path, point, dimension, world, light)) {
+    if (sample_light(numbers, point, world, light)) {
         const float phase = medium.phase(dot(before, light.to_light));
         add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, direct);
     }
 
-    const Vec3 direction = medium.sample_direction(before, path.sampler.pair(dimension + next_direction));
-    if (!survives_roulette(path, dimension))
+    const Vec3 direction = medium.sample_direction(before, numbers.next_direction);
+    if (!survives_roulette(path, numbers))
         return false;
     path.vertex = point;
     path.direction_density = medium.phase(dot(before, direction));
@@ -169,18 +176,18 @@ bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, std::uint32
 }
 
 // One step of a path, whose ray hits something or nothing.
-bool advance(Path &path, const Hit &hit, std::uint32_t dimension, const World &world, SampledLight &direct) {
+bool advance(Path &path, const Hit &hit, const Numbers &numbers, const World &world, SampledLight &direct) {
     if (path.media.innermost() != MediumStack::none) {
         const Medium &medium = world.media_of(path.media);
         const Medium::Flight flight =
-            medium.fly(hit.exists ? hit.distance : INFINITY, path.sampler.pair(dimension + flight_distance));
+            medium.fly(hit.exists ? hit.distance : INFINITY, numbers.sampler.pair(numbers.dimension + flight_distance));
         path.throughput *= flight.weight;
         if (flight.is_scattered)
-            return scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, dimension,
+            return scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, numbers,
                                      world, direct);
     }
     if (hit.exists)
-        return meet_surface(path, hit, dimension, world, direct);
+        return meet_surface(path, hit, numbers, world, direct);
     add_light_from_afar(path, world);
     return false;
 }
@@ -197,6 +204,9 @@ void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_
         growing.push_back(&path);
     std::vector<Ray> rays(paths.size());
     std::vector<Hit> hits(paths.size());
+    std::vector<Sampler> samplers(paths.size());
+    std::vector<Pair> light_points(paths.size());
+    std::vector<Pair> next_directions(paths.size());
     SampledLight direct;
     std::vector<Color> arriving;
 
@@ -206,13 +216,19 @@ void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_
         const std::size_t path_count = growing.size();
         for (std::size_t i = 0; i < path_count; ++i)
             rays[i] = growing[i]->ray;
+        for (std::size_t i = 0; i < path_count; ++i)
+            samplers[i] = growing[i]->sampler;
         world.tracer.nearest(std::span(rays).first(path_count), step == 0, hits);
 
         // What they find there, and where they go on.
+        const std::span<const Sampler> growing_samplers = std::span(samplers).first(path_count);
+        pairs_of(growing_samplers, dimension + light_point, light_points);
+        pairs_of(growing_samplers, dimension + next_direction, next_directions);
         direct.clear();
         std::size_t still_growing = 0;
         for (std::size_t i = 0; i < path_count; ++i)
-            if (advance(*growing[i], hits[i], dimension, world, direct))
+            if (advance(*growing[i], hits[i], {samplers[i], dimension, light_points[i], next_directions[i]}, world,
+                        direct))
                 growing[still_growing++] = growing[i];
         growing.resize(still_growing);
 

@@ -72,4 +72,16 @@ TEST(Random, DimensionsAreUncorrelated) {
         }
 }
 
+TEST(Random, ManyAtOnceAreTheSameNumbers) {
+    std::vector<Sampler> samplers;
+    for (std::uint32_t i = 0; i < 37; ++i) // whole lanes, and a rest
+        samplers.emplace_back(i * 77, i * 1234, i, 64);
+    std::vector<vantor::Pair> pairs(samplers.size());
+    vantor::pairs_of(samplers, 12, pairs);
+    for (std::size_t i = 0; i < samplers.size(); ++i) {
+        EXPECT_EQ(pairs[i].u, samplers[i].pair(12).u);
+        EXPECT_EQ(pairs[i].v, samplers[i].pair(12).v);
+    }
+}
+
 } // namespace
