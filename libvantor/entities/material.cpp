@@ -4,13 +4,29 @@
 namespace vantor {
 
 Scattering make_scattering(const Type &, const Parameters &parameters) {
-    const Vec3 reflectance = to_float(parameters.vector("reflectance"));
-    return Diffuse{{reflectance.x, reflectance.y, reflectance.z}};
+    return Diffuse{color_in(parameters.vector("reflectance"))};
+}
+
+Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find) {
+    // What is the same everywhere is settled here; the rest is asked at every hit.
+    if (parameters.is_given("color") && !parameters.is_pattern("color"))
+        set_color(scattering, color_in(parameters.vector("color")));
+    if (parameters.is_given("roughness") && !parameters.is_pattern("roughness"))
+        set_roughness(scattering, static_cast<float>(parameters.number("roughness")));
+
+    Variation variation;
+    variation.color = pattern_in(parameters, "color", find);
+    variation.roughness = pattern_in(parameters, "roughness", find);
+    variation.opacity = number_or_pattern(parameters, "opacity", find);
+    variation.is_two_sided = parameters.is_on("two_sided");
+    const bool is_plain = !variation.color && !variation.roughness && !variation.opacity.pattern &&
+                          variation.opacity.number >= 1 && variation.is_two_sided;
+    return {scattering, is_plain ? nullptr : std::make_unique<const Variation>(variation)};
 }
 
 Material default_material() {
     const Type &diffuse = words_of(EntityKind::Material).types[0];
-    return {make_scattering(diffuse, Parameters(diffuse))};
+    return {make_scattering(diffuse, Parameters(diffuse)), nullptr};
 }
 
 } // namespace vantor

@@ -1,20 +1,37 @@
 // Material: what the surfaces of objects are made of.
 #pragma once
 
+#include "libvantor/entities/pattern.h"
 #include "libvantor/scattering/scattering.h"
-#include "libvantor/words/reader.h"
+
+#include <memory>
 
 namespace vantor {
 
+/// How a surface differs from one whose every point is like the others, opaque, and the same from both sides. The
+/// patterns have to outlive it.
+struct Variation {
+    const Pattern *color = nullptr;     ///< In place of the scattering's own; null for that.
+    const Pattern *roughness = nullptr; ///< Likewise.
+    NumberOrPattern opacity{1};
+    bool is_two_sided = true; ///< Otherwise it is not there for those behind it.
+};
+
 struct Material {
     Scattering scattering;
+    std::unique_ptr<const Variation> variation; ///< Null if there is none.
 
     /// Whether light may pass straight through.
-    bool is_see_through() const { return false; }
+    bool is_see_through() const {
+        return variation && (!variation->is_two_sided || variation->opacity.pattern || variation->opacity.number < 1);
+    }
 };
 
 /// Of the type that the script named, an interface, or a material that is one at the same time.
 Scattering make_scattering(const Type &type, const Parameters &parameters);
+
+/// A surface whose interface scatters like that.
+Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find);
 
 /// For objects without a material: "diffuse" with all defaults.
 Material default_material();

@@ -65,8 +65,8 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             current_area_light = entry.index;
         break;
     case EntityKind::Material:
-        if (const std::optional<Scattering> scattering = find_scattering(*type, parameters, call))
-            entry.index = appended(materials, Material{*scattering});
+        if (std::optional<Material> material = find_material(*type, parameters, call))
+            entry.index = appended(materials, std::move(*material));
         break;
     case EntityKind::Object:
         if (std::optional<Shape> shape = make_shape(*type, parameters, call)) {
@@ -74,6 +74,12 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             entry.index = appended(objects, Object{id, std::move(*shape), reach});
         }
         break;
+    case EntityKind::Pattern: {
+        const auto find_used = [&](std::string_view name) { return find_pattern(parameters, name, call); };
+        if (std::optional<Pattern> pattern = make_pattern(*type, parameters, find_used, call))
+            entry.index = appended(patterns, std::move(*pattern));
+        break;
+    }
     case EntityKind::Interior:
         if (interiors.size() < most_interiors)
             entry.index = appended(interiors, make_medium(parameters, call));
@@ -81,7 +87,6 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             call.diagnostic(
                 joined({"there are ", std::to_string(most_interiors), " interiors already, which is the most"}));
         break;
-    case EntityKind::Pattern:
     case EntityKind::Texture:
     case EntityKind::Trimmer:
         break;
@@ -98,29 +103,47 @@ bool Registry::is_in_reach(const Parameters &parameters, const CallReport &call)
     return is_near;
 }
 
-std::optional<Scattering> Registry::find_scattering(const Type &type, const Parameters &parameters,
-                                                    const CallReport &call) const {
+std::optional<Material> Registry::find_material(const Type &type, const Parameters &parameters,
+                                                const CallReport &call) const {
     if (type.name == "diffuse")
-        return make_scattering(type, parameters);
+        return Material{make_scattering(type, parameters), nullptr};
     const int index = find(parameters.id("interface"), EntityKind::Interface, call);
     if (index < 0)
         return {};
-    return interfaces[static_cast<std::size_t>(index)];
+    return make_surface(interfaces[static_cast<std::size_t>(index)], parameters,
+                        [&](std::string_view name) { return find_pattern(parameters, name, call); });
+}
+
+const Pattern *Registry::find_pattern(const Parameters &parameters, std::string_view name,
+                                      const CallReport &call) const {
+    const VtLong id = parameters.id(name);
+    if (const std::string why = why_wrong(id, EntityKind::Pattern); !why.empty()) {
+        const std::string number = std::to_string(id);
+        parameters.complain(name,
+                            joined({"is ", number, ", but ", why,
+                                    " (the id of a pattern is wanted; a number has a decimal point: ", number, ".0)"}),
+                            call);
+        return nullptr;
+    }
+    const int index = entries.at(id).index;
+    return index < 0 ? nullptr : &patterns[static_cast<std::size_t>(index)];
+}
+
+std::string Registry::why_wrong(VtLong id, EntityKind kind) const {
+    const auto found = entries.find(id);
+    if (found == entries.end())
+        return joined({"no entity has the id ", std::to_string(id)});
+    if (found->second.kind != kind)
+        return joined({"id ", std::to_string(id), " is ", words_of(found->second.kind).noun});
+    return {};
 }
 
 int Registry::find(VtLong id, EntityKind kind, const CallReport &call) const {
-    const std::string wanted = joined({" (the id of ", words_of(kind).noun, " is wanted)"});
-    const auto found = entries.find(id);
-    if (found == entries.end()) {
-        call.diagnostic(joined({"no entity has the id ", std::to_string(id), wanted}));
+    if (const std::string why = why_wrong(id, kind); !why.empty()) {
+        call.diagnostic(joined({why, " (the id of ", words_of(kind).noun, " is wanted)"}));
         return -1;
     }
-    const Entry &entry = found->second;
-    if (entry.kind != kind) {
-        call.diagnostic(joined({"id ", std::to_string(id), " is ", words_of(entry.kind).noun, wanted}));
-        return -1;
-    }
-    return entry.index;
+    return entries.at(id).index;
 }
 
 void Registry::begin_imager(VtLong id) {

@@ -86,8 +86,15 @@ class Registry {
 
     // The index of an entity of that kind; -1, reported if there never was such an id.
     int find(VtLong id, EntityKind kind, const CallReport &call) const;
-    std::optional<Scattering> find_scattering(const Type &type, const Parameters &parameters,
-                                              const CallReport &call) const;
+
+    // What is wrong with an id that should be of that kind; empty if nothing is.
+    std::string why_wrong(VtLong id, EntityKind kind) const;
+
+    // The pattern whose id a parameter is; null, reported, if it is none.
+    const Pattern *find_pattern(const Parameters &parameters, std::string_view name, const CallReport &call) const;
+
+    // Nothing if its interface is none, which has been reported.
+    std::optional<Material> find_material(const Type &type, const Parameters &parameters, const CallReport &call) const;
 
     Report &report;
     VtLong last_id = 0;
@@ -98,7 +105,8 @@ class Registry {
     std::vector<Scattering> interfaces;
     std::vector<Medium> interiors;
     std::vector<Light> all_lights;
-    // Placements point to these; a deque moves none of its elements.
+    // Placements, materials and patterns point to these; a deque moves none of its elements.
+    std::deque<Pattern> patterns;
     std::deque<Material> materials;
     std::deque<Object> objects;
     const Material material_of_others = default_material();

@@ -24,6 +24,8 @@ struct Diffuse {
         return true;
     }
 
+    void set_color(Color color) { reflectance = color; }
+    void set_roughness(float) {}
     Color albedo() const { return reflectance; }
     bool is_specular() const { return false; }
 };

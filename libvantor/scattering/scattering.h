@@ -17,6 +17,16 @@ inline bool sample(const Scattering &scattering, Vec3 out, Pair numbers, float c
     return std::visit([&](const auto &lobe) { return lobe.sample(out, numbers, choice, result); }, scattering);
 }
 
+/// Another colour than the one that it was made with.
+inline void set_color(Scattering &scattering, Color color) {
+    std::visit([&](auto &lobe) { lobe.set_color(color); }, scattering);
+}
+
+/// Another roughness, 0 to 1; nothing where a lobe has none.
+inline void set_roughness(Scattering &scattering, float roughness) {
+    std::visit([&](auto &lobe) { lobe.set_roughness(roughness); }, scattering);
+}
+
 inline Color albedo(const Scattering &scattering) {
     return std::visit([](const auto &lobe) { return lobe.albedo(); }, scattering);
 }

@@ -119,6 +119,8 @@ bool is_kind(ValueKind kind, VtArgTag tag) {
         return tag == VtArgTag::Vector2;
     case ValueKind::Vector3:
         return tag == VtArgTag::Vector3;
+    case ValueKind::Scale:
+        return is_number || tag == VtArgTag::Vector2 || tag == VtArgTag::Vector3;
     case ValueKind::Text:
     case ValueKind::Choice:
         return tag == VtArgTag::Text;
@@ -149,6 +151,7 @@ bool has_range(ValueKind kind, VtArgTag tag) {
     case ValueKind::Color:
     case ValueKind::Vector2:
     case ValueKind::Vector3:
+    case ValueKind::Scale:
         return true;
     case ValueKind::NumberOrPattern:
     case ValueKind::ColorOrPattern:
@@ -234,15 +237,23 @@ const Parameters::Value &Parameters::find(std::string_view name) const {
     throw std::logic_error("no such parameter in the table: " + std::string(name));
 }
 
+const Parameter &Parameters::parameter_of(const Value &value) const {
+    return type.parameters[static_cast<std::size_t>(&value - values.data())];
+}
+
 VtVector3 Parameters::vector(std::string_view name) const {
     const std::array<double, 3> &n = find(name).numbers;
     return {n[0], n[1], n[2]};
 }
 
+VtVector3 Parameters::fallback(std::string_view name) const {
+    const std::array<double, 3> &n = parameter_of(find(name)).fallback;
+    return {n[0], n[1], n[2]};
+}
+
 std::string_view Parameters::choice(std::string_view name) const {
     const Value &value = find(name);
-    const Parameter &parameter = type.parameters[static_cast<std::size_t>(&value - values.data())];
-    return value.given ? std::string_view(value.given->Text()) : parameter.choices.front();
+    return value.given ? std::string_view(value.given->Text()) : parameter_of(value).choices.front();
 }
 
 const VtInstanceArray<double> &Parameters::double_array(std::string_view name) const {

@@ -18,6 +18,7 @@ class Parameters {
 
     double number(std::string_view name) const { return find(name).numbers[0]; }
     VtVector3 vector(std::string_view name) const;
+    VtVector3 fallback(std::string_view name) const; ///< Of a value that turns out to be of no use.
     const char *text(std::string_view name) const { return find(name).given->Text(); }
     VtLong integer(std::string_view name) const { return static_cast<VtLong>(number(name)); }
     bool is_on(std::string_view name) const { return number(name) != 0; }
@@ -51,6 +52,7 @@ class Parameters {
         std::array<double, 3> numbers{};
     };
     const Value &find(std::string_view name) const;
+    const Parameter &parameter_of(const Value &value) const;
 
     const Type &type;
     std::vector<Value> values; // in the order of the type's table

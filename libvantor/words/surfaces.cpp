@@ -23,6 +23,24 @@ constexpr Type interfaces_table[] = {
 
 constexpr Parameter surface_parameters[] = {
     {"interface", ValueKind::InterfaceId, any, Presence::Required, none, "", "how the surface scatters light"},
+    {"color", ValueKind::ColorOrPattern, fraction, Presence::Optional, none, "",
+     "in place of the interface's own colour; left out, that stands"},
+    {"roughness", ValueKind::NumberOrPattern, fraction, Presence::Optional, none, "",
+     "in place of the interface's own roughness; left out, that stands"},
+    {"opacity",
+     ValueKind::NumberOrPattern,
+     fraction,
+     Presence::Default,
+     {1},
+     "",
+     "the share of light that meets the surface; the rest passes straight through"},
+    {"two_sided",
+     ValueKind::Switch,
+     off_or_on,
+     Presence::Default,
+     {1, 1, 1},
+     "",
+     "0: seen from behind, the surface is not there"},
 };
 constexpr Type materials_table[] = {
     {"diffuse", "A surface with a diffuse interface, in one step.", diffuse_parameters},

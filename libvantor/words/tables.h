@@ -12,5 +12,6 @@ std::span<const Type> interior_types();
 std::span<const Type> light_types();
 std::span<const Type> material_types();
 std::span<const Type> object_types();
+std::span<const Type> pattern_types();
 
 } // namespace vantor::words

@@ -17,7 +17,7 @@ std::span<const EntityWords> all_words() {
         {EntityKind::Light, "newLight", "a light", "lights", words::light_types()},
         {EntityKind::Material, "newMaterial", "a material", "materials", words::material_types()},
         {EntityKind::Object, "newObject", "an object", "objects", words::object_types()},
-        {EntityKind::Pattern, "newPattern", "a pattern", "patterns", {}},
+        {EntityKind::Pattern, "newPattern", "a pattern", "patterns", words::pattern_types()},
         {EntityKind::Texture, "newTexture", "a texture", "textures", {}},
         {EntityKind::Trimmer, "newTrimmer", "a trimmer", "trimmers", {}},
     };
@@ -44,6 +44,8 @@ std::string_view name_of(ValueKind kind) {
         return "vector2";
     case ValueKind::Vector3:
         return "vector3";
+    case ValueKind::Scale:
+        return "number, vector2 or vector3";
     case ValueKind::Text:
         return "text";
     case ValueKind::Choice:

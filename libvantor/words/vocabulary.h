@@ -19,6 +19,7 @@ enum class ValueKind {
     Color,           ///< A vector3, linear Rec. 709; or one number for all three components.
     Vector2,         ///< A vector2.
     Vector3,         ///< A vector3.
+    Scale,           ///< A factor for each coordinate: a vector2, a vector3, or one number for all.
     Text,            ///< A string.
     Choice,          ///< One of the parameter's words. The first is the default.
     InterfaceId,     ///< An integer that newInterface() returned.

@@ -11,20 +11,29 @@ class Surface {
   public:
     Surface(const Hit &hit, Vec3 arriving, const World &world)
         : frame(hit.shading_normal), is_front(dot(hit.geometric_normal, arriving) < 0),
-          out(side_of(frame.local_from_world(-arriving), is_front)), geometric_normal(hit.geometric_normal),
-          scattering(world.placements[hit.placement].material->scattering) {}
+          geometric_normal(hit.geometric_normal), scattering(&world.placements[hit.placement].material->scattering) {
+        const Placement &placement = world.placements[hit.placement];
+        if (placement.material->variation)
+            vary(hit, placement, *placement.material->variation);
+        out = side_of(frame.local_from_world(-arriving), is_front);
+    }
+    Surface(const Surface &) = delete; // it may point into itself
+    Surface &operator=(const Surface &) = delete;
 
     bool arrives_at_front() const { return is_front; }
-    bool is_specular() const { return vantor::is_specular(scattering); }
-    float opacity() const { return 1; }
-    Color albedo() const { return vantor::albedo(scattering); }
+    bool is_specular() const { return vantor::is_specular(*scattering); }
+
+    /// The share of light that meets the surface, 0 to 1; the rest passes straight through.
+    float opacity() const { return opaque_share; }
+
+    Color albedo() const { return vantor::albedo(*scattering); }
 
     /// How much of the light from that direction goes back along the path, with the cosine of its direction.
     Scattered evaluate(Vec3 to_light) const {
         const Vec3 in = frame.local_from_world(to_light);
         if (!is_consistent(in.z, to_light))
             return {};
-        Scattered found = vantor::evaluate(scattering, out, in);
+        Scattered found = vantor::evaluate(*scattering, out, in);
         found.value = found.value * std::fabs(in.z);
         return found;
     }
@@ -34,7 +43,7 @@ class Surface {
 
     /// A direction to go on, in world space; false if there is none.
     bool sample(Pair numbers, float choice, ScatteringSample &result) const {
-        if (!vantor::sample(scattering, out, numbers, choice, result))
+        if (!vantor::sample(*scattering, out, numbers, choice, result))
             return false;
         const float z = result.in.z;
         result.in = frame.world_from_local(result.in);
@@ -42,6 +51,9 @@ class Surface {
     }
 
   private:
+    // What differs from point to point.
+    void vary(const Hit &hit, const Placement &placement, const Variation &variation);
+
     // Where the shading normal leans, part of each of its hemispheres lies on the other side of the surface.
     bool is_consistent(float z, Vec3 direction) const { return z * dot(geometric_normal, direction) > 0; }
 
@@ -57,7 +69,9 @@ class Surface {
     bool is_front;
     Vec3 out;
     Vec3 geometric_normal;
-    const Scattering &scattering;
+    const Scattering *scattering;
+    std::optional<Scattering> varied; // what it points to where the material has a variation
+    float opaque_share = 1;
 };
 
 } // namespace vantor

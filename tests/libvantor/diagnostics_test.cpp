@@ -54,7 +54,7 @@ TEST(Diagnostics, Types) {
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture("wood"), 1); }),
               "vantor: newTexture \"wood\": unknown type (textures have no types yet)\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("wood", list), 2); }),
-              "vantor: newPattern \"wood\": unknown type (patterns have no types yet)\n");
+              "vantor: newPattern \"wood\": unknown type (known: \"checker\", \"gradient\", \"mix\", \"noise\")\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTrimmer("curve", list), 3); }),
               "vantor: newTrimmer \"curve\": unknown type (trimmers have no types yet)\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewInterior(nullptr, list), 4); }),

@@ -1,6 +1,8 @@
 // Random calls with random parameter lists: nothing crashes, every id is a new one.
 #include "tests/libvantor/scripted_scene.h"
 
+#include "libvantor/words/vocabulary.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <random>
@@ -25,58 +27,28 @@ class Dice {
     }
     VtVector3 vector() { return {number(), number(), number()}; }
 
-    const char *text() {
-        static const char *const texts[] = {"position",
-                                            "target",
-                                            "up",
-                                            "fov",
-                                            "name",
-                                            "exposure",
-                                            "reflectance",
-                                            "interface",
-                                            "radiance",
-                                            "direction",
-                                            "irradiance",
-                                            "intensity",
-                                            "min",
-                                            "max",
-                                            "points",
-                                            "triangles",
-                                            "normals",
-                                            "uvs",
-                                            "origin",
-                                            "edge_u",
-                                            "edge_v",
-                                            "corners",
-                                            "center",
-                                            "radius",
-                                            "",
-                                            "fo",
-                                            "\xff\xfe",
-                                            "height",
-                                            "fov_axis",
-                                            "smaller",
-                                            "aperture_radius",
-                                            "focus_distance",
-                                            "angle",
-                                            "cutoff_angle",
-                                            "beam_width",
-                                            "sun_direction",
-                                            "turbidity",
-                                            "sun",
-                                            "scale",
-                                            "target"};
-        return texts[below(std::size(texts))];
+    /// Mostly a name or a word of the type, if there is one.
+    std::string text(const vantor::Type *type) {
+        if (!type || !below(6)) {
+            static const char *const texts[] = {"", "fo", "position", "\xff\xfe"};
+            return texts[below(std::size(texts))];
+        }
+        const vantor::Parameter &parameter = type->parameters[at_random(type->parameters)];
+        if (parameter.choices.empty() || below(2))
+            return std::string(parameter.name);
+        return std::string(parameter.choices[at_random(parameter.choices)]);
     }
-    const char *type() {
-        static const char *const types[] = {
-            "perspective", "orthographic", "panorama", "environment", "sky",  "spot", "file",   "diffuse", "surface",
-            "area",        "distant",      "point",    "box",         "mesh", "quad", "sphere", "unknown"};
-        const int i = below(std::size(types) + 1);
-        return i == std::size(types) ? nullptr : types[i];
+    /// Null for an unknown one.
+    const vantor::Type *type(vantor::EntityKind kind) {
+        const auto types = vantor::words_of(kind).types;
+        return types.empty() || !below(10) ? nullptr : &types[at_random(types)];
     }
 
   private:
+    template <class Elements> std::size_t at_random(const Elements &elements) {
+        return static_cast<std::size_t>(below(static_cast<int>(elements.size())));
+    }
+
     std::mt19937 engine;
 };
 
@@ -85,6 +57,7 @@ struct Arrays {
     scripted::Points points;
     scripted::Indices indices;
     VtInstanceArray<VtVector2> vector2s;
+    VtInstanceArray<double> doubles;
 
     explicit Arrays(Dice &dice) {
         for (int i = dice.below(12); i > 0; --i)
@@ -92,19 +65,21 @@ struct Arrays {
         for (int i = dice.below(12); i > 0; --i)
             indices.Add(dice.below(14) - 1);
         vector2s.SetSize(dice.below(4) - 1);
+        for (int i = dice.below(6); i > 0; --i)
+            doubles.Add(dice.number());
     }
 };
 
-void fill(List &list, Dice &dice, const Arrays &arrays) {
+void fill(List &list, Dice &dice, const vantor::Type *type, const Arrays &arrays) {
     for (int i = dice.below(9); i > 0; --i) {
         if (dice.below(8))
-            list.add(dice.text());
-        switch (dice.below(9)) {
+            list.add(dice.text(type));
+        switch (dice.below(11)) {
         case 0:
             list.add(dice.below(40) - 2);
             break;
         case 1:
-            list.add(dice.text());
+            list.add(dice.text(type));
             break;
         case 2:
             list.add(arrays.points);
@@ -120,6 +95,12 @@ void fill(List &list, Dice &dice, const Arrays &arrays) {
             break;
         case 6:
             list.add(VtMatrix4());
+            break;
+        case 7:
+            list.add(arrays.doubles);
+            break;
+        case 8:
+            list.add(VtVector2(dice.number(), dice.number()));
             break;
         default:
             list.add(dice.vector());
@@ -149,11 +130,20 @@ VtTransform random_transform(Dice &dice) {
 
 TEST(RandomLists, NothingCrashes) {
     setenv("VANTOR_DIAGNOSTICS", "silent", 1);
-    using Create = VtLong (VtLocalSceneProxy::*)(const char *, VtArgList &);
-    const Create creations[] = {
-        &VtLocalSceneProxy::NewCamera,   &VtLocalSceneProxy::NewImager,  &VtLocalSceneProxy::NewInterface,
-        &VtLocalSceneProxy::NewInterior, &VtLocalSceneProxy::NewLight,   &VtLocalSceneProxy::NewMaterial,
-        &VtLocalSceneProxy::NewObject,   &VtLocalSceneProxy::NewPattern, &VtLocalSceneProxy::NewTrimmer};
+    using vantor::EntityKind;
+    struct Creation {
+        EntityKind kind;
+        VtLong (VtLocalSceneProxy::*create)(const char *, VtArgList &);
+    };
+    const Creation creations[] = {{EntityKind::Camera, &VtLocalSceneProxy::NewCamera},
+                                  {EntityKind::Imager, &VtLocalSceneProxy::NewImager},
+                                  {EntityKind::Interface, &VtLocalSceneProxy::NewInterface},
+                                  {EntityKind::Interior, &VtLocalSceneProxy::NewInterior},
+                                  {EntityKind::Light, &VtLocalSceneProxy::NewLight},
+                                  {EntityKind::Material, &VtLocalSceneProxy::NewMaterial},
+                                  {EntityKind::Object, &VtLocalSceneProxy::NewObject},
+                                  {EntityKind::Pattern, &VtLocalSceneProxy::NewPattern},
+                                  {EntityKind::Trimmer, &VtLocalSceneProxy::NewTrimmer}};
     for (unsigned seed = 0; seed < 60; ++seed) {
         Dice dice(seed);
         Scene scene;
@@ -196,8 +186,11 @@ TEST(RandomLists, NothingCrashes) {
             default: {
                 const Arrays arrays(dice);
                 List list;
-                fill(list, dice, arrays);
-                EXPECT_TRUE(ids.insert((scene.*creations[dice.below(std::size(creations))])(dice.type(), list)).second);
+                const Creation &creation = creations[dice.below(std::size(creations))];
+                const vantor::Type *type = dice.type(creation.kind);
+                fill(list, dice, type, arrays);
+                // The names of types are literals, each with its zero.
+                EXPECT_TRUE(ids.insert((scene.*creation.create)(type ? type->name.data() : nullptr, list)).second);
             }
             }
         }

@@ -1,0 +1,116 @@
+// Materials: what their surfaces do with patterns.
+#include "tests/libvantor/scripted_scene.h"
+
+namespace {
+
+using scripted::errors_of;
+using scripted::List;
+using scripted::Rgb;
+using scripted::Scene;
+
+constexpr double pi = 3.14159265358979;
+
+// A square from -1 to 1 that faces the camera, and nothing else; u and v run from 0 to 1. A distant light that shines
+// straight at it with the irradiance pi makes a diffuse surface as bright as its reflectance.
+class Square : public Scene {
+  public:
+    Square() {
+        camera({0, 0, 2}, {0, 0, 0}, 53.13010235415598); // the square fills the picture
+        light("distant", "irradiance", pi);
+    }
+    VtLong interface(double reflectance) {
+        List list("reflectance", reflectance);
+        return NewInterface("diffuse", list);
+    }
+    template <class... Values> VtLong pattern(const char *type, const Values &...values) {
+        List list(values...);
+        return NewPattern(type, list);
+    }
+    template <class... Values> VtLong surface(const Values &...values) {
+        List list("interface", static_cast<int>(interface(0.5)), values...);
+        return NewMaterial("surface", list);
+    }
+    void add(VtLong material) {
+        MaterialBegin(material);
+        AddObject(
+            object("quad", "origin", VtVector3(-1, -1, 0), "edge_u", VtVector3(2, 0, 0), "edge_v", VtVector3(0, 2, 0)));
+        MaterialEnd();
+    }
+};
+
+// The square has this colour. The outermost pixels also see what is beside it.
+void expect_color(const scripted::Pixels &pixels, const Rgb &wanted, double tolerance = 1e-5) {
+    for (int y = 1; y < pixels.height - 1; ++y)
+        for (int x = 1; x < pixels.width - 1; ++x)
+            for (std::size_t i = 0; i < 3; ++i)
+                EXPECT_NEAR(pixels.at(x, y)[i], wanted[i], tolerance) << x << " " << y;
+}
+
+TEST(Material, AColorOrARoughnessTakesThePlaceOfTheInterfaces) {
+    Square scene;
+    scene.add(scene.surface("color", VtVector3(0.2, 0.4, 0.6), "roughness", 0.3));
+    expect_color(scene.render(4, 4, 4), {0.2f, 0.4f, 0.6f});
+}
+
+TEST(Material, PatternsLieInTheTextureCoordinates) {
+    Square scene;
+    const VtLong checker = scene.pattern("checker", "a", 0.25, "b", VtVector3(0.5, 0.75, 1), "scale", VtVector2(4, 4));
+    scene.add(scene.surface("color", static_cast<int>(checker)));
+    const scripted::Pixels pixels = scene.render(12, 12, 16);
+    // Each square is three pixels wide, of which the film takes nothing from other squares into the middle one.
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j) {
+            const bool is_a = (i + j) % 2 == 0; // j counts from below
+            const Rgb &pixel = pixels.at(3 * i + 1, 3 * (3 - j) + 1);
+            EXPECT_NEAR(pixel[0], is_a ? 0.25 : 0.5, 1e-5);
+            EXPECT_NEAR(pixel[1], is_a ? 0.25 : 0.75, 1e-5);
+            EXPECT_NEAR(pixel[2], is_a ? 0.25 : 1, 1e-5);
+        }
+}
+
+TEST(Material, PatternsOfTheObjectsSpaceGoWithTheObject) {
+    // The object's plane x = 0 parts the colours; the transform puts it at y = 0.5 and the object's x upwards.
+    Square scene;
+    scripted::Points colors;
+    scripted::fill(colors, {{0.2, 0.2, 0.2}, {0.8, 0.8, 0.8}});
+    VtInstanceArray<double> positions;
+    positions.Add(0.0);
+    positions.Add(0.0);
+    const VtLong gradient = scene.pattern("gradient", "colors", colors, "positions", positions, "space", "object");
+    VtTransform turn, shift;
+    turn.RotationAroundZ(90);
+    shift.Translation({0, 0.5, 0});
+    scene.TransformBegin(shift);
+    scene.TransformBegin(turn);
+    scene.MaterialBegin(scene.surface("color", static_cast<int>(gradient)));
+    scene.AddObject(scene.object("quad", "origin", VtVector3(-3, -3, 0), "edge_u", VtVector3(6, 0, 0), "edge_v",
+                                 VtVector3(0, 6, 0)));
+    scene.MaterialEnd();
+    scene.TransformEnd();
+    scene.TransformEnd();
+    const scripted::Pixels pixels = scene.render(8, 16, 4);
+    for (int x = 0; x < 8; ++x) {
+        EXPECT_NEAR(pixels.at(x, 2)[1], 0.8, 1e-5);
+        EXPECT_NEAR(pixels.at(x, 5)[1], 0.2, 1e-5);
+    }
+}
+
+TEST(Material, NoPatternMakesASurfaceReflectMoreThanArrives) {
+    Square scene;
+    const VtLong bright = scene.pattern("mix", "a", 50.0, "b", 50.0);
+    scene.add(scene.surface("color", static_cast<int>(bright)));
+    expect_color(scene.render(4, 4, 1), {1, 1, 1});
+}
+
+TEST(Material, WrongIdsAreReportedAndTheInterfacesOwnValuesStand) {
+    Square scene;
+    EXPECT_EQ(
+        errors_of([&] { scene.add(scene.surface("color", 1, "roughness", 99)); }),
+        "vantor: newMaterial \"surface\": item 3: parameter \"color\" is 1, but id 1 is a camera (the id of a "
+        "pattern is wanted; a number has a decimal point: 1.0)\n"
+        "vantor: newMaterial \"surface\": item 5: parameter \"roughness\" is 99, but no entity has the id 99 (the "
+        "id of a pattern is wanted; a number has a decimal point: 99.0)\n");
+    expect_color(scene.render(4, 4, 1), {0.5f, 0.5f, 0.5f});
+}
+
+} // namespace
