@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 
@@ -35,6 +36,17 @@ inline std::uint8_t srgb_byte(float linear) {
 /// The linear value of an sRGB one (IEC 61966-2-1), 0 to 1.
 inline float linear_of_srgb(float encoded) {
     return encoded <= 0.04045f ? encoded / 12.92f : std::pow((encoded + 0.055f) / 1.055f, 2.4f);
+}
+
+/// The linear values of all sRGB bytes.
+inline const std::array<float, 256> &linear_bytes() {
+    static const std::array<float, 256> values = [] {
+        std::array<float, 256> result;
+        for (std::size_t i = 0; i < result.size(); ++i)
+            result[i] = linear_of_srgb(static_cast<float>(i) / 255);
+        return result;
+    }();
+    return values;
 }
 
 } // namespace vantor

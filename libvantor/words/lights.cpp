@@ -36,7 +36,8 @@ constexpr Parameter distant_parameters[] = {
 };
 constexpr Parameter environment_parameters[] = {
     {"name", ValueKind::Text, any, Presence::Optional, none, "",
-     "a .png or .exr picture of all directions, longitude across and latitude upwards; left out, all are alike"},
+     "a PNG, JPEG or OpenEXR picture of all directions, longitude across and latitude upwards; left out, all are "
+     "alike"},
     {"radiance",
      ValueKind::Color,
      not_negative,
