@@ -10,11 +10,12 @@ double cumulate(std::span<const double> weights, std::span<float> sums) {
     double total = 0;
     for (const double weight : weights)
         total += weight;
+    const double scale = total > 0 ? 1 / total : 0.0;
     double sum = 0;
     sums[0] = 0;
     for (std::size_t i = 0; i < weights.size(); ++i) {
         sum += weights[i];
-        sums[i + 1] = total > 0 ? static_cast<float>(sum / total) : 0.0f;
+        sums[i + 1] = static_cast<float>(sum * scale);
     }
     // Rounding may leave it below the largest number, which would then find nothing. The weights that follow the last
     // one above 0 are to stay empty.

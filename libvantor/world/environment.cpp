@@ -20,12 +20,14 @@ std::vector<float> interpolated_luminances(const Raster &picture, Color scale) {
     const auto columns = static_cast<std::size_t>(picture.width);
     const auto rows = static_cast<std::size_t>(picture.height);
     std::vector<float> across(columns * rows);
-    for (std::size_t r = 0; r < rows; ++r)
-        for (std::size_t c = 0; c < columns; ++c) {
-            const auto at = [&](std::size_t column) { return luminance(picture.pixels[r * columns + column] * scale); };
+    std::vector<float> line(columns);
+    for (std::size_t r = 0; r < rows; ++r) {
+        for (std::size_t c = 0; c < columns; ++c)
+            line[c] = luminance(picture.pixels[r * columns + c] * scale);
+        for (std::size_t c = 0; c < columns; ++c)
             across[r * columns + c] =
-                mean_of_neighbours(at(c > 0 ? c - 1 : columns - 1), at(c), at(c + 1 < columns ? c + 1 : 0));
-        }
+                mean_of_neighbours(line[c > 0 ? c - 1 : columns - 1], line[c], line[c + 1 < columns ? c + 1 : 0]);
+    }
     std::vector<float> result(columns * rows);
     for (std::size_t r = 0; r < rows; ++r)
         for (std::size_t c = 0; c < columns; ++c) {
