@@ -1,6 +1,8 @@
 // Builder: placed objects as Embree scenes.
 #include "libvantor/geometry/builder.h"
 
+#include "libvantor/geometry/analytic.h"
+
 #include <new>
 
 namespace vantor {
@@ -71,19 +73,14 @@ class Builder {
         return std::visit([&](const auto &kind) { return geometry_of(kind, map); }, shape);
     }
 
-    // The object outlives the scene and does not change: Embree may read its triangles where they are.
     OwnedGeometry geometry_of(const TriangleMesh &mesh, const Affine &map) {
-        OwnedGeometry geometry = geometry_of_points(mesh, map);
-        rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, mesh.triangles.data(), 0,
-                                   sizeof(TriangleMesh::Triangle), mesh.triangles.size());
-        return geometry;
-    }
-
-    OwnedGeometry geometry_of_points(const TriangleMesh &mesh, const Affine &map) {
         OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_TRIANGLE);
         Vec3 *points = new_buffer<Vec3>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT3, mesh.points.size());
         for (const Vec3 &p : mesh.points)
             *points++ = map.point(p);
+        auto *triangles = new_buffer<TriangleMesh::Triangle>(geometry.get(), RTC_BUFFER_TYPE_INDEX, RTC_FORMAT_UINT3,
+                                                             mesh.triangles.size());
+        std::ranges::copy(mesh.triangles, triangles);
         return geometry;
     }
 
@@ -96,11 +93,7 @@ class Builder {
             mesh.triangles.push_back({first, first + 1, first + 2});
             mesh.triangles.push_back({first, first + 2, first + 3});
         }
-        OwnedGeometry geometry = geometry_of_points(mesh, map);
-        auto *triangles = new_buffer<TriangleMesh::Triangle>(geometry.get(), RTC_BUFFER_TYPE_INDEX, RTC_FORMAT_UINT3,
-                                                             mesh.triangles.size());
-        std::ranges::copy(mesh.triangles, triangles);
-        return geometry;
+        return geometry_of(mesh, map);
     }
 
     OwnedGeometry geometry_of(const Sphere &sphere, const Affine &map) {
@@ -108,6 +101,15 @@ class Builder {
         const Vec3 center = map.point(sphere.center);
         auto *buffer = new_buffer<std::array<float, 4>>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT4, 1);
         *buffer = {center.x, center.y, center.z, sphere.radius * map.uniform_scale()};
+        return geometry;
+    }
+
+    // By the shape's own formulas, which hold under any transform.
+    template <Analytic Kind> OwnedGeometry geometry_of(const Kind &kind, const Affine &map) {
+        OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_USER);
+        const auto placed = std::make_shared<const PlacedShape<Kind>>(PlacedShape<Kind>{&kind, kind.map.then(map)});
+        built.for_callbacks.push_back(placed);
+        set_callbacks(geometry.get(), *placed);
         return geometry;
     }
 

@@ -43,6 +43,13 @@ template <std::size_t width> struct alignas(4 * width) Mask {
     }
 };
 
+// Whether Embree's normal follows the order of corners.
+struct HasWinding {
+    template <class Kind> bool operator()(const Kind &) const { return true; }
+    bool operator()(const Sphere &) const { return false; }
+    template <Analytic Kind> bool operator()(const Kind &) const { return false; }
+};
+
 Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float u, float v) {
     const TriangleMesh::Triangle &corners = mesh.triangles[triangle];
     return mesh.normals[corners[0]] * (1 - u - v) + mesh.normals[corners[1]] * u + mesh.normals[corners[2]] * v;
@@ -66,7 +73,7 @@ Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placemen
         const Affine world_from_object = to_float(placement.world_from_object);
         const auto *mesh = std::get_if<TriangleMesh>(&placement.object->shape);
         const bool is_instance = built->is_instance[i];
-        const bool has_winding = !std::holds_alternative<Sphere>(placement.object->shape);
+        const bool has_winding = std::visit(HasWinding(), placement.object->shape);
         const bool is_turned = !is_instance && has_winding && world_from_object.determinant < 0;
         decodings.push_back({mesh && !mesh->normals.empty() ? mesh : nullptr, world_from_object.normals,
                              is_turned ? -1.0f : 1.0f, is_instance,

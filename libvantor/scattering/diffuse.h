@@ -28,7 +28,6 @@ struct Diffuse {
     void set_roughness(float) {}
     Color albedo() const { return reflectance; }
     bool is_specular() const { return false; }
-    bool transmits() const { return false; }
 };
 
 } // namespace vantor

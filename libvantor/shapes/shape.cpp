@@ -29,6 +29,14 @@ std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, 
     }
     if (type.name == "box")
         return as_shape(make_box(parameters, report));
+    if (type.name == "cone")
+        return as_shape(make_cone(parameters, report));
+    if (type.name == "cylinder")
+        return as_shape(make_cylinder(parameters, report));
+    if (type.name == "disk")
+        return as_shape(make_disk(parameters, report));
+    if (type.name == "torus")
+        return as_shape(make_torus(parameters, report));
     return make_sphere(parameters);
 }
 

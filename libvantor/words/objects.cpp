@@ -24,18 +24,45 @@ constexpr Parameter box_parameters[] = {
      "length",
      "the corner with the greatest coordinates"},
 };
+constexpr Parameter cone_parameters[] = {
+    {"from", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "the middle of its base"},
+    {"to", ValueKind::Vector3, coordinate, Presence::Default, {0, 1, 0}, "length", "the middle of its tip"},
+    {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "the radius of its base"},
+    {"tip_radius",
+     ValueKind::Number,
+     not_negative_length,
+     Presence::Default,
+     {0},
+     "length",
+     "the radius of its tip, where it is cut off; 0 for a point"},
+    {"caps", ValueKind::Switch, off_or_on, Presence::Default, {1}, "", "whether it is closed"},
+};
+constexpr Parameter cylinder_parameters[] = {
+    {"from", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "the middle of one end"},
+    {"to", ValueKind::Vector3, coordinate, Presence::Default, {0, 1, 0}, "length", "the middle of the other end"},
+    {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "its radius"},
+    {"caps", ValueKind::Switch, off_or_on, Presence::Default, {1}, "", "whether it is closed"},
+};
+constexpr Parameter disk_parameters[] = {
+    {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
+    {"normal", ValueKind::Vector3, direction, Presence::Default, {0, 0, 1}, "", "where its front faces, of any length"},
+    {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "its radius"},
+    {"inner_radius",
+     ValueKind::Number,
+     not_negative_length,
+     Presence::Default,
+     {0},
+     "length",
+     "the radius of a hole in its middle, below \"radius\"; 0 for none"},
+};
 constexpr Parameter mesh_parameters[] = {
-    {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the corners of the faces"},
-    {"triangles", ValueKind::LongArray, any, Presence::Optional, none, "",
-     "three indices of points, from 0, for each triangle; may be left out if there are quads"},
-    {"quads", ValueKind::LongArray, any, Presence::Optional, none, "",
-     "four indices of points, counter-clockwise, for each quad; may be left out if there are triangles"},
+    {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the corners of the triangles"},
+    {"triangles", ValueKind::LongArray, any, Presence::Required, none, "",
+     "three indices of points, from 0, for each triangle"},
     {"normals", ValueKind::Vector3Array, any, Presence::Optional, none, "",
      "a normal for each point; left out, triangles are flat"},
     {"uvs", ValueKind::Vector2Array, any, Presence::Optional, none, "",
-     "a texture coordinate for each point; left out, each triangle has 0 to 1 along its first and last edge"},
-    {"colors", ValueKind::Vector3Array, any, Presence::Optional, none, "",
-     "a colour for each point, components from 0, which the material's colour is multiplied with"},
+     "a texture coordinate for each point; counted, but nothing reads it yet"},
 };
 constexpr Parameter patches_parameters[] = {
     {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length",
@@ -94,13 +121,35 @@ constexpr Parameter sphere_parameters[] = {
     {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
     {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "its radius"},
 };
+constexpr Parameter torus_parameters[] = {
+    {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
+    {"axis", ValueKind::Vector3, direction, Presence::Default, {0, 1, 0}, "", "the axis of the ring, of any length"},
+    {"major_radius",
+     ValueKind::Number,
+     size,
+     Presence::Default,
+     {1},
+     "length",
+     "from the centre to the middle of the tube"},
+    {"minor_radius",
+     ValueKind::Number,
+     size,
+     Presence::Default,
+     {0.25},
+     "length",
+     "the radius of the tube, at most \"major_radius\""},
+};
 constexpr Type objects_table[] = {
     {"box", "A box along the axes; its front is outside.", box_parameters},
-    {"mesh", "Triangles and quads; the front is where their corners appear counter-clockwise.", mesh_parameters},
+    {"cone", "A cone, to its point or cut off; its front is outside.", cone_parameters},
+    {"cylinder", "A cylinder; its front is outside.", cylinder_parameters},
+    {"disk", "A disk, with or without a hole.", disk_parameters},
+    {"mesh", "Triangles; the front is where their corners appear counter-clockwise.", mesh_parameters},
     {"patches", "A grid of bicubic patches; its front is where u, v and the normal are right-handed.",
      patches_parameters},
     {"quad", "A parallelogram, or any four corners.", quad_parameters},
     {"sphere", "A sphere; its front is outside.", sphere_parameters},
+    {"torus", "A ring; its front is outside.", torus_parameters},
 };
 
 } // namespace

@@ -5,6 +5,7 @@ namespace vantor {
 
 namespace {
 
+// From its corner and the neighbours of that, in the order that the front sees as counter-clockwise.
 FlatEmitter flat_emitter(const Affine &map, Vec3 a, Vec3 b, Vec3 d, bool is_triangle, Color radiance) {
     const Vec3 corner = map.point(a);
     const Vec3 edge_u = map.point(b) - corner;
@@ -13,7 +14,31 @@ FlatEmitter flat_emitter(const Affine &map, Vec3 a, Vec3 b, Vec3 d, bool is_tria
     const float area = length(normal);
     // A mirroring transform turns the winding round, but not the side that shines.
     const float front = std::copysign(1.0f, map.determinant);
-    return {corner, edge_u, edge_v, normal * (front / area), is_triangle ? 0.5f * area : area, is_triangle, radiance};
+    const auto outline = is_triangle ? FlatEmitter::Outline::Triangle : FlatEmitter::Outline::Parallelogram;
+    return {corner, edge_u, edge_v, normal * (front / area), is_triangle ? 0.5f * area : area, outline, 0, radiance};
+}
+
+// The image of a disk is an ellipse, whose points are as dense as the disk's.
+FlatEmitter flat_emitter(const Affine &map, const Disk &disk, Color radiance) {
+    const CanonicalMap world_from_disk = disk.map.then(map);
+    const Vec3 edge_u = to_float(world_from_disk.image_z);
+    const Vec3 edge_v = to_float(world_from_disk.image_x);
+    const Vec3 normal = to_float(unit(world_from_disk.normal({0, 1, 0})));
+    const auto squared_hole = static_cast<float>(disk.hole * disk.hole);
+    const float area = pi * (1 - squared_hole) * length(cross(edge_u, edge_v));
+    return {to_float(world_from_disk.offset), edge_u,       edge_v,  normal, area,
+            FlatEmitter::Outline::Ring,       squared_hole, radiance};
+}
+
+// A point on it, uniform in area.
+Pair point_on(const FlatEmitter &emitter, Pair numbers) {
+    if (emitter.outline == FlatEmitter::Outline::Triangle)
+        return warp::triangle(numbers);
+    if (emitter.outline == FlatEmitter::Outline::Parallelogram)
+        return numbers;
+    // A disk's squared radius is uniform, and so is a ring's.
+    const Vec3 p = warp::disk({emitter.squared_hole + (1 - emitter.squared_hole) * numbers.u, numbers.v});
+    return {p.x, p.y};
 }
 
 float power(const FlatEmitter &emitter) { return pi * emitter.area * luminance(emitter.radiance); }
@@ -32,7 +57,7 @@ float cone_height(float squared_distance) {
 
 // The light of an emitter at the sampled point; false where its front does not face the reference.
 bool sample_source(const FlatEmitter &emitter, Vec3 reference, Pair numbers, LightSample &result) {
-    const Pair uv = emitter.is_triangle ? warp::triangle(numbers) : numbers;
+    const Pair uv = point_on(emitter, numbers);
     const Vec3 point = emitter.corner + emitter.edge_u * uv.u + emitter.edge_v * uv.v;
     const Vec3 difference = point - reference;
     const float squared_distance = dot(difference, difference);
@@ -243,6 +268,10 @@ LightSet::Emitters LightSet::add_emitters(const Placement &placement, Color radi
             unit_to_sphere[i][i] = sphere->radius;
         unit_to_sphere[3] = {sphere->center.x, sphere->center.y, sphere->center.z, 1.0};
         const SphereEmitter emitter{to_float(composed(unit_to_sphere, placement.world_from_object)), radiance};
+        add(emitter, power(emitter));
+        return one_for_all;
+    } else if (const auto *disk = std::get_if<Disk>(&placement.object->shape)) {
+        const FlatEmitter emitter = flat_emitter(map, *disk, radiance);
         add(emitter, power(emitter));
         return one_for_all;
     } else {

@@ -20,14 +20,21 @@ struct LightSample {
     float density;      ///< Per solid angle, choice included; above 0 and finite. Unused without extent.
 };
 
-/// A triangle or parallelogram that shines on its front side.
+/// A flat surface that shines on its front side: corner + u * edge_u + v * edge_v.
 struct FlatEmitter {
+    enum class Outline {
+        Parallelogram, ///< u and v from 0 to 1.
+        Triangle,      ///< Likewise, but u + v at most 1.
+        Ring,          ///< u^2 + v^2 from the squared radius of the hole to 1; the corner is its centre.
+    };
+
     Vec3 corner;
     Vec3 edge_u;
     Vec3 edge_v;
     Vec3 normal; ///< Unit length; the front.
     float area;
-    bool is_triangle;
+    Outline outline;
+    float squared_hole;
     Color radiance;
 };
 
