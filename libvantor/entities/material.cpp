@@ -3,10 +3,6 @@
 
 namespace vantor {
 
-Scattering make_scattering(const Type &, const Parameters &parameters) {
-    return Diffuse{color_in(parameters.vector("reflectance"))};
-}
-
 Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find) {
     // What is the same everywhere is settled here; the rest is asked at every hit.
     if (parameters.is_given("color") && !parameters.is_pattern("color"))

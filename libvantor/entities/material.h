@@ -1,8 +1,8 @@
 // Material: what the surfaces of objects are made of.
 #pragma once
 
+#include "libvantor/entities/interface.h"
 #include "libvantor/entities/pattern.h"
-#include "libvantor/scattering/scattering.h"
 
 #include <memory>
 
@@ -26,9 +26,6 @@ struct Material {
         return variation && (!variation->is_two_sided || variation->opacity.pattern || variation->opacity.number < 1);
     }
 };
-
-/// Of the type that the script named, an interface, or a material that is one at the same time.
-Scattering make_scattering(const Type &type, const Parameters &parameters);
 
 /// A surface whose interface scatters like that.
 Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find);

@@ -73,14 +73,19 @@ class Builder {
         return std::visit([&](const auto &kind) { return geometry_of(kind, map); }, shape);
     }
 
+    // The object outlives the scene and does not change: Embree may read its triangles where they are.
     OwnedGeometry geometry_of(const TriangleMesh &mesh, const Affine &map) {
+        OwnedGeometry geometry = geometry_of_points(mesh, map);
+        rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, mesh.triangles.data(), 0,
+                                   sizeof(TriangleMesh::Triangle), mesh.triangles.size());
+        return geometry;
+    }
+
+    OwnedGeometry geometry_of_points(const TriangleMesh &mesh, const Affine &map) {
         OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_TRIANGLE);
         Vec3 *points = new_buffer<Vec3>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT3, mesh.points.size());
         for (const Vec3 &p : mesh.points)
             *points++ = map.point(p);
-        auto *triangles = new_buffer<TriangleMesh::Triangle>(geometry.get(), RTC_BUFFER_TYPE_INDEX, RTC_FORMAT_UINT3,
-                                                             mesh.triangles.size());
-        std::ranges::copy(mesh.triangles, triangles);
         return geometry;
     }
 
@@ -93,7 +98,11 @@ class Builder {
             mesh.triangles.push_back({first, first + 1, first + 2});
             mesh.triangles.push_back({first, first + 2, first + 3});
         }
-        return geometry_of(mesh, map);
+        OwnedGeometry geometry = geometry_of_points(mesh, map);
+        auto *triangles = new_buffer<TriangleMesh::Triangle>(geometry.get(), RTC_BUFFER_TYPE_INDEX, RTC_FORMAT_UINT3,
+                                                             mesh.triangles.size());
+        std::ranges::copy(mesh.triangles, triangles);
+        return geometry;
     }
 
     OwnedGeometry geometry_of(const Sphere &sphere, const Affine &map) {

@@ -28,6 +28,7 @@ struct Diffuse {
     void set_roughness(float) {}
     Color albedo() const { return reflectance; }
     bool is_specular() const { return false; }
+    bool transmits() const { return false; }
 };
 
 } // namespace vantor

@@ -14,10 +14,16 @@ namespace vantor {
 //     bool sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const;
 //     Color albedo() const;
 //     bool is_specular() const;
+//     bool transmits() const;
+//     void set_color(Color value);
+//     void set_roughness(float roughness);
 //
 // sample() draws `in` with the density that evaluate() tells; false if nothing is scattered. The numbers and the choice
 // are uniform in [0, 1). albedo() is the colour: about the fraction that is scattered of light from everywhere.
-// is_specular() says that every sample is, so that evaluate() has nothing to tell.
+// is_specular() says that every sample is, so that evaluate() has nothing to tell. transmits() says whether light may
+// come out on the other side. A pattern may set the colour and the roughness, 0 to 1; the square of the roughness is
+// the alpha of microfacets (Burley, in the course "Practical Physically-Based Shading in Film and Game Production",
+// SIGGRAPH 2012). A lobe without roughness ignores it.
 
 /// How much light goes from one direction to another.
 struct Scattered {

@@ -1,13 +1,15 @@
 // Scattering: how light scatters where two media meet.
 #pragma once
 
+#include "libvantor/scattering/conductor.h"
+#include "libvantor/scattering/dielectric.h"
 #include "libvantor/scattering/diffuse.h"
 
 #include <variant>
 
 namespace vantor {
 
-using Scattering = std::variant<Diffuse>;
+using Scattering = std::variant<Diffuse, Conductor, Dielectric>;
 
 inline Scattered evaluate(const Scattering &scattering, Vec3 out, Vec3 in) {
     return std::visit([&](const auto &lobe) { return lobe.evaluate(out, in); }, scattering);
@@ -33,6 +35,10 @@ inline Color albedo(const Scattering &scattering) {
 
 inline bool is_specular(const Scattering &scattering) {
     return std::visit([](const auto &lobe) { return lobe.is_specular(); }, scattering);
+}
+
+inline bool transmits(const Scattering &scattering) {
+    return std::visit([](const auto &lobe) { return lobe.transmits(); }, scattering);
 }
 
 } // namespace vantor

@@ -55,13 +55,4 @@ inline std::vector<Vec3> floats_of(const VtInstanceArray<VtVector3> &array) {
     return result;
 }
 
-inline std::vector<std::uint32_t> indices_of(const VtInstanceArray<VtLong> &array) {
-    std::vector<std::uint32_t> result;
-    result.reserve(static_cast<std::size_t>(stored_count(array)));
-    // A negative index becomes a very large one, which no mesh has.
-    array.ForEachBlock(
-        [&](const VtLong *elements, VtLong count) { result.insert(result.end(), elements, elements + count); });
-    return result;
-}
-
 } // namespace vantor

@@ -1,114 +1,202 @@
 // Mesh: triangles that share points.
 #include "libvantor/shapes/mesh.h"
 
+#include <iterator>
+
 namespace vantor {
 
 namespace {
 
-// How many triangles are wrong in some way, and the first of them.
+// How many faces are wrong in some way, and the first of them.
 struct Faults {
     std::size_t count = 0;
     std::size_t first = 0;
 
-    void add(std::size_t triangle) {
+    void add(std::size_t face) {
         if (count++ == 0)
-            first = triangle;
+            first = face;
     }
 };
 
-} // namespace
+template <std::size_t corners> using Face = std::array<std::uint32_t, corners>;
 
-std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallReport &report) {
-    bool are_whole = true;
-    for (const char *name : {"points", "normals"})
-        if (parameters.is_given(name))
-            are_whole &= is_whole(parameters.vector3_array(name), name, parameters, report);
-    are_whole &= is_whole(parameters.long_array("triangles"), "triangles", parameters, report);
-    if (parameters.is_given("uvs"))
-        are_whole &= is_whole(parameters.vector2_array("uvs"), "uvs", parameters, report);
-    if (!are_whole)
-        return {};
+// Calls visit(face) for each whole face. The array may be very large: it is not copied.
+template <std::size_t corners, class Visit> void for_each_face(const VtInstanceArray<VtLong> &indices, Visit visit) {
+    Face<corners> face;
+    std::size_t known = 0;
+    indices.ForEachBlock([&](const VtLong *elements, VtLong count) {
+        for (VtLong i = 0; i < count; ++i) {
+            // A negative index becomes a very large one, which no mesh has.
+            face[known++] = static_cast<std::uint32_t>(elements[i]);
+            if (known == corners) {
+                visit(face);
+                known = 0;
+            }
+        }
+    });
+}
 
-    TriangleMesh mesh;
-    mesh.points = floats_of(parameters.vector3_array("points"));
-    const std::size_t point_count = mesh.points.size();
-    const std::vector<std::uint32_t> indices = indices_of(parameters.long_array("triangles"));
-    if (indices.size() % 3 != 0)
-        parameters.complain("triangles",
-                            joined({"has ", std::to_string(indices.size()),
-                                    " indices (three for each triangle are wanted); the rest is left out"}),
-                            report);
+void add_face(TriangleMesh &mesh, const Face<3> &face) { mesh.triangles.push_back(face); }
+
+// Along the diagonal that has a half on either side: a corner that points inwards has only one such.
+void add_face(TriangleMesh &mesh, const Face<4> &face) {
+    const auto point = [&](std::size_t i) { return mesh.points[face[i]]; };
+    const auto normal = [&](std::size_t i, std::size_t j, std::size_t k) {
+        return cross(point(j) - point(i), point(k) - point(i));
+    };
+    const bool turns = dot(normal(0, 1, 2), normal(0, 2, 3)) < 0;
+    const std::size_t first = turns ? 1 : 0;
+    for (const std::size_t second : {first + 1, first + 2}) {
+        const TriangleMesh::Triangle t{face[first], face[second], face[(second + 1) % 4]};
+        if (has_area(mesh.points[t[0]], mesh.points[t[1]], mesh.points[t[2]]))
+            mesh.triangles.push_back(t);
+    }
+}
+
+bool has_area(const TriangleMesh &mesh, const Face<3> &face) {
+    return has_area(mesh.points[face[0]], mesh.points[face[1]], mesh.points[face[2]]);
+}
+bool has_area(const TriangleMesh &mesh, const Face<4> &face) {
+    return has_area(mesh, Face<3>{face[0], face[1], face[2]}) || has_area(mesh, Face<3>{face[0], face[2], face[3]});
+}
+
+// The faces of the parameter, "triangles" or "quads". Those that cannot be used are counted and left out.
+template <std::size_t corners>
+void add_faces(TriangleMesh &mesh, std::string_view name, const Parameters &parameters, const CallReport &report) {
+    const VtInstanceArray<VtLong> &indices = parameters.long_array(name);
+    const auto count = static_cast<std::size_t>(indices.Size());
+    const bool is_triangles = corners == 3;
+    if (count % corners != 0)
+        parameters.complain(
+            name,
+            joined({"has ", std::to_string(count), " indices (", is_triangles ? "three" : "four", " for each ",
+                    is_triangles ? "triangle" : "quad", " are wanted); the rest is left out"}),
+            report);
 
     Faults outside;
     Faults unusable;
     Faults flat;
-    mesh.triangles.reserve(indices.size() / 3);
-    for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {
-        const TriangleMesh::Triangle t{indices[i], indices[i + 1], indices[i + 2]};
-        if (t[0] >= point_count || t[1] >= point_count || t[2] >= point_count) {
-            outside.add(i / 3);
-            continue;
-        }
-        const Vec3 a = mesh.points[t[0]];
-        const Vec3 b = mesh.points[t[1]];
-        const Vec3 c = mesh.points[t[2]];
-        if (!is_usable(a) || !is_usable(b) || !is_usable(c))
-            unusable.add(i / 3);
-        else if (!has_area(a, b, c))
-            flat.add(i / 3);
+    std::size_t number = 0;
+    mesh.triangles.reserve(mesh.triangles.size() + count / corners * (corners - 2));
+    for_each_face<corners>(indices, [&](const Face<corners> &face) {
+        const auto exists = [&](std::uint32_t i) { return i < mesh.points.size(); };
+        const auto is_good = [&](std::uint32_t i) { return is_usable(mesh.points[i]); };
+        if (!std::ranges::all_of(face, exists))
+            outside.add(number);
+        else if (!std::ranges::all_of(face, is_good))
+            unusable.add(number);
+        else if (!has_area(mesh, face))
+            flat.add(number);
         else
-            mesh.triangles.push_back(t);
-    }
-    const auto report_faults = [&](const Faults &faults, std::string_view name, std::string_view what) {
+            add_face(mesh, face);
+        ++number;
+    });
+
+    const auto report_faults = [&](const Faults &faults, std::string_view of, std::string_view what) {
         if (faults.count > 0)
-            parameters.complain(name,
-                                joined({"leaves out ", std::to_string(faults.count), " triangles, the first of them ",
+            parameters.complain(of,
+                                joined({"leaves out ", std::to_string(faults.count), " ", name, ", the first of them ",
                                         std::to_string(faults.first), " (", what, ")"}),
                                 report);
     };
-    report_faults(outside, "triangles",
-                  point_count == 0 ? "there are no points"
-                                   : joined({"indices from 0 to ", std::to_string(point_count - 1), " are wanted"}));
+    report_faults(outside, name,
+                  mesh.points.empty()
+                      ? "there are no points"
+                      : joined({"indices from 0 to ", std::to_string(mesh.points.size() - 1), " are wanted"}));
     report_faults(unusable, "points", "finite coordinates up to 1e9 are wanted");
-    report_faults(flat, "triangles", "corners that span an area are wanted");
+    report_faults(flat, name, "corners that span an area are wanted");
+}
 
-    // Normals and texture coordinates go with the points.
-    const auto check_count = [&](std::string_view name, long count) {
-        const bool is_good = count == static_cast<long>(point_count);
-        if (!is_good)
-            parameters.complain(name,
-                                joined({"has ", std::to_string(count), " elements (one for each of the ",
-                                        std::to_string(point_count), " points is wanted); it is left out"}),
-                                report);
-        return is_good;
+// Normals, texture coordinates and colours go with the points: whether there is one for each.
+bool has_for_each_point(const TriangleMesh &mesh, std::string_view name, VtLong count, const Parameters &parameters,
+                        const CallReport &report) {
+    const bool is_good = static_cast<std::size_t>(count) == mesh.points.size();
+    if (!is_good)
+        parameters.complain(name,
+                            joined({"has ", std::to_string(count), " elements (one for each of the ",
+                                    std::to_string(mesh.points.size()), " points is wanted); it is left out"}),
+                            report);
+    return is_good;
+}
+
+void add_normals(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
+    std::vector<Vec3> normals = floats_of(parameters.vector3_array("normals"));
+    const bool are_usable = std::ranges::all_of(normals, [](Vec3 n) {
+        const float square = dot(n, n);
+        return square > std::numeric_limits<float>::min() && std::isfinite(square);
+    });
+    if (!are_usable)
+        parameters.complain("normals", "has zero or unusable vectors (directions are wanted); it is left out", report);
+    else if (has_for_each_point(mesh, "normals", static_cast<VtLong>(normals.size()), parameters, report))
+        mesh.normals = std::move(normals);
+}
+
+void add_uvs(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
+    const VtInstanceArray<VtVector2> &uvs = parameters.vector2_array("uvs");
+    if (!has_for_each_point(mesh, "uvs", uvs.Size(), parameters, report))
+        return;
+    mesh.uvs.reserve(mesh.points.size());
+    uvs.ForEachBlock([&](const VtVector2 *elements, VtLong count) {
+        for (VtLong i = 0; i < count; ++i)
+            mesh.uvs.push_back({static_cast<float>(elements[i][0]), static_cast<float>(elements[i][1])});
+    });
+    const auto is_usable_pair = [](Pair p) {
+        return std::fabs(p.u) <= largest_reach && std::fabs(p.v) <= largest_reach;
     };
-    if (parameters.is_given("normals")) {
-        std::vector<Vec3> normals = floats_of(parameters.vector3_array("normals"));
-        const bool are_usable = std::ranges::all_of(normals, [](Vec3 n) {
-            const float square = dot(n, n);
-            return square > std::numeric_limits<float>::min() && std::isfinite(square);
-        });
-        if (!are_usable)
-            parameters.complain("normals", "has zero or unusable vectors (directions are wanted); it is left out",
-                                report);
-        else if (check_count("normals", static_cast<long>(normals.size())))
-            mesh.normals = std::move(normals);
+    if (!std::ranges::all_of(mesh.uvs, is_usable_pair)) {
+        parameters.complain("uvs", "has unusable elements (finite coordinates up to 1e9 are wanted); it is left out",
+                            report);
+        mesh.uvs.clear();
     }
-    if (parameters.is_given("uvs") && check_count("uvs", parameters.vector2_array("uvs").Size())) {
-        mesh.uvs.reserve(point_count);
-        parameters.vector2_array("uvs").ForEachBlock([&](const VtVector2 *elements, VtLong count) {
-            for (VtLong i = 0; i < count; ++i)
-                mesh.uvs.push_back({static_cast<float>(elements[i][0]), static_cast<float>(elements[i][1])});
-        });
-        const auto is_usable_pair = [](Pair p) {
-            return std::fabs(p.u) <= largest_reach && std::fabs(p.v) <= largest_reach;
-        };
-        if (!std::ranges::all_of(mesh.uvs, is_usable_pair)) {
-            parameters.complain(
-                "uvs", "has unusable elements (finite coordinates up to 1e9 are wanted); it is left out", report);
-            mesh.uvs.clear();
-        }
-    }
+}
+
+void add_colors(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
+    const std::vector<Vec3> colors = floats_of(parameters.vector3_array("colors"));
+    const bool are_usable =
+        std::ranges::all_of(colors, [](Vec3 c) { return is_usable(c) && c.x >= 0 && c.y >= 0 && c.z >= 0; });
+    if (!are_usable)
+        parameters.complain("colors", "has unusable elements (components from 0 to 1e9 are wanted); it is left out",
+                            report);
+    else if (has_for_each_point(mesh, "colors", static_cast<VtLong>(colors.size()), parameters, report))
+        std::ranges::transform(colors, std::back_inserter(mesh.colors), [](Vec3 c) { return Color{c.x, c.y, c.z}; });
+}
+
+// Whether all that is given is there; and points and faces are.
+bool is_whole_mesh(const Parameters &parameters, const CallReport &report) {
+    bool are_whole = true;
+    for (const char *name : {"points", "normals", "colors"})
+        if (parameters.is_given(name))
+            are_whole &= is_whole(parameters.vector3_array(name), name, parameters, report);
+    for (const char *name : {"triangles", "quads"})
+        if (parameters.is_given(name))
+            are_whole &= is_whole(parameters.long_array(name), name, parameters, report);
+    if (parameters.is_given("uvs"))
+        are_whole &= is_whole(parameters.vector2_array("uvs"), "uvs", parameters, report);
+    if (parameters.is_given("triangles") || parameters.is_given("quads"))
+        return are_whole;
+    report.diagnostic(
+        "neither \"triangles\" nor \"quads\" is given (an intarray: three or four indices of points, from "
+        "0, for each face)");
+    return false;
+}
+
+} // namespace
+
+std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallReport &report) {
+    if (!is_whole_mesh(parameters, report))
+        return {};
+    TriangleMesh mesh;
+    mesh.points = floats_of(parameters.vector3_array("points"));
+    if (parameters.is_given("triangles"))
+        add_faces<3>(mesh, "triangles", parameters, report);
+    if (parameters.is_given("quads"))
+        add_faces<4>(mesh, "quads", parameters, report);
+    if (parameters.is_given("normals"))
+        add_normals(mesh, parameters, report);
+    if (parameters.is_given("uvs"))
+        add_uvs(mesh, parameters, report);
+    if (parameters.is_given("colors"))
+        add_colors(mesh, parameters, report);
 
     if (mesh.triangles.empty()) {
         report.diagnostic("the mesh has no usable triangle; nothing of it will be seen");
@@ -131,16 +219,22 @@ float reach_of(const TriangleMesh &mesh) {
 SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle, Pair weights, Vec3) {
     const TriangleMesh::Triangle &t = mesh.triangles[triangle];
     const Vec3 edge1 = mesh.points[t[1]] - mesh.points[t[0]];
-    const Vec3 edge2 = mesh.points[t[2]] - mesh.points[t[0]];
+    SurfaceParameters result{weights, edge1};
+    if (!mesh.colors.empty())
+        result.color = mesh.colors[t[0]] * (1 - weights.u - weights.v) + mesh.colors[t[1]] * weights.u +
+                       mesh.colors[t[2]] * weights.v;
     if (mesh.uvs.empty())
-        return {weights, edge1};
+        return result;
+
+    const Vec3 edge2 = mesh.points[t[2]] - mesh.points[t[0]];
     const auto [a, b, c] = std::array{mesh.uvs[t[0]], mesh.uvs[t[1]], mesh.uvs[t[2]]};
-    const Pair uv{a.u + (b.u - a.u) * weights.u + (c.u - a.u) * weights.v,
-                  a.v + (b.v - a.v) * weights.u + (c.v - a.v) * weights.v};
-    // The direction in which u grows and v stands still: the edges' changes of (u, v), inverted.
     const float du1 = b.u - a.u, dv1 = b.v - a.v, du2 = c.u - a.u, dv2 = c.v - a.v;
+    result.uv = {a.u + du1 * weights.u + du2 * weights.v, a.v + dv1 * weights.u + dv2 * weights.v};
+    // The direction in which u grows and v stands still: the edges' changes of (u, v), inverted.
     const float determinant = du1 * dv2 - du2 * dv1;
-    return {uv, determinant == 0 ? edge1 : (edge1 * dv2 - edge2 * dv1) * (1 / determinant)};
+    if (determinant != 0)
+        result.along_u = (edge1 * dv2 - edge2 * dv1) * (1 / determinant);
+    return result;
 }
 
 } // namespace vantor

@@ -19,6 +19,7 @@ struct TriangleMesh {
     std::vector<Triangle> triangles;
     std::vector<Vec3> normals; ///< One for each point, or none at all.
     std::vector<Pair> uvs;     ///< One for each point, or none at all.
+    std::vector<Color> colors; ///< One for each point, or none at all.
 };
 
 /// Nothing, after a diagnostic, if there is nothing to see.

@@ -56,13 +56,17 @@ constexpr Parameter disk_parameters[] = {
      "the radius of a hole in its middle, below \"radius\"; 0 for none"},
 };
 constexpr Parameter mesh_parameters[] = {
-    {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the corners of the triangles"},
-    {"triangles", ValueKind::LongArray, any, Presence::Required, none, "",
-     "three indices of points, from 0, for each triangle"},
+    {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the corners of the faces"},
+    {"triangles", ValueKind::LongArray, any, Presence::Optional, none, "",
+     "three indices of points, from 0, for each triangle; may be left out if there are quads"},
+    {"quads", ValueKind::LongArray, any, Presence::Optional, none, "",
+     "four indices of points, counter-clockwise, for each quad; may be left out if there are triangles"},
     {"normals", ValueKind::Vector3Array, any, Presence::Optional, none, "",
      "a normal for each point; left out, triangles are flat"},
     {"uvs", ValueKind::Vector2Array, any, Presence::Optional, none, "",
-     "a texture coordinate for each point; counted, but nothing reads it yet"},
+     "a texture coordinate for each point; left out, each triangle has 0 to 1 along its first and last edge"},
+    {"colors", ValueKind::Vector3Array, any, Presence::Optional, none, "",
+     "a colour for each point, components from 0, which the material's colour is multiplied with"},
 };
 constexpr Parameter patches_parameters[] = {
     {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length",
@@ -144,7 +148,7 @@ constexpr Type objects_table[] = {
     {"cone", "A cone, to its point or cut off; its front is outside.", cone_parameters},
     {"cylinder", "A cylinder; its front is outside.", cylinder_parameters},
     {"disk", "A disk, with or without a hole.", disk_parameters},
-    {"mesh", "Triangles; the front is where their corners appear counter-clockwise.", mesh_parameters},
+    {"mesh", "Triangles and quads; the front is where their corners appear counter-clockwise.", mesh_parameters},
     {"patches", "A grid of bicubic patches; its front is where u, v and the normal are right-handed.",
      patches_parameters},
     {"quad", "A parallelogram, or any four corners.", quad_parameters},

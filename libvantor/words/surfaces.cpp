@@ -1,4 +1,4 @@
-// Interfaces and materials: their types and parameters.
+// Materials: their types and parameters.
 #include "libvantor/words/ranges.h"
 #include "libvantor/words/tables.h"
 
@@ -7,19 +7,6 @@ namespace vantor {
 using namespace words;
 
 namespace {
-
-constexpr Parameter diffuse_parameters[] = {
-    {"reflectance",
-     ValueKind::Color,
-     fraction,
-     Presence::Default,
-     {0.5, 0.5, 0.5},
-     "",
-     "the fraction of light that is reflected"},
-};
-constexpr Type interfaces_table[] = {
-    {"diffuse", "Reflects light equally in all directions, on both sides (Lambert).", diffuse_parameters},
-};
 
 constexpr Parameter surface_parameters[] = {
     {"interface", ValueKind::InterfaceId, any, Presence::Required, none, "", "how the surface scatters light"},
@@ -42,14 +29,15 @@ constexpr Parameter surface_parameters[] = {
      "",
      "0: seen from behind, the surface is not there"},
 };
-constexpr Type materials_table[] = {
-    {"diffuse", "A surface with a diffuse interface, in one step.", diffuse_parameters},
-    {"surface", "A surface with an interface of its own.", surface_parameters},
-};
 
 } // namespace
 
-std::span<const Type> words::interface_types() { return interfaces_table; }
-std::span<const Type> words::material_types() { return materials_table; }
+std::span<const Type> words::material_types() {
+    static const Type table[] = {
+        {"diffuse", "A surface with a diffuse interface, in one step.", diffuse_words()},
+        {"surface", "A surface with an interface of its own.", surface_parameters},
+    };
+    return table;
+}
 
 } // namespace vantor

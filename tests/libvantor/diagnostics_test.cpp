@@ -98,9 +98,7 @@ TEST(Diagnostics, ParameterValues) {
               "vantor: newLight \"area\": item 1: parameter \"radiance\" is (1, -0.5, 1), which is out of range (0 or "
               "more)\n");
     EXPECT_EQ(object_errors("mesh"), "vantor: newObject \"mesh\": parameter \"points\" is missing (vector3array: the "
-                                     "corners of the triangles)\n"
-                                     "vantor: newObject \"mesh\": parameter \"triangles\" is missing (intarray: three "
-                                     "indices of points, from 0, for each triangle)\n");
+                                     "corners of the faces)\n");
 }
 
 TEST(Diagnostics, TextsOfScriptsStayOnOneLine) {

@@ -1,4 +1,5 @@
 // Closed rooms, whose radiance is known: emission over one minus reflectance, everywhere and in all directions.
+#include "libvantor/scattering/dielectric.h"
 #include "tests/libvantor/scripted_scene.h"
 
 namespace {
@@ -53,6 +54,78 @@ TEST(Furnace, ReflectanceOneInAClosedRoomEnds) {
     scene.LightEnd();
     for (const scripted::Rgb &pixel : scene.render(8, 8, 4).values)
         EXPECT_TRUE(std::isfinite(pixel[0]) && pixel[0] >= 1);
+}
+
+// A room from -3 to 3 that shines with radiance 1 and reflects nothing, with a sphere in the middle that is seen from
+// outside: whatever the sphere scatters without loss is invisible.
+template <class... Values> scripted::Pixels sphere_in_shining_room(const char *interface, const Values &...values) {
+    Scene scene;
+    scene.camera({0.2, 0.3, 2.5}, {0, 0, 0}, 50);
+    scene.light("area", "radiance", 1.0);
+    scene.LightBegin();
+    scene.MaterialBegin(scene.diffuse(0.0));
+    VtTransform larger;
+    larger.Scaling({3, 3, 3});
+    scene.TransformBegin(larger);
+    scene.AddObject(scene.room());
+    scene.TransformEnd();
+    scene.MaterialEnd();
+    scene.LightEnd();
+    scene.MaterialBegin(scene.surface(interface, values...));
+    scene.AddObject(scene.object("sphere"));
+    scene.MaterialEnd();
+    return scene.render(24, 24, 64);
+}
+
+TEST(Furnace, ASphereOfGlassIsInvisible) {
+    // Inside, the radiance is ior^2 as large, which roulette makes noise of: the standard deviation of a path is
+    // below 3.
+    for (const double ior : {0.7, 1.0, 1.5, 2.4}) {
+        const scripted::Pixels pixels = sphere_in_shining_room("dielectric", "ior", ior);
+        EXPECT_NEAR(pixels.mean(), 1, 4 * 3 / std::sqrt(24.0 * 24 * 64)) << "ior " << ior;
+    }
+}
+
+TEST(Furnace, ASphereOfRoughGlassLosesLittle) {
+    const double mean = sphere_in_shining_room("dielectric", "roughness", 0.3).mean();
+    // The sphere covers about half of the picture. Of alpha 0.09, single scattering loses less than 5 % at each of a
+    // few passages.
+    EXPECT_GT(mean, 0.9);
+    EXPECT_LT(mean, 1.02);
+}
+
+TEST(Furnace, ASphereOfMirrorIsInvisible) {
+    // An imaginary index reflects everything; there is nothing to be uncertain of.
+    for (const scripted::Rgb &pixel : sphere_in_shining_room("conductor", "eta", 0.0, "k", 1.0).values)
+        EXPECT_NEAR(pixel[1], 1, 1e-4);
+    const scripted::Pixels half = sphere_in_shining_room("conductor", "eta", 0.0, "k", 1.0, "color", 0.5);
+    EXPECT_NEAR(half.at(12, 12)[1], 0.5, 1e-4);
+}
+
+TEST(Furnace, ASphereOfRoughMetalLosesLittle) {
+    const double mean = sphere_in_shining_room("conductor", "eta", 0.0, "k", 1.0, "roughness", 0.3).mean();
+    EXPECT_GT(mean, 0.95);
+    EXPECT_LT(mean, 1.005);
+}
+
+TEST(Furnace, LightComesThroughARoughBoundary) {
+    // A point light straight behind the boundary of rough glass: a path finds it only by sampling it from the other
+    // side.
+    vantor::Dielectric glass{1.5f};
+    glass.set_roughness(0.5f);
+    for (const double facing : {1.0, -1.0}) {
+        Scene scene;
+        scene.camera({0, 0, 3}, {0, 0, 0}, 0.1);
+        scene.light("point", "position", VtVector3(0, 0, -3), "intensity", 9.0);
+        scene.MaterialBegin(scene.surface("dielectric", "roughness", 0.5));
+        scene.AddObject(scene.object("quad", "origin", VtVector3(-facing, -1, 0), "edge_u", VtVector3(2 * facing, 0, 0),
+                                     "edge_v", VtVector3(0, 2, 0)));
+        scene.MaterialEnd();
+        const float side = static_cast<float>(facing);
+        const float wanted = glass.evaluate({0, 0, side}, {0, 0, -side}).value.g;
+        EXPECT_GT(wanted, 0.1);
+        EXPECT_NEAR(scene.render(2, 2, 4).mean(), wanted, 1e-3 * wanted) << "facing " << facing;
+    }
 }
 
 } // namespace

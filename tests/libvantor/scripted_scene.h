@@ -111,6 +111,12 @@ class Scene : public VtLocalSceneProxy {
         List list("reflectance", reflectance);
         return NewMaterial("diffuse", list);
     }
+    /// A material with an interface of that type.
+    template <class... Values> VtLong surface(const char *type, const Values &...values) {
+        List list(values...);
+        List with_interface("interface", static_cast<int>(NewInterface(type, list)));
+        return NewMaterial("surface", with_interface);
+    }
     template <class... Values> VtLong light(const char *type, const Values &...values) {
         List list(values...);
         return NewLight(type, list);

@@ -1,0 +1,60 @@
+// Interface: how light scatters at a surface, as the script described it.
+#include "libvantor/entities/interface.h"
+
+#include "libvantor/entities/pattern.h"
+
+namespace vantor {
+
+namespace {
+
+Color color_of(const Parameters &parameters, std::string_view name) { return color_in(parameters.vector(name)); }
+
+float number_of(const Parameters &parameters, std::string_view name) {
+    return static_cast<float>(parameters.number(name));
+}
+
+struct Metal {
+    std::string_view name;
+    Color eta;
+    Color k;
+};
+
+// Indices at 630, 530 and 465 nm for red, green and blue, interpolated between the neighbouring entries of the measured
+// tables and rounded to two digits after the point. Copper, gold and silver: Johnson, Christy, "Optical Constants of
+// the Noble Metals", Physical Review B 6, 1972. Aluminium: Smith, Shiles, Inokuti in Palik, "Handbook of Optical
+// Constants of Solids", 1985.
+constexpr Metal metals[] = {
+    {"aluminium", {1.36f, 0.88f, 0.66f}, {7.58f, 6.45f, 5.65f}},
+    {"copper", {0.27f, 1.09f, 1.16f}, {3.37f, 2.59f, 2.49f}},
+    {"gold", {0.19f, 0.56f, 1.33f}, {3.40f, 2.20f, 1.87f}},
+    {"silver", {0.06f, 0.05f, 0.05f}, {4.25f, 3.41f, 2.80f}},
+};
+
+Scattering make_conductor(const Parameters &parameters) {
+    Conductor conductor{color_of(parameters, "eta"), color_of(parameters, "k"), color_of(parameters, "color")};
+    for (const Metal &metal : metals)
+        if (metal.name == parameters.choice("metal")) {
+            conductor.eta = metal.eta;
+            conductor.k = metal.k;
+        }
+    conductor.set_roughness(number_of(parameters, "roughness"));
+    return conductor;
+}
+
+Scattering make_dielectric(const Parameters &parameters) {
+    Dielectric dielectric{number_of(parameters, "ior"), color_of(parameters, "color")};
+    dielectric.set_roughness(number_of(parameters, "roughness"));
+    return dielectric;
+}
+
+} // namespace
+
+Scattering make_scattering(const Type &type, const Parameters &parameters) {
+    if (type.name == "conductor")
+        return make_conductor(parameters);
+    if (type.name == "dielectric")
+        return make_dielectric(parameters);
+    return Diffuse{color_of(parameters, "reflectance")};
+}
+
+} // namespace vantor

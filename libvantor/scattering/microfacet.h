@@ -1,0 +1,81 @@
+// Microfacet: rough surfaces as many small mirrors, whose slopes follow a distribution.
+#pragma once
+
+#include "libvantor/base/warp.h"
+
+namespace vantor {
+
+/// The mirror image of a direction on the other side of a normal.
+inline Vec3 reflected(Vec3 direction, Vec3 normal) { return normal * (2 * dot(direction, normal)) - direction; }
+
+/// A direction with the other z, if the side is -1.
+inline Vec3 on_side(Vec3 direction, float side) { return {direction.x, direction.y, side * direction.z}; }
+
+/// The same roughness in all directions along the surface. GGX: Walter, Marschner, Li, Torrance, "Microfacet Models for
+/// Refraction through Rough Surfaces", 2007 (Trowbridge, Reitz, 1975). Masking after Smith: Heitz, "Understanding the
+/// Masking-Shadowing Function in Microfacet-Based BRDFs", JCGT 2014. Light that meets several facets is lost.
+///
+/// Directions are in the frame of the surface, of unit length. `out` and `in` are above it, z > 0, unless said.
+class Ggx {
+  public:
+    /// Below this, a surface is a mirror: its facets vary by less than a twentieth of a degree.
+    static constexpr float least_alpha = 1e-3f;
+
+    static constexpr float alpha_of(float roughness) { return roughness * roughness; }
+
+    /// least_alpha to 1.
+    explicit Ggx(float roughness_squared) : alpha(roughness_squared) {}
+
+    /// Facets per solid angle of their normal and area of the surface.
+    float distribution(Vec3 normal) const {
+        const float stretch = (normal.x * normal.x + normal.y * normal.y) / (alpha * alpha) + normal.z * normal.z;
+        return 1 / (pi * alpha * alpha * stretch * stretch);
+    }
+
+    /// The fraction of the facets that turn to the direction that are not hidden. For either side.
+    float visible(Vec3 direction) const { return 1 / (1 + lambda(direction)); }
+
+    /// The fraction that is not hidden from either of two directions on the same side, whose heights go together.
+    float visible(Vec3 a, Vec3 b) const { return 1 / (1 + lambda(a) + lambda(b)); }
+
+    /// The value of a mirror's reflection, but for the reflectance; the half vector is that of `out` and `in`.
+    float reflection(Vec3 out, Vec3 in, Vec3 half) const {
+        return distribution(half) * visible(out, in) / (4 * out.z * in.z);
+    }
+
+    /// The density of directions that are reflected at visible facets.
+    float reflection_density(Vec3 out, Vec3 half) const { return distribution(half) * visible(out) / (4 * out.z); }
+
+    /// The density of the normals of visible facets; they are turned to `out`.
+    float normal_density(Vec3 out, Vec3 normal) const {
+        return distribution(normal) * visible(out) * dot(out, normal) / out.z;
+    }
+
+    /// The normal of a facet that `out` sees. Heitz, "Sampling the GGX Distribution of Visible Normals", JCGT 2018.
+    Vec3 sample_normal(Vec3 out, Pair numbers) const {
+        // The surface is stretched until its facets are those of a half sphere.
+        const Vec3 seen_from = normalized({alpha * out.x, alpha * out.y, out.z});
+        const float square = seen_from.x * seen_from.x + seen_from.y * seen_from.y;
+        const Vec3 across = square > 0 ? Vec3{-seen_from.y, seen_from.x, 0} * (1 / std::sqrt(square)) : Vec3{1, 0, 0};
+        const Vec3 along = cross(seen_from, across);
+
+        // A point of its outline as seen from there, which is half a disk and half an ellipse.
+        const Vec3 d = warp::disk(numbers);
+        const float rest = std::max(0.0f, 1 - d.x * d.x);
+        const float share = 0.5f * (1 + seen_from.z);
+        const float y = (1 - share) * std::sqrt(rest) + share * d.y;
+        const Vec3 normal = across * d.x + along * y + seen_from * std::sqrt(std::max(0.0f, rest - y * y));
+        return normalized({alpha * normal.x, alpha * normal.y, std::max(normal.z, 0.0f)});
+    }
+
+  private:
+    // Hidden area per visible area.
+    float lambda(Vec3 direction) const {
+        const float across2 = direction.x * direction.x + direction.y * direction.y;
+        return 0.5f * (std::sqrt(1 + alpha * alpha * across2 / (direction.z * direction.z)) - 1);
+    }
+
+    float alpha;
+};
+
+} // namespace vantor

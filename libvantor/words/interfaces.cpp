@@ -1,0 +1,80 @@
+// Interfaces: their types and parameters.
+#include "libvantor/words/ranges.h"
+#include "libvantor/words/tables.h"
+
+namespace vantor {
+
+using namespace words;
+
+namespace {
+
+constexpr std::string_view metal_words[] = {"custom", "aluminium", "copper", "gold", "silver"};
+
+constexpr Parameter roughness_parameter{
+    "roughness",
+    ValueKind::Number,
+    fraction,
+    Presence::Default,
+    none,
+    "",
+    "0 is smooth, as is all below 0.03; its square is the alpha of GGX microfacets"};
+
+constexpr Parameter conductor_parameters[] = {
+    {"metal", ValueKind::Choice, any, Presence::Default, none, "", "a metal by its name; \"custom\" takes eta and k",
+     metal_words},
+    {"eta",
+     ValueKind::Color,
+     metal_index,
+     Presence::Default,
+     {1, 1, 1},
+     "",
+     "the index of refraction of a \"custom\" metal, for red, green and blue"},
+    {"k", ValueKind::Color, metal_index, Presence::Default, {6, 6, 6}, "", "its index of extinction"},
+    {"color",
+     ValueKind::Color,
+     fraction,
+     Presence::Default,
+     {1, 1, 1},
+     "",
+     "what the reflected light is multiplied by"},
+    roughness_parameter,
+};
+constexpr Parameter dielectric_parameters[] = {
+    {"ior",
+     ValueKind::Number,
+     index_ratio,
+     Presence::Default,
+     {1.5},
+     "",
+     "the index of refraction of the inside over that of the outside; the outside is the front"},
+    {"color",
+     ValueKind::Color,
+     fraction,
+     Presence::Default,
+     {1, 1, 1},
+     "",
+     "what light is multiplied by each time that it passes through"},
+    roughness_parameter,
+};
+constexpr Parameter diffuse_parameters[] = {
+    {"reflectance",
+     ValueKind::Color,
+     fraction,
+     Presence::Default,
+     {0.5, 0.5, 0.5},
+     "",
+     "the fraction of light that is reflected"},
+};
+constexpr Type interfaces_table[] = {
+    {"conductor", "Reflects like a metal, on both sides.", conductor_parameters},
+    {"dielectric", "A clear boundary, as of glass or water: reflects a part of the light and refracts the rest.",
+     dielectric_parameters},
+    {"diffuse", "Reflects light equally in all directions, on both sides (Lambert).", diffuse_parameters},
+};
+
+} // namespace
+
+std::span<const Type> words::interface_types() { return interfaces_table; }
+std::span<const Parameter> words::diffuse_words() { return diffuse_parameters; }
+
+} // namespace vantor

@@ -1,0 +1,302 @@
+// The ways of scattering, each by itself: energy, densities, reciprocity, limits.
+#include "libvantor/scattering/scattering.h"
+
+#include "libvantor/scattering/fresnel.h"
+#include "libvantor/scattering/microfacet.h"
+#include "tests/libvantor/chi_square.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+
+namespace {
+
+using namespace vantor;
+
+struct Case {
+    std::string name;
+    Scattering scattering;
+};
+
+Scattering rough(Scattering scattering, float roughness) {
+    set_roughness(scattering, roughness);
+    return scattering;
+}
+
+constexpr Color white{1, 1, 1};
+// Reflects everything, as its index is imaginary.
+const Conductor ideal_metal{{0, 0, 0}, white};
+const Conductor gold{{0.19f, 0.56f, 1.33f}, {3.40f, 2.20f, 1.87f}};
+const Dielectric glass{1.5f};
+
+const Case smooth_cases[] = {
+    {"mirror", ideal_metal},
+    {"gold mirror", gold},
+    {"glass", glass},
+    {"bubble", Dielectric{1 / 1.5f}},
+    {"nothing", rough(Dielectric{1}, 0.5f)},
+};
+
+const Case rough_cases[] = {
+    {"diffuse", Diffuse{white}},
+    {"metal 0.2", rough(ideal_metal, 0.2f)},
+    {"metal 0.5", rough(ideal_metal, 0.5f)},
+    {"metal 1", rough(ideal_metal, 1)},
+    {"gold 0.4", rough(gold, 0.4f)},
+    {"glass 0.2", rough(glass, 0.2f)},
+    {"glass 0.5", rough(glass, 0.5f)},
+    {"glass 1", rough(glass, 1)},
+    {"diamond 0.3", rough(Dielectric{2.4f}, 0.3f)},
+    {"bubble 0.4", rough(Dielectric{0.75f}, 0.4f)},
+};
+
+// Directions of light that leaves, on both sides: steep, slanting, grazing.
+std::vector<Vec3> ways_out() {
+    std::vector<Vec3> ways;
+    for (const double cosine : {0.95, 0.5, 0.15, -0.7, -0.25})
+        ways.push_back(chi_square::direction_at(cosine, 0.4));
+    return ways;
+}
+
+// Independent numbers, as the tests suppose; the sampler's are better than that.
+class Numbers {
+  public:
+    float one() { return sobol::unit_float(static_cast<std::uint32_t>(engine())); }
+    Pair pair() {
+        const float u = one();
+        return {u, one()};
+    }
+
+  private:
+    std::mt19937 engine{1};
+};
+
+// What radiance is divided by to be power: it holds the squared ratio of the indices of the two sides.
+double radiance_scale(const Scattering &scattering, Vec3 out, Vec3 in) {
+    const auto *dielectric = std::get_if<Dielectric>(&scattering);
+    if (!dielectric || out.z * in.z > 0)
+        return 1;
+    const double ratio = out.z > 0 ? dielectric->ior : 1 / static_cast<double>(dielectric->ior);
+    return 1 / (ratio * ratio);
+}
+
+struct Mean {
+    double value = 0;
+    double error = 0; // standard
+};
+
+// The fraction of light, as power, that is scattered of light that comes from everywhere alike.
+Mean sampled_albedo(const Scattering &scattering, Vec3 out, int count) {
+    Numbers numbers;
+    double sum = 0;
+    double squares = 0;
+    for (int n = 0; n < count; ++n) {
+        ScatteringSample found;
+        const Pair pair = numbers.pair();
+        if (!sample(scattering, out, pair, numbers.one(), found))
+            continue;
+        const double weight = found.weight.g / radiance_scale(scattering, out, found.in);
+        sum += weight;
+        squares += weight * weight;
+    }
+    const double mean = sum / count;
+    return {mean, std::sqrt(std::max(0.0, squares / count - mean * mean) / count)};
+}
+
+TEST(Scattering, SmoothBoundariesLoseNothing) {
+    for (const Case &c : smooth_cases) {
+        if (std::holds_alternative<Conductor>(c.scattering) && c.name != "mirror")
+            continue;
+        for (const Vec3 out : ways_out())
+            EXPECT_NEAR(sampled_albedo(c.scattering, out, 1000).value, 1, 1e-5) << c.name << ", z " << out.z;
+    }
+}
+
+TEST(Scattering, RoughBoundariesScatterNoMoreThanArrives) {
+    for (const Case &c : rough_cases)
+        for (const Vec3 out : ways_out()) {
+            const Mean albedo = sampled_albedo(c.scattering, out, 4000);
+            EXPECT_LT(albedo.value, 1 + 4 * albedo.error + 1e-5) << c.name << ", z " << out.z;
+        }
+}
+
+TEST(Scattering, RoughBoundariesLoseWhatMeetsSeveralFacets) {
+    // The most that single scattering loses where all facets reflect everything, or refract the rest: at a roughness of
+    // 0.2 (alpha 0.04) 5 %, at 0.5 20 %, at 1 70 %.
+    const auto lowest = [](float roughness) { return roughness < 0.3f ? 0.95 : roughness < 0.6f ? 0.8 : 0.3; };
+    for (const float roughness : {0.1f, 0.2f, 0.5f, 1.0f})
+        for (const Scattering &smooth : {Scattering(ideal_metal), Scattering(glass)})
+            for (const Vec3 out : ways_out()) {
+                const Mean albedo = sampled_albedo(rough(smooth, roughness), out, 4000);
+                EXPECT_GT(albedo.value, lowest(roughness) - 4 * albedo.error)
+                    << "roughness " << roughness << ", z " << out.z << (transmits(smooth) ? ", glass" : ", metal");
+            }
+    // Straight on to a metal with alpha 1, the integral is 1 - ln 2.
+    const Mean straight = sampled_albedo(rough(ideal_metal, 1), {0, 0, 1}, 40000);
+    EXPECT_NEAR(straight.value, 1 - std::log(2.0), 4 * straight.error);
+}
+
+TEST(Scattering, SamplesFollowTheDensity) {
+    constexpr int count = 10000;
+    for (const Case &c : rough_cases)
+        for (const Vec3 out : ways_out()) {
+            chi_square::Bins bins([&](Vec3 in) { return evaluate(c.scattering, out, in).density; }, 0.02);
+            EXPECT_LT(bins.probability(), 1.001) << c.name << ", z " << out.z;
+            Numbers numbers;
+            for (int n = 0; n < count; ++n) {
+                ScatteringSample found;
+                const Pair pair = numbers.pair();
+                if (sample(c.scattering, out, pair, numbers.one(), found) && !found.is_specular)
+                    bins.count(found.in);
+            }
+            EXPECT_GT(bins.p_value(count), 1e-4) << c.name << ", z " << out.z;
+        }
+}
+
+TEST(Scattering, SamplesWeighValueTimesCosineOverDensity) {
+    for (const Case &c : rough_cases)
+        for (const Vec3 out : ways_out()) {
+            Numbers numbers;
+            for (int n = 0; n < 200; ++n) {
+                ScatteringSample found;
+                const Pair pair = numbers.pair();
+                if (!sample(c.scattering, out, pair, numbers.one(), found) || found.is_specular)
+                    continue;
+                EXPECT_NEAR(length(found.in), 1, 1e-5);
+                // Directions next to the surface have few digits left.
+                if (std::fabs(found.in.z) < 0.01f)
+                    continue;
+                const Scattered scattered = evaluate(c.scattering, out, found.in);
+                const std::string where = c.name + ", z " + std::to_string(out.z);
+                ASSERT_NEAR(found.density / scattered.density, 1, 0.01) << where << " to " << found.in.z;
+                for (const float Color::*channel : {&Color::r, &Color::g, &Color::b})
+                    ASSERT_NEAR(scattered.value.*channel * std::fabs(found.in.z) / scattered.density,
+                                found.weight.*channel, 0.01 * found.weight.*channel + 1e-5)
+                        << where << " to " << found.in.z;
+            }
+        }
+}
+
+TEST(Scattering, WeighsAsMuchAsTheIntegral) {
+    // The same albedo from the values as from the samples.
+    for (const Case &c : rough_cases)
+        for (const Vec3 out : {chi_square::direction_at(0.6, 1), chi_square::direction_at(-0.3, 2)}) {
+            const Mean albedo = sampled_albedo(c.scattering, out, 10000);
+            const double wanted = chi_square::integral(
+                [&](Vec3 in) {
+                    return evaluate(c.scattering, out, in).value.g * std::fabs(in.z) /
+                           radiance_scale(c.scattering, out, in);
+                },
+                {}, 1e-3);
+            EXPECT_NEAR(albedo.value, wanted, 4 * albedo.error + 2e-3) << c.name << ", z " << out.z;
+        }
+}
+
+TEST(Scattering, IsReciprocal) {
+    for (const Case &c : rough_cases) {
+        Numbers numbers;
+        for (int n = 0; n < 300; ++n) {
+            const Vec3 a = chi_square::direction_at(2 * numbers.one() - 1, 6.28 * numbers.one());
+            const Vec3 b = chi_square::direction_at(2 * numbers.one() - 1, 6.28 * numbers.one());
+            const double there = evaluate(c.scattering, a, b).value.g / std::sqrt(radiance_scale(c.scattering, a, b));
+            const double back = evaluate(c.scattering, b, a).value.g / std::sqrt(radiance_scale(c.scattering, b, a));
+            EXPECT_NEAR(there, back, 1e-3 * there + 1e-6) << c.name << ": " << a.z << " and " << b.z;
+        }
+    }
+}
+
+TEST(Scattering, SpecularWaysAreNeverMetByChance) {
+    for (const Case &c : smooth_cases) {
+        EXPECT_TRUE(is_specular(c.scattering)) << c.name;
+        ScatteringSample found;
+        const Vec3 out = chi_square::direction_at(0.6, 1);
+        ASSERT_TRUE(sample(c.scattering, out, {0.3f, 0.3f}, 0.5f, found));
+        EXPECT_TRUE(found.is_specular);
+        EXPECT_EQ(evaluate(c.scattering, out, found.in).density, 0);
+    }
+    for (const Case &c : rough_cases)
+        EXPECT_FALSE(is_specular(c.scattering)) << c.name;
+}
+
+TEST(Scattering, RoughnessNextToNothingIsNone) {
+    EXPECT_TRUE(is_specular(rough(glass, 0.03f)));
+    EXPECT_FALSE(is_specular(rough(glass, 0.04f)));
+    EXPECT_TRUE(is_specular(rough(gold, 0.03f)));
+    EXPECT_FALSE(is_specular(rough(gold, 0.04f)));
+}
+
+TEST(Fresnel, ReflectanceAtNormalIncidence) {
+    for (const float ior : {0.5f, 1.0f, 1.33f, 1.5f, 2.4f}) {
+        const float root = (ior - 1) / (ior + 1);
+        EXPECT_NEAR(refraction_of(1, ior).reflectance, root * root, 1e-6);
+        EXPECT_NEAR(refraction_of(1, 1 / ior).reflectance, root * root, 1e-6);
+        EXPECT_NEAR(normal_reflectance(ior), root * root, 1e-6);
+    }
+    // ((eta - 1)^2 + k^2) / ((eta + 1)^2 + k^2).
+    EXPECT_NEAR(conductor_reflectance(1, 0.5f, 3), 9.25 / 11.25, 1e-6);
+}
+
+TEST(Fresnel, BrewstersAngleHalvesThePolarisations) {
+    // At tan = n the one polarisation is not reflected, and the other with ((n^2 - 1) / (n^2 + 1))^2.
+    const double n = 1.5;
+    const double perpendicular = (n * n - 1) / (n * n + 1);
+    const float cosine = static_cast<float>(1 / std::sqrt(1 + n * n));
+    EXPECT_NEAR(refraction_of(cosine, 1.5f).reflectance, 0.5 * perpendicular * perpendicular, 1e-6);
+}
+
+TEST(Fresnel, TotalReflectionBeginsAtTheCriticalAngle) {
+    const double cosine = std::sqrt(1 - 1 / (1.5 * 1.5));
+    EXPECT_EQ(refraction_of(static_cast<float>(cosine - 1e-3), 1 / 1.5f).reflectance, 1);
+    EXPECT_LT(refraction_of(static_cast<float>(cosine + 1e-3), 1 / 1.5f).reflectance, 0.9);
+    EXPECT_EQ(refraction_of(0, 1.5f).reflectance, 1);
+    // A boundary between equal media reflects nothing, however grazing.
+    EXPECT_EQ(refraction_of(1e-4f, 1).reflectance, 0);
+}
+
+TEST(Fresnel, AConductorThatAbsorbsNothingIsADielectric) {
+    for (const float cosine : {0.01f, 0.1f, 0.4f, 0.8f, 1.0f})
+        EXPECT_NEAR(conductor_reflectance(cosine, 1.5f, 0), refraction_of(cosine, 1.5f).reflectance, 1e-5);
+    for (const float eta : {0.0f, 1.0f, 100.0f})
+        for (const float k : {0.0f, 1.0f, 100.0f})
+            for (const float cosine : {0.0f, 0.5f, 1.0f}) {
+                const float reflectance = conductor_reflectance(cosine, eta, k);
+                EXPECT_TRUE(reflectance >= 0 && reflectance <= 1) << eta << " " << k << " " << cosine;
+            }
+}
+
+TEST(Scattering, RefractsBySnellsLaw) {
+    const float cosine = 0.6f; // sine 0.8
+    ScatteringSample found;
+    ASSERT_TRUE(sample(Scattering(glass), {0.8f, 0, cosine}, {}, 0.9f, found));
+    EXPECT_NEAR(found.in.x, -0.8 / 1.5, 1e-6);
+    EXPECT_LT(found.in.z, 0);
+    EXPECT_NEAR(found.weight.g, 1 / (1.5 * 1.5), 1e-6);
+    ASSERT_TRUE(sample(Scattering(glass), found.in, {}, 0.9f, found));
+    EXPECT_NEAR(found.in.x, 0.8, 1e-6);
+    EXPECT_NEAR(found.in.z, 0.6, 1e-6);
+    EXPECT_NEAR(found.weight.g, 1.5 * 1.5, 1e-5);
+    // Beyond the critical angle, all is reflected.
+    ASSERT_TRUE(sample(Scattering(glass), {0.8f, 0, -cosine}, {}, 0.999f, found));
+    EXPECT_NEAR(found.in.x, -0.8, 1e-6);
+    EXPECT_NEAR(found.in.z, -0.6, 1e-6);
+    EXPECT_EQ(found.weight.g, 1);
+}
+
+TEST(Microfacet, FacetsCoverTheSurface) {
+    // Seen from straight above, the facets make up the surface; from anywhere else, the visible ones make up its view.
+    for (const float alpha : {0.05f, 0.3f, 1.0f}) {
+        const Ggx facets(alpha);
+        for (const double cosine : {1.0, 0.6, 0.2}) {
+            const Vec3 out = chi_square::direction_at(cosine, 0.3);
+            const double seen = chi_square::integral(
+                [&](Vec3 normal) {
+                    const float turned = dot(out, normal);
+                    return normal.z > 0 && turned > 0 ? facets.normal_density(out, normal) : 0.0f;
+                },
+                {}, 1e-4);
+            EXPECT_NEAR(seen, 1, 2e-3) << "alpha " << alpha << ", cosine " << cosine;
+        }
+    }
+}
+
+} // namespace
