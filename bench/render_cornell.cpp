@@ -1,16 +1,21 @@
-// Times the embedded renderer on a Cornell box, and measures its noise.
+// Times the embedded renderer on a Cornell box, and measures its errors and those of other renderers.
 //
-//     render_cornell FOLDER SIDE REFERENCE SAMPLES...
+//     render_cornell FOLDER SIDE REFERENCE PICTURE...
 //
-// Renders SIDE x SIDE pixels once for each number of samples, on two threads, through the renderer's own interface and
-// its picture files (in FOLDER), and prints JSON: for each picture the processor seconds / threads and the
-// root-mean-square error against a picture with REFERENCE samples a pixel. 0 leaves the errors out.
+// A PICTURE is a number of samples: SIDE x SIDE pixels are rendered with it, on two threads or the one that the process
+// may use, through the renderer's own interface and its picture files (in FOLDER). If an r follows the number, a
+// radiosity pass comes first, whose seconds count, too. Or it is an OpenEXR file that another renderer has written.
+//
+// Prints JSON: for each picture the processor seconds / threads, the seconds by the wall clock, the mean radiance, and
+// the root-mean-square error against a reference of REFERENCE samples a pixel. 0 leaves the last two out.
 #include "renderer/vt_local_scene_proxy.h"
 
 #include <ImfFrameBuffer.h> // layers: to read the pictures that the renderer wrote
 #include <ImfHeader.h>      // layers: the same
 #include <ImfInputFile.h>   // layers: the same
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -73,13 +78,21 @@ void add_block(VtLocalSceneProxy &scene, VtLong cube, double block_height, doubl
         scene.TransformEnd();
 }
 
-// The mirrored box is the same one with left and right exchanged, about the middle of the picture.
-void describe_box(VtLocalSceneProxy &scene, bool is_mirrored) {
+/// How the picture shows the box.
+enum class View {
+    Straight,
+    Mirrored,   ///< The box is the same one with left and right exchanged, about the middle of the picture.
+    UpsideDown, ///< The camera is turned by half a turn.
+};
+
+void describe_box(VtLocalSceneProxy &scene, View view) {
     const VtVector3 target(camera_position[0], camera_position[1], 0);
-    Parameters camera("position", camera_position, "target", target, "fov", field_of_view);
+    const VtVector3 upwards(0, view == View::UpsideDown ? -1 : 1, 0);
+    Parameters camera("position", camera_position, "target", target, "up", upwards, "fov", field_of_view);
     scene.NewCamera("perspective", camera);
 
     VtTransform transform;
+    const bool is_mirrored = view == View::Mirrored;
     transform.Translation({is_mirrored ? 2 * camera_position[0] : 0.0, 0, 0});
     scene.TransformBegin(transform);
     transform.Scaling({is_mirrored ? -1.0 : 1.0, 1, 1});
@@ -132,22 +145,26 @@ std::vector<Pixel> read_picture(const std::string &path, int side) {
 
 struct Rendering {
     std::vector<Pixel> pixels;
-    double processor_seconds; ///< Of the render call: from the description to the file.
+    double processor_seconds, wall_seconds; ///< Of the passes: from the description to the file.
 };
 
-Rendering render(const std::string &folder, int side, int samples, bool is_mirrored) {
+Rendering render(const std::string &folder, int side, int samples, bool has_radiosity, View view) {
     const std::string path = folder + "/cornell_box.exr";
     std::remove(path.c_str());
 
     VtLocalSceneProxy scene(10240);
-    describe_box(scene, is_mirrored);
+    describe_box(scene, view);
     Parameters file("name", path.c_str());
     scene.ImagerBegin(scene.NewImager("file", file));
+    const auto wall_begin = std::chrono::steady_clock::now();
     const std::clock_t begin = std::clock();
+    if (has_radiosity)
+        scene.Radiosity();
     scene.Render(side, side, samples, 0, 0, 1, 1);
     const std::clock_t end = std::clock();
+    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - wall_begin;
     scene.ImagerEnd();
-    return {read_picture(path, side), static_cast<double>(end - begin) / CLOCKS_PER_SEC};
+    return {read_picture(path, side), static_cast<double>(end - begin) / CLOCKS_PER_SEC, wall.count()};
 }
 
 /// Whether the pixel may show the lamp: it lies within the lamp's bounds in the picture, or beside them.
@@ -170,28 +187,60 @@ class Lamp {
     double left, right, top, bottom;
 };
 
-struct Comparison {
-    double mean;  ///< Radiance of the reference: of all channels and pixels that count.
-    double error; ///< Root mean square of the differences.
+// What the box looks like, and how much of it is noise.
+struct Reference {
+    std::vector<Pixel> pixels; ///< None: there is no reference.
+    double noise;              ///< Mean square of its own error.
 };
 
-// The reference shows the mirrored box: its noise is another pixel's, and so independent. It adds to the error as the
-// square root of the sum of squares, with 1024 samples one to two percent to an error of 0.01.
-Comparison compared(const std::vector<Pixel> &picture, const std::vector<Pixel> &mirrored_reference, int side) {
+/// Mean square of the differences of all channels and pixels that count; and the mean radiance of `a`.
+struct Comparison {
+    double mean, square;
+};
+
+Comparison compared(const std::vector<Pixel> &a, const std::vector<Pixel> &b, int side) {
     const Lamp lamp(side);
     double sum = 0, sum_of_squares = 0, count = 0;
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < side; ++x) {
             if (lamp.covers(x, y))
                 continue;
-            const Pixel &a = picture[static_cast<std::size_t>(y * side + x)];
-            const Pixel &b = mirrored_reference[static_cast<std::size_t>(y * side + side - 1 - x)];
-            sum += b.r + b.g + b.b;
-            for (const float difference : {a.r - b.r, a.g - b.g, a.b - b.b})
+            const Pixel &p = a[static_cast<std::size_t>(y * side + x)];
+            const Pixel &q = b[static_cast<std::size_t>(y * side + x)];
+            sum += p.r + p.g + p.b;
+            for (const float difference : {p.r - q.r, p.g - q.g, p.b - q.b})
                 sum_of_squares += difference * difference;
             count += 3;
         }
-    return {sum / count, std::sqrt(sum_of_squares / count)};
+    return {sum / count, sum_of_squares / count};
+}
+
+// The mean of two pictures, of half the samples each: one of the mirrored box, one by a camera that is upside down.
+// Their noise is that of other pixels, and so independent of each other's and of what is compared with them. The square
+// of the mean's error is a fourth of that of their difference.
+Reference render_reference(const std::string &folder, int side, int samples) {
+    const int half = std::max(1, samples / 2);
+    std::vector<Pixel> mirrored = render(folder, side, half, false, View::Mirrored).pixels;
+    std::vector<Pixel> upside_down = render(folder, side, half, false, View::UpsideDown).pixels;
+    for (auto row = mirrored.begin(); row != mirrored.end(); row += side)
+        std::reverse(row, row + side);
+    std::reverse(upside_down.begin(), upside_down.end());
+
+    Reference reference{{}, compared(mirrored, upside_down, side).square / 4};
+    reference.pixels.reserve(mirrored.size());
+    for (std::size_t i = 0; i < mirrored.size(); ++i) {
+        const Pixel &p = mirrored[i], &q = upside_down[i];
+        reference.pixels.push_back({(p.r + q.r) / 2, (p.g + q.g) / 2, (p.b + q.b) / 2});
+    }
+    return reference;
+}
+
+void print_comparison(const std::vector<Pixel> &picture, const Reference &reference, int side) {
+    if (reference.pixels.empty())
+        return;
+    const Comparison comparison = compared(picture, reference.pixels, side);
+    std::printf(", \"mean\": %.6f, \"rmse\": %.6f", comparison.mean,
+                std::sqrt(std::max(0.0, comparison.square - reference.noise)));
 }
 
 // Keeps the process to two of its processors, before the renderer counts them. Returns how many it has.
@@ -213,11 +262,26 @@ long rays_so_far() {
     return count ? count() : -1;
 }
 
+// `word` is a number of samples, with an r if a radiosity pass comes first.
+void print_rendering(const std::string &word, const std::string &folder, int side, int threads,
+                     const Reference &reference) {
+    const int samples = std::atoi(word.c_str());
+    const bool has_radiosity = word.back() == 'r';
+    const long rays_before = rays_so_far();
+    const Rendering rendering = render(folder, side, samples, has_radiosity, View::Straight);
+    std::printf("{\"samples\": %d, \"radiosity\": %s, \"seconds\": %.6f, \"wall\": %.6f", samples,
+                has_radiosity ? "true" : "false", rendering.processor_seconds / threads, rendering.wall_seconds);
+    print_comparison(rendering.pixels, reference, side);
+    if (rays_before >= 0)
+        std::printf(", \"rays\": %ld", rays_so_far() - rays_before);
+    std::printf("}");
+}
+
 } // namespace
 
 int main(int argc, char **argv) try {
     if (argc < 5) {
-        std::fprintf(stderr, "usage: render_cornell FOLDER SIDE REFERENCE SAMPLES...\n");
+        std::fprintf(stderr, "usage: render_cornell FOLDER SIDE REFERENCE PICTURE...\n");
         return 2;
     }
     const std::string folder = argv[1];
@@ -225,24 +289,21 @@ int main(int argc, char **argv) try {
     const int reference_samples = std::atoi(argv[3]);
     const int threads = keep_to_two_processors();
 
-    std::vector<Pixel> reference;
+    Reference reference{{}, 0};
     if (reference_samples > 0)
-        reference = render(folder, side, reference_samples, true).pixels;
+        reference = render_reference(folder, side, reference_samples);
 
     std::printf("{\"threads\": %d, \"pictures\": [", threads);
     for (int i = 4; i < argc; ++i) {
-        const int samples = std::atoi(argv[i]);
-        const long rays_before = rays_so_far();
-        const Rendering rendering = render(folder, side, samples, false);
-        std::printf("%s{\"samples\": %d, \"seconds\": %.6f", i > 4 ? ", " : "", samples,
-                    rendering.processor_seconds / threads);
-        if (reference_samples > 0) {
-            const Comparison comparison = compared(rendering.pixels, reference, side);
-            std::printf(", \"mean\": %.6f, \"rmse\": %.6f", comparison.mean, comparison.error);
+        const std::string word = argv[i];
+        std::fputs(i > 4 ? ", " : "", stdout);
+        if (word.find(".exr") == std::string::npos) {
+            print_rendering(word, folder, side, threads, reference);
+        } else {
+            std::printf("{\"file\": true");
+            print_comparison(read_picture(word, side), reference, side);
+            std::printf("}");
         }
-        if (rays_before >= 0)
-            std::printf(", \"rays\": %ld", rays_so_far() - rays_before);
-        std::printf("}");
     }
     std::printf("]}\n");
     return 0;

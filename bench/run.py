@@ -13,11 +13,13 @@ import platform
 import re
 import subprocess
 import sys
+import tempfile
 
 import imports
 import memory
 import operations
 import render
+import render_peers
 import tables
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -190,27 +192,60 @@ def show_growth(setting, figures):
     return found
 
 
+def to_noises(pictures):
+    """Cells with the seconds to each noise: of a path tracer at its last picture, else of each
+    picture that is as good."""
+    if "samples" in pictures[0]:
+        rows = [["" for _ in render.NOISES] for _ in pictures]
+        rows[-1] = [tables.number(render.seconds_to(noise, pictures)) for noise in render.NOISES]
+        return rows
+    return [[tables.number(picture["seconds"] if picture["rmse"] <= noise else None)
+             for noise in render.NOISES] for picture in pictures]
+
+
+def show_pictures(renderers):
+    rows = []
+    for name, pictures in renderers.items():
+        for picture, cells in zip(pictures, to_noises(pictures)):
+            settings = picture.get("settings", "{} samples".format(picture.get("samples")))
+            rows.append(["{}, {}".format(name, settings), tables.number(picture["seconds"]),
+                         "{:.4f}".format(picture["rmse"]), "{:.4f}".format(picture["mean"])]
+                        + cells)
+    tables.show(["renderer, settings or samples a pixel", "s", "rmse of radiance", "mean radiance"]
+                + ["s to rmse {}".format(noise) for noise in render.NOISES], rows)
+
+
 def show_render(setting, figures):
     folder = setting.paths[1]
     if not os.path.exists(os.path.join(folder, "render_cornell")):
         print("render_cornell is not built: no figures of the renderer.\n")
         return {}
-    found = render.measure(folder, setting.environment("embedded"), setting.quick)
+    with tempfile.TemporaryDirectory() as files:
+        missing, peers = render_peers.draw(files, setting.quick)
+        found = render.measure(folder, setting.environment("embedded"), setting.quick,
+                               [picture for peer in peers.values() for picture in peer["pictures"]])
+    found["peers"] = peers
 
     print("Render: a Cornell box, {0} x {0} pixels, {1} threads; s of processor time / threads\n"
           .format(render.SIDE, found["threads"]))
-    tables.show(["samples a pixel", "s", "rmse of radiance", "mean radiance"],
-                [[str(picture["samples"]), tables.number(picture["seconds"]),
-                  "{:.4f}".format(picture["rmse"]), "{:.4f}".format(picture["mean"])]
-                 for picture in found["pictures"]])
-    tables.show(["", "measured"],
+    for name, package in missing.items():
+        print("{}: not installed (apt-get install {})\n".format(name, package))
+    show_pictures({"vantorPM": found["pictures"],
+                   **{name: peer["pictures"] for name, peer in peers.items()}})
+    if peers:
+        print("Not counted, the start of a process: {}.\n".format(", ".join(
+            "{} {} s".format(name, tables.number(peer["start"])) for name, peer in peers.items())))
+    tables.show(["vantorPM", "measured"],
                 [["ms a sample of all pixels", tables.number(found["seconds a sample"] * 1000)],
                  ["rays a pixel and sample", tables.number(found["rays a pixel and sample"])],
                  ["million rays a second, shaded", tables.number(found["million rays a second"])],
-                 ["s to rmse {}".format(render.NOISE), tables.number(found["seconds to noise"])]])
+                 ["a second thread, times faster by processor time",
+                  tables.number(found["speed-up, processor"])],
+                 ["a second thread, times faster by the wall clock",
+                  tables.number(found["speed-up, wall"])]])
     figures.at_least("Cornell box, million rays a second", found["million rays a second"], 20)
-    figures.at_most("Cornell box, to rmse {}".format(render.NOISE), found["seconds to noise"], 2.5,
-                    " s")
+    for noise, seconds, limit in zip(render.NOISES, found["seconds to noise"], (2.5, 9)):
+        figures.at_most("Cornell box, to rmse {}".format(noise), seconds, limit, " s")
     return found
 
 
