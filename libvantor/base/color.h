@@ -26,11 +26,14 @@ inline bool is_finite(Color a) { return std::isfinite(a.r + a.g + a.b); }
 /// Rec. 709 luminance.
 constexpr float luminance(Color a) { return 0.2126f * a.r + 0.7152f * a.g + 0.0722f * a.b; }
 
-/// The sRGB value of a linear one (IEC 61966-2-1), clipped to 0..255 and rounded.
+/// The sRGB value of a linear one (IEC 61966-2-1), 0 to 1.
+inline float srgb_of_linear(float linear) {
+    return linear <= 0.0031308f ? 12.92f * linear : 1.055f * std::pow(linear, 1 / 2.4f) - 0.055f;
+}
+
+/// Likewise, clipped to 0..255 and rounded.
 inline std::uint8_t srgb_byte(float linear) {
-    const float clipped = std::clamp(linear, 0.0f, 1.0f);
-    const float curved = clipped <= 0.0031308f ? 12.92f * clipped : 1.055f * std::pow(clipped, 1 / 2.4f) - 0.055f;
-    return static_cast<std::uint8_t>(std::lround(255.0f * curved));
+    return static_cast<std::uint8_t>(std::lround(255.0f * srgb_of_linear(std::clamp(linear, 0.0f, 1.0f))));
 }
 
 /// The linear value of an sRGB one (IEC 61966-2-1), 0 to 1.

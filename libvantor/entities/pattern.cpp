@@ -18,6 +18,27 @@ Checker make_checker(const Parameters &parameters, const PatternFinder &find) {
             factors_in(parameters, "scale")};
 }
 
+Image make_image(const Parameters &parameters, TextureFile &file) {
+    const std::string_view space = parameters.choice("color_space");
+    const std::string_view wrap = parameters.choice("wrap");
+    const std::string_view filter = parameters.choice("filter");
+    const Vec3 scale = factors_in(parameters, "scale");
+    const Vec3 offset = to_float(parameters.vector("offset"));
+    return {file.texture(space == "srgb"     ? ColorSpace::Srgb
+                         : space == "linear" ? ColorSpace::Linear
+                                             : ColorSpace::AsFile),
+            wrap == "clamp"    ? Image::Wrap::Clamp
+            : wrap == "mirror" ? Image::Wrap::Mirror
+            : wrap == "black"  ? Image::Wrap::Black
+                               : Image::Wrap::Repeat,
+            filter == "nearest"     ? Image::Filter::Nearest
+            : filter == "trilinear" ? Image::Filter::Trilinear
+                                    : Image::Filter::Bilinear,
+            parameters.choice("channel") == "alpha",
+            {scale.x, scale.y},
+            {offset.x, offset.y}};
+}
+
 Noise make_noise(const Parameters &parameters, const PatternFinder &find) {
     return {color_or_pattern(parameters, "a", find),
             color_or_pattern(parameters, "b", find),
@@ -86,6 +107,7 @@ std::optional<Gradient> make_gradient(const Parameters &parameters, const CallRe
 int parts_of(const Pattern *used) { return used ? used->parts : 0; }
 int parts_of(const Checker &checker) { return 1 + parts_of(checker.a.pattern) + parts_of(checker.b.pattern); }
 int parts_of(const Gradient &) { return 1; }
+int parts_of(const Image &) { return 1; }
 int parts_of(const Mix &mix) {
     return 1 + parts_of(mix.a.pattern) + parts_of(mix.b.pattern) + parts_of(mix.amount.pattern);
 }
@@ -126,13 +148,19 @@ NumberOrPattern number_or_pattern(const Parameters &parameters, std::string_view
 }
 
 std::optional<Pattern> make_pattern(const Type &type, const Parameters &parameters, const PatternFinder &find,
-                                    const CallReport &report) {
+                                    const TextureFinder &find_texture, const CallReport &report) {
     if (type.name == "checker")
         return as_pattern(make_checker(parameters, find), report);
     if (type.name == "mix")
         return as_pattern(make_mix(parameters, find), report);
     if (type.name == "noise")
         return as_pattern(make_noise(parameters, find), report);
+    if (type.name == "image") {
+        TextureFile *file = find_texture("texture");
+        if (!file)
+            return {};
+        return as_pattern(make_image(parameters, *file), report);
+    }
     std::optional<Gradient> gradient = make_gradient(parameters, report);
     if (!gradient)
         return {};

@@ -1,6 +1,7 @@
 // Pattern: what varies over surfaces, as the script described it.
 #pragma once
 
+#include "libvantor/entities/texture.h"
 #include "libvantor/patterns/pattern.h"
 #include "libvantor/words/reader.h"
 
@@ -12,6 +13,9 @@ namespace vantor {
 /// The pattern whose id the parameter of that name is; null, after a diagnostic, if it is none.
 using PatternFinder = std::function<const Pattern *(std::string_view parameter)>;
 
+/// The texture file whose id the parameter of that name is; null, after a diagnostic, if it is none.
+using TextureFinder = std::function<TextureFile *(std::string_view parameter)>;
+
 /// A parameter that is given as a pattern, or null.
 const Pattern *pattern_in(const Parameters &parameters, std::string_view name, const PatternFinder &find);
 
@@ -21,6 +25,6 @@ NumberOrPattern number_or_pattern(const Parameters &parameters, std::string_view
 
 /// Nothing, after a diagnostic, if it cannot be evaluated.
 std::optional<Pattern> make_pattern(const Type &type, const Parameters &parameters, const PatternFinder &find,
-                                    const CallReport &report);
+                                    const TextureFinder &find_texture, const CallReport &report);
 
 } // namespace vantor

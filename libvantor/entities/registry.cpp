@@ -35,6 +35,15 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
     const CallReport call(report, words_of(kind).call, type_name);
     Entry &entry = entries.insert_or_assign(id, Entry{kind, -1}).first->second;
 
+    // The one kind that has no types: its name is that of a file.
+    if (kind == EntityKind::Texture) {
+        if (type_name)
+            entry.index = appended(textures, texture_files.open(type_name, call));
+        else
+            call.diagnostic("no picture file is named");
+        return;
+    }
+
     const Type *type = find_type(kind, type_name, call);
     if (!type)
         return;
@@ -76,7 +85,11 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
         break;
     case EntityKind::Pattern: {
         const auto find_used = [&](std::string_view name) { return find_pattern(parameters, name, call); };
-        if (std::optional<Pattern> pattern = make_pattern(*type, parameters, find_used, call))
+        const auto find_texture = [&](std::string_view name) -> TextureFile * {
+            const int index = find(parameters.id(name), EntityKind::Texture, call);
+            return index < 0 ? nullptr : textures[static_cast<std::size_t>(index)];
+        };
+        if (std::optional<Pattern> pattern = make_pattern(*type, parameters, find_used, find_texture, call))
             entry.index = appended(patterns, std::move(*pattern));
         break;
     }

@@ -105,6 +105,8 @@ class Registry {
     std::vector<Scattering> interfaces;
     std::vector<Medium> interiors;
     std::vector<Light> all_lights;
+    TextureFiles texture_files;
+    std::vector<TextureFile *> textures;
     // Placements, materials and patterns point to these; a deque moves none of its elements.
     std::deque<Pattern> patterns;
     std::deque<Material> materials;

@@ -11,6 +11,9 @@ struct LatticePlace {
     float beyond;
 
     explicit LatticePlace(float x) {
+        // Octaves may lie beyond what floats can count.
+        if (!(std::fabs(x) <= 1e18f))
+            x = 0;
         constexpr float period = 65536;
         const float whole = std::floor(x);
         below = static_cast<std::uint32_t>(whole - period * std::floor(whole / period)) & 0xffffu;

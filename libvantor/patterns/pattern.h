@@ -3,6 +3,7 @@
 
 #include "libvantor/patterns/checker.h"
 #include "libvantor/patterns/gradient.h"
+#include "libvantor/patterns/image.h"
 #include "libvantor/patterns/mix.h"
 #include "libvantor/patterns/noise.h"
 
@@ -14,7 +15,7 @@ namespace vantor {
 inline constexpr int most_parts = 1000;
 
 struct Pattern {
-    std::variant<Checker, Gradient, Mix, Noise> kind;
+    std::variant<Checker, Gradient, Image, Mix, Noise> kind;
     int parts = 1; ///< How many patterns it is made of: itself, and for each use of another its parts.
 };
 

@@ -106,7 +106,7 @@ Raster read_jpeg(const std::string &path, long file_size) {
 
     reader->begin();
     const std::array<float, 256> &decoded = linear_bytes();
-    Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}};
+    Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}, true};
     raster.pixels.reserve(static_cast<std::size_t>(width * height));
     std::vector<JSAMPLE> row(3 * static_cast<std::size_t>(width));
     for (long y = 0; y < height; ++y) {

@@ -101,7 +101,7 @@ Raster read_png(const std::string &path, long file_size) {
     reader.read_rows(rows.data());
 
     const std::array<float, 256> &decoded = linear_bytes();
-    Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}};
+    Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}, true};
     raster.pixels.reserve(width * height);
     raster.alpha.reserve(has_alpha ? width * height : 0);
     for (std::size_t i = 0; i < width * height; ++i) {

@@ -12,10 +12,12 @@ struct Raster {
     int height = 0;
     std::vector<Color> pixels; ///< Linear, row after row from the top.
     std::vector<float> alpha;  ///< One for each pixel, 0 to 1 in good files; empty where everything is covered.
+    bool is_from_srgb = false; ///< Whether they stand in the file in sRGB, and have been decoded.
 
-    const Color &at(int x, int y) const {
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
     }
+    const Color &at(int x, int y) const { return pixels[index(x, y)]; }
 };
 
 } // namespace vantor

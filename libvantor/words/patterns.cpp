@@ -10,6 +10,10 @@ namespace {
 
 constexpr std::string_view uv_or_object[] = {"uv", "object"};
 constexpr std::string_view object_or_uv[] = {"object", "uv"};
+constexpr std::string_view wraps[] = {"repeat", "clamp", "mirror", "black"};
+constexpr std::string_view filters[] = {"bilinear", "nearest", "trilinear"};
+constexpr std::string_view color_spaces[] = {"file", "srgb", "linear"};
+constexpr std::string_view channels[] = {"color", "alpha"};
 constexpr std::string_view mix_modes[] = {"mix", "multiply", "add"};
 
 constexpr Parameter a_parameter = {"a", ValueKind::ColorOrPattern, not_negative, Presence::Default, {0, 0, 0},
@@ -47,6 +51,24 @@ constexpr Parameter gradient_parameters[] = {
      "from the origin to where the position is 1"},
     {"space", ValueKind::Choice, any, Presence::Default, none, "", space_meaning, uv_or_object},
 };
+constexpr Parameter image_parameters[] = {
+    {"texture", ValueKind::TextureId, any, Presence::Required, none, "", "the picture"},
+    with_meaning(scale_parameter, "how many pictures lie on a length of 1 of u and v"),
+    {"offset",
+     ValueKind::Vector2,
+     coordinate,
+     Presence::Default,
+     {0, 0, 0},
+     "",
+     "what is added to (u, v) after the scale; 1 is a picture"},
+    {"wrap", ValueKind::Choice, any, Presence::Default, none, "", "what lies beyond the picture", wraps},
+    {"filter", ValueKind::Choice, any, Presence::Default, none, "",
+     "what lies between the middles of pixels; trilinear takes means over what a pixel of the rendering sees", filters},
+    {"channel", ValueKind::Choice, any, Presence::Default, none, "",
+     "what the pattern shows; the alpha as a grey, 1 where the file has none", channels},
+    {"color_space", ValueKind::Choice, any, Presence::Default, none, "",
+     "how the numbers of the file are taken; file: sRGB in PNG and JPEG files, linear in OpenEXR files", color_spaces},
+};
 constexpr Parameter mix_parameters[] = {
     a_parameter,
     b_parameter,
@@ -79,6 +101,7 @@ constexpr Type patterns_table[] = {
     {"checker", "Squares or cubes of two colours in turn.", checker_parameters},
     {"gradient", "Colours that follow each other along a direction; beyond its ends the first and the last.",
      gradient_parameters},
+    {"image", "A picture over the texture coordinates.", image_parameters},
     {"mix", "Two colours or patterns, mixed, multiplied or added.", mix_parameters},
     {"noise", "A fractal sum of gradient noise between two colours.", noise_parameters},
 };

@@ -52,9 +52,10 @@ TEST(Diagnostics, Types) {
     Scene scene;
     List list;
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture("wood"), 1); }),
-              "vantor: newTexture \"wood\": unknown type (textures have no types yet)\n");
+              "vantor: newTexture \"wood\": cannot read the picture: No such file or directory; it is grey\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("wood", list), 2); }),
-              "vantor: newPattern \"wood\": unknown type (known: \"checker\", \"gradient\", \"mix\", \"noise\")\n");
+              "vantor: newPattern \"wood\": unknown type (known: \"checker\", \"gradient\", \"image\", \"mix\", "
+              "\"noise\")\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTrimmer("curve", list), 3); }),
               "vantor: newTrimmer \"curve\": unknown type (trimmers have no types yet)\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewInterior(nullptr, list), 4); }),

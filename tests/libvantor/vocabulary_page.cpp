@@ -42,7 +42,9 @@ std::string tables() {
     std::string page;
     for (const vantor::EntityWords &words : vantor::vocabulary()) {
         page += joined({"\n## `", words.call, "`\n"});
-        if (words.types.empty())
+        if (words.kind == vantor::EntityKind::Texture)
+            page += "\nTakes the path of a picture file: PNG, JPEG or OpenEXR.\n";
+        else if (words.types.empty())
             page += joined({"\nThere are no ", words.plural, " yet. Every type is reported, and gets an id.\n"});
         for (const vantor::Type &type : words.types) {
             page += joined({"\n### `\"", type.name, "\"`\n\n", type.meaning, "\n\n",

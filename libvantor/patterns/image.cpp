@@ -1,0 +1,95 @@
+// Image: a texture, laid over the texture coordinates.
+#include "libvantor/patterns/image.h"
+
+namespace vantor {
+
+namespace {
+
+// A coordinate near the picture, which shows what lies at the given one.
+float brought_near(float x, Image::Wrap wrap) {
+    switch (wrap) {
+    case Image::Wrap::Repeat:
+        return x - std::floor(x);
+    case Image::Wrap::Mirror:
+        return x - 2 * std::floor(0.5f * x);
+    case Image::Wrap::Clamp:
+    case Image::Wrap::Black:
+        break;
+    }
+    return std::clamp(x, -1.0f, 2.0f);
+}
+
+// The pixel that stands for one at most a picture's size away; -1 for none.
+int wrapped(int i, int size, Image::Wrap wrap) {
+    switch (wrap) {
+    case Image::Wrap::Repeat:
+        return (i % size + size) % size;
+    case Image::Wrap::Mirror: {
+        const int turn = (i % (2 * size) + 2 * size) % (2 * size);
+        return std::min(turn, 2 * size - 1 - turn);
+    }
+    case Image::Wrap::Black:
+        return i >= 0 && i < size ? i : -1;
+    case Image::Wrap::Clamp:
+        break;
+    }
+    return std::clamp(i, 0, size - 1);
+}
+
+Color pixel_at(const Image &image, const Raster &level, int x, int y) {
+    const int column = wrapped(x, level.width, image.wrap);
+    const int row = wrapped(y, level.height, image.wrap);
+    if (column < 0 || row < 0)
+        return {};
+    if (!image.shows_alpha)
+        return level.at(column, row);
+    const float alpha = level.alpha.empty() ? 1.0f : level.alpha[level.index(column, row)];
+    return {alpha, alpha, alpha};
+}
+
+Color nearest(const Image &image, const Raster &level, Pair place) {
+    return pixel_at(image, level, static_cast<int>(std::floor(place.u * static_cast<float>(level.width))),
+                    static_cast<int>(std::floor(place.v * static_cast<float>(level.height))));
+}
+
+Color bilinear(const Image &image, const Raster &level, Pair place) {
+    const float x = place.u * static_cast<float>(level.width) - 0.5f;
+    const float y = place.v * static_cast<float>(level.height) - 0.5f;
+    const int left = static_cast<int>(std::floor(x));
+    const int above = static_cast<int>(std::floor(y));
+    const float to_right = x - static_cast<float>(left);
+    const auto row = [&](int i) {
+        return mixed(pixel_at(image, level, left, i), pixel_at(image, level, left + 1, i), to_right);
+    };
+    return mixed(row(above), row(above + 1), y - static_cast<float>(above));
+}
+
+Color trilinear(const Image &image, Pair place, Pair footprint) {
+    const std::vector<Raster> &levels = image.texture->levels;
+    const float pixels = std::max({1.0f, footprint.u * static_cast<float>(levels.front().width),
+                                   footprint.v * static_cast<float>(levels.front().height)});
+    const float level = std::min(std::log2(pixels), static_cast<float>(levels.size() - 1));
+    const auto finer = static_cast<std::size_t>(level);
+    const Color color = bilinear(image, levels[finer], place);
+    const float to_coarser = level - static_cast<float>(finer);
+    return to_coarser > 0 ? mixed(color, bilinear(image, levels[finer + 1], place), to_coarser) : color;
+}
+
+} // namespace
+
+Color Image::evaluate(const PatternPoint &at) const {
+    // Rows count from above.
+    const Pair place{brought_near(at.uv.u * scale.u + offset.u, wrap),
+                     brought_near(1 - (at.uv.v * scale.v + offset.v), wrap)};
+    switch (filter) {
+    case Filter::Nearest:
+        return nearest(*this, texture->levels.front(), place);
+    case Filter::Bilinear:
+        return bilinear(*this, texture->levels.front(), place);
+    case Filter::Trilinear:
+        break;
+    }
+    return trilinear(*this, place, {at.footprint.u * std::fabs(scale.u), at.footprint.v * std::fabs(scale.v)});
+}
+
+} // namespace vantor

@@ -1,0 +1,78 @@
+// Texture: a picture, and ever smaller copies of it.
+#include "libvantor/patterns/texture.h"
+
+namespace vantor {
+
+namespace {
+
+float usable(float value) { return value > 0 && std::isfinite(value) ? value : 0.0f; }
+
+// The pixels of a finer row that a pixel of a coarser one covers.
+struct Cover {
+    int first;
+    int end;
+    float low;  // where it begins, in finer pixels
+    float high; // where it ends
+
+    Cover(int coarse_place, int fine_size, int coarse_size) {
+        const float stretch = static_cast<float>(fine_size) / static_cast<float>(coarse_size);
+        low = static_cast<float>(coarse_place) * stretch;
+        high = static_cast<float>(coarse_place + 1) * stretch;
+        first = static_cast<int>(low);
+        end = std::min(static_cast<int>(std::ceil(high)), fine_size);
+    }
+    float share(int fine_place) const {
+        const auto begin = static_cast<float>(fine_place);
+        return std::max(std::min(begin + 1, high) - std::max(begin, low), 0.0f);
+    }
+};
+
+Raster halved(const Raster &fine) {
+    Raster coarse{std::max(fine.width / 2, 1), std::max(fine.height / 2, 1), {}, {}};
+    for (int y = 0; y < coarse.height; ++y) {
+        const Cover rows(y, fine.height, coarse.height);
+        for (int x = 0; x < coarse.width; ++x) {
+            const Cover columns(x, fine.width, coarse.width);
+            Color color;
+            float alpha = 0;
+            float total = 0;
+            for (int i = rows.first; i < rows.end; ++i)
+                for (int j = columns.first; j < columns.end; ++j) {
+                    const float share = rows.share(i) * columns.share(j);
+                    color += fine.at(j, i) * share;
+                    if (!fine.alpha.empty())
+                        alpha += fine.alpha[fine.index(j, i)] * share;
+                    total += share;
+                }
+            coarse.pixels.push_back(color * (1 / total));
+            if (!fine.alpha.empty())
+                coarse.alpha.push_back(alpha / total);
+        }
+    }
+    return coarse;
+}
+
+} // namespace
+
+Texture::Texture(Raster picture) {
+    for (Color &pixel : picture.pixels)
+        pixel = {usable(pixel.r), usable(pixel.g), usable(pixel.b)};
+    for (float &alpha : picture.alpha)
+        alpha = std::min(usable(alpha), 1.0f);
+    levels.push_back(std::move(picture));
+    while (levels.back().width > 1 || levels.back().height > 1)
+        levels.push_back(halved(levels.back()));
+}
+
+Raster with_other_coding(const Raster &picture) {
+    Raster result = picture;
+    result.is_from_srgb = !picture.is_from_srgb;
+    const auto recoded = [&](float value) {
+        return picture.is_from_srgb ? srgb_of_linear(value) : linear_of_srgb(value);
+    };
+    for (Color &pixel : result.pixels)
+        pixel = {recoded(pixel.r), recoded(pixel.g), recoded(pixel.b)};
+    return result;
+}
+
+} // namespace vantor

@@ -1,0 +1,241 @@
+// Textures: what they show where, and how files become textures.
+#include "libvantor/entities/texture.h"
+#include "libvantor/patterns/image.h"
+#include "libvantor/pictures/formats.h"
+#include "libvantor/pictures/reading.h"
+
+#include "tests/libvantor/scripted_scene.h"
+
+#include <cmath>
+#include <fstream>
+#include <random>
+
+namespace {
+
+using namespace vantor;
+using scripted::errors_of;
+using scripted::List;
+using scripted::path_of;
+using Wrap = Image::Wrap;
+using Filter = Image::Filter;
+
+// A picture whose greys are given row by row, from the top.
+Raster greys(int width, int height, std::vector<float> values) {
+    Raster raster{width, height, {}, {}};
+    for (const float value : values)
+        raster.pixels.push_back({value, value, value});
+    return raster;
+}
+
+Image image_of(Raster raster, Filter filter, Wrap wrap = Wrap::Repeat) {
+    return {std::make_shared<const Texture>(std::move(raster)), wrap, filter, false, {1, 1}, {0, 0}};
+}
+
+float value_at(const Image &image, float u, float v, Pair footprint = {}) {
+    return image.evaluate({{u, v}, {}, footprint}).g;
+}
+
+double mean_of(const Raster &raster) {
+    double sum = 0;
+    for (const Color &pixel : raster.pixels)
+        sum += pixel.g;
+    return sum / static_cast<double>(raster.pixels.size());
+}
+
+TEST(Texture, EveryLevelHasTheMeanOfThePicture) {
+    std::mt19937 engine(3);
+    std::uniform_real_distribution<float> any(0, 1);
+    for (const auto &[width, height] : {std::pair(8, 4), std::pair(7, 5), std::pair(1, 9), std::pair(33, 2)}) {
+        std::vector<float> values(static_cast<std::size_t>(width * height));
+        for (float &value : values)
+            value = any(engine);
+        const Texture texture(greys(width, height, values));
+        const double mean = mean_of(texture.levels.front());
+        for (std::size_t i = 1; i < texture.levels.size(); ++i) {
+            const Raster &level = texture.levels[i];
+            EXPECT_EQ(level.width, std::max(texture.levels[i - 1].width / 2, 1));
+            EXPECT_EQ(level.height, std::max(texture.levels[i - 1].height / 2, 1));
+            EXPECT_NEAR(mean_of(level), mean, 1e-6) << width << " x " << height << " level " << i;
+        }
+        EXPECT_EQ(texture.levels.back().pixels.size(), 1u);
+    }
+}
+
+TEST(Texture, PixelsOfALevelAreMeansOfThoseThatTheyCover) {
+    const Texture texture(greys(4, 2, {0, 1, 2, 3, 4, 5, 6, 7}));
+    ASSERT_EQ(texture.levels.size(), 3u);
+    EXPECT_FLOAT_EQ(texture.levels[1].at(0, 0).r, 2.5f);
+    EXPECT_FLOAT_EQ(texture.levels[1].at(1, 0).r, 4.5f);
+    // Three pixels become one and a half each.
+    const Texture odd(greys(3, 1, {3, 6, 9}));
+    EXPECT_FLOAT_EQ(odd.levels[1].at(0, 0).r, 6);
+    const Texture five(greys(5, 1, {0, 10, 20, 30, 40}));
+    EXPECT_FLOAT_EQ(five.levels[1].at(0, 0).r, (0 + 10 + 0.5f * 20) / 2.5f);
+    EXPECT_FLOAT_EQ(five.levels[1].at(1, 0).r, (0.5f * 20 + 30 + 40) / 2.5f);
+}
+
+TEST(Texture, ValuesThatAreNoColorsBecomeBlack) {
+    const Texture texture(greys(4, 1, {NAN, -1, INFINITY, 2}));
+    EXPECT_EQ(texture.levels[0].at(0, 0).r, 0);
+    EXPECT_EQ(texture.levels[0].at(1, 0).r, 0);
+    EXPECT_EQ(texture.levels[0].at(2, 0).r, 0);
+    EXPECT_EQ(texture.levels[0].at(3, 0).r, 2);
+}
+
+TEST(Image, BeginsInTheLowerLeftCorner) {
+    const Image image = image_of(greys(2, 2, {1, 2, 3, 4}), Filter::Nearest);
+    EXPECT_EQ(value_at(image, 0.25f, 0.25f), 3);
+    EXPECT_EQ(value_at(image, 0.75f, 0.25f), 4);
+    EXPECT_EQ(value_at(image, 0.25f, 0.75f), 1);
+    EXPECT_EQ(value_at(image, 0.75f, 0.75f), 2);
+}
+
+TEST(Image, ScaleAndOffset) {
+    Image image = image_of(greys(2, 2, {1, 2, 3, 4}), Filter::Nearest);
+    image.scale = {2, 1};
+    EXPECT_EQ(value_at(image, 0.125f, 0.25f), 3);
+    EXPECT_EQ(value_at(image, 0.375f, 0.25f), 4);
+    EXPECT_EQ(value_at(image, 0.625f, 0.25f), 3);
+    image.offset = {0.5f, 0.5f};
+    EXPECT_EQ(value_at(image, 0.125f, 0.25f), 2);
+}
+
+TEST(Image, Wraps) {
+    const auto row_of = [](Wrap wrap) {
+        const Image image = image_of(greys(3, 1, {1, 2, 3}), Filter::Nearest, wrap);
+        std::vector<float> values;
+        for (int i = -4; i < 8; ++i)
+            values.push_back(value_at(image, (static_cast<float>(i) + 0.5f) / 3, 0.5f));
+        return values;
+    };
+    EXPECT_EQ(row_of(Wrap::Repeat), (std::vector<float>{3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2}));
+    EXPECT_EQ(row_of(Wrap::Clamp), (std::vector<float>{1, 1, 1, 1, 1, 2, 3, 3, 3, 3, 3, 3}));
+    EXPECT_EQ(row_of(Wrap::Mirror), (std::vector<float>{3, 3, 2, 1, 1, 2, 3, 3, 2, 1, 1, 2}));
+    EXPECT_EQ(row_of(Wrap::Black), (std::vector<float>{0, 0, 0, 0, 1, 2, 3, 0, 0, 0, 0, 0}));
+}
+
+TEST(Image, BilinearInterpolatesBetweenMiddles) {
+    const Raster raster = greys(2, 2, {1, 2, 3, 4});
+    const Image repeated = image_of(raster, Filter::Bilinear);
+    EXPECT_FLOAT_EQ(value_at(repeated, 0.25f, 0.25f), 3);
+    EXPECT_FLOAT_EQ(value_at(repeated, 0.375f, 0.25f), 3.25f);
+    EXPECT_FLOAT_EQ(value_at(repeated, 0.5f, 0.5f), 2.5f);
+    EXPECT_FLOAT_EQ(value_at(repeated, 0, 0.25f), 3.5f); // between the last column and the first
+    EXPECT_FLOAT_EQ(value_at(image_of(raster, Filter::Bilinear, Wrap::Clamp), 0, 0.25f), 3);
+    EXPECT_FLOAT_EQ(value_at(image_of(raster, Filter::Bilinear, Wrap::Mirror), 0, 0.25f), 3);
+    EXPECT_FLOAT_EQ(value_at(image_of(raster, Filter::Bilinear, Wrap::Black), 0, 0.25f), 1.5f);
+}
+
+TEST(Image, TrilinearChoosesTheLevelByTheFootprint) {
+    const Image image = image_of(greys(4, 4, {0, 0, 8, 8, 0, 0, 8, 8, 4, 4, 4, 4, 4, 4, 4, 4}), Filter::Trilinear);
+    const float x = 0.125f, y = 0.875f; // the middle of the first pixel
+    EXPECT_FLOAT_EQ(value_at(image, x, y), 0);
+    EXPECT_FLOAT_EQ(value_at(image, x, y, {0.25f, 0.25f}), 0);
+    EXPECT_FLOAT_EQ(value_at(image, x, y, {1, 0}), 4);
+    EXPECT_FLOAT_EQ(value_at(image, x, y, {100, 100}), 4);
+    // Half a level on: half way between the picture and its first reduction, which interpolates between 0, 8, 4 and 4.
+    const float first = value_at(image, x, y, {0.5f, 0.5f});
+    EXPECT_FLOAT_EQ(first, 0.5625f * 0 + 0.1875f * 8 + 0.1875f * 4 + 0.0625f * 4);
+    EXPECT_NEAR(value_at(image, x, y, {0.25f * std::sqrt(2.0f), 0}), 0.5f * first, 1e-5f);
+    // Two pictures on a length of 1 make every pixel twice as small.
+    Image twice = image;
+    twice.scale = {2, 2};
+    EXPECT_FLOAT_EQ(value_at(twice, x / 2, 0.5f * y, {0.25f, 0}), first);
+}
+
+TEST(Image, StaysInsideWhereverItIsAsked) {
+    for (const Filter filter : {Filter::Nearest, Filter::Bilinear, Filter::Trilinear})
+        for (const Wrap wrap : {Wrap::Repeat, Wrap::Clamp, Wrap::Mirror, Wrap::Black}) {
+            const Image image = image_of(greys(3, 2, {1, 1, 1, 1, 1, 1}), filter, wrap);
+            for (const float u : {-1e18f, -1.0f, -1e-9f, 0.0f, 1.0f, 2.0f, 1e18f})
+                for (const float v : {-1e18f, -1e-9f, 0.0f, 1.0f, 1e18f}) {
+                    const float value = value_at(image, u, v, {1e9f, 1e9f});
+                    EXPECT_TRUE(value >= 0 && value <= 1.000001f) << u << " " << v;
+                    if (wrap != Wrap::Black) {
+                        EXPECT_NEAR(value, 1, 1e-6f) << u << " " << v;
+                    }
+                }
+        }
+}
+
+TEST(Image, ShowsAlphaAsAGrey) {
+    Raster raster = greys(2, 1, {5, 6});
+    raster.alpha = {0.25f, 1};
+    Image image = image_of(raster, Filter::Nearest);
+    image.shows_alpha = true;
+    EXPECT_EQ(value_at(image, 0.25f, 0.5f), 0.25f);
+    EXPECT_EQ(value_at(image, 0.75f, 0.5f), 1);
+    Image opaque = image_of(greys(1, 1, {0.3f}), Filter::Nearest);
+    opaque.shows_alpha = true;
+    EXPECT_EQ(value_at(opaque, 0.5f, 0.5f), 1);
+}
+
+// Files.
+
+void write(const std::string &path, const std::string &bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+std::shared_ptr<const Texture> texture_of(TextureFiles &files, const std::string &path, ColorSpace space) {
+    Report report;
+    return files.open(path, CallReport(report, "newTexture"))->texture(space);
+}
+
+TEST(TextureFile, ColorSpaces) {
+    const std::string path = path_of("texture.png");
+    write(path, png_file({1, 1, {128, 255, 10}}, ""));
+    TextureFiles files;
+    const Color as_file = texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0);
+    // IEC 61966-2-1.
+    EXPECT_NEAR(as_file.r, std::pow((128 / 255.0 + 0.055) / 1.055, 2.4), 1e-6);
+    EXPECT_NEAR(as_file.b, 10 / 255.0 / 12.92, 1e-6);
+    EXPECT_EQ(texture_of(files, path, ColorSpace::Srgb), texture_of(files, path, ColorSpace::AsFile));
+    const Color linear = texture_of(files, path, ColorSpace::Linear)->levels[0].at(0, 0);
+    EXPECT_NEAR(linear.r, 128 / 255.0, 1e-6);
+    EXPECT_NEAR(linear.g, 1, 1e-6);
+    EXPECT_NEAR(linear.b, 10 / 255.0, 1e-6);
+}
+
+TEST(TextureFile, OpenExrIsLinearAndItsColorsAreDividedByTheirAlpha) {
+    const std::string path = path_of("texture.exr");
+    Picture picture(1, 1, {0, 0, 1, 1});
+    picture.at(0, 0) = {0.5f, 0.25f, 2};
+    write(path, exr_file(picture, 1, ""));
+    TextureFiles files;
+    EXPECT_FLOAT_EQ(texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0).b, 2);
+    EXPECT_EQ(texture_of(files, path, ColorSpace::Linear), texture_of(files, path, ColorSpace::AsFile));
+    EXPECT_NEAR(texture_of(files, path, ColorSpace::Srgb)->levels[0].at(0, 0).r, std::pow(0.555 / 1.055, 2.4), 1e-6);
+
+    Raster faint = greys(1, 1, {0.2f});
+    faint.alpha = {0.5f};
+    EXPECT_FLOAT_EQ(TextureFile(faint).texture(ColorSpace::AsFile)->levels[0].at(0, 0).r, 0.4f);
+}
+
+TEST(TextureFile, IsReadOnce) {
+    const std::string path = path_of("once.png");
+    write(path, png_file({1, 1, {255, 255, 255}}, ""));
+    TextureFiles files;
+    const auto first = texture_of(files, path, ColorSpace::Linear);
+    std::filesystem::remove(path);
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(texture_of(files, path, ColorSpace::Linear), first); }), "");
+}
+
+// Through the doors.
+
+TEST(NewTexture, SaysWhatCannotBeRead) {
+    scripted::Scene scene;
+    write(path_of("bad.png"), "no picture");
+    const std::string path = path_of("bad.png");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(path.c_str()), 1); }),
+              "vantor: newTexture " + vantor::quoted(path) +
+                  ": cannot read the picture: it is no PNG, JPEG or OpenEXR file; it is grey\n");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(nullptr), 2); }),
+              "vantor: newTexture: no picture file is named\n");
+    List grey("texture", 1);
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("image", grey), 3); }), "");
+    List pattern("texture", 3);
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("image", pattern), 4); }),
+              "vantor: newPattern \"image\": id 3 is a pattern (the id of a texture is wanted)\n");
+}
+
+} // namespace
