@@ -16,6 +16,7 @@ import sys
 import tempfile
 
 import imports
+import large_scenes
 import memory
 import operations
 import render
@@ -249,6 +250,25 @@ def show_render(setting, figures):
     return found
 
 
+def show_large_scenes(setting, figures):
+    rows = large_scenes.QUICK if setting.quick else large_scenes.ROWS
+    found = {}
+    for row in rows:
+        runs = [setting.child("large_scenes.py", "embedded", row=row)
+                for _ in range(1 if setting.quick else 3)]
+        found[row] = {figure: min(run[figure] for run in runs) for figure in runs[0]}
+    print("Large scenes, from a script's arrays to the first ray: s of processor time / threads;\n"
+          "bytes of each triangle or box, beyond the arrays, at the most\n")
+    tables.show(["scene", "s", "bytes"],
+                [[row, tables.number(needed["seconds"]), tables.number(needed["bytes"])]
+                 for row, needed in found.items()])
+    for row, seconds, size in large_scenes.LIMITS:
+        if row in found:
+            figures.at_most(row + ", to the first ray", found[row]["seconds"], seconds, " s")
+            figures.at_most(row + ", bytes of each", found[row]["bytes"], size)
+    return found
+
+
 PARTS = {"operations": show_operations, "memory": show_memory, "import": show_imports,
          "growth": show_growth}
 
@@ -275,6 +295,7 @@ def main():
     found = {name: show(setting, figures) for name, show in PARTS.items()}
     if options.render:
         found["render"] = show_render(setting, figures)
+        found["large scenes"] = show_large_scenes(setting, figures)
     if figures.rows:
         figures.show()
     if options.json:

@@ -1,0 +1,111 @@
+"""What large scenes need from a script's arrays to the first ray: processor time and memory.
+
+Run by run.py in a fresh process for each row; prints JSON.
+"""
+
+import json
+import math
+import os
+import sys
+import tempfile
+import time
+
+import memory
+
+THREADS = 2
+
+
+def hills(module, columns, rows):
+    """The parameters of a mesh with 2 * columns * rows triangles."""
+    points, triangles = module.vector3array(), module.intarray()
+    for j in range(rows + 1):
+        for i in range(columns + 1):
+            points.add(module.vector3(i / columns, 0.1 * math.sin(i * 0.01) * math.sin(j * 0.01),
+                                      -j / rows))
+    for j in range(rows):
+        for i in range(j * (columns + 1), j * (columns + 1) + columns):
+            for corner in (i, i + 1, i + columns + 2, i, i + columns + 2, i + columns + 1):
+                triangles.add(corner)
+    return ["points", points, "triangles", triangles]
+
+
+def grid(module, count):
+    """So many transforms, on a square grid."""
+    places = module.transformarray()
+    columns = math.isqrt(count)
+    place = module.transform()
+    for i in range(count):
+        place.translation(module.vector3(i % columns, 0, -(i // columns)))
+        places.add(place)
+    return places
+
+
+def small_box(module, scene):
+    return scene.newObject("box", ["min", module.vector3(0.2, 0.2, 0.2),
+                                   "max", module.vector3(0.8, 0.8, 0.8)])
+
+
+def add_mesh(module, scene, parameters):
+    scene.addObject(scene.newObject("mesh", parameters))
+
+
+def add_one_by_one(module, scene, places):
+    box = small_box(module, scene)
+    for place in places:
+        scene.transformBegin(place)
+        scene.addObject(box)
+        scene.transformEnd()
+
+
+# Of each row: how many things, what a script has, and how the scene gets it. QUICK has the small ones.
+ROWS = {
+    "a mesh of 1e6 triangles": (10 ** 6, lambda module: hills(module, 1000, 500), add_mesh),
+    "a mesh of 1e7 triangles": (10 ** 7, lambda module: hills(module, 2500, 2000), add_mesh),
+    "1e6 boxes, added one by one": (
+        10 ** 6, lambda module: grid(module, 10 ** 6), add_one_by_one),
+}
+LIMITS = (("a mesh of 1e6 triangles", 0.4, 125), ("a mesh of 1e7 triangles", 3, 125))
+QUICK = [row for row, (count, _, _) in ROWS.items() if count <= 10 ** 6]
+
+
+def peak_bytes():
+    """The most that this process has had in memory since forget_peak."""
+    with open("/proc/self/status") as status:
+        for line in status:
+            if line.startswith("VmHWM:"):
+                return int(line.split()[1]) * 1024
+    raise OSError("no VmHWM in /proc/self/status")
+
+
+def forget_peak():
+    with open("/proc/self/clear_refs", "w") as references:
+        references.write("5")
+
+
+def measure(row):
+    """Processor seconds / threads; and the most memory beyond the script's arrays, in bytes for each
+    thing."""
+    import vantorPM as module
+
+    count, make, add = ROWS[row]
+    made = make(module)
+    with tempfile.TemporaryDirectory() as folder:
+        forget_peak()
+        before = memory.resident_bytes()
+        begin = time.process_time()
+        scene = module.scene(1)
+        scene.newCamera("perspective", ["position", module.vector3(0.5, 2, 2),
+                                        "target", module.vector3(0.5, 0, -0.5)])
+        scene.newImager("file", ["name", os.path.join(folder, "pixel.exr")])
+        add(module, scene, made)
+        scene.render(1, 1, 1, 0, 0, 1, 1)
+        seconds = (time.process_time() - begin) / THREADS
+        peak = peak_bytes() - before
+    return {"seconds": seconds, "bytes": peak / count}
+
+
+if __name__ == "__main__":
+    settings = json.loads(sys.argv[1])
+    sys.path[:0] = settings["paths"]
+    os.sched_setaffinity(0, sorted(os.sched_getaffinity(0))[:THREADS])
+    json.dump(measure(settings["row"]), sys.stdout)
