@@ -57,13 +57,14 @@ def add_one_by_one(module, scene, places):
         scene.transformEnd()
 
 
-# Of each row: how many things, what a script has, and how the scene gets it. QUICK has the small ones.
+# Of each row: how many things, what a script has, and how the scene gets it.
 ROWS = {
     "a mesh of 1e6 triangles": (10 ** 6, lambda module: hills(module, 1000, 500), add_mesh),
     "a mesh of 1e7 triangles": (10 ** 7, lambda module: hills(module, 2500, 2000), add_mesh),
     "1e6 boxes, added one by one": (
         10 ** 6, lambda module: grid(module, 10 ** 6), add_one_by_one),
 }
+# Seconds and bytes to reach.
 LIMITS = (("a mesh of 1e6 triangles", 0.4, 125), ("a mesh of 1e7 triangles", 3, 125))
 QUICK = [row for row, (count, _, _) in ROWS.items() if count <= 10 ** 6]
 
@@ -83,8 +84,8 @@ def forget_peak():
 
 
 def measure(row):
-    """Processor seconds / threads; and the most memory beyond the script's arrays, in bytes for each
-    thing."""
+    """Processor seconds / threads; and the most memory beyond the script's arrays, in bytes for
+    each thing."""
     import vantorPM as module
 
     count, make, add = ROWS[row]
