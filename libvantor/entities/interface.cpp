@@ -47,6 +47,24 @@ Scattering make_dielectric(const Parameters &parameters) {
     return dielectric;
 }
 
+Scattering make_plastic(const Parameters &parameters) {
+    Plastic plastic{color_of(parameters, "color"), number_of(parameters, "ior")};
+    plastic.set_roughness(number_of(parameters, "roughness"));
+    return plastic;
+}
+
+Scattering make_principled(const Parameters &parameters) {
+    return Principled{.base_color = color_of(parameters, "base_color"),
+                      .metallic = number_of(parameters, "metallic"),
+                      .roughness = number_of(parameters, "roughness"),
+                      .specular = number_of(parameters, "specular"),
+                      .clearcoat = number_of(parameters, "clearcoat"),
+                      .coat_roughness = number_of(parameters, "clearcoat_roughness"),
+                      .sheen = number_of(parameters, "sheen"),
+                      .transmission = number_of(parameters, "transmission"),
+                      .ior = number_of(parameters, "ior")};
+}
+
 } // namespace
 
 Scattering make_scattering(const Type &type, const Parameters &parameters) {
@@ -54,6 +72,10 @@ Scattering make_scattering(const Type &type, const Parameters &parameters) {
         return make_conductor(parameters);
     if (type.name == "dielectric")
         return make_dielectric(parameters);
+    if (type.name == "plastic")
+        return make_plastic(parameters);
+    if (type.name == "principled")
+        return make_principled(parameters);
     return Diffuse{color_of(parameters, "reflectance")};
 }
 

@@ -4,12 +4,14 @@
 #include "libvantor/scattering/conductor.h"
 #include "libvantor/scattering/dielectric.h"
 #include "libvantor/scattering/diffuse.h"
+#include "libvantor/scattering/plastic.h"
+#include "libvantor/scattering/principled.h"
 
 #include <variant>
 
 namespace vantor {
 
-using Scattering = std::variant<Diffuse, Conductor, Dielectric>;
+using Scattering = std::variant<Diffuse, Conductor, Dielectric, Plastic, Principled>;
 
 inline Scattered evaluate(const Scattering &scattering, Vec3 out, Vec3 in) {
     return std::visit([&](const auto &lobe) { return lobe.evaluate(out, in); }, scattering);

@@ -23,6 +23,7 @@ inline constexpr Range octave_count{.low = 1.0, .high = 16.0, .text = "1 to 16"}
 inline constexpr Range lacunarity{.low = 1.0, .high = 10.0, .text = "1 to 10"};
 inline constexpr Range metal_index{.low = 0.0, .high = 100.0, .text = "0 to 100"};
 inline constexpr Range index_ratio{.low = 0.1, .high = 10.0, .text = "0.1 to 10"};
+inline constexpr Range coat_index{.low = 1.1, .high = 3.0, .text = "1.1 to 3"};
 inline constexpr Range field_of_view{.low = 1e-3, .high = 179.0, .text = "0.001 to 179"};
 inline constexpr Range stops{.low = -100.0, .high = 100.0, .text = "-100 to 100"};
 inline constexpr Range spline_step{.low = 1.0, .high = 4.0, .text = "1 to 4"};

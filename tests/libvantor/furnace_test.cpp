@@ -108,6 +108,37 @@ TEST(Furnace, ASphereOfRoughMetalLosesLittle) {
     EXPECT_LT(mean, 1.005);
 }
 
+TEST(Furnace, ASphereOfWhitePlasticIsInvisible) {
+    // The standard deviation of a path is below 0.5.
+    const double tolerance = 4 * 0.5 / std::sqrt(24.0 * 24 * 64);
+    EXPECT_NEAR(sphere_in_shining_room("plastic", "color", 1.0).mean(), 1, tolerance);
+    EXPECT_NEAR(sphere_in_shining_room("plastic", "color", 1.0, "roughness", 0.4).mean(), 1, tolerance + 1e-3);
+}
+
+TEST(Furnace, PrincipledSpheresAreNoLights) {
+    const auto expect_dark = [](double lowest, const auto &...values) {
+        const double mean = sphere_in_shining_room("principled", "base_color", 1.0, values...).mean();
+        EXPECT_GT(mean, lowest);
+        EXPECT_LT(mean, 1.01);
+    };
+    // The sphere covers two thirds of the picture; a body of the default roughness reflects somewhat over 0.75.
+    expect_dark(0.83);
+    expect_dark(0.95, "metallic", 1.0, "roughness", 0.2);
+    expect_dark(0.78, "clearcoat", 1.0, "sheen", 1.0);
+    expect_dark(0.9, "transmission", 1.0, "roughness", 0.2);
+    // Inside, light meets the mixture several times before it finds its way out.
+    expect_dark(0.75, "metallic", 0.3, "transmission", 0.5, "clearcoat", 0.5, "specular", 1.0);
+}
+
+TEST(Furnace, GoldLooksLikeGold) {
+    const scripted::Pixels pixels = sphere_in_shining_room("conductor", "metal", "gold");
+    // ((eta - 1)^2 + k^2) / ((eta + 1)^2 + k^2) in the middle, where the sphere is seen from straight above.
+    const scripted::Rgb middle = pixels.at(12, 12);
+    EXPECT_NEAR(middle[0], 0.941, 0.002);
+    EXPECT_NEAR(middle[1], 0.692, 0.002);
+    EXPECT_NEAR(middle[2], 0.404, 0.002);
+}
+
 TEST(Furnace, LightComesThroughARoughBoundary) {
     // A point light straight behind the boundary of rough glass: a path finds it only by sampling it from the other
     // side.

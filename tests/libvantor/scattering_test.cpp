@@ -2,6 +2,7 @@
 #include "libvantor/scattering/scattering.h"
 
 #include "libvantor/scattering/fresnel.h"
+#include "libvantor/scattering/glossy_albedo.h"
 #include "libvantor/scattering/microfacet.h"
 #include "tests/libvantor/chi_square.h"
 
@@ -50,6 +51,42 @@ const Case rough_cases[] = {
     {"bubble 0.4", rough(Dielectric{0.75f}, 0.4f)},
 };
 
+// What a coat or a gloss covers.
+const Case layered_cases[] = {
+    {"plastic", Plastic{white}},
+    {"black plastic", Plastic{{0, 0, 0}}},
+    {"grey plastic", Plastic{{0.3f, 0.3f, 0.3f}, 1.8f}},
+    {"plastic 0.3", rough(Plastic{white}, 0.3f)},
+    {"plastic 0.8", rough(Plastic{white, 2.0f}, 0.8f)},
+    {"principled", Principled{.base_color = white}},
+    {"rough", Principled{.base_color = white, .roughness = 1, .specular = 0}},
+    {"gloss only", Principled{.base_color = {0, 0, 0}, .roughness = 0.3f, .specular = 1}},
+    {"metallic", Principled{.base_color = {0.9f, 1, 0.3f}, .metallic = 1, .roughness = 0.3f}},
+    {"half metallic", Principled{.base_color = white, .metallic = 0.5f, .roughness = 0.7f}},
+    {"coated", Principled{.base_color = white, .clearcoat = 1, .coat_roughness = 0.2f}},
+    {"coated metal",
+     Principled{.base_color = white, .metallic = 1, .roughness = 0.4f, .clearcoat = 0.5f, .coat_roughness = 0.6f}},
+    {"sheen", Principled{.base_color = white, .roughness = 0.8f, .specular = 0.2f, .sheen = 1}},
+    {"black sheen", Principled{.base_color = {0, 0, 0}, .specular = 0, .sheen = 1}},
+    {"principled glass", Principled{.base_color = white, .roughness = 0.3f, .transmission = 1}},
+    {"everything", Principled{.base_color = white,
+                              .metallic = 0.2f,
+                              .roughness = 0.4f,
+                              .specular = 0.8f,
+                              .clearcoat = 0.7f,
+                              .coat_roughness = 0.3f,
+                              .sheen = 0.5f,
+                              .transmission = 0.4f,
+                              .ior = 1.8f}},
+};
+
+// All whose directions have a density, most or all of them.
+std::vector<Case> spread_cases() {
+    std::vector<Case> cases(std::begin(rough_cases), std::end(rough_cases));
+    cases.insert(cases.end(), std::begin(layered_cases), std::end(layered_cases));
+    return cases;
+}
+
 // Directions of light that leaves, on both sides: steep, slanting, grazing.
 std::vector<Vec3> ways_out() {
     std::vector<Vec3> ways;
@@ -73,11 +110,14 @@ class Numbers {
 
 // What radiance is divided by to be power: it holds the squared ratio of the indices of the two sides.
 double radiance_scale(const Scattering &scattering, Vec3 out, Vec3 in) {
-    const auto *dielectric = std::get_if<Dielectric>(&scattering);
-    if (!dielectric || out.z * in.z > 0)
+    if (out.z * in.z > 0)
         return 1;
-    const double ratio = out.z > 0 ? dielectric->ior : 1 / static_cast<double>(dielectric->ior);
-    return 1 / (ratio * ratio);
+    double ior = 1;
+    if (const auto *dielectric = std::get_if<Dielectric>(&scattering))
+        ior = dielectric->ior;
+    if (const auto *principled = std::get_if<Principled>(&scattering))
+        ior = principled->ior;
+    return out.z > 0 ? 1 / (ior * ior) : ior * ior;
 }
 
 struct Mean {
@@ -86,14 +126,14 @@ struct Mean {
 };
 
 // The fraction of light, as power, that is scattered of light that comes from everywhere alike.
-Mean sampled_albedo(const Scattering &scattering, Vec3 out, int count) {
+Mean sampled_albedo(const Scattering &scattering, Vec3 out, int count, bool with_specular = true) {
     Numbers numbers;
     double sum = 0;
     double squares = 0;
     for (int n = 0; n < count; ++n) {
         ScatteringSample found;
         const Pair pair = numbers.pair();
-        if (!sample(scattering, out, pair, numbers.one(), found))
+        if (!sample(scattering, out, pair, numbers.one(), found) || (found.is_specular && !with_specular))
             continue;
         const double weight = found.weight.g / radiance_scale(scattering, out, found.in);
         sum += weight;
@@ -112,8 +152,8 @@ TEST(Scattering, SmoothBoundariesLoseNothing) {
     }
 }
 
-TEST(Scattering, RoughBoundariesScatterNoMoreThanArrives) {
-    for (const Case &c : rough_cases)
+TEST(Scattering, NothingScattersMoreThanArrives) {
+    for (const Case &c : spread_cases())
         for (const Vec3 out : ways_out()) {
             const Mean albedo = sampled_albedo(c.scattering, out, 4000);
             EXPECT_LT(albedo.value, 1 + 4 * albedo.error + 1e-5) << c.name << ", z " << out.z;
@@ -136,25 +176,63 @@ TEST(Scattering, RoughBoundariesLoseWhatMeetsSeveralFacets) {
     EXPECT_NEAR(straight.value, 1 - std::log(2.0), 4 * straight.error);
 }
 
+TEST(Scattering, WhitePlasticLosesNothing) {
+    // But for rough coats what meets several facets; the table of albedos is exact to 0.002.
+    for (const float roughness : {0.0f, 0.1f, 0.3f, 0.6f, 1.0f})
+        for (const float ior : {1.1f, 1.5f, 2.5f})
+            for (const Vec3 out : ways_out()) {
+                const Mean albedo = sampled_albedo(rough(Plastic{white, ior}, roughness), out, 4000);
+                EXPECT_NEAR(albedo.value, 1, 4 * albedo.error + 2e-3) << roughness << ", " << ior << ", z " << out.z;
+            }
+}
+
+TEST(Scattering, PrincipledIsNearlyAsBrightAsItsBase) {
+    // The layers take from each other for both directions, which leaves a little too little.
+    const Mean albedo = sampled_albedo(Principled{.base_color = white}, chi_square::direction_at(0.7, 0), 10000);
+    EXPECT_GT(albedo.value, 0.8);
+}
+
+TEST(Scattering, PrincipledNeverExceedsWhatArrives) {
+    for (const float roughness : {0.0f, 0.25f, 0.5f, 1.0f})
+        for (const float specular : {0.0f, 0.25f, 1.0f})
+            for (const float extra : {0.0f, 1.0f}) // sheen and a coat
+                for (const double cosine : {1.0, 0.7, 0.4, 0.2, 0.05}) {
+                    const Principled lobe{.base_color = white,
+                                          .roughness = roughness,
+                                          .specular = specular,
+                                          .clearcoat = extra,
+                                          .coat_roughness = 0.5f * roughness,
+                                          .sheen = extra};
+                    const Mean albedo = sampled_albedo(lobe, chi_square::direction_at(cosine, 0), 2000);
+                    EXPECT_LT(albedo.value, 1.001 + 4 * albedo.error)
+                        << roughness << ", " << specular << ", " << extra << ", z " << cosine;
+                }
+}
+
 TEST(Scattering, SamplesFollowTheDensity) {
     constexpr int count = 10000;
-    for (const Case &c : rough_cases)
-        for (const Vec3 out : ways_out()) {
-            chi_square::Bins bins([&](Vec3 in) { return evaluate(c.scattering, out, in).density; }, 0.02);
-            EXPECT_LT(bins.probability(), 1.001) << c.name << ", z " << out.z;
-            Numbers numbers;
-            for (int n = 0; n < count; ++n) {
-                ScatteringSample found;
-                const Pair pair = numbers.pair();
-                if (sample(c.scattering, out, pair, numbers.one(), found) && !found.is_specular)
-                    bins.count(found.in);
-            }
-            EXPECT_GT(bins.p_value(count), 1e-4) << c.name << ", z " << out.z;
+    const auto expect_likely = [](const Case &c, Vec3 out) {
+        chi_square::Bins bins([&](Vec3 in) { return evaluate(c.scattering, out, in).density; }, 0.04);
+        EXPECT_LT(bins.probability(), 1.001) << c.name << ", z " << out.z;
+        Numbers numbers;
+        for (int n = 0; n < count; ++n) {
+            ScatteringSample found;
+            const Pair pair = numbers.pair();
+            if (sample(c.scattering, out, pair, numbers.one(), found) && !found.is_specular)
+                bins.count(found.in);
         }
+        EXPECT_GT(bins.p_value(count), 1e-4) << c.name << ", z " << out.z;
+    };
+    for (const Case &c : rough_cases)
+        for (const Vec3 out : ways_out())
+            expect_likely(c, out);
+    for (const Case &c : layered_cases)
+        for (const double cosine : {0.6, -0.25})
+            expect_likely(c, chi_square::direction_at(cosine, 2));
 }
 
 TEST(Scattering, SamplesWeighValueTimesCosineOverDensity) {
-    for (const Case &c : rough_cases)
+    for (const Case &c : spread_cases())
         for (const Vec3 out : ways_out()) {
             Numbers numbers;
             for (int n = 0; n < 200; ++n) {
@@ -179,9 +257,9 @@ TEST(Scattering, SamplesWeighValueTimesCosineOverDensity) {
 
 TEST(Scattering, WeighsAsMuchAsTheIntegral) {
     // The same albedo from the values as from the samples.
-    for (const Case &c : rough_cases)
+    for (const Case &c : spread_cases())
         for (const Vec3 out : {chi_square::direction_at(0.6, 1), chi_square::direction_at(-0.3, 2)}) {
-            const Mean albedo = sampled_albedo(c.scattering, out, 10000);
+            const Mean albedo = sampled_albedo(c.scattering, out, 10000, false);
             const double wanted = chi_square::integral(
                 [&](Vec3 in) {
                     return evaluate(c.scattering, out, in).value.g * std::fabs(in.z) /
@@ -193,7 +271,7 @@ TEST(Scattering, WeighsAsMuchAsTheIntegral) {
 }
 
 TEST(Scattering, IsReciprocal) {
-    for (const Case &c : rough_cases) {
+    for (const Case &c : spread_cases()) {
         Numbers numbers;
         for (int n = 0; n < 300; ++n) {
             const Vec3 a = chi_square::direction_at(2 * numbers.one() - 1, 6.28 * numbers.one());
@@ -223,6 +301,34 @@ TEST(Scattering, RoughnessNextToNothingIsNone) {
     EXPECT_FALSE(is_specular(rough(glass, 0.04f)));
     EXPECT_TRUE(is_specular(rough(gold, 0.03f)));
     EXPECT_FALSE(is_specular(rough(gold, 0.04f)));
+}
+
+TEST(Scattering, TakesAnotherColor) {
+    for (const Case &c : spread_cases()) {
+        Scattering red = c.scattering;
+        set_color(red, {1, 0, 0});
+        Scattering black = c.scattering;
+        set_color(black, {0, 0, 0});
+        EXPECT_GT(albedo(red).r, albedo(black).r + 0.05f) << c.name;
+        EXPECT_EQ(albedo(red).g, albedo(black).g) << c.name;
+    }
+}
+
+TEST(Scattering, TellsWhetherLightComesThrough) {
+    EXPECT_FALSE(transmits(Diffuse{white}));
+    EXPECT_FALSE(transmits(gold));
+    EXPECT_FALSE(transmits(Plastic{white}));
+    EXPECT_TRUE(transmits(glass));
+    EXPECT_FALSE(transmits(Principled{.base_color = white}));
+    EXPECT_TRUE(transmits(Principled{.base_color = white, .transmission = 0.1f}));
+    EXPECT_FALSE(transmits(Principled{.base_color = white, .metallic = 1, .transmission = 1}));
+    // And so it is.
+    for (const Case &c : spread_cases())
+        for (const Vec3 out : ways_out()) {
+            const float through =
+                evaluate(c.scattering, out, chi_square::direction_at(out.z > 0 ? -0.9 : 0.9, 1)).density;
+            EXPECT_TRUE(transmits(c.scattering) ? through >= 0 : through == 0) << c.name;
+        }
 }
 
 TEST(Fresnel, ReflectanceAtNormalIncidence) {
@@ -280,6 +386,17 @@ TEST(Scattering, RefractsBySnellsLaw) {
     EXPECT_NEAR(found.in.x, -0.8, 1e-6);
     EXPECT_NEAR(found.in.z, -0.6, 1e-6);
     EXPECT_EQ(found.weight.g, 1);
+}
+
+TEST(Microfacet, AlbedosInTheTableAreThoseOfSamples) {
+    for (const float roughness : {0.05f, 0.13f, 0.4f, 0.77f, 1.0f})
+        for (const double cosine : {0.05, 0.3, 0.62, 0.97}) {
+            const Vec3 out = chi_square::direction_at(cosine, 0);
+            // An ideal metal's is that of facets which reflect all light.
+            const Mean wanted = sampled_albedo(rough(ideal_metal, roughness), out, 40000);
+            const GlossyAlbedo found = glossy_albedo(out.z, roughness * roughness);
+            EXPECT_NEAR(found.of(1), wanted.value, 4 * wanted.error + 2e-3) << roughness << ", " << cosine;
+        }
 }
 
 TEST(Microfacet, FacetsCoverTheSurface) {

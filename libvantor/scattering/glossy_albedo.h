@@ -1,0 +1,22 @@
+// Glossy albedo: how much light rough boundaries reflect altogether.
+#pragma once
+
+namespace vantor {
+
+/// The fraction of light that is reflected is normal * R0 + grazing * R90, where R0 and R90 are the reflectances of a
+/// facet for straight and for grazing light, with Schlick's approximation between the two.
+struct GlossyAlbedo {
+    float normal;
+    float grazing;
+
+    float of(float r0, float r90 = 1) const { return normal * r0 + grazing * r90; }
+};
+
+/// Of light that leaves with that cosine, 0 to 1; alpha is 0 to 1, and below Ggx::least_alpha a mirror. Read from a
+/// table, exact to about 0.002.
+GlossyAlbedo glossy_albedo(float cosine, float alpha);
+
+/// Of light from everywhere: the mean of glossy_albedo() over the cosines, each as often as it counts.
+GlossyAlbedo mean_glossy_albedo(float alpha);
+
+} // namespace vantor
