@@ -108,13 +108,13 @@ void add_faces(TriangleMesh &mesh, std::string_view name, const Parameters &para
 }
 
 // Normals, texture coordinates and colours go with the points: whether there is one for each.
-bool has_for_each_point(const TriangleMesh &mesh, std::string_view name, VtLong count, const Parameters &parameters,
+bool has_for_each_point(std::size_t points, std::string_view name, VtLong count, const Parameters &parameters,
                         const CallReport &report) {
-    const bool is_good = static_cast<std::size_t>(count) == mesh.points.size();
+    const bool is_good = static_cast<std::size_t>(count) == points;
     if (!is_good)
         parameters.complain(name,
                             joined({"has ", std::to_string(count), " elements (one for each of the ",
-                                    std::to_string(mesh.points.size()), " points is wanted); it is left out"}),
+                                    std::to_string(points), " points is wanted); it is left out"}),
                             report);
     return is_good;
 }
@@ -127,27 +127,8 @@ void add_normals(TriangleMesh &mesh, const Parameters &parameters, const CallRep
     });
     if (!are_usable)
         parameters.complain("normals", "has zero or unusable vectors (directions are wanted); it is left out", report);
-    else if (has_for_each_point(mesh, "normals", static_cast<VtLong>(normals.size()), parameters, report))
+    else if (has_for_each_point(mesh.points.size(), "normals", static_cast<VtLong>(normals.size()), parameters, report))
         mesh.normals = std::move(normals);
-}
-
-void add_uvs(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
-    const VtInstanceArray<VtVector2> &uvs = parameters.vector2_array("uvs");
-    if (!has_for_each_point(mesh, "uvs", uvs.Size(), parameters, report))
-        return;
-    mesh.uvs.reserve(mesh.points.size());
-    uvs.ForEachBlock([&](const VtVector2 *elements, VtLong count) {
-        for (VtLong i = 0; i < count; ++i)
-            mesh.uvs.push_back({static_cast<float>(elements[i][0]), static_cast<float>(elements[i][1])});
-    });
-    const auto is_usable_pair = [](Pair p) {
-        return std::fabs(p.u) <= largest_reach && std::fabs(p.v) <= largest_reach;
-    };
-    if (!std::ranges::all_of(mesh.uvs, is_usable_pair)) {
-        parameters.complain("uvs", "has unusable elements (finite coordinates up to 1e9 are wanted); it is left out",
-                            report);
-        mesh.uvs.clear();
-    }
 }
 
 void add_colors(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
@@ -157,7 +138,7 @@ void add_colors(TriangleMesh &mesh, const Parameters &parameters, const CallRepo
     if (!are_usable)
         parameters.complain("colors", "has unusable elements (components from 0 to 1e9 are wanted); it is left out",
                             report);
-    else if (has_for_each_point(mesh, "colors", static_cast<VtLong>(colors.size()), parameters, report))
+    else if (has_for_each_point(mesh.points.size(), "colors", static_cast<VtLong>(colors.size()), parameters, report))
         std::ranges::transform(colors, std::back_inserter(mesh.colors), [](Vec3 c) { return Color{c.x, c.y, c.z}; });
 }
 
@@ -182,6 +163,26 @@ bool is_whole_mesh(const Parameters &parameters, const CallReport &report) {
 
 } // namespace
 
+std::vector<Pair> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report) {
+    const VtInstanceArray<VtVector2> &given = parameters.vector2_array("uvs");
+    if (!has_for_each_point(points, "uvs", given.Size(), parameters, report))
+        return {};
+    std::vector<Pair> uvs;
+    uvs.reserve(points);
+    given.ForEachBlock([&](const VtVector2 *elements, VtLong count) {
+        for (VtLong i = 0; i < count; ++i)
+            uvs.push_back({static_cast<float>(elements[i][0]), static_cast<float>(elements[i][1])});
+    });
+    const auto is_usable_pair = [](Pair p) {
+        return std::fabs(p.u) <= largest_reach && std::fabs(p.v) <= largest_reach;
+    };
+    if (std::ranges::all_of(uvs, is_usable_pair))
+        return uvs;
+    parameters.complain("uvs", "has unusable elements (finite coordinates up to 1e9 are wanted); it is left out",
+                        report);
+    return {};
+}
+
 std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallReport &report) {
     if (!is_whole_mesh(parameters, report))
         return {};
@@ -194,7 +195,7 @@ std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallRe
     if (parameters.is_given("normals"))
         add_normals(mesh, parameters, report);
     if (parameters.is_given("uvs"))
-        add_uvs(mesh, parameters, report);
+        mesh.uvs = read_uvs(mesh.points.size(), parameters, report);
     if (parameters.is_given("colors"))
         add_colors(mesh, parameters, report);
 

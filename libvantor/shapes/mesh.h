@@ -25,6 +25,9 @@ struct TriangleMesh {
 /// Nothing, after a diagnostic, if there is nothing to see.
 std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallReport &report);
 
+/// The parameter "uvs", one for each of so many points; nothing, after a diagnostic, if it cannot be used.
+std::vector<Pair> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report);
+
 float reach_of(const TriangleMesh &mesh);
 inline std::size_t primitives_of(const TriangleMesh &mesh) { return mesh.triangles.size(); }
 

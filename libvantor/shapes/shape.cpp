@@ -2,6 +2,7 @@
 #include "libvantor/shapes/shape.h"
 
 #include "libvantor/shapes/patches.h"
+#include "libvantor/shapes/subdivision.h"
 
 namespace vantor {
 
@@ -29,6 +30,8 @@ std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, 
     }
     if (type.name == "box")
         return as_shape(make_box(parameters, report));
+    if (type.name == "subdivision")
+        return as_shape(make_subdivision(parameters, report));
     if (type.name == "cone")
         return as_shape(make_cone(parameters, report));
     if (type.name == "cylinder")

@@ -125,6 +125,31 @@ constexpr Parameter sphere_parameters[] = {
     {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
     {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "its radius"},
 };
+constexpr std::string_view subdivision_boundaries[] = {"smooth", "sharp"};
+constexpr Parameter subdivision_parameters[] = {
+    {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the corners of the faces"},
+    {"counts", ValueKind::LongArray, any, Presence::Optional, none, "",
+     "how many corners each face has; left out, all have four"},
+    {"indices", ValueKind::LongArray, any, Presence::Required, none, "",
+     "the indices of points, from 0, of each face, counter-clockwise"},
+    {"crease_edges", ValueKind::LongArray, any, Presence::Optional, none, "",
+     "two indices of points for each edge that is a crease"},
+    {"crease_weights", ValueKind::DoubleArray, any, Presence::Optional, none, "",
+     "how sharp each crease is: for so many subdivisions it is one; left out, for all of them"},
+    {"corner_points", ValueKind::LongArray, any, Presence::Optional, none, "",
+     "indices of points that stay where they are"},
+    {"uvs", ValueKind::Vector2Array, any, Presence::Optional, none, "",
+     "a texture coordinate for each point, linear over the faces; left out, as for a mesh"},
+    {"levels",
+     ValueKind::Integer,
+     subdivision_levels,
+     Presence::Default,
+     {3},
+     "",
+     "how often each face is subdivided, before its points go where infinitely many would put them"},
+    {"boundary", ValueKind::Choice, any, Presence::Default, none, "",
+     "whether the border of an open surface goes round its corners smoothly", subdivision_boundaries},
+};
 constexpr Parameter torus_parameters[] = {
     {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
     {"axis", ValueKind::Vector3, direction, Presence::Default, {0, 1, 0}, "", "the axis of the ring, of any length"},
@@ -153,6 +178,7 @@ constexpr Type objects_table[] = {
      patches_parameters},
     {"quad", "A parallelogram, or any four corners.", quad_parameters},
     {"sphere", "A sphere; its front is outside.", sphere_parameters},
+    {"subdivision", "The smooth surface of a polygon mesh (Catmull, Clark).", subdivision_parameters},
     {"torus", "A ring; its front is outside.", torus_parameters},
 };
 

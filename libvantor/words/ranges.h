@@ -27,6 +27,7 @@ inline constexpr Range coat_index{.low = 1.1, .high = 3.0, .text = "1.1 to 3"};
 inline constexpr Range field_of_view{.low = 1e-3, .high = 179.0, .text = "0.001 to 179"};
 inline constexpr Range stops{.low = -100.0, .high = 100.0, .text = "-100 to 100"};
 inline constexpr Range spline_step{.low = 1.0, .high = 4.0, .text = "1 to 4"};
+inline constexpr Range subdivision_levels{.low = 1.0, .high = 8.0, .text = "1 to 8"};
 inline constexpr Range column_count{.low = 1.0, .high = 1e9, .text = "1 or more"};
 inline constexpr Range division_count{.low = 1.0, .high = 256.0, .text = "1 to 256"};
 
