@@ -30,7 +30,8 @@ class Builder {
             const Affine world_from_object = to_float(placement.world_from_object);
             const std::size_t use_count = uses[&placement.object->shape];
             const bool is_round = std::holds_alternative<Sphere>(placement.object->shape);
-            const bool may_copy = !is_round || world_from_object.uniform_scale() > 0;
+            const bool are_curves = std::holds_alternative<Curves>(placement.object->shape);
+            const bool may_copy = !are_curves && (!is_round || world_from_object.uniform_scale() > 0);
             const bool copies = may_copy && (use_count == 1 || use_count * primitives_of(placement.object->shape) <=
                                                                    most_copied_primitives);
             OwnedGeometry geometry = copies ? new_geometry(placement.object->shape, world_from_object)
@@ -110,6 +111,17 @@ class Builder {
         const Vec3 center = map.point(sphere.center);
         auto *buffer = new_buffer<std::array<float, 4>>(geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT4, 1);
         *buffer = {center.x, center.y, center.z, sphere.radius * map.uniform_scale()};
+        return geometry;
+    }
+
+    // Curves are always instanced, so that Embree reads their points where they are.
+    OwnedGeometry geometry_of(const Curves &curves, const Affine &) {
+        OwnedGeometry geometry = begin_geometry(curves.are_tubes ? RTC_GEOMETRY_TYPE_ROUND_BEZIER_CURVE
+                                                                 : RTC_GEOMETRY_TYPE_FLAT_BEZIER_CURVE);
+        rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT4, curves.points.data(),
+                                   0, sizeof(Curves::ControlPoint), curves.points.size());
+        rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT, curves.firsts.data(), 0,
+                                   sizeof(std::uint32_t), curves.firsts.size());
         return geometry;
     }
 

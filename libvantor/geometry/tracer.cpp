@@ -55,6 +55,16 @@ Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float
     return mesh.normals[corners[0]] * (1 - u - v) + mesh.normals[corners[1]] * u + mesh.normals[corners[2]] * v;
 }
 
+// Of a ribbon that is turned towards the ray: across the tangent, in the plane of both. Tangents go by the map of
+// directions, which is, but for its scale, that of the cofactors of the map of normals.
+Vec3 facing_normal(const Linear &normals, Vec3 tangent, Vec3 direction) {
+    const Linear directions{cross(normals.row1, normals.row2), cross(normals.row2, normals.row0),
+                            cross(normals.row0, normals.row1)};
+    const Vec3 any_length = directions(tangent);
+    const Vec3 along = any_length * (1 / largest_coordinate(any_length));
+    return along * dot(along, direction) - direction * dot(along, along);
+}
+
 } // namespace
 
 std::optional<Tracer> Tracer::build(std::span<const Placement> placements, const Interrupt &interrupt) {
@@ -72,11 +82,12 @@ Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placemen
         const Placement &placement = placements[i];
         const Affine world_from_object = to_float(placement.world_from_object);
         const auto *mesh = std::get_if<TriangleMesh>(&placement.object->shape);
+        const auto *curves = std::get_if<Curves>(&placement.object->shape);
         const bool is_instance = built->is_instance[i];
         const bool has_winding = std::visit(HasWinding(), placement.object->shape);
         const bool is_turned = !is_instance && has_winding && world_from_object.determinant < 0;
         decodings.push_back({mesh && !mesh->normals.empty() ? mesh : nullptr, world_from_object.normals,
-                             is_turned ? -1.0f : 1.0f, is_instance,
+                             is_turned ? -1.0f : 1.0f, is_instance, curves && !curves->are_tubes,
                              std::holds_alternative<Quads>(placement.object->shape) ? 1u : 0u});
     }
 }
@@ -101,7 +112,9 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     hit.primitive = packet.hit.primID[lane] >> decoding.halvings;
     hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
     Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
-    if (decoding.is_instance)
+    if (decoding.faces_rays)
+        normal = facing_normal(decoding.normals, normal, ray.direction);
+    else if (decoding.is_instance)
         normal = decoding.normals(normal);
     const float square = dot(normal, normal);
     // A triangle that a transform has shrunk to nothing has no side.

@@ -46,6 +46,7 @@ class Tracer {
         Linear normals;             // world from object
         float front;                // -1 where a copy in world space is mirrored and its winding turned round
         bool is_instance;           // Embree's normal is in object space
+        bool faces_rays;            // a ribbon, of which Embree gives the tangent instead, always in object space
         unsigned halvings;          // 1 where two of Embree's triangles are one primitive, 0 otherwise
     };
 

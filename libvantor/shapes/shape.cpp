@@ -34,6 +34,8 @@ std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, 
         return as_shape(make_subdivision(parameters, report));
     if (type.name == "cone")
         return as_shape(make_cone(parameters, report));
+    if (type.name == "curves")
+        return as_shape(make_curves(parameters, report));
     if (type.name == "cylinder")
         return as_shape(make_cylinder(parameters, report));
     if (type.name == "disk")

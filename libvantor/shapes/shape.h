@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libvantor/shapes/cone.h"
+#include "libvantor/shapes/curves.h"
 #include "libvantor/shapes/disk.h"
 #include "libvantor/shapes/quad.h"
 #include "libvantor/shapes/sphere.h"
@@ -9,7 +10,7 @@
 
 namespace vantor {
 
-using Shape = std::variant<TriangleMesh, Quads, Sphere, Disk, Cone, Torus>;
+using Shape = std::variant<TriangleMesh, Quads, Sphere, Disk, Cone, Torus, Curves>;
 
 /// Nothing, after a diagnostic, if there is nothing to see.
 std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, const CallReport &report);
@@ -17,7 +18,7 @@ std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, 
 /// The largest coordinate of any of its points, either way.
 float reach_of(const Shape &shape);
 
-/// How many triangles, parallelograms or other parts it has.
+/// How many triangles, parallelograms, segments or other parts it has.
 std::size_t primitives_of(const Shape &shape);
 
 /// At a point of the shape's surface: of that primitive, with Embree's coordinates on it.

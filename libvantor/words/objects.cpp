@@ -168,9 +168,26 @@ constexpr Parameter torus_parameters[] = {
      "length",
      "the radius of the tube, at most \"major_radius\""},
 };
+constexpr std::string_view curve_kinds[] = {"ribbon", "tube"};
+constexpr Parameter curves_parameters[] = {
+    {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length",
+     "the control points, curve after curve"},
+    {"counts", ValueKind::LongArray, any, Presence::Optional, none, "",
+     "how many control points each curve has; left out, there is one curve"},
+    {"basis", ValueKind::Matrix4, any, Presence::Optional, none, "",
+     "the basis of the cubics, as a spline function of the module gives it; left out, B-spline"},
+    {"step", ValueKind::Integer, spline_step, Presence::Optional, none, "",
+     "how many points further the next cubic begins; left out, what the module has for the basis, or else 3"},
+    {"radius", ValueKind::Number, size, Presence::Default, {0.01}, "length", "half the width, everywhere"},
+    {"radii", ValueKind::DoubleArray, any, Presence::Optional, none, "length",
+     "a radius for each control point, along the same splines"},
+    {"kind", ValueKind::Choice, any, Presence::Default, none, "",
+     "flat ribbons that face whoever looks, or round tubes, open at their ends", curve_kinds},
+};
 constexpr Type objects_table[] = {
     {"box", "A box along the axes; its front is outside.", box_parameters},
     {"cone", "A cone, to its point or cut off; its front is outside.", cone_parameters},
+    {"curves", "Ribbons or tubes along cubic splines: hair, grass, wires.", curves_parameters},
     {"cylinder", "A cylinder; its front is outside.", cylinder_parameters},
     {"disk", "A disk, with or without a hole.", disk_parameters},
     {"mesh", "Triangles and quads; the front is where their corners appear counter-clockwise.", mesh_parameters},

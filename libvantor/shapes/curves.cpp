@@ -1,0 +1,172 @@
+// Curves: ribbons that face the ray, or tubes, along cubic splines.
+#include "libvantor/shapes/curves.h"
+
+#include "libvantor/shapes/spline.h"
+
+namespace vantor {
+
+namespace {
+
+std::vector<VtLong> counts_of(const Parameters &parameters, std::size_t point_count) {
+    if (!parameters.is_given("counts"))
+        return {static_cast<VtLong>(point_count)};
+    std::vector<VtLong> counts;
+    parameters.long_array("counts").ForEachBlock(
+        [&](const VtLong *elements, VtLong count) { counts.insert(counts.end(), elements, elements + count); });
+    return counts;
+}
+
+// One for each control point.
+std::vector<double> radii_of(const Parameters &parameters, std::size_t point_count, const CallReport &report) {
+    std::vector<double> radii;
+    if (parameters.is_given("radii")) {
+        parameters.double_array("radii").ForEachBlock(
+            [&](const double *elements, VtLong count) { radii.insert(radii.end(), elements, elements + count); });
+        // Of a Hermite curve every other one is a slope, which may be negative.
+        const auto is_usable_radius = [](double radius) { return std::fabs(radius) <= 1e9; };
+        if (radii.size() == point_count && std::ranges::all_of(radii, is_usable_radius))
+            return radii;
+        parameters.complain("radii",
+                            joined({"has unusable elements (a number up to 1e9 for each of the ",
+                                    std::to_string(point_count), " points is wanted); \"radius\" counts instead"}),
+                            report);
+    }
+    return std::vector<double>(point_count, parameters.number("radius"));
+}
+
+// Whether every other control point is a tangent, as of Hermite curves: the others alone weigh 1.
+bool has_tangents(const Spline &spline) {
+    const CubicWeights weights = spline.weights(0.25);
+    return std::fabs(weights[0] + weights[2] - 1) < 1e-9;
+}
+
+class Maker {
+  public:
+    Maker(const Spline &of, Curves &into) : spline(of), curves(into) {}
+
+    // The points of one curve.
+    void add_curve(const VtVector3 *points, const double *radii, std::size_t count) {
+        const std::size_t segments = spline.segments_of(count, false);
+        const auto fraction = [&](std::size_t i) { return static_cast<float>(i) / static_cast<float>(segments); };
+        for (std::size_t segment = 0; segment < segments; ++segment) {
+            const std::size_t first = segment * static_cast<std::size_t>(spline.step);
+            std::array<VtVector3, 4> places;
+            std::array<double, 4> widths{};
+            for (std::size_t i = 0; i < 4; ++i) {
+                places[i] = points[first + i];
+                widths[i] = radii[first + i];
+            }
+            add_segment(spline.bezier(places), spline.bezier(widths), {fraction(segment), fraction(segment + 1)});
+        }
+    }
+
+    std::size_t unusable = 0; // segments that were left out
+
+  private:
+    void add_segment(const std::array<VtVector3, 4> &places, const std::array<double, 4> &widths,
+                     Curves::Stretch stretch) {
+        std::array<Curves::ControlPoint, 4> points;
+        bool is_good = true;
+        bool has_length = false;
+        float widest = 0;
+        for (std::size_t i = 0; i < 4; ++i) {
+            points[i] = {to_float(places[i]), std::max(0.0f, static_cast<float>(widths[i]))};
+            is_good &= is_usable(points[i].place) && points[i].radius <= largest_reach;
+            has_length |= largest_coordinate(points[i].place - points[0].place) > 0;
+            widest = std::max(widest, points[i].radius);
+        }
+        if (!is_good || !has_length || !(widest > 0)) {
+            ++unusable;
+            return;
+        }
+        curves.firsts.push_back(static_cast<std::uint32_t>(curves.points.size()));
+        curves.points.insert(curves.points.end(), points.begin(), points.end());
+        curves.stretches.push_back(stretch);
+    }
+
+    const Spline &spline;
+    Curves &curves;
+};
+
+} // namespace
+
+std::optional<Curves> make_curves(const Parameters &parameters, const CallReport &report) {
+    const VtInstanceArray<VtVector3> &given = parameters.vector3_array("points");
+    bool are_whole = is_whole(given, "points", parameters, report);
+    if (parameters.is_given("counts"))
+        are_whole &= is_whole(parameters.long_array("counts"), "counts", parameters, report);
+    if (parameters.is_given("radii"))
+        are_whole &= is_whole(parameters.double_array("radii"), "radii", parameters, report);
+    if (!are_whole)
+        return {};
+    std::vector<VtVector3> points;
+    points.reserve(static_cast<std::size_t>(stored_count(given)));
+    given.ForEachBlock(
+        [&](const VtVector3 *elements, VtLong count) { points.insert(points.end(), elements, elements + count); });
+
+    const Spline spline = make_spline(parameters, VtBSplineBasis(), report);
+    const std::vector<VtLong> counts = counts_of(parameters, points.size());
+    std::size_t sum = 0;
+    for (const VtLong count : counts)
+        sum += static_cast<std::size_t>(std::max<VtLong>(0, count));
+    if (sum != points.size()) {
+        parameters.complain(
+            "counts",
+            joined({"adds up to ", std::to_string(sum), " points (as many as there are, ",
+                    std::to_string(points.size()), ", are wanted); nothing of the curves will be seen"}),
+            report);
+        return {};
+    }
+    std::vector<double> radii = radii_of(parameters, points.size(), report);
+    const bool has_slopes = !parameters.is_given("radii") && has_tangents(spline);
+
+    Curves curves;
+    curves.are_tubes = parameters.choice("kind") == "tube";
+    Maker maker(spline, curves);
+    std::size_t begin = 0, odd = 0, first_odd = 0;
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const auto count = static_cast<std::size_t>(std::max<VtLong>(0, counts[i]));
+        // The same radius everywhere: where tangents stand among the points, it has no slope.
+        if (has_slopes)
+            for (std::size_t k = 1; k < count; k += 2)
+                radii[begin + k] = 0;
+        if (spline.segments_of(count, false) == 0 && odd++ == 0)
+            first_odd = i;
+        maker.add_curve(points.data() + begin, radii.data() + begin, count);
+        begin += count;
+    }
+    if (odd > 0)
+        parameters.complain(parameters.is_given("counts") ? "counts" : "points",
+                            joined({"leaves out ", std::to_string(odd), " curves, the first of them ",
+                                    std::to_string(first_odd), " (with the step ", std::to_string(spline.step), ", ",
+                                    spline.fitting_counts(false), " points come out even)"}),
+                            report);
+    if (maker.unusable > 0)
+        report.diagnostic(joined({"leaves out ", std::to_string(maker.unusable),
+                                  " segments (finite coordinates up to 1e9, some length and a radius above 0 are "
+                                  "wanted)"}));
+    if (curves.firsts.empty()) {
+        report.diagnostic("the curves have no usable segment; nothing of them will be seen");
+        return {};
+    }
+    return curves;
+}
+
+float reach_of(const Curves &curves) {
+    float reach = 0;
+    for (const Curves::ControlPoint &p : curves.points)
+        reach = std::max(reach, largest_coordinate(p.place) + p.radius);
+    return reach;
+}
+
+SurfaceParameters parameters_at(const Curves &curves, std::uint32_t segment, Pair on_segment, Vec3) {
+    const auto [from, to] = curves.stretches[segment];
+    const Curves::ControlPoint *p = &curves.points[curves.firsts[segment]];
+    // The derivative of a Bezier curve: three times the quadratic one over the differences of its points.
+    const float t = on_segment.u, s = 1 - t;
+    const Vec3 slope = 3 * ((p[1].place - p[0].place) * (s * s) + (p[2].place - p[1].place) * (2 * s * t) +
+                            (p[3].place - p[2].place) * (t * t));
+    return {{from + (to - from) * t, 0.5f * (1 + on_segment.v)}, slope * (1 / (to - from))};
+}
+
+} // namespace vantor
