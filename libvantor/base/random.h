@@ -76,13 +76,14 @@ class Sampler {
     /// The first sample of the first pixel.
     Sampler() : Sampler(0, 0, 0, 1) {}
 
-    /// 0 <= x, y < 65536; 0 <= sample < samples.
-    Sampler(std::uint32_t x, std::uint32_t y, std::uint32_t sample, std::uint32_t samples) {
+    /// 0 <= x, y < 65536; 0 <= sample < samples. Every seed has a scrambling of its own.
+    Sampler(std::uint32_t x, std::uint32_t y, std::uint32_t sample, std::uint32_t samples, std::uint32_t seed = 0) {
         const std::uint64_t pixel = sobol::spread(x) | (sobol::spread(y) << 1);
         const std::uint64_t index = (pixel << std::bit_width(samples - 1)) | sample;
         reversed_index = sobol::reversed(static_cast<std::uint32_t>(index));
         // The sequence has 2^32 points. Pictures that need more start again, with another scrambling.
-        round = static_cast<std::uint32_t>(index >> 32);
+        const auto round = static_cast<std::uint32_t>(index >> 32);
+        scrambling = (round << 12) ^ sobol::hash(seed);
     }
 
     /// See pairs_of() for many at once.
@@ -104,7 +105,7 @@ class Sampler {
     }
 
   private:
-    std::uint32_t seed_of(std::uint32_t dimension) const { return sobol::hash((round << 12) ^ (dimension + 1)); }
+    std::uint32_t seed_of(std::uint32_t dimension) const { return sobol::hash(scrambling ^ (dimension + 1)); }
 
     std::uint32_t shuffled(std::uint32_t seed) const {
         return sobol::reversed(sobol::scrambled_reversed(reversed_index, seed));
@@ -120,7 +121,7 @@ class Sampler {
     }
 
     std::uint32_t reversed_index;
-    std::uint32_t round;
+    std::uint32_t scrambling;
 };
 
 /// The pairs of many samples in one dimension, in as many lanes as the processor has.

@@ -1,7 +1,5 @@
-// Imager: where a picture goes.
+// Imager: where a picture goes, what it shows, and how it is made.
 #include "libvantor/entities/imager.h"
-
-#include "libvantor/pictures/files.h"
 
 #include <cmath>
 
@@ -13,9 +11,32 @@ Display display_of(std::string_view word) {
     return word == "linear" ? Display::Linear : word == "filmic" ? Display::Filmic : Display::Srgb;
 }
 
-} // namespace
+What what_of(std::string_view word) {
+    constexpr std::pair<std::string_view, What> known[] = {{"albedo", What::Albedo},      {"normal", What::Normal},
+                                                           {"depth", What::Depth},        {"position", What::Position},
+                                                           {"object_id", What::ObjectId}, {"variance", What::Variance}};
+    for (const auto &[name, what] : known)
+        if (name == word)
+            return what;
+    return What::Color;
+}
 
-std::optional<Imager> make_imager(const Parameters &parameters, const CallReport &report) {
+// The widths are those at which the filters look about equally sharp.
+Filter filter_of(const Parameters &parameters) {
+    const std::string_view word = parameters.choice("filter");
+    Filter filter;
+    if (word == "box")
+        filter = {Filter::Kind::Box, 1};
+    else if (word == "gaussian")
+        filter = {Filter::Kind::Gaussian, 3};
+    else if (word == "blackman_harris")
+        filter = {Filter::Kind::BlackmanHarris, 4};
+    if (parameters.is_given("filter_width"))
+        filter.width = static_cast<float>(parameters.number("filter_width"));
+    return filter;
+}
+
+std::optional<FileImager> make_file_imager(const Parameters &parameters, const CallReport &report) {
     const std::string path = parameters.text("name");
     if (!has_known_format(path)) {
         parameters.complain(
@@ -24,10 +45,30 @@ std::optional<Imager> make_imager(const Parameters &parameters, const CallReport
             report);
         return {};
     }
-    if (holds_floats(path) && parameters.is_given("display"))
+    const What what = what_of(parameters.choice("what"));
+    for (const std::string_view name : {"exposure", "display"})
+        if (what != What::Color && parameters.is_given(name))
+            parameters.complain(name, R"(has an effect on "color" only)", report);
+    if (what == What::Color && holds_floats(path) && parameters.is_given("display"))
         parameters.complain("display", "has no effect on an .exr file, which is linear", report);
-    return Imager{path, static_cast<float>(std::exp2(parameters.number("exposure"))),
-                  display_of(parameters.choice("display"))};
+    return FileImager{path,
+                      what,
+                      static_cast<float>(std::exp2(parameters.number("exposure"))),
+                      display_of(parameters.choice("display")),
+                      filter_of(parameters),
+                      parameters.is_given("filter") || parameters.is_given("filter_width")};
+}
+
+} // namespace
+
+std::optional<Imager> make_imager(const Type &type, const Parameters &parameters, const CallReport &report) {
+    if (type.name == "settings")
+        return Settings{static_cast<std::uint32_t>(parameters.integer("seed")),
+                        static_cast<int>(parameters.integer("max_depth")),
+                        static_cast<float>(parameters.number("clamp"))};
+    if (std::optional<FileImager> file = make_file_imager(parameters, report))
+        return std::move(*file);
+    return {};
 }
 
 } // namespace vantor

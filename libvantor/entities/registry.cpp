@@ -18,6 +18,14 @@ template <class Block> void close(std::vector<Block> &blocks, Report &report, co
         blocks.pop_back();
 }
 
+// The imager of that kind that was made last; null if there is none.
+template <class Kind> const Kind *last_of(const std::vector<Imager> &imagers) {
+    for (auto imager = imagers.rbegin(); imager != imagers.rend(); ++imager)
+        if (const auto *found = std::get_if<Kind>(&*imager))
+            return found;
+    return nullptr;
+}
+
 // The largest coordinate in the world that a point may have whose coordinates are at most `reach` in the object.
 double world_reach(double reach, const VtTransform &world_from_object) {
     const VtTransform &m = world_from_object;
@@ -58,7 +66,7 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
                 current_camera = std::move(camera);
         break;
     case EntityKind::Imager:
-        if (std::optional<Imager> imager = make_imager(parameters, call))
+        if (std::optional<Imager> imager = make_imager(*type, parameters, call))
             entry.index = appended(imagers, std::move(*imager));
         break;
     case EntityKind::Interface:
@@ -234,14 +242,28 @@ VtTransform Registry::current_transform() const {
     return transforms.empty() ? identity() : transforms.back().world_from_local;
 }
 
-std::vector<Imager> Registry::writing_imagers() const {
-    std::vector<Imager> result;
-    if (imager_blocks.empty() && !imagers.empty())
-        result.push_back(imagers.back());
-    for (const int index : imager_blocks)
-        if (index >= 0)
-            result.push_back(imagers[static_cast<std::size_t>(index)]);
+std::vector<FileImager> Registry::writing_imagers() const {
+    std::vector<FileImager> result;
+    bool has_block = false;
+    for (const int index : imager_blocks) {
+        const Imager *imager = index < 0 ? nullptr : &imagers[static_cast<std::size_t>(index)];
+        has_block |= !imager || std::holds_alternative<FileImager>(*imager);
+        if (imager && std::holds_alternative<FileImager>(*imager))
+            result.push_back(std::get<FileImager>(*imager));
+    }
+    if (!has_block)
+        if (const FileImager *last = last_of<FileImager>(imagers))
+            result.push_back(*last);
     return result;
+}
+
+Settings Registry::settings() const {
+    for (auto index = imager_blocks.rbegin(); index != imager_blocks.rend(); ++index)
+        if (*index >= 0)
+            if (const auto *open = std::get_if<Settings>(&imagers[static_cast<std::size_t>(*index)]))
+                return *open;
+    const Settings *last = last_of<Settings>(imagers);
+    return last ? *last : Settings();
 }
 
 void Registry::report_open_blocks(const CallReport &call) const {

@@ -61,9 +61,12 @@ class Registry {
     const std::vector<Placement> &placements() const { return placed; }
     const std::vector<Medium> &media() const { return interiors; }
 
-    /// The imagers that write: those whose blocks are open, outermost first; without an open block, the one that was
-    /// made last.
-    std::vector<Imager> writing_imagers() const;
+    /// The files to write: those whose blocks are open, outermost first; without an open block of a file, the one that
+    /// was made last.
+    std::vector<FileImager> writing_imagers() const;
+
+    /// Those of the innermost open block of settings; without one, those that were made last; else the defaults.
+    Settings settings() const;
 
     /// Reports every other block that is open.
     void report_open_blocks(const CallReport &call) const;

@@ -1,44 +1,108 @@
-// Film: from the samples of a pixel to its value.
+// Film: from the samples of a pixel to its values.
 #pragma once
 
-#include "libvantor/base/color.h"
-#include "libvantor/base/warp.h"
+#include "libvantor/entities/imager.h"
+#include "libvantor/passes/features.h"
 
 namespace vantor {
 
-/// One pixel: the mean of its samples.
-///
-/// The filter is a tent, two pixels wide. It is sampled, not weighted: a pixel's rays are spread like the tent and all
-/// count alike, so that a pixel depends on nothing but its own samples, in whatever window and order pixels are made
-/// (Ernst, Stamminger, Greiner, "Filter Importance Sampling", 2006).
+/// One pixel, all of whose samples count alike.
 class PixelFilm {
   public:
-    /// Where in the picture a sample of the pixel (x, y) lies, in pixels.
-    static Pair position(int x, int y, Pair numbers) {
-        return {static_cast<float>(x) + 0.5f + warp::tent(numbers.u),
-                static_cast<float>(y) + 0.5f + warp::tent(numbers.v)};
-    }
-
     void add(Color radiance) {
         // Sums of very large radiances may overflow; one such sample must not make the pixel unusable.
         if (is_finite(radiance)) {
-            red += radiance.r;
-            green += radiance.g;
-            blue += radiance.b;
+            red.add(radiance.r);
+            green.add(radiance.g);
+            blue.add(radiance.b);
         }
         ++count;
     }
 
-    Color mean() const {
-        return {static_cast<float>(red / count), static_cast<float>(green / count), static_cast<float>(blue / count)};
+    void add_features(const Features &features) {
+        // The film has taken the sample's radiance before.
+        if (count == 1)
+            object = features.object;
+        if (!features.is_hit)
+            return;
+        ++hits;
+        albedo.add(features.albedo.r, features.albedo.g, features.albedo.b);
+        normal.add(features.normal.x, features.normal.y, features.normal.z);
+        position.add(features.position.x, features.position.y, features.position.z);
+        depth += features.depth;
+    }
+
+    /// 0 where there is nothing. Normals, depths and positions are means over the samples that hit something; albedo,
+    /// like the colour, over all.
+    Color value(What what) const {
+        switch (what) {
+        case What::Color:
+            break;
+        case What::Albedo:
+            return albedo.over(count);
+        case What::Normal: {
+            const double length = std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
+            return length > 0 ? normal.over(length) : Color{};
+        }
+        case What::Depth: {
+            const auto mean = static_cast<float>(hits > 0 ? depth / hits : 0);
+            return {mean, mean, mean};
+        }
+        case What::Position:
+            return hits > 0 ? position.over(hits) : Color{};
+        case What::ObjectId: {
+            const auto id = static_cast<float>(object);
+            return {id, id, id};
+        }
+        case What::Variance:
+            return {red.variance_of_mean(count), green.variance_of_mean(count), blue.variance_of_mean(count)};
+        }
+        return {red.mean(count), green.mean(count), blue.mean(count)};
     }
 
   private:
     // Sums of all samples. Floats would lose what a sample adds to the sum of a million others.
-    double red = 0;
-    double green = 0;
-    double blue = 0;
+    struct Moments {
+        double sum = 0;
+        double squares = 0;
+
+        void add(double value) {
+            sum += value;
+            squares += value * value;
+        }
+        float mean(int of) const { return static_cast<float>(sum / of); }
+        // Of one sample nothing is known. Rounding may make the difference negative.
+        float variance_of_mean(int of) const {
+            const double n = of;
+            return of < 2 ? 0.0f : static_cast<float>(std::max(0.0, squares - sum * sum / n) / (n * (n - 1)));
+        }
+    };
+    struct Sum {
+        double x = 0;
+        double y = 0;
+        double z = 0;
+
+        void add(double a, double b, double c) {
+            x += a;
+            y += b;
+            z += c;
+        }
+        Color over(double divisor) const {
+            return {static_cast<float>(x / divisor), static_cast<float>(y / divisor), static_cast<float>(z / divisor)};
+        }
+    };
+
+    Moments red;
+    Moments green;
+    Moments blue;
     int count = 0;
+
+    Sum albedo;
+    Sum normal;
+    Sum position;
+    double depth = 0;
+    int hits = 0;
+    std::int64_t object = 0; // of the first sample; 0 for none
 };
 
 } // namespace vantor

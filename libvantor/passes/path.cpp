@@ -54,6 +54,16 @@ struct SampledLight {
     }
 };
 
+// Indirect light of one sample, within the limit that keeps rare bright paths from leaving dots. Scaling keeps its
+// colour.
+Color limited(Color radiance, bool is_indirect, const World &world) {
+    const float limit = world.settings.clamp;
+    const float largest = largest_component(radiance);
+    return limit > 0 && is_indirect && largest > limit ? radiance * (limit / largest) : radiance;
+}
+
+bool may_scatter(const Path &path, const World &world) { return path.scatterings < world.settings.max_bounces; }
+
 // Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, unless the ray
 // had no choice: the two share it by their densities.
 void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const World &world) {
@@ -63,14 +73,14 @@ void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const
     float share = 1;
     if (!path.finds_lights)
         share = weight(path.direction_density, world.lights.density(emitter, path.vertex, path.ray.direction, hit));
-    path.radiance += path.throughput * world.lights.radiance(emitter) * share;
+    path.radiance += limited(path.throughput * world.lights.radiance(emitter) * share, path.scatterings > 1, world);
 }
 
 // Light from infinity, found by a ray that misses everything; shared as above.
 void add_light_from_afar(Path &path, const World &world) {
     world.lights.for_each_from_afar(path.ray.direction, [&](Color radiance, float density) {
         const float share = path.finds_lights ? 1.0f : weight(path.direction_density, density);
-        path.radiance += path.throughput * radiance * share;
+        path.radiance += limited(path.throughput * radiance * share, path.scatterings > 1, world);
     });
 }
 
@@ -90,14 +100,15 @@ bool sample_light(const Numbers &numbers, Vec3 reference, const World &world, Li
 
 // Notes what a sampled light brings if it arrives at `from`: value * cosine * radiance / density.
 void add_direct_light(Path &path, Vec3 from, const MediumStack &media, const LightSample &light,
-                      const Scattered &scattered, SampledLight &direct) {
+                      const Scattered &scattered, const World &world, SampledLight &direct) {
     if (is_black(scattered.value))
         return;
     const Segment way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
     if (!is_traceable(way.from, way.direction))
         return;
     const float share = light.has_extent ? weight(light.density, scattered.density) : 1.0f;
-    direct.gains.push_back({&path, path.throughput * scattered.value * light.contribution * share});
+    const Color radiance = path.throughput * scattered.value * light.contribution * share;
+    direct.gains.push_back({&path, limited(radiance, path.scatterings > 0, world)});
     direct.ways.segments.push_back(way);
     direct.ways.media.push_back(media);
 }
@@ -121,6 +132,13 @@ bool leave(Path &path, Vec3 origin, Vec3 direction) {
     return is_traceable(origin, direction);
 }
 
+void note_features(Path &path, const Hit &hit, const Surface &surface, const Placement &placement) {
+    const Vec3 normal = surface.arrives_at_front() ? hit.shading_normal : -hit.shading_normal;
+    // Surfaces passed straight through lie on the same line.
+    const float depth = length(hit.point - path.features->start);
+    *path.features = {path.features->start, true, surface.albedo(), normal, hit.point, depth, placement.object->id};
+}
+
 // A path at a surface, and at a point of a medium: looks for light there, and tells whether the path goes on.
 
 bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const World &world, SampledLight &direct) {
@@ -134,13 +152,18 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
         return leave(path, hit.origin_towards(path.ray.direction), path.ray.direction);
     }
 
+    if (path.features && path.scatterings == 0)
+        note_features(path, hit, surface, placement);
+    if (!may_scatter(path, world))
+        return false;
+
     LightSample light;
     if (!surface.is_specular() && sample_light(numbers, hit.point, world, light)) {
         MediumStack media = path.media;
         if (surface.is_crossed(light.to_light))
             cross_surface(media, placement, hit, light.to_light);
         add_direct_light(path, hit.origin_towards(light.to_light), media, light, surface.evaluate(light.to_light),
-                         direct);
+                         world, direct);
     }
 
     ScatteringSample next;
@@ -159,11 +182,13 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
 
 bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, const Numbers &numbers, const World &world,
                        SampledLight &direct) {
+    if (!may_scatter(path, world))
+        return false;
     const Vec3 before = path.ray.direction;
     LightSample light;
     if (sample_light(numbers, point, world, light)) {
         const float phase = medium.phase(dot(before, light.to_light));
-        add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, direct);
+        add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, world, direct);
     }
 
     const Vec3 direction = medium.sample_direction(before, numbers.next_direction);

@@ -1,16 +1,18 @@
 // Path: the light that arrives along rays.
 #pragma once
 
+#include "libvantor/passes/features.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {
 
 /// One random path, from the camera on.
 struct Path {
-    Ray ray;               ///< From its latest vertex; at first from the camera.
-    const Sampler sampler; ///< Every random number of the path.
-    MediumStack media;     ///< Those that the ray starts in.
-    Color radiance{};      ///< What has been found so far of the radiance that arrives at the camera.
+    Ray ray;                      ///< From its latest vertex; at first from the camera.
+    const Sampler sampler;        ///< Every random number of the path.
+    MediumStack media;            ///< Those that the ray starts in.
+    Features *features = nullptr; ///< What it sees first goes here; null if nobody asks.
+    Color radiance{};             ///< What has been found so far of the radiance that arrives at the camera.
 
     Color throughput{1, 1, 1};   ///< The product of value * cosine / density over its vertices.
     Vec3 vertex{};               ///< The surface point that the ray left.

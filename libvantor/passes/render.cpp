@@ -1,9 +1,10 @@
 // Render: from a described scene to picture files.
 #include "libvantor/passes/render.h"
 
+#include "libvantor/passes/develop.h"
 #include "libvantor/passes/film.h"
+#include "libvantor/passes/filter.h"
 #include "libvantor/passes/path.h"
-#include "libvantor/pictures/files.h"
 
 #include <atomic>
 
@@ -60,12 +61,12 @@ PixelArea window_of(const RenderRequest &request, const CallReport &call) {
 }
 
 // The imagers whose files can be written; each of the others is reported.
-std::vector<Imager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call) {
-    std::vector<Imager> imagers = registry.writing_imagers();
+std::vector<FileImager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call) {
+    std::vector<FileImager> imagers = registry.writing_imagers();
     if (imagers.empty())
         call.diagnostic("there is no usable imager, so nothing would be written (newImager makes one); nothing is "
                         "rendered");
-    std::erase_if(imagers, [&](const Imager &imager) {
+    std::erase_if(imagers, [&](const FileImager &imager) {
         const std::string why = why_unwritable(imager.path, window.width(), window.height());
         if (!why.empty())
             call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
@@ -91,74 +92,133 @@ PixelArea whole_blocks(const PixelArea &window, int width, int height) {
     return {down(window.x0), down(window.y0), std::min(up(window.x1), width), std::min(up(window.y1), height)};
 }
 
-// What a pass has made of a picture. Pixels that are not finished are black.
+// What a pass has made. Pixels that are not finished are black.
 struct Result {
-    Picture picture;
-    long finished = 0; ///< Pixels.
+    PixelArea window;
+    int width; ///< Of the whole picture.
+    int height;
+    std::array<std::optional<Picture>, what_count> pictures; ///< What somebody asks for, in the order of What.
+    long finished = 0;                                       ///< Pixels.
 
-    long pixels() const { return static_cast<long>(picture.pixels.size()); }
+    Result(const RenderRequest &request, const PixelArea &part, const std::vector<FileImager> &imagers)
+        : window(part), width(request.width), height(request.height) {
+        for (const FileImager &imager : imagers)
+            if (std::optional<Picture> &picture = of(imager.what); !picture)
+                picture.emplace(width, height, window);
+    }
+
+    std::optional<Picture> &of(What what) { return pictures[static_cast<std::size_t>(what)]; }
+    const std::optional<Picture> &of(What what) const { return pictures[static_cast<std::size_t>(what)]; }
+
+    bool has_features() const {
+        for (std::size_t i = 0; i < what_count; ++i)
+            if (pictures[i] && static_cast<What>(i) != What::Color && static_cast<What>(i) != What::Variance)
+                return true;
+        return false;
+    }
+    long pixels() const { return static_cast<long>(window.width()) * window.height(); }
+    bool is_whole() const { return finished == pixels(); }
 };
 
+// What all blocks of a pass have in common.
+struct Pass {
+    const World &world;
+    FilterSampler filter;
+    int samples;
+    bool has_features;
+    const Interrupt &interrupt;
+};
+
+using BlockFilm = std::array<PixelFilm, std::size_t{block_side} * block_side>;
+
+// Returns how many pixels of the picture are finished.
+int finish_block(const PixelArea &block, const BlockFilm &film, Result &result) {
+    int finished = 0;
+    std::size_t pixel = 0;
+    for (int y = block.y0; y < block.y1; ++y)
+        for (int x = block.x0; x < block.x1; ++x, ++pixel) {
+            if (!result.window.contains(x, y))
+                continue;
+            ++finished;
+            for (std::size_t i = 0; i < what_count; ++i)
+                if (result.pictures[i])
+                    result.pictures[i]->at(x, y) = film[pixel].value(static_cast<What>(i));
+        }
+    return finished;
+}
+
 // Returns how many pixels of the picture are finished: none if it was interrupted.
-int render_block(const PixelArea &block, const World &world, int samples, const Interrupt &interrupt,
-                 Picture &picture) {
-    std::array<PixelFilm, std::size_t{block_side} * block_side> film;
+int render_block(const PixelArea &block, const Pass &pass, Result &result) {
+    const World &world = pass.world;
+    BlockFilm film;
     std::vector<Path> wave;
+    std::vector<Features> features;
     wave.reserve(film.size() * wave_samples);
+    features.reserve(pass.has_features ? film.size() * wave_samples : 0);
     const bool has_lens = world.camera.has_lens();
 
-    for (int first = 0; first < samples; first += wave_samples) {
-        if (interrupt.requested())
+    for (int first = 0; first < pass.samples; first += wave_samples) {
+        if (pass.interrupt.requested())
             return 0;
-        const int end = std::min(first + wave_samples, samples);
+        const int end = std::min(first + wave_samples, pass.samples);
         wave.clear();
+        features.clear();
         for (int y = block.y0; y < block.y1; ++y)
             for (int x = block.x0; x < block.x1; ++x)
                 for (int s = first; s < end; ++s) {
                     const Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
-                                          static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(samples));
-                    const Pair place = PixelFilm::position(x, y, sampler.pair(film_dimension));
+                                          static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(pass.samples),
+                                          world.settings.seed);
+                    const Pair place = pass.filter.position(x, y, sampler.pair(film_dimension));
                     const Pair lens = has_lens ? sampler.pair(lens_dimension) : Pair();
-                    const Ray ray = world.camera.ray(place.u, place.v, picture.full_width, picture.full_height, lens);
-                    wave.push_back({ray, sampler, world.camera_media});
+                    const Ray ray = world.camera.ray(place.u, place.v, result.width, result.height, lens);
+                    // The features stay where they are: there is room for all of a wave.
+                    Features *seen = pass.has_features ? &features.emplace_back(Features{ray.origin}) : nullptr;
+                    wave.push_back({ray, sampler, world.camera_media, seen});
                 }
         trace_paths(wave, world, path_dimension);
-        for (std::size_t i = 0; i < wave.size(); ++i)
-            film[i / static_cast<std::size_t>(end - first)].add(wave[i].radiance);
+        for (std::size_t i = 0; i < wave.size(); ++i) {
+            PixelFilm &pixel = film[i / static_cast<std::size_t>(end - first)];
+            pixel.add(wave[i].radiance);
+            if (pass.has_features)
+                pixel.add_features(features[i]);
+        }
     }
-
-    int finished = 0;
-    std::size_t pixel = 0;
-    for (int y = block.y0; y < block.y1; ++y)
-        for (int x = block.x0; x < block.x1; ++x, ++pixel)
-            if (picture.window.contains(x, y)) {
-                picture.at(x, y) = film[pixel].mean();
-                ++finished;
-            }
-    return finished;
+    return finish_block(block, film, result);
 }
 
-void render_pixels(const World &world, int samples, const Interrupt &interrupt, Result &result) {
+void render_pixels(const Pass &pass, Result &result) {
     std::atomic<long> finished = 0;
-    Picture &picture = result.picture;
     const auto render_tile = [&](const PixelArea &tile) {
         for (int y = tile.y0; y < tile.y1; y += block_side)
             for (int x = tile.x0; x < tile.x1; x += block_side)
                 finished += render_block({x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)},
-                                         world, samples, interrupt, picture);
+                                         pass, result);
     };
-    for_each_tile(whole_blocks(picture.window, picture.full_width, picture.full_height), interrupt, render_tile);
+    for_each_tile(whole_blocks(result.window, result.width, result.height), pass.interrupt, render_tile);
     result.finished = finished;
 }
 
+// The filter of the innermost file. All files of a pass are made of the same samples.
+Filter common_filter(const std::vector<FileImager> &imagers, const CallReport &call) {
+    const Filter filter = imagers.back().filter;
+    for (const FileImager &imager : imagers)
+        if (imager.asks_for_filter && imager.filter != filter)
+            call.diagnostic(joined({quoted(imager.path), " asks for another filter than ", quoted(imagers.back().path),
+                                    ", whose filter counts (all files of one pass share the innermost one's)"}));
+    return filter;
+}
+
 // Nothing if nothing is finished.
-std::optional<Result> render_picture(const RenderRequest &request, const PixelArea &window, const Registry &registry,
-                                     const Interrupt &interrupt) {
+std::optional<Result> render_picture(const RenderRequest &request, const PixelArea &window,
+                                     const std::vector<FileImager> &imagers, const Filter &filter,
+                                     const Registry &registry, const Interrupt &interrupt) {
     const std::optional<World> world = freeze(registry, interrupt);
     if (!world)
         return {};
-    Result result{Picture(request.width, request.height, window)};
-    render_pixels(*world, request.samples, interrupt, result);
+    Result result(request, window, imagers);
+    render_pixels({*world, FilterSampler(filter), static_cast<int>(request.samples), result.has_features(), interrupt},
+                  result);
     if (result.finished == 0)
         return {};
     return result;
@@ -175,20 +235,20 @@ std::string comment_of(const RenderRequest &request, const Result &result) {
     std::string comment = joined({"vantorPM ", VANTOR_VERSION, "; ", std::to_string(request.width), " x ",
                                   std::to_string(request.height), " pixels; ", std::to_string(request.samples),
                                   request.samples == 1 ? " sample a pixel" : " samples a pixel"});
-    if (result.finished < result.pixels())
+    if (!result.is_whole())
         comment += joined({"; interrupted: ", share_text(result), " are finished"});
     return comment;
 }
 
 // Every file; what is not written is reported.
-void write_files(const std::vector<Imager> &imagers, const Result &result, const RenderRequest &request,
+void write_files(const std::vector<FileImager> &imagers, const Result &result, const RenderRequest &request,
                  const CallReport &call, const Report &report) {
     const std::string comment = comment_of(request, result);
-    for (const Imager &imager : imagers) {
-        const std::string why = write_picture(result.picture, {imager.scale, imager.display, comment}, imager.path);
+    for (const FileImager &imager : imagers) {
+        const std::string why = write_file(imager, *result.of(imager.what), comment);
         if (!why.empty())
             call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
-        else if (result.finished < result.pixels())
+        else if (!result.is_whole())
             report.note(joined({"render: interrupted; ", share_text(result), " are in ", quoted(imager.path)}));
     }
 }
@@ -202,7 +262,8 @@ void render(const RenderRequest &request, const Registry &registry, Report &repo
     const PixelArea window = window_of(request, call);
     if (!registry.camera())
         call.diagnostic("there is no camera (newCamera makes one); nothing is rendered");
-    const std::vector<Imager> imagers = writable_imagers(registry, window, call);
+    const std::vector<FileImager> imagers = writable_imagers(registry, window, call);
+    const Filter filter = imagers.empty() ? Filter() : common_filter(imagers, call);
     if (report.refuses_pictures()) {
         report.note(joined({"render: no picture is written: ", std::to_string(report.diagnostics()),
                             " diagnostics so far, and VANTOR_DIAGNOSTICS is strict"}));
@@ -213,7 +274,7 @@ void render(const RenderRequest &request, const Registry &registry, Report &repo
 
     // Until the files are there: where Ctrl-C ends the process, it keeps what is finished all the same.
     const Interrupt interrupt;
-    const std::optional<Result> result = render_picture(request, window, registry, interrupt);
+    const std::optional<Result> result = render_picture(request, window, imagers, filter, registry, interrupt);
     if (result)
         write_files(imagers, *result, request, call, report);
     else

@@ -18,6 +18,7 @@ struct World {
     std::span<const Medium> media; ///< What MediumStack has indexes of.
     MediumStack camera_media;      ///< Those that the camera stands in.
     bool is_clear;                 ///< No media, and no surface that light passes straight through.
+    Settings settings;
 
     /// The medium that counts where there is one.
     const Medium &media_of(const MediumStack &stack) const {

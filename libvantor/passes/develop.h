@@ -1,0 +1,13 @@
+// Develop: from what a pass has made to the files of its imagers.
+#pragma once
+
+#include "libvantor/entities/imager.h"
+#include "libvantor/pictures/picture.h"
+
+namespace vantor {
+
+/// Writes a picture of what the imager shows; in 8 bits so that it can be looked at. Returns what went wrong; empty if
+/// nothing did.
+std::string write_file(const FileImager &imager, const Picture &picture, const std::string &comment);
+
+} // namespace vantor
