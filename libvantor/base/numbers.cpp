@@ -69,8 +69,10 @@ const char *why_unusable(const VtTransform &m) {
     // Relative to the lengths of its rows, so that a small scale is no singularity.
     double lengths = 1;
     for (int r = 0; r < 3; ++r) {
-        const double length = row_of(m, r).Length();
-        if (length > 0.0 && length < 1e-9)
+        const VtVector3 row = row_of(m, r);
+        const double length = row.Length();
+        // The length of a row may be 0 though the row is not.
+        if (length < 1e-9 && (row[0] != 0.0 || row[1] != 0.0 || row[2] != 0.0))
             return "makes things smaller than floats can follow (scales from 1e-9 up are possible)";
         lengths *= length;
     }

@@ -364,10 +364,13 @@ TEST(Diagnostics, Transforms) {
     transform.Scaling({1, 0, 1});
     EXPECT_EQ(errors(transform),
               "vantor: transformBegin: the transform is singular (its determinant is 0 or nearly so)" + end);
-    transform.Scaling({1, 1e-12, 1});
-    EXPECT_EQ(errors(transform), "vantor: transformBegin: the transform makes things smaller than floats can follow "
-                                 "(scales from 1e-9 up are possible)" +
-                                     end);
+    // The square of the second underflows.
+    for (const double scale : {1e-12, 1e-300}) {
+        transform.Scaling({1, scale, 1});
+        EXPECT_EQ(errors(transform), "vantor: transformBegin: the transform makes things smaller than floats can "
+                                     "follow (scales from 1e-9 up are possible)" +
+                                         end);
+    }
     transform.Scaling({1, INFINITY, 1});
     EXPECT_EQ(errors(transform),
               "vantor: transformBegin: the transform has entries that are not usable (finite numbers "
