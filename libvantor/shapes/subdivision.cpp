@@ -14,7 +14,7 @@ namespace vantor {
 namespace {
 
 // More than this take more memory than a picture is worth, and come from a slip of the pen.
-constexpr std::size_t most_triangles = 50'000'000;
+constexpr std::size_t most_triangles = 20'000'000;
 
 constexpr std::uint32_t nobody = ~0u;
 constexpr float infinitely_sharp = std::numeric_limits<float>::infinity();
@@ -35,7 +35,7 @@ struct Topology {
 
     Index size() const { return static_cast<Index>(vertex.size()); }
 
-    /// One half-edge of each edge.
+    // One half-edge of each edge.
     bool is_first(Index h) const { return twin[h] == nobody || h < twin[h]; }
     Index end(Index h) const { return vertex[next[h]]; }
 };
@@ -48,10 +48,10 @@ struct Polygons {
     std::vector<bool> corners;    // whether a point stays where it is
 };
 
-/// Around a vertex: what its own rule depends on.
+// Around a vertex: what its own rule depends on.
 struct Surroundings {
     Vec3 ends;       // of its edges, summed up
-    Vec3 faces;      // of the points of its faces, summed up
+    Vec3 faces;      // of a point in each of its faces, summed up
     Vec3 sharp_ends; // of its creases, summed up
     Index edges = 0;
     Index creases = 0;
@@ -66,12 +66,12 @@ float sharpness_of(const Polygons &polygons, Index half_edge) {
 }
 
 // What the rules ask. With a threshold of 0 every crease counts; with 1, only those that stay one.
-std::vector<Surroundings> surroundings_of(const Polygons &polygons, const std::vector<Vec3> &points_of_faces,
+std::vector<Surroundings> surroundings_of(const Polygons &polygons, const std::vector<Vec3> &in_faces,
                                           float threshold) {
     const Topology &t = polygons.topology;
     std::vector<Surroundings> around(t.vertices);
     for (Index h = 0; h < t.size(); ++h) {
-        around[t.vertex[h]].faces = around[t.vertex[h]].faces + points_of_faces[h];
+        around[t.vertex[h]].faces = around[t.vertex[h]].faces + in_faces[h];
         if (!t.is_first(h))
             continue;
         const float sharpness = sharpness_of(polygons, h);
