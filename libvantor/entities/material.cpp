@@ -14,9 +14,12 @@ Material make_surface(Scattering scattering, const Parameters &parameters, const
     variation.color = pattern_in(parameters, "color", find);
     variation.roughness = pattern_in(parameters, "roughness", find);
     variation.opacity = number_or_pattern(parameters, "opacity", find);
+    variation.bump = pattern_in(parameters, "bump", find);
+    variation.bump_height = static_cast<float>(parameters.number("bump_height"));
+    variation.normal_map = pattern_in(parameters, "normal_map", find);
     variation.is_two_sided = parameters.is_on("two_sided");
-    const bool is_plain = !variation.color && !variation.roughness && !variation.opacity.pattern &&
-                          variation.opacity.number >= 1 && variation.is_two_sided;
+    const bool is_plain = !variation.color && !variation.roughness && !variation.bump && !variation.normal_map &&
+                          !variation.opacity.pattern && variation.opacity.number >= 1 && variation.is_two_sided;
     return {scattering, is_plain ? nullptr : std::make_unique<const Variation>(variation)};
 }
 

@@ -14,7 +14,10 @@ struct Variation {
     const Pattern *color = nullptr;     ///< In place of the scattering's own; null for that.
     const Pattern *roughness = nullptr; ///< Likewise.
     NumberOrPattern opacity{1};
-    bool is_two_sided = true; ///< Otherwise it is not there for those behind it.
+    const Pattern *bump = nullptr;       ///< Its luminance is a height above the surface; null for none.
+    float bump_height = 0;               ///< Of the luminance 1, in the object's space.
+    const Pattern *normal_map = nullptr; ///< Normals in (u, v): 0.5 + 0.5 x, along u, v and the normal; null for none.
+    bool is_two_sided = true;            ///< Otherwise it is not there for those behind it.
 };
 
 struct Material {

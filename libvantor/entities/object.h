@@ -8,7 +8,8 @@ namespace vantor {
 struct Object {
     VtLong id; ///< As the script knows it.
     Shape shape;
-    float reach; ///< The largest coordinate of any of its points.
+    float reach;     ///< The largest coordinate of any of its points.
+    bool has_colors; ///< Of its own.
 };
 
 } // namespace vantor

@@ -88,7 +88,8 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
     case EntityKind::Object:
         if (std::optional<Shape> shape = make_shape(*type, parameters, call)) {
             const float reach = reach_of(*shape);
-            entry.index = appended(objects, Object{id, std::move(*shape), reach});
+            const bool are_colored = has_colors(*shape);
+            entry.index = appended(objects, Object{id, std::move(*shape), reach, are_colored});
         }
         break;
     case EntityKind::Pattern: {
@@ -140,9 +141,9 @@ const Pattern *Registry::find_pattern(const Parameters &parameters, std::string_
     const VtLong id = parameters.id(name);
     if (const std::string why = why_wrong(id, EntityKind::Pattern); !why.empty()) {
         const std::string number = std::to_string(id);
-        parameters.complain(name,
-                            joined({"is ", number, ", but ", why,
-                                    " (the id of a pattern is wanted; a number has a decimal point: ", number, ".0)"}),
+        const bool may_be_a_number = parameters.kind(name) != ValueKind::PatternId;
+        const std::string hint = may_be_a_number ? joined({"; a number has a decimal point: ", number, ".0"}) : "";
+        parameters.complain(name, joined({"is ", number, ", but ", why, " (the id of a pattern is wanted", hint, ")"}),
                             call);
         return nullptr;
     }

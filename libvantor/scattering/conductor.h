@@ -17,6 +17,7 @@ struct Conductor {
     Color albedo() const;
     bool is_specular() const;
     bool transmits() const { return false; }
+    void tint(Color factor) { color *= factor; }
     void set_color(Color value) { color = value; }
     void set_roughness(float roughness);
 };

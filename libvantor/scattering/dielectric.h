@@ -20,6 +20,7 @@ struct Dielectric {
     Color albedo() const;
     bool is_specular() const;
     bool transmits() const { return true; }
+    void tint(Color factor) { color *= factor; }
     void set_color(Color value) { color = value; }
     void set_roughness(float roughness);
 };

@@ -24,6 +24,7 @@ struct Diffuse {
         return true;
     }
 
+    void tint(Color factor) { reflectance *= factor; }
     void set_color(Color color) { reflectance = color; }
     void set_roughness(float) {}
     Color albedo() const { return reflectance; }

@@ -16,6 +16,7 @@ namespace vantor {
 //     bool is_specular() const;
 //     bool transmits() const;
 //     void set_color(Color value);
+//     void tint(Color factor);
 //     void set_roughness(float roughness);
 //
 // sample() draws `in` with the density that evaluate() tells; false if nothing is scattered. The numbers and the choice

@@ -27,6 +27,7 @@ struct Plastic {
     bool is_specular() const { return false; }
     bool transmits() const { return false; }
     void set_color(Color value) { color = value; }
+    void tint(Color factor) { color *= factor; }
     void set_roughness(float roughness);
 };
 

@@ -30,6 +30,7 @@ struct Principled {
     bool is_specular() const { return false; }
     bool transmits() const { return metallic < 1 && transmission > 0; }
     void set_color(Color value) { base_color = value; }
+    void tint(Color factor) { base_color *= factor; }
     void set_roughness(float value) { roughness = value; }
 };
 

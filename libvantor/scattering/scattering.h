@@ -26,6 +26,11 @@ inline void set_color(Scattering &scattering, Color color) {
     std::visit([&](auto &lobe) { lobe.set_color(color); }, scattering);
 }
 
+/// Its colour, multiplied by a factor of 0 to 1.
+inline void tint(Scattering &scattering, Color factor) {
+    std::visit([&](auto &lobe) { lobe.tint(factor); }, scattering);
+}
+
 /// Another roughness, 0 to 1; nothing where a lobe has none.
 inline void set_roughness(Scattering &scattering, float roughness) {
     std::visit([&](auto &lobe) { lobe.set_roughness(roughness); }, scattering);

@@ -120,6 +120,12 @@ inline float turn_of(Double3 p) {
 /// How a point moves with its turn.
 constexpr Double3 along_turn(Double3 p) { return Double3{p.z, 0, -p.x} * (2 * static_cast<double>(pi)); }
 
+/// Away from the Y axis, of unit length; zero on it.
+inline Double3 away_from_axis(Double3 p) {
+    const double distance = std::hypot(p.x, p.z);
+    return distance > 0 ? Double3{p.x / distance, 0, p.z / distance} : Double3();
+}
+
 /// A shape of a few formulas in its canonical space.
 template <class Kind>
 concept Analytic = requires(const Kind &kind, const CanonicalRay &ray, Double3 along) {

@@ -78,9 +78,16 @@ double support(const Cone &cone, Double3 along) {
 SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Pair, Vec3 point) {
     const Double3 p = cone.map.point_back(Double3(point));
     double v = p.y;
-    if (part != Cone::side)
-        v = 1 - std::hypot(p.x, p.z) / (part == Cone::base_cap ? cone.base : cone.tip);
-    return {{turn_of(p), static_cast<float>(v)}, to_float(cone.map.direction(along_turn(p)))};
+    Double3 along_v = away_from_axis(p) * (cone.tip - cone.base) + Double3{0, 1, 0};
+    if (part != Cone::side) {
+        const double radius = part == Cone::base_cap ? cone.base : cone.tip;
+        v = 1 - std::hypot(p.x, p.z) / radius;
+        along_v = away_from_axis(p) * -radius;
+    }
+    return {{turn_of(p), static_cast<float>(v)},
+            to_float(cone.map.direction(along_turn(p))),
+            {1, 1, 1},
+            to_float(cone.map.direction(along_v))};
 }
 
 } // namespace vantor

@@ -31,7 +31,10 @@ double support(const Disk &, Double3 along) { return std::hypot(along.x, along.z
 
 SurfaceParameters parameters_at(const Disk &disk, std::uint32_t, Pair, Vec3 point) {
     const Double3 p = disk.map.point_back(Double3(point));
-    return {{turn_of(p), static_cast<float>(1 - std::hypot(p.x, p.z))}, to_float(disk.map.direction(along_turn(p)))};
+    return {{turn_of(p), static_cast<float>(1 - std::hypot(p.x, p.z))},
+            to_float(disk.map.direction(along_turn(p))),
+            {1, 1, 1},
+            to_float(disk.map.direction(away_from_axis(p) * -1))};
 }
 
 } // namespace vantor

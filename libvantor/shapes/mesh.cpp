@@ -220,21 +220,23 @@ float reach_of(const TriangleMesh &mesh) {
 SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle, Pair weights, Vec3) {
     const TriangleMesh::Triangle &t = mesh.triangles[triangle];
     const Vec3 edge1 = mesh.points[t[1]] - mesh.points[t[0]];
-    SurfaceParameters result{weights, edge1};
+    const Vec3 edge2 = mesh.points[t[2]] - mesh.points[t[0]];
+    SurfaceParameters result{weights, edge1, {1, 1, 1}, edge2};
     if (!mesh.colors.empty())
         result.color = mesh.colors[t[0]] * (1 - weights.u - weights.v) + mesh.colors[t[1]] * weights.u +
                        mesh.colors[t[2]] * weights.v;
     if (mesh.uvs.empty())
         return result;
 
-    const Vec3 edge2 = mesh.points[t[2]] - mesh.points[t[0]];
     const auto [a, b, c] = std::array{mesh.uvs[t[0]], mesh.uvs[t[1]], mesh.uvs[t[2]]};
     const float du1 = b.u - a.u, dv1 = b.v - a.v, du2 = c.u - a.u, dv2 = c.v - a.v;
     result.uv = {a.u + du1 * weights.u + du2 * weights.v, a.v + dv1 * weights.u + dv2 * weights.v};
-    // The direction in which u grows and v stands still: the edges' changes of (u, v), inverted.
+    // The directions in which one of u and v grows and the other stands still: the edges' changes of (u, v), inverted.
     const float determinant = du1 * dv2 - du2 * dv1;
-    if (determinant != 0)
+    if (determinant != 0) {
         result.along_u = (edge1 * dv2 - edge2 * dv1) * (1 / determinant);
+        result.along_v = (edge2 * du1 - edge1 * du2) * (1 / determinant);
+    }
     return result;
 }
 

@@ -29,6 +29,7 @@ std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallRe
 std::vector<Pair> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report);
 
 float reach_of(const TriangleMesh &mesh);
+inline bool has_colors(const TriangleMesh &mesh) { return !mesh.colors.empty(); }
 inline std::size_t primitives_of(const TriangleMesh &mesh) { return mesh.triangles.size(); }
 
 /// The triangle's second and third corner weigh u and v. Without uvs these are its (u, v), too.

@@ -98,7 +98,9 @@ SurfaceParameters parameters_at(const Quads &quads, std::uint32_t quad, Pair, Ve
     const Vec3 from_corner = point - c[0];
     return {{dot(cross(from_corner, edge_v), normal) * inverse_square,
              dot(cross(edge_u, from_corner), normal) * inverse_square},
-            edge_u};
+            edge_u,
+            {1, 1, 1},
+            edge_v};
 }
 
 } // namespace vantor

@@ -53,6 +53,11 @@ std::size_t primitives_of(const Shape &shape) {
     return std::visit([](const auto &kind) { return primitives_of(kind); }, shape);
 }
 
+bool has_colors(const Shape &shape) {
+    const auto *mesh = std::get_if<TriangleMesh>(&shape);
+    return mesh && has_colors(*mesh);
+}
+
 SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Pair on_primitive, Vec3 point) {
     return std::visit([&](const auto &kind) { return parameters_at(kind, primitive, on_primitive, point); }, shape);
 }

@@ -21,6 +21,9 @@ float reach_of(const Shape &shape);
 /// How many triangles, parallelograms, segments or other parts it has.
 std::size_t primitives_of(const Shape &shape);
 
+/// Whether it has colours of its own.
+bool has_colors(const Shape &shape);
+
 /// At a point of the shape's surface: of that primitive, with Embree's coordinates on it.
 SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Pair on_primitive, Vec3 point);
 

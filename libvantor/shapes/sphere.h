@@ -24,7 +24,12 @@ inline SurfaceParameters parameters_at(const Sphere &sphere, std::uint32_t, Pair
     const float around = std::atan2(from_center.x, from_center.z);
     const float height = std::clamp(from_center.y / sphere.radius, -1.0f, 1.0f);
     const float u = around * (0.5f * inverse_pi);
-    return {{u < 0 ? u + 1 : u, 1 - std::acos(height) * inverse_pi}, Vec3{from_center.z, 0, -from_center.x} * (2 * pi)};
+    const float off_axis = std::hypot(from_center.x, from_center.z);
+    const float fall = off_axis > 0 ? -from_center.y / off_axis : 0.0f;
+    return {{u < 0 ? u + 1 : u, 1 - std::acos(height) * inverse_pi},
+            Vec3{from_center.z, 0, -from_center.x} * (2 * pi),
+            {1, 1, 1},
+            Vec3{from_center.x * fall, off_axis, from_center.z * fall} * pi};
 }
 
 } // namespace vantor

@@ -11,6 +11,7 @@ struct SurfaceParameters {
     Pair uv;              ///< Texture coordinates, v upwards.
     Vec3 along_u;         ///< How the point moves with u, in the object's space; may be zero.
     Color color{1, 1, 1}; ///< Its own colour, where a mesh has colours.
+    Vec3 along_v = {};    ///< How the point moves with v; zero where the shape does not tell.
 };
 
 } // namespace vantor

@@ -150,8 +150,11 @@ double support(const Torus &torus, Double3 along) {
 SurfaceParameters parameters_at(const Torus &torus, std::uint32_t, Pair, Vec3 point) {
     const Double3 p = torus.map.point_back(Double3(point));
     const auto around_tube = static_cast<float>(std::atan2(p.y, std::hypot(p.x, p.z) - 1)) * (0.5f * inverse_pi);
+    const Double3 along_tube = away_from_axis(p) * -p.y + Double3{0, std::hypot(p.x, p.z) - 1, 0};
     return {{turn_of(p), around_tube < 0 ? around_tube + 1 : around_tube},
-            to_float(torus.map.direction(along_turn(p)))};
+            to_float(torus.map.direction(along_turn(p))),
+            {1, 1, 1},
+            to_float(torus.map.direction(along_tube * (2 * static_cast<double>(pi))))};
 }
 
 } // namespace vantor

@@ -34,6 +34,8 @@ class Parameters {
     const VtInstanceArray<VtVector2> &vector2_array(std::string_view name) const;
     const VtInstanceArray<VtVector3> &vector3_array(std::string_view name) const;
 
+    ValueKind kind(std::string_view name) const { return parameter_of(find(name)).kind; }
+
     /// Whether the script gave the parameter, with a value that could be used.
     bool is_given(std::string_view name) const { return find(name).given != nullptr; }
 

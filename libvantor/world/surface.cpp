@@ -1,6 +1,8 @@
 // Surface: what a path meets at a hit.
 #include "libvantor/world/surface.h"
 
+#include "libvantor/world/relief.h"
+
 namespace vantor {
 
 namespace {
@@ -9,9 +11,21 @@ namespace {
 float fraction(float value) { return value > 0 ? std::min(value, 1.0f) : 0.0f; }
 Color fraction(Color color) { return {fraction(color.r), fraction(color.g), fraction(color.b)}; }
 
+// A pixel sees about a thousandth of the distance.
+constexpr float pixel_angle = 1e-3f;
+
+// How far u and v reach of a length in the object's space.
+Pair footprint_of(float length_seen, const SurfaceParameters &parameters) {
+    const float in_u = length(parameters.along_u);
+    const float in_v = length(parameters.along_v);
+    return {in_u > 0 ? length_seen / in_u : 0.0f, in_v > 0 ? length_seen / in_v : 0.0f};
+}
+
 } // namespace
 
-void Surface::vary(const Hit &hit, const Placement &placement, const Variation &variation) {
+void Surface::vary(const Hit &hit, const Placement &placement) {
+    static const Variation none;
+    const Variation &variation = placement.material->variation ? *placement.material->variation : none;
     if (!variation.is_two_sided && !is_front) {
         opaque_share = 0;
         return;
@@ -19,17 +33,28 @@ void Surface::vary(const Hit &hit, const Placement &placement, const Variation &
     const Affine world_from_object = to_float(placement.world_from_object);
     const Vec3 point = world_from_object.point_back(hit.point);
     const SurfaceParameters parameters = parameters_at(placement.object->shape, hit.primitive, hit.on_primitive, point);
-    const PatternPoint at{parameters.uv, point};
+    const float scale = std::cbrt(std::fabs(world_from_object.determinant));
+    const bool has_uv = std::isfinite(parameters.uv.u + parameters.uv.v);
+    const PatternPoint at{has_uv ? parameters.uv : Pair(), point,
+                          footprint_of(pixel_angle * hit.distance / scale, parameters)};
 
     opaque_share = fraction(vantor::evaluate(variation.opacity, at));
-    if (variation.color || variation.roughness) {
-        varied = *scattering;
-        if (variation.color)
-            set_color(*varied, fraction(vantor::evaluate(*variation.color, at)));
-        if (variation.roughness)
-            set_roughness(*varied, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
-        scattering = &*varied;
+    if (opaque_share == 0)
+        return;
+    if (variation.bump || variation.normal_map) {
+        // About half of what a pixel sees, and enough to be beyond rounding.
+        const float step = 128 * hit.clearance / scale;
+        const ReliefPoint relief{world_from_object, parameters, at, hit.geometric_normal, step};
+        frame = Frame(bent_normal(relief, variation, hit.shading_normal));
     }
+    varied = *scattering;
+    scattering = &*varied;
+    if (variation.color)
+        set_color(*varied, fraction(vantor::evaluate(*variation.color, at)));
+    if (placement.object->has_colors)
+        tint(*varied, fraction(parameters.color));
+    if (variation.roughness)
+        set_roughness(*varied, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
 }
 
 } // namespace vantor

@@ -13,8 +13,8 @@ class Surface {
         : frame(hit.shading_normal), is_front(dot(hit.geometric_normal, arriving) < 0),
           geometric_normal(hit.geometric_normal), scattering(&world.placements[hit.placement].material->scattering) {
         const Placement &placement = world.placements[hit.placement];
-        if (placement.material->variation)
-            vary(hit, placement, *placement.material->variation);
+        if (placement.material->variation || placement.object->has_colors)
+            vary(hit, placement);
         out = side_of(frame.local_from_world(-arriving), is_front);
     }
     Surface(const Surface &) = delete; // it may point into itself
@@ -52,7 +52,7 @@ class Surface {
 
   private:
     // What differs from point to point.
-    void vary(const Hit &hit, const Placement &placement, const Variation &variation);
+    void vary(const Hit &hit, const Placement &placement);
 
     // Where the shading normal leans, part of each of its hemispheres lies on the other side of the surface.
     bool is_consistent(float z, Vec3 direction) const { return z * dot(geometric_normal, direction) > 0; }

@@ -117,6 +117,33 @@ TEST(Material, ImagesBeginInTheLowerLeftCorner) {
     EXPECT_NEAR(pixels.at(6, 6)[0], 1, 1e-5);
 }
 
+TEST(Material, ABumpTurnsTheSurfaceAwayFromTheLight) {
+    Square scene;
+    scripted::Points colors;
+    scripted::fill(colors, {{0, 0, 0}, {1, 1, 1}});
+    const VtLong ramp = scene.pattern("gradient", "colors", colors);
+    scene.add(scene.surface("color", 0.8, "bump", static_cast<int>(ramp), "bump_height", 1.0));
+    // The height is u, which is half of x: the cosine to the light is that of the slope 1/2.
+    const auto wanted = static_cast<float>(0.8 / std::sqrt(1.25));
+    expect_color(scene.render(8, 8, 4), {wanted, wanted, wanted}, 1e-3);
+}
+
+TEST(Material, ColorsOfAMeshMultiplyTheSurfaces) {
+    scripted::Points points, colors;
+    scripted::fill(points, {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}});
+    scripted::fill(colors, {{0.5, 1, 0.25}, {0.5, 1, 0.25}, {0.5, 1, 0.25}, {0.5, 1, 0.25}});
+    scripted::Indices quads;
+    scripted::fill(quads, {0, 1, 2, 3});
+    for (const bool has_pattern : {false, true}) {
+        Square scene;
+        const VtLong pattern = scene.pattern("mix", "a", 0.6, "b", 0.6);
+        scene.MaterialBegin(has_pattern ? scene.surface("color", static_cast<int>(pattern)) : scene.diffuse(0.6));
+        scene.AddObject(scene.object("mesh", "points", points, "quads", quads, "colors", colors));
+        scene.MaterialEnd();
+        expect_color(scene.render(6, 6, 4), {0.3f, 0.6f, 0.15f});
+    }
+}
+
 TEST(Material, NoPatternMakesASurfaceReflectMoreThanArrives) {
     Square scene;
     const VtLong bright = scene.pattern("mix", "a", 50.0, "b", 50.0);
