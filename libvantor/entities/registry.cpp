@@ -26,17 +26,6 @@ template <class Kind> const Kind *last_of(const std::vector<Imager> &imagers) {
     return nullptr;
 }
 
-// The largest coordinate in the world that a point may have whose coordinates are at most `reach` in the object.
-double world_reach(double reach, const VtTransform &world_from_object) {
-    const VtTransform &m = world_from_object;
-    double largest = 0;
-    for (int c = 0; c < 3; ++c) {
-        const double stretch = std::fabs(m[0][c]) + std::fabs(m[1][c]) + std::fabs(m[2][c]);
-        largest = std::max(largest, reach * stretch + std::fabs(m[3][c]));
-    }
-    return largest;
-}
-
 } // namespace
 
 void Registry::create(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list) {
@@ -86,11 +75,8 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             entry.index = appended(materials, std::move(*material));
         break;
     case EntityKind::Object:
-        if (std::optional<Shape> shape = make_shape(*type, parameters, call)) {
-            const float reach = reach_of(*shape);
-            const bool are_colored = has_colors(*shape);
-            entry.index = appended(objects, Object{id, std::move(*shape), reach, are_colored});
-        }
+        if (std::optional<Object> object = find_object(id, *type, parameters, call))
+            entry.index = appended(objects, std::move(*object));
         break;
     case EntityKind::Pattern: {
         const auto find_used = [&](std::string_view name) { return find_pattern(parameters, name, call); };
@@ -109,8 +95,11 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             call.diagnostic(
                 joined({"there are ", std::to_string(most_interiors), " interiors already, which is the most"}));
         break;
-    case EntityKind::Texture:
     case EntityKind::Trimmer:
+        if (std::optional<Trimmer> trimmer = make_trimmer(*type, parameters, call))
+            entry.index = appended(trimmers, std::move(*trimmer));
+        break;
+    case EntityKind::Texture:
         break;
     }
 }
@@ -134,6 +123,27 @@ std::optional<Material> Registry::find_material(const Type &type, const Paramete
         return {};
     return make_surface(interfaces[static_cast<std::size_t>(index)], parameters,
                         [&](std::string_view name) { return find_pattern(parameters, name, call); });
+}
+
+std::optional<Object> Registry::find_object(VtLong id, const Type &type, const Parameters &parameters,
+                                            const CallReport &call) const {
+    if (type.name == "instances") {
+        const int index = find(parameters.id("object"), EntityKind::Object, call);
+        if (index < 0)
+            return {};
+        return make_instances(id, objects[static_cast<std::size_t>(index)], parameters, call);
+    }
+    std::optional<Shape> shape = make_shape(type, parameters, call);
+    if (!shape)
+        return {};
+    const float reach = reach_of(*shape);
+    const bool are_colored = has_colors(*shape);
+    Object object{id, std::move(*shape), reach, are_colored};
+    if (parameters.knows("trimmers") && parameters.is_given("trimmers"))
+        for (const VtLong trimmer : parameters.ids("trimmers"))
+            if (const int index = find(trimmer, EntityKind::Trimmer, call); index >= 0)
+                object.trimmers.push_back(&trimmers[static_cast<std::size_t>(index)]);
+    return object;
 }
 
 const Pattern *Registry::find_pattern(const Parameters &parameters, std::string_view name,
@@ -207,17 +217,17 @@ void Registry::add_object(VtLong id) {
         return;
     const Object &object = objects[static_cast<std::size_t>(index)];
     const VtTransform world_from_object = current_transform();
-    if (!(world_reach(object.reach, world_from_object) <= largest_reach)) {
+    if (!(outer_reach(object.reach, world_from_object) <= largest_reach)) {
         call.diagnostic(
             joined({"the object reaches beyond ", text_of(largest_reach), " in the world; it is left out"}));
         return;
     }
 
     const int material = material_blocks.empty() ? -1 : material_blocks.back();
-    placed.push_back({&object, world_from_object,
+    placed.push_back({object.repeated ? object.repeated : &object, world_from_object,
                       material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)],
                       interior_blocks.empty() ? -1 : interior_blocks.back(),
-                      light_blocks.empty() ? -1 : light_blocks.back()});
+                      light_blocks.empty() ? -1 : light_blocks.back(), object.repeated ? &object.places : nullptr});
 }
 
 void Registry::begin_transform(const VtTransform &transform) {

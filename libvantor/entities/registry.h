@@ -19,8 +19,14 @@ struct Placement {
     const Object *object;
     VtTransform world_from_object; ///< Usable.
     const Material *material;
-    int interior; ///< The medium inside, an index of media(); -1 for none.
-    int light;    ///< The area light that shines from it, an index of lights(); -1 for none.
+    int interior;                     ///< The medium inside, an index of media(); -1 for none.
+    int light;                        ///< The area light that shines from it, an index of lights(); -1 for none.
+    const std::vector<Place> *places; ///< Where the object stands before that transform; null if it does so once.
+
+    /// The maps of one of its places, or of all of it.
+    Affine map(std::uint32_t place) const {
+        return to_float(places ? composed((*places)[place].transform(), world_from_object) : world_from_object);
+    }
 };
 
 /// The one writer of descriptions. Every mistake is reported and leaves the registry usable. Nothing here knows how a
@@ -96,6 +102,10 @@ class Registry {
     // The pattern whose id a parameter is; null, reported, if it is none.
     const Pattern *find_pattern(const Parameters &parameters, std::string_view name, const CallReport &call) const;
 
+    // Nothing if there is nothing to see of it, which has been reported.
+    std::optional<Object> find_object(VtLong id, const Type &type, const Parameters &parameters,
+                                      const CallReport &call) const;
+
     // Nothing if its interface is none, which has been reported.
     std::optional<Material> find_material(const Type &type, const Parameters &parameters, const CallReport &call) const;
 
@@ -114,6 +124,7 @@ class Registry {
     std::deque<Pattern> patterns;
     std::deque<Material> materials;
     std::deque<Object> objects;
+    std::deque<Trimmer> trimmers;
     const Material material_of_others = default_material();
     std::vector<Placement> placed;
     int current_area_light = -1; // created or switched on last

@@ -1,6 +1,7 @@
 // Analytic: shapes of a few formulas, as Embree's user geometries.
 #pragma once
 
+#include "libvantor/entities/object.h"
 #include "libvantor/geometry/embree.h"
 #include "libvantor/shapes/canonical.h"
 
@@ -12,7 +13,8 @@ namespace vantor {
 /// What the callbacks get to see of a shape; has to outlive the geometry.
 template <Analytic Kind> struct PlacedShape {
     const Kind *kind;
-    CanonicalMap map; ///< From canonical space to that of the geometry's scene.
+    CanonicalMap map;      ///< From canonical space to that of the geometry's scene.
+    const Object *trimmed; ///< The object, if it is trimmed; the scene's space is its own then. Else null.
 };
 
 namespace callbacks {
@@ -25,7 +27,8 @@ bool find(const PlacedShape<Kind> &placed, RTCRayN *rays, unsigned n, unsigned i
     for (const Crossing &crossing : crossings(*placed.kind, placed.map.ray_back(origin, direction))) {
         // As Embree will see it.
         const auto t = static_cast<float>(crossing.t);
-        if (t > RTCRayN_tnear(rays, n, i) && t <= RTCRayN_tfar(rays, n, i)) {
+        if (t > RTCRayN_tnear(rays, n, i) && t <= RTCRayN_tfar(rays, n, i) &&
+            (!placed.trimmed || placed.trimmed->keeps(crossing.part, {}, origin + direction * t))) {
             found = crossing;
             return true;
         }

@@ -2,6 +2,8 @@
 #include "libvantor/geometry/builder.h"
 
 #include "libvantor/geometry/analytic.h"
+#include "libvantor/geometry/repeated.h"
+#include "libvantor/geometry/trimming.h"
 
 #include <new>
 
@@ -24,26 +26,39 @@ class Builder {
 
         built.top = new_scene();
         built.is_instance.reserve(placements.size());
+        built.repeated.reserve(placements.size());
         for (const Placement &placement : placements) {
             if (interrupt.requested())
                 return;
-            const Affine world_from_object = to_float(placement.world_from_object);
-            const std::size_t use_count = uses[&placement.object->shape];
-            const bool is_round = std::holds_alternative<Sphere>(placement.object->shape);
-            const bool are_curves = std::holds_alternative<Curves>(placement.object->shape);
-            const bool may_copy = !are_curves && (!is_round || world_from_object.uniform_scale() > 0);
-            const bool copies = may_copy && (use_count == 1 || use_count * primitives_of(placement.object->shape) <=
-                                                                   most_copied_primitives);
-            OwnedGeometry geometry = copies ? new_geometry(placement.object->shape, world_from_object)
-                                            : new_instance(shared_scene(placement.object->shape), world_from_object);
+            OwnedGeometry geometry = geometry_of(placement, uses[&placement.object->shape]);
             rtcCommitGeometry(geometry.get());
-            rtcAttachGeometryByID(built.top.get(), geometry.get(), static_cast<unsigned>(built.is_instance.size()));
-            built.is_instance.push_back(!copies);
+            rtcAttachGeometryByID(built.top.get(), geometry.get(), static_cast<unsigned>(built.is_instance.size() - 1));
         }
         commit(built.top.get());
     }
 
   private:
+    // Also notes how the placement's hits are to be read.
+    OwnedGeometry geometry_of(const Placement &placement, std::size_t use_count) {
+        const Object &object = *placement.object;
+        built.is_instance.push_back(true);
+        built.repeated.push_back(nullptr);
+        if (placement.places)
+            return new_repeated(placement);
+
+        const Affine world_from_object = to_float(placement.world_from_object);
+        const bool is_round = std::holds_alternative<Sphere>(object.shape);
+        const bool are_curves = std::holds_alternative<Curves>(object.shape);
+        const bool may_copy = !are_curves && (!is_round || world_from_object.uniform_scale() > 0);
+        // Trimmers speak of the object's space.
+        const bool copies = may_copy && object.trimmers.empty() &&
+                            (use_count == 1 || use_count * primitives_of(object.shape) <= most_copied_primitives);
+        if (!copies)
+            return new_instance(shared_scene(object), world_from_object);
+        built.is_instance.back() = false;
+        return new_geometry(object.shape, world_from_object);
+    }
+
     OwnedScene new_scene() {
         OwnedScene scene(rtcNewScene(built.device.get()));
         check(scene.get());
@@ -128,24 +143,59 @@ class Builder {
     // By the shape's own formulas, which hold under any transform.
     template <Analytic Kind> OwnedGeometry geometry_of(const Kind &kind, const Affine &map) {
         OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_USER);
-        const auto placed = std::make_shared<const PlacedShape<Kind>>(PlacedShape<Kind>{&kind, kind.map.then(map)});
+        const auto placed =
+            std::make_shared<const PlacedShape<Kind>>(PlacedShape<Kind>{&kind, kind.map.then(map), trimmed});
         built.for_callbacks.push_back(placed);
         set_callbacks(geometry.get(), *placed);
         return geometry;
     }
 
-    RTCScene shared_scene(const Shape &shape) {
-        const auto found = shared.find(&shape);
+    // Round shapes look after their trimmers themselves; of the others Embree asks.
+    template <Analytic Kind> void trim(RTCGeometry, const Kind &) {}
+    template <class Kind> void trim(RTCGeometry geometry, const Kind &) {
+        const auto shown = std::make_shared<const TrimmedObject>(TrimmedObject{trimmed, halvings_of<Kind>});
+        built.for_callbacks.push_back(shown);
+        set_filters(geometry, *shown);
+    }
+
+    RTCScene shared_scene(const Object &object) {
+        const auto found = shared.find(&object.shape);
         if (found != shared.end())
             return found->second;
         built.shared.push_back(new_scene());
         RTCScene scene = built.shared.back().get();
-        OwnedGeometry geometry = new_geometry(shape, Affine());
+        trimmed = object.trimmers.empty() ? nullptr : &object;
+        OwnedGeometry geometry = new_geometry(object.shape, Affine());
+        if (trimmed)
+            std::visit([&](const auto &kind) { trim(geometry.get(), kind); }, object.shape);
+        trimmed = nullptr;
         rtcCommitGeometry(geometry.get());
         rtcAttachGeometryByID(scene, geometry.get(), 0);
         commit(scene);
-        shared.emplace(&shape, scene);
+        shared.emplace(&object.shape, scene);
         return scene;
+    }
+
+    OwnedGeometry new_repeated(const Placement &placement) {
+        RTCScene scene = shared_scene(*placement.object);
+        RTCBounds bounds;
+        rtcGetSceneBounds(scene, &bounds);
+        const auto repeated =
+            std::make_shared<RepeatedObject>(RepeatedObject{scene,
+                                                            {bounds.lower_x, bounds.lower_y, bounds.lower_z},
+                                                            {bounds.upper_x, bounds.upper_y, bounds.upper_z},
+                                                            placement.places,
+                                                            placement.world_from_object});
+        repeated->inverses.reserve(placement.places->size());
+        for (std::size_t i = 0; i < placement.places->size(); ++i) {
+            const Affine map = placement.map(static_cast<std::uint32_t>(i));
+            repeated->inverses.push_back({map.inverse, map.offset});
+        }
+        built.for_callbacks.push_back(repeated);
+        built.repeated.back() = repeated.get();
+        OwnedGeometry geometry = begin_geometry(RTC_GEOMETRY_TYPE_USER);
+        set_callbacks(geometry.get(), *repeated);
+        return geometry;
     }
 
     OwnedGeometry new_instance(RTCScene of, const Affine &map) {
@@ -167,6 +217,7 @@ class Builder {
     BuiltScene &built;
     const Interrupt &interrupt;
     std::unordered_map<const Shape *, RTCScene> shared;
+    const Object *trimmed = nullptr; // whose geometry is being made, if it is trimmed
 };
 
 } // namespace

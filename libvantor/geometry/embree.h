@@ -44,4 +44,27 @@ class RayQuery {
 #endif
 };
 
+/// Traces one ray on in a scene, from within the callback of a user geometry, with the context that it was given.
+#if VANTOR_EMBREE == 4
+inline void intersect_within(RTCScene scene, RTCRayQueryContext *context, RTCRayHit &ray) {
+    RTCIntersectArguments arguments;
+    rtcInitIntersectArguments(&arguments);
+    arguments.context = context;
+    rtcIntersect1(scene, &ray, &arguments);
+}
+inline void occlude_within(RTCScene scene, RTCRayQueryContext *context, RTCRay &ray) {
+    RTCOccludedArguments arguments;
+    rtcInitOccludedArguments(&arguments);
+    arguments.context = context;
+    rtcOccluded1(scene, &ray, &arguments);
+}
+#else
+inline void intersect_within(RTCScene scene, RTCIntersectContext *context, RTCRayHit &ray) {
+    rtcIntersect1(scene, context, &ray);
+}
+inline void occlude_within(RTCScene scene, RTCIntersectContext *context, RTCRay &ray) {
+    rtcOccluded1(scene, context, &ray);
+}
+#endif
+
 } // namespace vantor

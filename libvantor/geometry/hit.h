@@ -23,6 +23,7 @@ struct Hit {
     Vec3 shading_normal;   ///< Unit length, on the same side; interpolated where a mesh has normals.
     float clearance;       ///< How far from the point the rounding of its coordinates may reach.
     std::uint32_t placement;
+    std::uint32_t place;     ///< Which of the placement's places, where it has any; 0 otherwise.
     std::uint32_t primitive; ///< A triangle or parallelogram of the object.
     Pair on_primitive;       ///< Embree's coordinates of the point on it.
 

@@ -3,6 +3,7 @@
 
 #include "libvantor/geometry/builder.h"
 #include "libvantor/geometry/embree.h"
+#include "libvantor/geometry/repeated.h"
 
 #include <limits>
 #include <type_traits>
@@ -87,8 +88,9 @@ Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placemen
         const bool has_winding = std::visit(HasWinding(), placement.object->shape);
         const bool is_turned = !is_instance && has_winding && world_from_object.determinant < 0;
         decodings.push_back({mesh && !mesh->normals.empty() ? mesh : nullptr, world_from_object.normals,
-                             is_turned ? -1.0f : 1.0f, is_instance, curves && !curves->are_tubes,
-                             std::holds_alternative<Quads>(placement.object->shape) ? 1u : 0u});
+                             is_turned ? -1.0f : 1.0f, is_instance, curves && !curves->are_tubes, built->repeated[i],
+                             std::visit([](const auto &kind) { return halvings_of<std::decay_t<decltype(kind)>>; },
+                                        placement.object->shape)});
     }
 }
 
@@ -112,10 +114,12 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     hit.primitive = packet.hit.primID[lane] >> decoding.halvings;
     hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
     Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
+    hit.place = decoding.repeated ? packet.hit.geomID[lane] : 0;
+    const Linear normals = decoding.repeated ? decoding.repeated->inverses[hit.place].normals() : decoding.normals;
     if (decoding.faces_rays)
-        normal = facing_normal(decoding.normals, normal, ray.direction);
+        normal = facing_normal(normals, normal, ray.direction);
     else if (decoding.is_instance)
-        normal = decoding.normals(normal);
+        normal = normals(normal);
     const float square = dot(normal, normal);
     // A triangle that a transform has shrunk to nothing has no side.
     if (!(square >= smallest && square <= largest)) {
@@ -126,8 +130,8 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     hit.shading_normal = hit.geometric_normal;
 
     if (decoding.smooth) {
-        const Vec3 smooth = decoding.normals(
-            interpolated_normal(*decoding.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
+        const Vec3 smooth =
+            normals(interpolated_normal(*decoding.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
         const float squared_length = dot(smooth, smooth);
         // Opposite normals at the corners may cancel; the flat normal then stands.
         if (squared_length >= smallest && squared_length <= largest) {

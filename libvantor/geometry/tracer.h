@@ -13,6 +13,7 @@ namespace vantor {
 struct BuiltScene;
 class Interrupt;
 struct Placement;
+struct RepeatedObject;
 struct TriangleMesh;
 
 /// The only place where Embree's rays are filled and its hits are read. Constant once it is made, and used by all
@@ -42,12 +43,13 @@ class Tracer {
 
     // What it takes to turn Embree's normal of a placement into ours.
     struct Decoding {
-        const TriangleMesh *smooth; // a mesh with normals; null otherwise
-        Linear normals;             // world from object
-        float front;                // -1 where a copy in world space is mirrored and its winding turned round
-        bool is_instance;           // Embree's normal is in object space
-        bool faces_rays;            // a ribbon, of which Embree gives the tangent instead, always in object space
-        unsigned halvings;          // 1 where two of Embree's triangles are one primitive, 0 otherwise
+        const TriangleMesh *smooth;     // a mesh with normals; null otherwise
+        Linear normals;                 // world from object
+        float front;                    // -1 where a copy in world space is mirrored and its winding turned round
+        bool is_instance;               // Embree's normal is in object space
+        bool faces_rays;                // a ribbon, of which Embree gives the tangent instead, always in object space
+        const RepeatedObject *repeated; // the placement's places; null if it has none
+        unsigned halvings;              // 1 where two of Embree's triangles are one primitive, 0 otherwise
     };
 
     template <class Packet>

@@ -8,6 +8,14 @@ using namespace words;
 
 namespace {
 
+constexpr Parameter trimmers_parameter = {"trimmers",
+                                          ValueKind::TrimmerIds,
+                                          any,
+                                          Presence::Optional,
+                                          none,
+                                          "",
+                                          "what cuts parts of it away: a point stays if every one of them keeps it"};
+
 constexpr Parameter box_parameters[] = {
     {"min",
      ValueKind::Vector3,
@@ -23,6 +31,7 @@ constexpr Parameter box_parameters[] = {
      {1, 1, 1},
      "length",
      "the corner with the greatest coordinates"},
+    trimmers_parameter,
 };
 constexpr Parameter cone_parameters[] = {
     {"from", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "the middle of its base"},
@@ -36,12 +45,14 @@ constexpr Parameter cone_parameters[] = {
      "length",
      "the radius of its tip, where it is cut off; 0 for a point"},
     {"caps", ValueKind::Switch, off_or_on, Presence::Default, {1}, "", "whether it is closed"},
+    trimmers_parameter,
 };
 constexpr Parameter cylinder_parameters[] = {
     {"from", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "the middle of one end"},
     {"to", ValueKind::Vector3, coordinate, Presence::Default, {0, 1, 0}, "length", "the middle of the other end"},
     {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "its radius"},
     {"caps", ValueKind::Switch, off_or_on, Presence::Default, {1}, "", "whether it is closed"},
+    trimmers_parameter,
 };
 constexpr Parameter disk_parameters[] = {
     {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
@@ -54,6 +65,11 @@ constexpr Parameter disk_parameters[] = {
      {0},
      "length",
      "the radius of a hole in its middle, below \"radius\"; 0 for none"},
+    trimmers_parameter,
+};
+constexpr Parameter instances_parameters[] = {
+    {"object", ValueKind::ObjectId, any, Presence::Required, none, "", "the object; no instances itself"},
+    {"places", ValueKind::TransformArray, any, Presence::Required, none, "", "a transform for each instance"},
 };
 constexpr Parameter mesh_parameters[] = {
     {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the corners of the faces"},
@@ -67,6 +83,7 @@ constexpr Parameter mesh_parameters[] = {
      "a texture coordinate for each point; left out, each triangle has 0 to 1 along its first and last edge"},
     {"colors", ValueKind::Vector3Array, any, Presence::Optional, none, "",
      "a colour for each point, components from 0, which the material's colour is multiplied with"},
+    trimmers_parameter,
 };
 constexpr Parameter patches_parameters[] = {
     {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length",
@@ -101,6 +118,7 @@ constexpr Parameter patches_parameters[] = {
      {16},
      "",
      "into how many strips each patch is cut, both ways"},
+    trimmers_parameter,
 };
 constexpr Parameter quad_parameters[] = {
     {"origin", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "one corner of a parallelogram"},
@@ -120,10 +138,12 @@ constexpr Parameter quad_parameters[] = {
      "from the origin to the other neighbour; edge_u x edge_v points to the front"},
     {"corners", ValueKind::Vector3Array, any, Presence::Optional, none, "length",
      "four corners in place of origin and edges, counter-clockwise when seen from the front"},
+    trimmers_parameter,
 };
 constexpr Parameter sphere_parameters[] = {
     {"center", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "its centre"},
     {"radius", ValueKind::Number, size, Presence::Default, {1}, "length", "its radius"},
+    trimmers_parameter,
 };
 constexpr std::string_view subdivision_boundaries[] = {"smooth", "sharp"};
 constexpr Parameter subdivision_parameters[] = {
@@ -167,6 +187,7 @@ constexpr Parameter torus_parameters[] = {
      {0.25},
      "length",
      "the radius of the tube, at most \"major_radius\""},
+    trimmers_parameter,
 };
 constexpr std::string_view curve_kinds[] = {"ribbon", "tube"};
 constexpr Parameter curves_parameters[] = {
@@ -190,6 +211,7 @@ constexpr Type objects_table[] = {
     {"curves", "Ribbons or tubes along cubic splines: hair, grass, wires.", curves_parameters},
     {"cylinder", "A cylinder; its front is outside.", cylinder_parameters},
     {"disk", "A disk, with or without a hole.", disk_parameters},
+    {"instances", "Another object, at many places.", instances_parameters},
     {"mesh", "Triangles and quads; the front is where their corners appear counter-clockwise.", mesh_parameters},
     {"patches", "A grid of bicubic patches; its front is where u, v and the normal are right-handed.",
      patches_parameters},

@@ -256,6 +256,20 @@ std::string_view Parameters::choice(std::string_view name) const {
     return value.given ? std::string_view(value.given->Text()) : parameter_of(value).choices.front();
 }
 
+std::vector<VtLong> Parameters::ids(std::string_view name) const {
+    const VtArgType &given = *find(name).given;
+    if (given.Tag() == VtArgTag::Long)
+        return {given.Long()};
+    std::vector<VtLong> result;
+    given.LongArray().ForEachBlock(
+        [&](const VtLong *elements, VtLong count) { result.insert(result.end(), elements, elements + count); });
+    return result;
+}
+
+bool Parameters::knows(std::string_view name) const {
+    return std::ranges::find(type.parameters, name, &Parameter::name) != type.parameters.end();
+}
+
 const VtInstanceArray<double> &Parameters::double_array(std::string_view name) const {
     return find(name).given->DoubleArray();
 }

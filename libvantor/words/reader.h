@@ -23,6 +23,8 @@ class Parameters {
     VtLong integer(std::string_view name) const { return static_cast<VtLong>(number(name)); }
     bool is_on(std::string_view name) const { return number(name) != 0; }
     std::string_view choice(std::string_view name) const;
+    /// The integers of a TrimmerIds.
+    std::vector<VtLong> ids(std::string_view name) const;
     VtLong id(std::string_view name) const { return find(name).given->Long(); }
 
     /// Whether a ColorOrPattern or a NumberOrPattern is given as a pattern, whose id() it then has.
@@ -35,6 +37,9 @@ class Parameters {
     const VtInstanceArray<VtVector3> &vector3_array(std::string_view name) const;
 
     ValueKind kind(std::string_view name) const { return parameter_of(find(name)).kind; }
+
+    /// Whether the type has a parameter of that name at all.
+    bool knows(std::string_view name) const;
 
     /// Whether the script gave the parameter, with a value that could be used.
     bool is_given(std::string_view name) const { return find(name).given != nullptr; }

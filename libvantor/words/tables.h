@@ -13,6 +13,7 @@ std::span<const Type> light_types();
 std::span<const Type> material_types();
 std::span<const Type> object_types();
 std::span<const Type> pattern_types();
+std::span<const Type> trimmer_types();
 
 /// Of the diffuse interface, and of the material that is one.
 std::span<const Parameter> diffuse_words();

@@ -19,7 +19,7 @@ std::span<const EntityWords> all_words() {
         {EntityKind::Object, "newObject", "an object", "objects", words::object_types()},
         {EntityKind::Pattern, "newPattern", "a pattern", "patterns", words::pattern_types()},
         {EntityKind::Texture, "newTexture", "a texture", "textures", {}},
-        {EntityKind::Trimmer, "newTrimmer", "a trimmer", "trimmers", {}},
+        {EntityKind::Trimmer, "newTrimmer", "a trimmer", "trimmers", words::trimmer_types()},
     };
     return words;
 }

@@ -251,6 +251,11 @@ void LightSet::add(Source source, float its_power) {
 LightSet::Emitters LightSet::add_emitters(const Placement &placement, Color radiance) {
     const Emitters one_for_each{static_cast<int>(sources.size()), 1};
     const Emitters one_for_all{one_for_each.first, 0};
+    // Which points of it there are, or how many times, nothing here knows.
+    if (placement.places || !placement.object->trimmers.empty()) {
+        add(UnsampledEmitter{radiance}, 0);
+        return one_for_all;
+    }
     const Affine map = to_float(placement.world_from_object);
     const auto add_flat = [&](Vec3 a, Vec3 b, Vec3 d, bool is_triangle) {
         const FlatEmitter emitter = flat_emitter(map, a, b, d, is_triangle, radiance);

@@ -30,7 +30,7 @@ void Surface::vary(const Hit &hit, const Placement &placement) {
         opaque_share = 0;
         return;
     }
-    const Affine world_from_object = to_float(placement.world_from_object);
+    const Affine world_from_object = placement.map(hit.place);
     const Vec3 point = world_from_object.point_back(hit.point);
     const SurfaceParameters parameters = parameters_at(placement.object->shape, hit.primitive, hit.on_primitive, point);
     const float scale = std::cbrt(std::fabs(world_from_object.determinant));

@@ -56,8 +56,8 @@ TEST(Diagnostics, Types) {
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("wood", list), 2); }),
               "vantor: newPattern \"wood\": unknown type (known: \"checker\", \"gradient\", \"image\", \"mix\", "
               "\"noise\")\n");
-    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTrimmer("curve", list), 3); }),
-              "vantor: newTrimmer \"curve\": unknown type (trimmers have no types yet)\n");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTrimmer("knife", list), 3); }),
+              "vantor: newTrimmer \"knife\": unknown type (known: \"box\", \"curve\", \"plane\")\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewInterior(nullptr, list), 4); }),
               "vantor: newInterior: no type given (known: \"homogeneous\")\n");
 }

@@ -1,0 +1,64 @@
+// Object: a shape that can be placed.
+#include "libvantor/entities/object.h"
+
+namespace vantor {
+
+double outer_reach(double reach, const VtTransform &outer_from_inner) {
+    const VtTransform &m = outer_from_inner;
+    double largest = 0;
+    for (int c = 0; c < 3; ++c) {
+        const double stretch = std::fabs(m[0][c]) + std::fabs(m[1][c]) + std::fabs(m[2][c]);
+        largest = std::max(largest, reach * stretch + std::fabs(m[3][c]));
+    }
+    return largest;
+}
+
+std::optional<Object> make_instances(VtLong id, const Object &repeated, const Parameters &parameters,
+                                     const CallReport &report) {
+    if (repeated.repeated) {
+        parameters.complain("object",
+                            "has instances itself (an object of any other type is wanted); nothing of them "
+                            "will be seen",
+                            report);
+        return {};
+    }
+    const VtInstanceArray<VtTransform> &given = parameters.transform_array("places");
+    if (!is_whole(given, "places", parameters, report))
+        return {};
+
+    Object result{id, {}, 0, repeated.has_colors};
+    result.repeated = &repeated;
+    result.places.reserve(static_cast<std::size_t>(std::max<VtLong>(given.Size(), 0)));
+    double reach = 0;
+    std::size_t index = 0, left_out = 0, first_left_out = 0;
+    const char *why_first = nullptr;
+    given.ForEachBlock([&](const VtTransform *transforms, VtLong count) {
+        for (VtLong i = 0; i < count; ++i, ++index) {
+            const char *why = why_unusable(transforms[i]);
+            const double its_reach = outer_reach(repeated.reach, transforms[i]);
+            if (!why && !(its_reach <= largest_reach))
+                why = "reaches beyond 1e9";
+            if (!why) {
+                result.places.emplace_back(transforms[i]);
+                reach = std::max(reach, its_reach);
+            } else if (left_out++ == 0) {
+                first_left_out = index;
+                why_first = why;
+            }
+        }
+    });
+    if (left_out > 0)
+        parameters.complain("places",
+                            joined({"leaves out ", std::to_string(left_out), " transforms, the first of them ",
+                                    std::to_string(first_left_out), ", which ", why_first}),
+                            report);
+    if (result.places.empty()) {
+        if (left_out == 0)
+            parameters.complain("places", "is empty; nothing of the instances will be seen", report);
+        return {};
+    }
+    result.reach = static_cast<float>(reach);
+    return result;
+}
+
+} // namespace vantor
