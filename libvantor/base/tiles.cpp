@@ -29,4 +29,16 @@ void for_each_tile(const PixelArea &area, const Interrupt &interrupt,
         tbb::simple_partitioner());
 }
 
+void for_each_stretch(std::size_t count, const Interrupt &interrupt,
+                      const std::function<void(std::size_t first, std::size_t end)> &work) {
+    constexpr std::size_t longest = 64;
+    tbb::parallel_for(
+        tbb::blocked_range<std::size_t>(0, count, longest),
+        [&](const tbb::blocked_range<std::size_t> &range) {
+            if (!interrupt.requested())
+                work(range.begin(), range.end());
+        },
+        tbb::simple_partitioner());
+}
+
 } // namespace vantor

@@ -26,4 +26,9 @@ struct PixelArea {
 void for_each_tile(const PixelArea &area, const Interrupt &interrupt,
                    const std::function<void(const PixelArea &)> &work);
 
+/// Calls work for stretches of the numbers from 0 to count, on as many threads as there are. Stops early, with
+/// stretches left out, once an interrupt is requested.
+void for_each_stretch(std::size_t count, const Interrupt &interrupt,
+                      const std::function<void(std::size_t first, std::size_t end)> &work);
+
 } // namespace vantor

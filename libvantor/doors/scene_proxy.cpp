@@ -1,11 +1,13 @@
 // VtLocalSceneProxy: the doors to a scene. They decide nothing.
 #include "renderer/vt_local_scene_proxy.h"
 
+#include "libvantor/passes/radiosity.h"
 #include "libvantor/passes/render.h"
 
 #include <new>
 
 using vantor::EntityKind;
+using vantor::Radiosity;
 using vantor::Registry;
 using vantor::Report;
 
@@ -13,8 +15,11 @@ namespace {
 
 // What a proxy's record is.
 struct Scene {
+    explicit Scene(VtLong patches) : radiosity(patches) {}
+
     Report report;
     Registry registry{report};
+    Radiosity radiosity;
 };
 
 // The one guard around every door: whatever goes wrong inside is reported, and the script goes on.
@@ -49,9 +54,9 @@ VtLong create(void *record, EntityKind kind, const char *type, const VtArgList &
 } // namespace
 
 // The number is the budget of patches of a radiosity pass.
-VtLocalSceneProxy::VtLocalSceneProxy(VtLong) : record(nullptr) {
+VtLocalSceneProxy::VtLocalSceneProxy(VtLong patches) : record(nullptr) {
     try {
-        record = new Scene;
+        record = new Scene(patches);
     } catch (...) {
         vantor::report_out_of_memory("the scene could not be made");
     }
@@ -132,13 +137,12 @@ void VtLocalSceneProxy::TransformEnd() {
 }
 
 void VtLocalSceneProxy::Radiosity() {
-    enter(record, "radiosity", [](Scene &scene) {
-        scene.report.note("radiosity: nothing to do yet (render computes indirect light by itself)");
-    });
+    enter(record, "radiosity", [](Scene &scene) { scene.radiosity.pass(scene.registry, scene.report); });
 }
 void VtLocalSceneProxy::Render(VtLong width, VtLong height, VtLong samples, double x0, double y0, double x1,
                                double y1) {
     enter(record, "render", [=](Scene &scene) {
-        vantor::render({width, height, samples, x0, y0, x1, y1}, scene.registry, scene.report);
+        vantor::render({width, height, samples, x0, y0, x1, y1}, scene.registry,
+                       scene.radiosity.result(scene.registry, scene.report), scene.report);
     });
 }

@@ -66,6 +66,7 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             break;
         if (type->name != "area" && !is_placeable())
             break;
+        ++changes;
         entry.index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
         if (all_lights.back().is_area())
             current_area_light = entry.index;
@@ -193,6 +194,8 @@ void Registry::switch_light(VtLong id, bool on) {
     if (index < 0)
         return;
     Light &light = all_lights[static_cast<std::size_t>(index)];
+    if (light.is_on != on)
+        ++changes;
     light.is_on = on;
     if (on && light.is_area())
         current_area_light = index;
@@ -224,6 +227,7 @@ void Registry::add_object(VtLong id) {
     }
 
     const int material = material_blocks.empty() ? -1 : material_blocks.back();
+    ++changes;
     placed.push_back({object.repeated ? object.repeated : &object, world_from_object,
                       material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)],
                       interior_blocks.empty() ? -1 : interior_blocks.back(),

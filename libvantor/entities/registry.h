@@ -67,6 +67,9 @@ class Registry {
     const std::vector<Placement> &placements() const { return placed; }
     const std::vector<Medium> &media() const { return interiors; }
 
+    /// Another number whenever light, or what it falls on, has changed.
+    unsigned long change() const { return changes; }
+
     /// The files to write: those whose blocks are open, outermost first; without an open block of a file, the one that
     /// was made last.
     std::vector<FileImager> writing_imagers() const;
@@ -128,6 +131,7 @@ class Registry {
     const Material material_of_others = default_material();
     std::vector<Placement> placed;
     int current_area_light = -1; // created or switched on last
+    unsigned long changes = 0;
 
     // Open blocks, innermost last; indexes as in Entry.
     std::vector<int> imager_blocks;

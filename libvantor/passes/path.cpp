@@ -24,13 +24,10 @@ enum Dimension : std::uint32_t {
 // Roulette from this bounce on. Earlier it costs more in noise than it saves in time, later the other way round.
 constexpr int first_roulette = 3;
 
-// Multiple importance sampling: the weight of a sample drawn with one density where another could have drawn it too.
-// The power heuristic with exponent 2, Veach 9.2.4. The density is above 0; squares of densities may overflow, which a
-// ratio survives.
-float weight(float density, float other_density) {
-    const float ratio = other_density / density;
-    return 1 / (1 + ratio * ratio);
-}
+// Where a path is told its indirect light, its direct light is sampled as ever; but only one in so many of its last
+// rays is traced. These make up for what samples of large lights nearby miss, which the two weigh by their expected
+// numbers (Veach 9.2.2).
+constexpr float last_rays = 0.25f;
 
 // Whether a ray is finite: Embree with assertions ends the process at any other. One sum is tested instead of six
 // numbers, which is quicker; scenes are far too small for it to overflow.
@@ -72,14 +69,15 @@ void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const
         return;
     float share = 1;
     if (!path.finds_lights)
-        share = weight(path.direction_density, world.lights.density(emitter, path.vertex, path.ray.direction, hit));
+        share =
+            shared_weight(path.direction_density, world.lights.density(emitter, path.vertex, path.ray.direction, hit));
     path.radiance += limited(path.throughput * world.lights.radiance(emitter) * share, path.scatterings > 1, world);
 }
 
 // Light from infinity, found by a ray that misses everything; shared as above.
 void add_light_from_afar(Path &path, const World &world) {
     world.lights.for_each_from_afar(path.ray.direction, [&](Color radiance, float density) {
-        const float share = path.finds_lights ? 1.0f : weight(path.direction_density, density);
+        const float share = path.finds_lights ? 1.0f : shared_weight(path.direction_density, density);
         path.radiance += limited(path.throughput * radiance * share, path.scatterings > 1, world);
     });
 }
@@ -106,7 +104,7 @@ void add_direct_light(Path &path, Vec3 from, const MediumStack &media, const Lig
     const Segment way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
     if (!is_traceable(way.from, way.direction))
         return;
-    const float share = light.has_extent ? weight(light.density, scattered.density) : 1.0f;
+    const float share = light.has_extent ? shared_weight(light.density, scattered.density) : 1.0f;
     const Color radiance = path.throughput * scattered.value * light.contribution * share;
     direct.gains.push_back({&path, limited(radiance, path.scatterings > 0, world)});
     direct.ways.segments.push_back(way);
@@ -139,9 +137,16 @@ void note_features(Path &path, const Hit &hit, const Surface &surface, const Pla
     *path.features = {path.features->start, true, surface.albedo(), normal, hit.point, depth, placement.object->id};
 }
 
+// Whether a path at a surface is told its indirect light, and what that is.
+bool is_told(Path &path, const Hit &hit, const Surface &surface, const IndirectLookup &indirect, Color &irradiance) {
+    return indirect.light && surface.is_diffuse() && path.diffuse_surfaces++ >= indirect.surfaces_before &&
+           indirect.light->irradiance(hit, surface.arrives_at_front(), irradiance);
+}
+
 // A path at a surface, and at a point of a medium: looks for light there, and tells whether the path goes on.
 
-bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const World &world, SampledLight &direct) {
+bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const World &world,
+                  const IndirectLookup &indirect, SampledLight &direct) {
     const Placement &placement = world.placements[hit.placement];
     const Surface surface(hit, path.ray.direction, world);
     add_emitted_light(path, hit, surface, world);
@@ -151,27 +156,44 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
         cross_surface(path.media, placement, hit, path.ray.direction);
         return leave(path, hit.origin_towards(path.ray.direction), path.ray.direction);
     }
+    if (path.finds_only_lights)
+        return false;
 
     if (path.features && path.scatterings == 0)
         note_features(path, hit, surface, placement);
     if (!may_scatter(path, world))
         return false;
 
+    Color irradiance;
+    path.finds_only_lights = is_told(path, hit, surface, indirect, irradiance);
+    const float rays = path.finds_only_lights ? last_rays : 1.0f;
+    // Indirect light has been scattered once more.
+    if (path.finds_only_lights && path.scatterings + 1 < world.settings.max_bounces)
+        path.radiance += path.throughput * surface.albedo() * irradiance * inverse_pi;
+
     LightSample light;
     if (!surface.is_specular() && sample_light(numbers, hit.point, world, light)) {
         MediumStack media = path.media;
         if (surface.is_crossed(light.to_light))
             cross_surface(media, placement, hit, light.to_light);
-        add_direct_light(path, hit.origin_towards(light.to_light), media, light, surface.evaluate(light.to_light),
-                         world, direct);
+        Scattered scattered = surface.evaluate(light.to_light);
+        scattered.density *= rays;
+        add_direct_light(path, hit.origin_towards(light.to_light), media, light, scattered, world, direct);
     }
 
     ScatteringSample next;
     if (!surface.sample(numbers.next_direction, numbers.sampler.unstratified(numbers.dimension + lobe), next))
         return false;
-    path.throughput *= next.weight;
-    if (!survives_roulette(path, numbers))
-        return false;
+    if (path.finds_only_lights) {
+        if (numbers.sampler.unstratified(numbers.dimension + survival) >= rays)
+            return false;
+        path.throughput *= next.weight * (1 / rays);
+        next.density *= rays;
+    } else {
+        path.throughput *= next.weight;
+        if (!survives_roulette(path, numbers))
+            return false;
+    }
     if (surface.is_crossed(next.in))
         cross_surface(path.media, placement, hit, next.in);
     path.vertex = hit.point;
@@ -201,25 +223,28 @@ bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, const Numbe
 }
 
 // One step of a path, whose ray hits something or nothing.
-bool advance(Path &path, const Hit &hit, const Numbers &numbers, const World &world, SampledLight &direct) {
+bool advance(Path &path, const Hit &hit, const Numbers &numbers, const World &world, const IndirectLookup &indirect,
+             SampledLight &direct) {
     if (path.media.innermost() != MediumStack::none) {
         const Medium &medium = world.media_of(path.media);
         const Medium::Flight flight =
             medium.fly(hit.exists ? hit.distance : INFINITY, numbers.sampler.pair(numbers.dimension + flight_distance));
         path.throughput *= flight.weight;
         if (flight.is_scattered)
-            return scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, numbers,
+            return !path.finds_only_lights &&
+                   scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, numbers,
                                      world, direct);
     }
     if (hit.exists)
-        return meet_surface(path, hit, numbers, world, direct);
+        return meet_surface(path, hit, numbers, world, indirect, direct);
     add_light_from_afar(path, world);
     return false;
 }
 
 } // namespace
 
-void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension) {
+void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension,
+                 const IndirectLookup &indirect) {
     // Surfaces that are passed straight through are no bounces, but steps; more than this are one too many.
     constexpr int most_steps = 10000;
 
@@ -253,7 +278,7 @@ void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_
         std::size_t still_growing = 0;
         for (std::size_t i = 0; i < path_count; ++i)
             if (advance(*growing[i], hits[i], {samplers[i], dimension, light_points[i], next_directions[i]}, world,
-                        direct))
+                        indirect, direct))
                 growing[still_growing++] = growing[i];
         growing.resize(still_growing);
 

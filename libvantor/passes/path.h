@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libvantor/passes/features.h"
+#include "libvantor/passes/indirect_light.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {
@@ -14,11 +15,13 @@ struct Path {
     Features *features = nullptr; ///< What it sees first goes here; null if nobody asks.
     Color radiance{};             ///< What has been found so far of the radiance that arrives at the camera.
 
-    Color throughput{1, 1, 1};   ///< The product of value * cosine / density over its vertices.
-    Vec3 vertex{};               ///< The surface point that the ray left.
-    float direction_density = 0; ///< Per solid angle, with which the ray's direction was drawn there.
-    int scatterings = 0;         ///< How often its direction has changed.
-    bool finds_lights = true;    ///< Only the ray could find a light: it left the camera, or a specular surface.
+    Color throughput{1, 1, 1};      ///< The product of value * cosine / density over its vertices.
+    Vec3 vertex{};                  ///< The surface point that the ray left.
+    float direction_density = 0;    ///< Per solid angle, with which the ray's direction was drawn there.
+    int scatterings = 0;            ///< How often its direction has changed.
+    bool finds_lights = true;       ///< Only the ray could find a light: it left the camera, or a specular surface.
+    bool finds_only_lights = false; ///< Its ray is the last, and counts only for the light that it may find.
+    int diffuse_surfaces = 0;       ///< How many it has met.
 };
 
 /// Takes the paths to their ends: each path's radiance is then an unbiased estimate of the radiance that arrives along
@@ -26,6 +29,19 @@ struct Path {
 ///
 /// Paths of one call advance together, bounce by bounce, because several rays are traced at once much faster than one
 /// by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.
-void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension);
+///
+/// With a lookup, paths end where they are told their indirect light.
+void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension,
+                 const IndirectLookup &indirect = {});
+
+/// Multiple importance sampling: the weight of a sample drawn with one density where another could have drawn it too.
+/// The power heuristic with exponent 2, Veach 9.2.4. Squares of densities may overflow, which a ratio survives. What
+/// is drawn with density 0 is left to the other.
+inline float shared_weight(float density, float other_density) {
+    if (!(density > 0))
+        return 0;
+    const float ratio = other_density / density;
+    return 1 / (1 + ratio * ratio);
+}
 
 } // namespace vantor

@@ -123,6 +123,7 @@ struct Result {
 // What all blocks of a pass have in common.
 struct Pass {
     const World &world;
+    IndirectLookup indirect;
     FilterSampler filter;
     int samples;
     bool has_features;
@@ -176,7 +177,7 @@ int render_block(const PixelArea &block, const Pass &pass, Result &result) {
                     Features *seen = pass.has_features ? &features.emplace_back(Features{ray.origin}) : nullptr;
                     wave.push_back({ray, sampler, world.camera_media, seen});
                 }
-        trace_paths(wave, world, path_dimension);
+        trace_paths(wave, world, path_dimension, pass.indirect);
         for (std::size_t i = 0; i < wave.size(); ++i) {
             PixelFilm &pixel = film[i / static_cast<std::size_t>(end - first)];
             pixel.add(wave[i].radiance);
@@ -212,12 +213,18 @@ Filter common_filter(const std::vector<FileImager> &imagers, const CallReport &c
 // Nothing if nothing is finished.
 std::optional<Result> render_picture(const RenderRequest &request, const PixelArea &window,
                                      const std::vector<FileImager> &imagers, const Filter &filter,
-                                     const Registry &registry, const Interrupt &interrupt) {
+                                     const Registry &registry, const IndirectLight *indirect,
+                                     const Interrupt &interrupt) {
     const std::optional<World> world = freeze(registry, interrupt);
     if (!world)
         return {};
     Result result(request, window, imagers);
-    render_pixels({*world, FilterSampler(filter), static_cast<int>(request.samples), result.has_features(), interrupt},
+    render_pixels({*world,
+                   {indirect},
+                   FilterSampler(filter),
+                   static_cast<int>(request.samples),
+                   result.has_features(),
+                   interrupt},
                   result);
     if (result.finished == 0)
         return {};
@@ -255,7 +262,7 @@ void write_files(const std::vector<FileImager> &imagers, const Result &result, c
 
 } // namespace
 
-void render(const RenderRequest &request, const Registry &registry, Report &report) {
+void render(const RenderRequest &request, const Registry &registry, const IndirectLight *indirect, Report &report) {
     const CallReport call(report, "render");
 
     registry.report_open_blocks(call);
@@ -274,7 +281,8 @@ void render(const RenderRequest &request, const Registry &registry, Report &repo
 
     // Until the files are there: where Ctrl-C ends the process, it keeps what is finished all the same.
     const Interrupt interrupt;
-    const std::optional<Result> result = render_picture(request, window, imagers, filter, registry, interrupt);
+    const std::optional<Result> result =
+        render_picture(request, window, imagers, filter, registry, indirect, interrupt);
     if (result)
         write_files(imagers, *result, request, call, report);
     else

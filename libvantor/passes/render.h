@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libvantor/entities/registry.h"
+#include "libvantor/passes/indirect_light.h"
 
 namespace vantor {
 
@@ -17,7 +18,7 @@ struct RenderRequest {
 };
 
 /// Renders with the camera that was made last, and writes a file for every imager whose block is open. What stands in
-/// the way is reported.
-void render(const RenderRequest &request, const Registry &registry, Report &report);
+/// the way is reported. The indirect light may be null: the paths then find it themselves.
+void render(const RenderRequest &request, const Registry &registry, const IndirectLight *indirect, Report &report);
 
 } // namespace vantor

@@ -22,6 +22,7 @@ class Surface {
 
     bool arrives_at_front() const { return is_front; }
     bool is_specular() const { return vantor::is_specular(*scattering); }
+    bool is_diffuse() const { return std::holds_alternative<Diffuse>(*scattering); }
 
     /// The share of light that meets the surface, 0 to 1; the rest passes straight through.
     float opacity() const { return opaque_share; }

@@ -14,7 +14,7 @@ std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt
     const bool is_opaque =
         std::ranges::none_of(placements, [](const Placement &p) { return p.material->is_see_through(); });
     // The stack of a camera without media around is empty, which saves the search.
-    const Camera &camera = *registry.camera();
+    const Camera camera = registry.camera() ? *registry.camera() : Camera(PanoramaCamera{});
     const MediumStack camera_media = has_media ? media_at(camera.place(), *tracer, placements) : MediumStack();
     return World{camera,           std::move(*tracer), std::move(lights),       placements,
                  registry.media(), camera_media,       is_opaque && !has_media, registry.settings()};

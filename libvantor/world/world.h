@@ -26,7 +26,7 @@ struct World {
     }
 };
 
-/// The registry has a camera. Nothing if it was interrupted.
+/// Nothing if it was interrupted. Without a camera in the registry, the world has one that nothing should look through.
 std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt);
 
 } // namespace vantor

@@ -430,7 +430,8 @@ TEST(Diagnostics, Render) {
 TEST(Diagnostics, Radiosity) {
     Scene scene;
     EXPECT_EQ(errors_of([&] { scene.Radiosity(); }),
-              "vantor: radiosity: nothing to do yet (render computes indirect light by itself)\n");
+              "vantor: radiosity: there is nothing to do (opaque diffuse meshes, quads, boxes and spheres have "
+              "patches)\n");
 }
 
 // Sets VANTOR_DIAGNOSTICS for the scenes that are made while it lives.

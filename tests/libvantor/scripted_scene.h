@@ -101,7 +101,7 @@ inline testing::Environment *const folder_removal = testing::AddGlobalTestEnviro
 /// A scene with short names for what tests do often. Any diagnostic is printed, so a test that wants none captures.
 class Scene : public VtLocalSceneProxy {
   public:
-    Scene() : VtLocalSceneProxy(10240) {}
+    explicit Scene(VtLong patches = 10240) : VtLocalSceneProxy(patches) {}
 
     VtLong camera(const VtVector3 &position, const VtVector3 &target, double fov) {
         List list("position", position, "target", target, "fov", fov);
