@@ -13,12 +13,19 @@ namespace vantor {
 
 using Scattering = std::variant<Diffuse, Conductor, Dielectric, Plastic, Principled>;
 
+/// What the work returns for the lobe. Diffuse comes first, inline: most surfaces of most scenes are.
+template <class Work> auto with_lobe(const Scattering &scattering, const Work &work) {
+    if (const Diffuse *diffuse = std::get_if<Diffuse>(&scattering)) [[likely]]
+        return work(*diffuse);
+    return std::visit(work, scattering);
+}
+
 inline Scattered evaluate(const Scattering &scattering, Vec3 out, Vec3 in) {
-    return std::visit([&](const auto &lobe) { return lobe.evaluate(out, in); }, scattering);
+    return with_lobe(scattering, [&](const auto &lobe) { return lobe.evaluate(out, in); });
 }
 
 inline bool sample(const Scattering &scattering, Vec3 out, Pair numbers, float choice, ScatteringSample &result) {
-    return std::visit([&](const auto &lobe) { return lobe.sample(out, numbers, choice, result); }, scattering);
+    return with_lobe(scattering, [&](const auto &lobe) { return lobe.sample(out, numbers, choice, result); });
 }
 
 /// Another colour than the one that it was made with.
@@ -41,7 +48,7 @@ inline Color albedo(const Scattering &scattering) {
 }
 
 inline bool is_specular(const Scattering &scattering) {
-    return std::visit([](const auto &lobe) { return lobe.is_specular(); }, scattering);
+    return with_lobe(scattering, [](const auto &lobe) { return lobe.is_specular(); });
 }
 
 inline bool transmits(const Scattering &scattering) {
