@@ -159,6 +159,57 @@ TEST(Media, LightThatIsSampledIsAbsorbedOnItsWay) {
     EXPECT_NEAR(scene.render(8, 8, 256).mean(), 0.5 * std::exp(-0.75), 0.008);
 }
 
+// A surface that is nothing but the boundary of its body.
+void begin_boundary(Scene &scene) {
+    List diffuse("reflectance", 0.0);
+    List surface("interface", scene.NewInterface("diffuse", diffuse), "opacity", 0.0);
+    scene.MaterialBegin(scene.NewMaterial("surface", surface));
+}
+
+TEST(Media, SlabAbsorbsByBeerAndLambert) {
+    // A box of 0.8 between camera and light.
+    Scene scene;
+    add_camera_and_light(scene);
+    begin_boundary(scene);
+    scene.InteriorBegin(new_interior(scene, "sigma_a", 1.5));
+    scene.AddObject(scene.object("box", "min", VtVector3(-1, -1, -1.4), "max", VtVector3(1, 1, -0.6)));
+    scene.InteriorEnd();
+    scene.MaterialEnd();
+    // Weights of 0 or 1 in 16384 paths: a standard error below 0.4 %. Seen aslant the box is at most 0.2 % thicker.
+    EXPECT_NEAR(scene.render(8, 8, 256).mean(), std::exp(-1.2), 0.013);
+}
+
+TEST(Media, BodyThatOnlyScattersIsInvisibleInAnEvenEnvironment) {
+    for (const double g : {-0.6, 0.0, 0.8}) {
+        Scene scene;
+        scene.camera({0, 0, 4}, {0, 0, 0}, 40);
+        scene.light("environment", "radiance", 1.0);
+        begin_boundary(scene);
+        scene.InteriorBegin(new_interior(scene, "sigma_s", VtVector3(3, 1, 0.2), "g", g));
+        scene.AddObject(scene.object("sphere"));
+        scene.InteriorEnd();
+        scene.MaterialEnd();
+        // Nothing is lost, and light comes from everywhere: radiance 1. In 65536 paths with weights below 3, of which
+        // the deviation is below 1, the standard error is below 0.4 %.
+        EXPECT_NEAR(scene.render(16, 16, 256).mean(), 1, 0.012) << g;
+    }
+}
+
+TEST(Media, BoundariesDoNotHideALightFromTheMedium) {
+    // Single scattering: a thin body beside a distant light. Its radiance across is sigma_s / (4 pi) times the
+    // irradiance and the thickness, up to the extinction, which is 1 % here.
+    Scene scene;
+    scene.camera({0, 0, 4}, {0, 0, 0}, 1);
+    scene.light("distant", "direction", VtVector3(-1, 0, 0), "irradiance", 4 * M_PI);
+    begin_boundary(scene);
+    scene.InteriorBegin(new_interior(scene, "sigma_s", 0.01));
+    scene.AddObject(scene.object("sphere", "radius", 1.0));
+    scene.InteriorEnd();
+    scene.MaterialEnd();
+    // 1 of 50 paths is scattered, so of 65536 some 1300 bring light: a standard error of 3 %.
+    EXPECT_NEAR(scene.render(16, 16, 256).mean(), 0.02, 0.002);
+}
+
 TEST(Media, WrongParametersAreReported) {
     Scene scene;
     EXPECT_EQ(scripted::errors_of([&] { new_interior(scene, "g", 1.0); }),
