@@ -16,13 +16,13 @@ constexpr double most_columns = 4096;
 constexpr float least_cosine = 0.8f;
 
 // A point of a shape, in its space. The normals have any length.
-struct Place {
+struct PatchPoint {
     Vec3 point;
     Vec3 normal;
     Vec3 shading_normal;
 };
 
-Place place_on(const TriangleMesh &mesh, std::uint32_t triangle, Pair uv) {
+PatchPoint place_on(const TriangleMesh &mesh, std::uint32_t triangle, Pair uv) {
     const TriangleMesh::Triangle &t = mesh.triangles[triangle];
     const auto at = [&](const std::vector<Vec3> &values) {
         return values[t[0]] * (1 - uv.u - uv.v) + values[t[1]] * uv.u + values[t[2]] * uv.v;
@@ -31,7 +31,7 @@ Place place_on(const TriangleMesh &mesh, std::uint32_t triangle, Pair uv) {
     return {at(mesh.points), normal, mesh.normals.empty() ? normal : at(mesh.normals)};
 }
 
-Place place_on(const Quads &quads, std::uint32_t quad, Pair uv) {
+PatchPoint place_on(const Quads &quads, std::uint32_t quad, Pair uv) {
     const Quads::Corners &c = quads.corners[quad];
     const Vec3 edge_u = c[1] - c[0];
     const Vec3 edge_v = c[3] - c[0];
@@ -40,7 +40,7 @@ Place place_on(const Quads &quads, std::uint32_t quad, Pair uv) {
 }
 
 // As parameters_at() counts u and v.
-Place place_on(const Sphere &sphere, std::uint32_t, Pair uv) {
+PatchPoint place_on(const Sphere &sphere, std::uint32_t, Pair uv) {
     const float polar = pi * (1 - uv.v);
     const float around = 2 * pi * uv.u;
     const float radius = std::sin(polar);
@@ -48,10 +48,10 @@ Place place_on(const Sphere &sphere, std::uint32_t, Pair uv) {
     return {sphere.center + normal * sphere.radius, normal, normal};
 }
 
-template <class Other> Place place_on(const Other &, std::uint32_t, Pair) { return {}; }
+template <class Other> PatchPoint place_on(const Other &, std::uint32_t, Pair) { return {}; }
 
-Place place_in_world(const Shape &shape, const Affine &map, std::uint32_t primitive, Pair uv) {
-    const Place local = std::visit([&](const auto &kind) { return place_on(kind, primitive, uv); }, shape);
+PatchPoint point_in_world(const Shape &shape, const Affine &map, std::uint32_t primitive, Pair uv) {
+    const PatchPoint local = std::visit([&](const auto &kind) { return place_on(kind, primitive, uv); }, shape);
     return {map.point(local.point), map.normals(local.normal), map.normals(local.shading_normal)};
 }
 
@@ -71,7 +71,8 @@ bool has_patches(const Placement &placement) {
     const Shape &shape = placement.object->shape;
     const bool is_known = std::holds_alternative<TriangleMesh>(shape) || std::holds_alternative<Quads>(shape) ||
                           std::holds_alternative<Sphere>(shape);
-    return is_known && std::holds_alternative<Diffuse>(placement.material->scattering) &&
+    const bool is_whole = !placement.places && placement.object->trimmers.empty();
+    return is_known && is_whole && std::holds_alternative<Diffuse>(placement.material->scattering) &&
            !placement.material->is_see_through();
 }
 
@@ -369,7 +370,7 @@ class Patches::Maker {
         std::vector<Member> members;
         members.reserve(triangles.size());
         for (const std::uint32_t triangle : triangles) {
-            const Place middle = place_in_world(*surface.shape, map, triangle, {1 / 3.0f, 1 / 3.0f});
+            const PatchPoint middle = point_in_world(*surface.shape, map, triangle, {1 / 3.0f, 1 / 3.0f});
             const std::uint64_t facing = facing_of(middle.normal);
             members.push_back({facing << 32 | morton((middle.point - low) * scale), triangle});
         }
@@ -402,7 +403,7 @@ class Patches::Maker {
     void add_corner(std::size_t placement, std::uint32_t primitive, Pair uv, float cell_side,
                     std::vector<Corner> &corners_of_placement) {
         const Surface &surface = patches.surfaces[placement];
-        const Place place = place_in_world(*surface.shape, surface.world_from_object, primitive, uv);
+        const PatchPoint place = point_in_world(*surface.shape, surface.world_from_object, primitive, uv);
         const Vec3 flat = unit_length(place.normal, {0, 0, 1});
         corners_of_placement.push_back({place.point, unit_length(place.shading_normal, flat), cell_side});
         patches.corners.push_back(0);
@@ -542,7 +543,7 @@ Hit Patches::point_of(std::uint32_t index, Pair numbers) const {
     }
 
     const std::uint32_t primitive = facet->panel - surface.first_panel;
-    const Place place = place_in_world(*surface.shape, surface.world_from_object, primitive, uv);
+    const PatchPoint place = point_in_world(*surface.shape, surface.world_from_object, primitive, uv);
     Hit hit{};
     hit.exists = true;
     hit.point = place.point;
