@@ -11,6 +11,7 @@ import tempfile
 
 SIDE = 512
 NOISES = 0.01, 0.005
+RADIOSITY = 4, 16, 64  # samples after a radiosity pass
 
 
 def processors(count):
@@ -50,6 +51,12 @@ def seconds_to(noise, pictures):
     return constant + a_sample * samples_to(noise, pictures)
 
 
+def seconds_until(noise, pictures):
+    """Seconds of the first picture that is as good."""
+    return min((picture["seconds"] for picture in pictures if picture["rmse"] <= noise),
+               default=math.inf)
+
+
 def least(pictures, clock):
     return min(picture[clock] for picture in pictures)
 
@@ -59,12 +66,18 @@ def measure(folder, environment, quick, drawn):
     drawn, into its record."""
     counts = (16, 64) if quick else (8, 16, 32, 64)
     repeats = 1 if quick else 3
+    words = [str(count) for count in counts] + ["{}r".format(count) for count in RADIOSITY]
     timed = run(folder, environment, 256 if quick else 1024,
-                counts * repeats + tuple(picture["file"] for picture in drawn))
-    for picture, compared in zip(drawn, timed["pictures"][len(counts) * repeats:]):
+                words * repeats + [picture["file"] for picture in drawn])
+    end = len(words) * repeats
+    for picture, compared in zip(drawn, timed["pictures"][end:]):
         picture.update(mean=compared["mean"], rmse=compared["rmse"])
-    by_count = [timed["pictures"][i:len(counts) * repeats:len(counts)] for i in range(len(counts))]
-    pictures = [dict(same[0], seconds=least(same, "seconds")) for same in by_count]
+    by_word = [timed["pictures"][i:end:len(words)] for i in range(len(words))]
+    best = [dict(same[0], seconds=least(same, "seconds")) for same in by_word]
+    pictures, after_radiosity = best[:len(counts)], best[len(counts):]
+    for picture in after_radiosity:
+        picture["settings"] = "{} samples".format(picture["samples"])
+    two = by_word[len(counts) - 1]
     a_sample = cost(pictures)[1]
 
     alone = run(folder, environment, 0, counts[-1:] * repeats, threads=1)["pictures"]
@@ -75,10 +88,11 @@ def measure(folder, environment, quick, drawn):
     return {
         "threads": timed["threads"],
         "pictures": pictures,
+        "after radiosity": after_radiosity,
         "seconds a sample": a_sample,
         "rays a pixel and sample": rays_a_sample / SIDE ** 2,
         "million rays a second": rays_a_sample / a_sample / 1e6,
         "seconds to noise": [seconds_to(noise, pictures) for noise in NOISES],
-        "speed-up, processor": least(alone, "seconds") / least(by_count[-1], "seconds"),
-        "speed-up, wall": least(alone, "wall") / least(by_count[-1], "wall"),
+        "speed-up, processor": least(alone, "seconds") / least(two, "seconds"),
+        "speed-up, wall": least(alone, "wall") / least(two, "wall"),
     }

@@ -64,8 +64,7 @@ def cycles(folder, quick):
             ["blender", "-b", "--factory-startup", "--python-exit-code", "1",
              "--python", os.path.join(SCENES, "cornell_cycles.py"),
              "--", name, str(render.SIDE), str(count), str(THREADS)], folder)
-        pictures.append({"settings": "{} samples".format(count), "samples": count,
-                         "seconds": seconds, "file": name})
+        pictures.append({"samples": count, "seconds": seconds, "file": name})
     start = render.cost(pictures)[0]
     for picture in pictures:
         picture["seconds"] -= start

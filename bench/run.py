@@ -196,7 +196,7 @@ def show_growth(setting, figures):
 def to_noises(pictures):
     """Cells with the seconds to each noise: of a path tracer at its last picture, else of each
     picture that is as good."""
-    if "samples" in pictures[0]:
+    if "settings" not in pictures[0]:
         rows = [["" for _ in render.NOISES] for _ in pictures]
         rows[-1] = [tables.number(render.seconds_to(noise, pictures)) for noise in render.NOISES]
         return rows
@@ -231,7 +231,7 @@ def show_render(setting, figures):
           .format(render.SIDE, found["threads"]))
     for name, package in missing.items():
         print("{}: not installed (apt-get install {})\n".format(name, package))
-    show_pictures({"vantorPM": found["pictures"],
+    show_pictures({"vantorPM": found["pictures"], "vantorPM by radiosity": found["after radiosity"],
                    **{name: peer["pictures"] for name, peer in peers.items()}})
     if peers:
         print("Not counted, the start of a process: {}.\n".format(", ".join(
@@ -247,6 +247,9 @@ def show_render(setting, figures):
     figures.at_least("Cornell box, million rays a second", found["million rays a second"], 20)
     for noise, seconds, limit in zip(render.NOISES, found["seconds to noise"], (2.5, 9)):
         figures.at_most("Cornell box, to rmse {}".format(noise), seconds, limit, " s")
+    for noise, limit in ((0.005, 0.5), (0.002, 1)):
+        figures.at_most("Cornell box by radiosity, to rmse {}".format(noise),
+                        render.seconds_until(noise, found["after radiosity"]), limit, " s")
     return found
 
 
