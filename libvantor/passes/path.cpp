@@ -101,7 +101,11 @@ void add_direct_light(Path &path, Vec3 from, const MediumStack &media, const Lig
                       const Scattered &scattered, const World &world, SampledLight &direct) {
     if (is_black(scattered.value))
         return;
-    const Segment way = light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
+    Segment way{from, light.to_light, INFINITY};
+    if (!light.is_distant) {
+        way.direction = light.end - from;
+        way.reach = 1;
+    }
     if (!is_traceable(way.from, way.direction))
         return;
     const float share = light.has_extent ? shared_weight(light.density, scattered.density) : 1.0f;

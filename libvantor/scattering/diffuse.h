@@ -20,7 +20,11 @@ struct Diffuse {
         if (!(above.z > 0))
             return false;
         const float side = std::copysign(1.0f, out.z);
-        result = {{above.x, above.y, side * above.z}, reflectance, warp::cosine_hemisphere_density(above.z), false};
+        // Member by member: a copy of the whole would wait for the writing of its parts.
+        result.in = {above.x, above.y, side * above.z};
+        result.weight = reflectance;
+        result.density = warp::cosine_hemisphere_density(above.z);
+        result.is_specular = false;
         return true;
     }
 
