@@ -65,7 +65,7 @@ std::optional<Imager> make_imager(const Type &type, const Parameters &parameters
     if (type.name == "settings")
         return Settings{static_cast<std::uint32_t>(parameters.integer("seed")),
                         static_cast<int>(parameters.integer("max_depth")),
-                        static_cast<float>(parameters.number("clamp"))};
+                        static_cast<float>(parameters.number("clamp")), parameters.is_on("final_gather")};
     if (std::optional<FileImager> file = make_file_imager(parameters, report))
         return std::move(*file);
     return {};

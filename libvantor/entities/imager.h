@@ -47,6 +47,7 @@ struct Settings {
     std::uint32_t seed = 0; ///< Other numbers for every sample.
     int max_bounces = 1000; ///< How often the direction of a path changes at most.
     float clamp = 0;        ///< The radiance that one sample of indirect light has at most; 0 is no limit.
+    bool gathers = false;   ///< After radiosity: the first diffuse surface scatters light itself.
 };
 
 using Imager = std::variant<FileImager, Settings>;

@@ -220,7 +220,7 @@ std::optional<Result> render_picture(const RenderRequest &request, const PixelAr
         return {};
     Result result(request, window, imagers);
     render_pixels({*world,
-                   {indirect},
+                   {indirect, world->settings.gathers ? 1 : 0},
                    FilterSampler(filter),
                    static_cast<int>(request.samples),
                    result.has_features(),

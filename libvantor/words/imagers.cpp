@@ -51,6 +51,13 @@ constexpr Parameter settings_parameters[] = {
      {0},
      "radiance",
      "the most that one sample of indirect light counts; 0 is no limit"},
+    {"final_gather",
+     ValueKind::Switch,
+     off_or_on,
+     Presence::Default,
+     {0},
+     "",
+     "after radiosity(): the first diffuse surface gathers its light with rays, and only those are told the result"},
 };
 constexpr Type imagers_table[] = {
     {"file", "Writes the picture to a file: .exr floats, linear; all others 8 bits a channel.", file_parameters},

@@ -168,6 +168,22 @@ TEST(Radiosity, PictureAgreesWithThePathTracedOne) {
     }
 }
 
+TEST(Radiosity, FinalGatherAgreesWithThePathTracedPicture) {
+    Scene scene(100); // far too few patches to be looked at
+    describe_room(scene, false);
+    const scripted::Pixels traced = scene.render(24, 24, 256);
+    scene.Radiosity();
+    const scripted::Pixels solved = scene.render(24, 24, 64);
+    scripted::List list("final_gather", 1);
+    scene.ImagerBegin(scene.NewImager("settings", list));
+    const scripted::Pixels gathered = scene.render(24, 24, 64);
+    scene.ImagerEnd();
+    // 36864 paths, whose radiances deviate by less than twice their mean: 1 % is one standard error.
+    EXPECT_NEAR(gathered.mean(), traced.mean(), 0.025 * traced.mean());
+    // Where the patches are seen themselves, their size shows.
+    EXPECT_GT(rms_difference(gathered, solved), 0.02 * traced.mean());
+}
+
 TEST(Radiosity, AWallOfTwoTrianglesIsSmooth) {
     // The same room of quads and of pairs of triangles: with the same solution on other cells, and no seam between the
     // two triangles of a wall, no pixel differs by more than the noise of the solutions.
