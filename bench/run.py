@@ -212,7 +212,7 @@ def show_pictures(renderers):
             rows.append(["{}, {}".format(name, settings), tables.number(picture["seconds"]),
                          "{:.4f}".format(picture["rmse"]), "{:.4f}".format(picture["mean"])]
                         + cells)
-    tables.show(["renderer, settings or samples a pixel", "s", "rmse of radiance", "mean radiance"]
+    tables.show(["renderer, settings or samples a pixel", "s", "rmse", "mean"]
                 + ["s to rmse {}".format(noise) for noise in render.NOISES], rows)
 
 
@@ -227,7 +227,8 @@ def show_render(setting, figures):
                                [picture for peer in peers.values() for picture in peer["pictures"]])
     found["peers"] = peers
 
-    print("Render: a Cornell box, {0} x {0} pixels, {1} threads; s of processor time / threads\n"
+    print("Render: a Cornell box, {0} x {0} pixels, {1} threads; s of processor time / threads;\n"
+          "rmse and mean of radiance\n"
           .format(render.SIDE, found["threads"]))
     for name, package in missing.items():
         print("{}: not installed (apt-get install {})\n".format(name, package))
