@@ -52,6 +52,13 @@ float Affine::uniform_scale() const {
     return is_similarity ? std::sqrt(square) : 0.0f;
 }
 
+float Affine::least_scale() const {
+    // The rows of `normals` are the columns of the inverse. The sum of the sizes of a column's components is the most
+    // that it makes of a vector whose components are at most 1.
+    const auto sum = [](Vec3 v) { return std::fabs(v.x) + std::fabs(v.y) + std::fabs(v.z); };
+    return 1 / std::max({sum(normals.row0), sum(normals.row1), sum(normals.row2)});
+}
+
 const char *why_unusable(const VtTransform &m) {
     bool is_zero = true;
     for (int r = 0; r < 4; ++r)

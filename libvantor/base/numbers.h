@@ -77,6 +77,9 @@ struct Affine {
 
     /// The factor by which it scales all lengths alike; 0 if it does not. Decided to a relative 1e-5.
     float uniform_scale() const;
+
+    /// The least factor by which it scales a length; a bound from below, at most the square root of 3 too low.
+    float least_scale() const;
 };
 
 Vec3 to_float(const VtVector3 &v);

@@ -40,6 +40,7 @@ std::optional<Object> make_instances(VtLong id, const Object &repeated, const Pa
                 why = "reaches beyond 1e9";
             if (!why) {
                 result.places.emplace_back(transforms[i]);
+                result.least_scale = std::min(result.least_scale, to_float(transforms[i]).least_scale());
                 reach = std::max(reach, its_reach);
             } else if (left_out++ == 0) {
                 first_left_out = index;

@@ -19,6 +19,7 @@ struct Object {
     /// Instances of another object, which then has the shape. Null for an object of its own.
     const Object *repeated = nullptr;
     std::vector<Place> places{};
+    float least_scale = 1; ///< Of any place.
 
     /// Whether a point of a primitive stays, given by Embree's coordinates on that and in the object's space.
     bool keeps(std::uint32_t primitive, Pair on_primitive, Vec3 point) const {

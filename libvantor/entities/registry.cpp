@@ -225,6 +225,13 @@ void Registry::add_object(VtLong id) {
             joined({"the object reaches beyond ", text_of(largest_reach), " in the world; it is left out"}));
         return;
     }
+    // Rays from anywhere in the world are followed into the object's space, where their coordinates must not get beyond
+    // what Embree can take, 1.8e18.
+    if (!(to_float(world_from_object).least_scale() * object.least_scale >= 5e-9f)) {
+        call.diagnostic("transforms make the object smaller than rays can follow (scales from 1e-8 up are "
+                        "possible); it is left out");
+        return;
+    }
 
     const int material = material_blocks.empty() ? -1 : material_blocks.back();
     ++changes;

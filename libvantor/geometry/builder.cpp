@@ -137,6 +137,8 @@ class Builder {
                                    0, sizeof(Curves::ControlPoint), curves.points.size());
         rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT, curves.firsts.data(), 0,
                                    sizeof(std::uint32_t), curves.firsts.size());
+        // Ribbons are cut into straight pieces; with Embree's own 4, a cubic that turns much has corners to be seen.
+        rtcSetGeometryTessellationRate(geometry.get(), 16);
         return geometry;
     }
 

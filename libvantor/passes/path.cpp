@@ -29,12 +29,10 @@ constexpr int first_roulette = 3;
 // numbers (Veach 9.2.2).
 constexpr float last_rays = 0.25f;
 
-// Whether a ray is finite: Embree with assertions ends the process at any other. One sum is tested instead of six
-// numbers, which is quicker; scenes are far too small for it to overflow.
-bool is_traceable(Vec3 from, Vec3 direction) {
-    const Vec3 sum = from + direction;
-    return std::isfinite(sum.x + sum.y + sum.z);
-}
+// Whether Embree can follow a ray: with assertions it ends the process at one that is not finite, or that
+// reaches 1.8e18 anywhere, also in the space of an object whose scale is 1e-8. Both lengths may be 5e9, which is beyond
+// all corners of the world. One sum is tested instead of six numbers, which is quicker.
+bool is_traceable(Vec3 from, Vec3 direction) { return dot(from, from) + dot(direction, direction) <= 2.5e19f; }
 
 // Light that has been sampled for paths, and the ways that it has to come.
 struct SampledLight {
@@ -255,7 +253,8 @@ void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_
     std::vector<Path *> growing;
     growing.reserve(paths.size());
     for (Path &path : paths)
-        growing.push_back(&path);
+        if (is_traceable(path.ray.origin, path.ray.direction))
+            growing.push_back(&path);
     std::vector<Ray> rays(paths.size());
     std::vector<Hit> hits(paths.size());
     std::vector<Sampler> samplers(paths.size());

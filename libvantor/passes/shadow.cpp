@@ -54,6 +54,8 @@ void transmit(const LightWays &ways, const World &world, std::vector<Color> &fra
     for (std::size_t i = 0; i < ways.size(); ++i) {
         const Segment &segment = ways.segments[i];
         const float stretch = length(segment.direction);
+        if (!(stretch >= std::numeric_limits<float>::min())) // a light that touches the point
+            continue;
         walks.push_back({i, {segment.from, segment.direction * (1 / stretch)}, segment.reach * stretch, ways.media[i]});
     }
     // More surfaces than this one behind the other are as good as opaque.

@@ -7,6 +7,7 @@
 
 namespace {
 
+using scripted::List;
 using scripted::Scene;
 using vantor::Camera;
 using vantor::normalized;
@@ -235,6 +236,22 @@ TEST(Camera, PicturesAreSharpWhereTheLensIsFocused) {
         // 256 paths of zero or one: the standard deviation of the mean is at most 0.03, and far less when stratified.
         EXPECT_NEAR(blurred[static_cast<std::size_t>(x)], wanted, 0.06) << x;
     }
+}
+
+TEST(Camera, RaysFromTooFarAwayAreDark) {
+    // Embree with assertions would end the process: in the sphere's space the rays start beyond 1.8e18.
+    Scene scene;
+    scene.light("environment");
+    VtTransform small;
+    small.Scaling({1, 2e-8, 1});
+    scene.TransformBegin(small);
+    scene.AddObject(scene.object("sphere"));
+    scene.TransformEnd();
+    List list("position", VtVector3(0, 0, 1e9), "height", 1e9);
+    scene.NewCamera("orthographic", list);
+    const scripted::Pixels pixels = scene.render(64, 1, 1);
+    EXPECT_EQ(pixels.at(0, 0)[0], 0);
+    EXPECT_EQ(pixels.at(32, 0)[0], 1);
 }
 
 } // namespace

@@ -397,6 +397,26 @@ TEST(Diagnostics, TooFarAway) {
               "vantor: newLight \"point\": the position lies beyond 1e+09 in the world; it is left out\n");
 }
 
+TEST(Diagnostics, TooSmall) {
+    Scene scene;
+    VtTransform small;
+    small.Scaling({1, 9e-9, 1});
+    scene.TransformBegin(small);
+    EXPECT_EQ(errors_of([&] { scene.AddObject(scene.object("sphere")); }), "");
+    small.Scaling({1, 0.3, 1});
+    scene.TransformBegin(small);
+    const std::string expected = "vantor: addObject: transforms make the object smaller than rays can follow (scales "
+                                 "from 1e-8 up are possible); it is left out\n";
+    EXPECT_EQ(errors_of([&] { scene.AddObject(scene.object("sphere")); }), expected);
+    scene.TransformEnd();
+    VtInstanceArray<VtTransform> places;
+    places.Add(small);
+    EXPECT_EQ(errors_of([&] {
+                  scene.AddObject(scene.object("instances", "object", scene.object("sphere"), "places", places));
+              }),
+              expected);
+}
+
 TEST(Diagnostics, Render) {
     Scene scene;
     EXPECT_EQ(
