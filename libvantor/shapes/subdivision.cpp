@@ -501,11 +501,12 @@ class Reader {
     void report_faults(std::size_t outside, std::size_t unusable, std::size_t repeated, std::size_t first,
                        std::size_t vertices) const {
         const std::string all = std::to_string(outside + unusable + repeated);
-        const std::string why =
-            outside > 0    ? (vertices == 0 ? std::string("there are no points")
-                                            : joined({"indices from 0 to ", std::to_string(vertices - 1), " are wanted"}))
-            : unusable > 0 ? std::string("finite coordinates up to 1e9 are wanted")
-                           : std::string("corners in a row that differ are wanted");
+        const std::string known = vertices == 0
+                                      ? "there are no points"
+                                      : joined({"indices from 0 to ", std::to_string(vertices - 1), " are wanted"});
+        const std::string why = outside > 0    ? known
+                                : unusable > 0 ? std::string("finite coordinates up to 1e9 are wanted")
+                                               : std::string("corners in a row that differ are wanted");
         parameters.complain(
             "indices",
             joined({"leaves out ", all, " faces, the first of them ", std::to_string(first), " (", why, ")"}), report);
