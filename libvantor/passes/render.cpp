@@ -148,41 +148,70 @@ int finish_block(const PixelArea &block, const BlockFilm &film, Result &result) 
     return finished;
 }
 
+// The paths of some samples of all pixels of a block, at their start.
+class Wave {
+  public:
+    explicit Wave(const Pass &of_pass) : pass(of_pass) {
+        // The features stay where they are: there is room for all of a wave.
+        features.reserve(pass.has_features ? most_paths : 0);
+        paths.reserve(most_paths);
+    }
+
+    void start(const PixelArea &block, int first_sample, int end_sample, int width, int height) {
+        samplers.clear();
+        for (int y = block.y0; y < block.y1; ++y)
+            for (int x = block.x0; x < block.x1; ++x)
+                for (int s = first_sample; s < end_sample; ++s)
+                    samplers.emplace_back(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
+                                          static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(pass.samples),
+                                          pass.world.settings.seed);
+        on_film.resize(samplers.size());
+        pairs_of(samplers, film_dimension, on_film);
+        on_lens.resize(samplers.size());
+        const Camera &camera = pass.world.camera;
+        if (camera.has_lens())
+            pairs_of(samplers, lens_dimension, on_lens);
+
+        paths.clear();
+        features.clear();
+        std::size_t i = 0;
+        for (int y = block.y0; y < block.y1; ++y)
+            for (int x = block.x0; x < block.x1; ++x)
+                for (int s = first_sample; s < end_sample; ++s, ++i) {
+                    const Pair place = pass.filter.position(x, y, on_film[i]);
+                    const Ray ray = camera.ray(place.u, place.v, width, height, on_lens[i]);
+                    Features *seen = pass.has_features ? &features.emplace_back(Features{ray.origin}) : nullptr;
+                    paths.push_back({ray, samplers[i], pass.world.camera_media, seen});
+                }
+    }
+
+    std::vector<Path> paths;
+    std::vector<Features> features; ///< Of each path, if anybody asks.
+
+  private:
+    static constexpr std::size_t most_paths = std::size_t{block_side} * block_side * wave_samples;
+
+    const Pass &pass;
+    std::vector<Sampler> samplers;
+    std::vector<Pair> on_film;
+    std::vector<Pair> on_lens;
+};
+
 // Returns how many pixels of the picture are finished: none if it was interrupted.
 int render_block(const PixelArea &block, const Pass &pass, Result &result) {
-    const World &world = pass.world;
     BlockFilm film;
-    std::vector<Path> wave;
-    std::vector<Features> features;
-    wave.reserve(film.size() * wave_samples);
-    features.reserve(pass.has_features ? film.size() * wave_samples : 0);
-    const bool has_lens = world.camera.has_lens();
-
+    Wave wave(pass);
     for (int first = 0; first < pass.samples; first += wave_samples) {
         if (pass.interrupt.requested())
             return 0;
         const int end = std::min(first + wave_samples, pass.samples);
-        wave.clear();
-        features.clear();
-        for (int y = block.y0; y < block.y1; ++y)
-            for (int x = block.x0; x < block.x1; ++x)
-                for (int s = first; s < end; ++s) {
-                    const Sampler sampler(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
-                                          static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(pass.samples),
-                                          world.settings.seed);
-                    const Pair place = pass.filter.position(x, y, sampler.pair(film_dimension));
-                    const Pair lens = has_lens ? sampler.pair(lens_dimension) : Pair();
-                    const Ray ray = world.camera.ray(place.u, place.v, result.width, result.height, lens);
-                    // The features stay where they are: there is room for all of a wave.
-                    Features *seen = pass.has_features ? &features.emplace_back(Features{ray.origin}) : nullptr;
-                    wave.push_back({ray, sampler, world.camera_media, seen});
-                }
-        trace_paths(wave, world, path_dimension, pass.indirect);
-        for (std::size_t i = 0; i < wave.size(); ++i) {
+        wave.start(block, first, end, result.width, result.height);
+        trace_paths(wave.paths, pass.world, path_dimension, pass.indirect);
+        for (std::size_t i = 0; i < wave.paths.size(); ++i) {
             PixelFilm &pixel = film[i / static_cast<std::size_t>(end - first)];
-            pixel.add(wave[i].radiance);
+            pixel.add(wave.paths[i].radiance);
             if (pass.has_features)
-                pixel.add_features(features[i]);
+                pixel.add_features(wave.features[i]);
         }
     }
     return finish_block(block, film, result);
