@@ -1,7 +1,8 @@
 # The README's commands. The build itself is CMake's; see CMakePresets.json.
 JOBS := $(shell nproc)
+GALLERY := glass_and_metal media patterns splines million_instances sky radiosity shapes imagers
 
-.PHONY: demo test bench clean
+.PHONY: demo gallery test bench clean
 
 # Builds the module and its renderer, and draws the README's picture.
 demo:
@@ -9,6 +10,15 @@ demo:
 	@cmake --preset release --log-level=WARNING
 	@cmake --build --preset release -j$(JOBS)
 	PYTHONPATH=build/release/python python3 examples/cornell_box.py
+
+# Draws the pictures of docs/gallery.md, in the scripts' own sizes.
+gallery:
+	@tools/setup build
+	@cmake --preset release --log-level=WARNING
+	@cmake --build --preset release -j$(JOBS)
+	@mkdir -p docs/gallery
+	cd docs/gallery && for name in $(GALLERY); do \
+	    PYTHONPATH=$(CURDIR)/build/release/python python3 $(CURDIR)/examples/$$name.py || exit 1; done
 
 # Every check that a change passes; closes with "N passed, N failed".
 test:

@@ -29,6 +29,19 @@ ENDLESS = """
         print("stopped")
 """
 
+# Each script of the gallery, with the pictures that it writes.
+GALLERY = {
+    "glass_and_metal": ["glass_and_metal"],
+    "imagers": ["imagers_albedo", "imagers_color", "imagers_depth", "imagers_normal"],
+    "media": ["media"],
+    "million_instances": ["million_instances"],
+    "patterns": ["patterns"],
+    "radiosity": ["radiosity_patches", "radiosity_paths"],
+    "shapes": ["shapes"],
+    "sky": ["sky_evening", "sky_morning", "sky_noon"],
+    "splines": ["splines"],
+}
+
 MISTAKES = """
     from vantorPM import scene, vector3
 
@@ -77,6 +90,16 @@ class EmbeddedRendererTest(unittest.TestCase):
         process = self.run_in_folder("-c", script.replace("640, 480, 64", "32, 24, 4"))
         self.assertEqual((process.returncode, process.stdout, process.stderr), (0, "", ""))
         self.assertEqual(png_size(os.path.join(self.folder, "first_picture.png")), (32, 24))
+
+    def test_the_scripts_of_the_gallery_draw_their_pictures_and_have_nothing_to_report(self):
+        for name, pictures in GALLERY.items():
+            with self.subTest(name):
+                # The last number is that of the columns in a row: 1000 otherwise.
+                arguments = ["32", "2"] + (["20"] if name == "million_instances" else [])
+                process = self.run_in_folder(os.path.join(EXAMPLES, name + ".py"), *arguments)
+                self.assertEqual((process.returncode, process.stderr), (0, ""))
+                drawn = sorted(file for file in os.listdir(self.folder) if file.startswith(name))
+                self.assertEqual(drawn, [picture + ".jpg" for picture in pictures])
 
     def output_after_ctrl_c(self, script):
         """The output and the return code of a script that gets Ctrl-C during a pass."""

@@ -1,0 +1,60 @@
+"""Glass, metal and paint: balls of different interfaces in a photographer's studio.
+
+    python3 examples/glass_and_metal.py [width [samples]]
+
+Behind: rough gold, silver, rough copper, plastic. In front: clear glass, frosted glass, car paint.
+"""
+
+import sys
+
+from vantorPM import scene, vector3
+
+WIDTH = int(sys.argv[1]) if len(sys.argv) > 1 else 640
+SAMPLES = int(sys.argv[2]) if len(sys.argv) > 2 else 256
+
+studio = scene()
+eye, target = vector3(0, 5.8, 10.2), vector3(0, 0.45, 0.2)
+studio.newCamera("perspective", ["position", eye, "target", target, "fov", 26.0])
+
+
+def quad(origin, edge_u, edge_v):
+    corner = ["origin", origin, "edge_u", edge_u, "edge_v", edge_v]
+    studio.addObject(studio.newObject("quad", corner))
+
+
+# Two softboxes, a warm one on the left and a cool one on the right, and a little light all around.
+studio.newLight("area", ["radiance", vector3(7.5, 6.3, 5.0)])
+studio.lightBegin()
+quad(vector3(-6, 1, 4), vector3(0.5, 0.5, -4.5), vector3(2.0, 4, -0.5))
+studio.lightEnd()
+studio.newLight("area", ["radiance", vector3(2.4, 3.2, 4.4)])
+studio.lightBegin()
+quad(vector3(5.5, 0.5, 3.5), vector3(-0.5, 4, 0), vector3(0, 0, -5))
+studio.lightEnd()
+studio.newLight("environment", ["radiance", vector3(0.4, 0.43, 0.48)])
+
+squares = ["a", vector3(0.34, 0.32, 0.3), "b", vector3(0.11, 0.11, 0.12), "scale", 24.0]
+matt = studio.newInterface("diffuse", [])
+squares = studio.newPattern("checker", squares)
+studio.materialBegin(studio.newMaterial("surface", ["interface", matt, "color", squares]))
+quad(vector3(-12, 0, 8), vector3(24, 0, 0), vector3(0, 0, -24))
+studio.materialEnd()
+
+green, blue = vector3(0.62, 0.92, 0.76), vector3(0.02, 0.1, 0.42)
+for x, z, radius, interface, parameters in (
+    (-2.7, -0.5, 0.9, "conductor", ["metal", "gold", "roughness", 0.35]),
+    (-0.9, -1.1, 0.9, "conductor", ["metal", "silver"]),
+    (0.9, -1.1, 0.9, "conductor", ["metal", "copper", "roughness", 0.5]),
+    (2.7, -0.5, 0.9, "plastic", ["color", vector3(0.62, 0.04, 0.03)]),
+    (-1.65, 1.5, 0.62, "dielectric", ["ior", 1.5]),
+    (0.0, 1.8, 0.55, "dielectric", ["ior", 1.5, "roughness", 0.35, "color", green]),
+    (1.65, 1.5, 0.62, "principled", ["base_color", blue, "metallic", 0.5, "clearcoat", 1.0]),
+):
+    ball = ["interface", studio.newInterface(interface, parameters)]
+    studio.materialBegin(studio.newMaterial("surface", ball))
+    sphere = ["center", vector3(x, radius, z), "radius", radius]
+    studio.addObject(studio.newObject("sphere", sphere))
+    studio.materialEnd()
+
+studio.newImager("file", ["name", "glass_and_metal.jpg", "exposure", -0.5, "display", "filmic"])
+studio.render(WIDTH, WIDTH * 3 // 4, SAMPLES)
