@@ -82,7 +82,7 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
     case EntityKind::Pattern: {
         const auto find_used = [&](std::string_view name) { return find_pattern(parameters, name, call); };
         const auto find_texture = [&](std::string_view name) -> TextureFile * {
-            const int index = find(parameters.id(name), EntityKind::Texture, call);
+            const int index = find(parameters.id(name), EntityKind::Texture, parameters, name, call);
             return index < 0 ? nullptr : textures[static_cast<std::size_t>(index)];
         };
         if (std::optional<Pattern> pattern = make_pattern(*type, parameters, find_used, find_texture, call))
@@ -119,7 +119,7 @@ std::optional<Material> Registry::find_material(const Type &type, const Paramete
                                                 const CallReport &call) const {
     if (type.name == "diffuse")
         return Material{make_scattering(type, parameters), nullptr};
-    const int index = find(parameters.id("interface"), EntityKind::Interface, call);
+    const int index = find(parameters.id("interface"), EntityKind::Interface, parameters, "interface", call);
     if (index < 0)
         return {};
     return make_surface(interfaces[static_cast<std::size_t>(index)], parameters,
@@ -129,7 +129,7 @@ std::optional<Material> Registry::find_material(const Type &type, const Paramete
 std::optional<Object> Registry::find_object(VtLong id, const Type &type, const Parameters &parameters,
                                             const CallReport &call) const {
     if (type.name == "instances") {
-        const int index = find(parameters.id("object"), EntityKind::Object, call);
+        const int index = find(parameters.id("object"), EntityKind::Object, parameters, "object", call);
         if (index < 0)
             return {};
         return make_instances(id, objects[static_cast<std::size_t>(index)], parameters, call);
@@ -142,7 +142,7 @@ std::optional<Object> Registry::find_object(VtLong id, const Type &type, const P
     Object object{id, std::move(*shape), reach, are_colored};
     if (parameters.knows("trimmers") && parameters.is_given("trimmers"))
         for (const VtLong trimmer : parameters.ids("trimmers"))
-            if (const int index = find(trimmer, EntityKind::Trimmer, call); index >= 0)
+            if (const int index = find(trimmer, EntityKind::Trimmer, parameters, "trimmers", call); index >= 0)
                 object.trimmers.push_back(&trimmers[static_cast<std::size_t>(index)]);
     return object;
 }
@@ -174,6 +174,18 @@ std::string Registry::why_wrong(VtLong id, EntityKind kind) const {
 int Registry::find(VtLong id, EntityKind kind, const CallReport &call) const {
     if (const std::string why = why_wrong(id, kind); !why.empty()) {
         call.diagnostic(joined({why, " (the id of ", words_of(kind).noun, " is wanted)"}));
+        return -1;
+    }
+    return entries.at(id).index;
+}
+
+int Registry::find(VtLong id, EntityKind kind, const Parameters &parameters, std::string_view name,
+                   const CallReport &call) const {
+    if (const std::string why = why_wrong(id, kind); !why.empty()) {
+        parameters.complain(
+            name,
+            joined({"is ", std::to_string(id), ", but ", why, " (the id of ", words_of(kind).noun, " is wanted)"}),
+            call);
         return -1;
     }
     return entries.at(id).index;

@@ -99,6 +99,10 @@ class Registry {
     // The index of an entity of that kind; -1, reported if there never was such an id.
     int find(VtLong id, EntityKind kind, const CallReport &call) const;
 
+    // Likewise, of an id that the parameter is or holds.
+    int find(VtLong id, EntityKind kind, const Parameters &parameters, std::string_view name,
+             const CallReport &call) const;
+
     // What is wrong with an id that should be of that kind; empty if nothing is.
     std::string why_wrong(VtLong id, EntityKind kind) const;
 

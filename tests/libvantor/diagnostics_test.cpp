@@ -301,8 +301,10 @@ TEST(Diagnostics, Ids) {
     EXPECT_EQ(errors_of([&] { scene.LightOff(5); }),
               "vantor: lightOff: no entity has the id 5 (the id of a light is wanted)\n");
     List list("interface", light);
-    EXPECT_EQ(errors_of([&] { scene.NewMaterial("surface", list); }),
-              "vantor: newMaterial \"surface\": id 1 is a light (the id of an interface is wanted)\n");
+    EXPECT_EQ(
+        errors_of([&] { scene.NewMaterial("surface", list); }),
+        "vantor: newMaterial \"surface\": item 1: parameter \"interface\" is 1, but id 1 is a light (the id of an "
+        "interface is wanted)\n");
 }
 
 TEST(Diagnostics, AnEntityOfUnknownTypeIsReportedOnce) {
