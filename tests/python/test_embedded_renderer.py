@@ -113,6 +113,8 @@ class EmbeddedRendererTest(unittest.TestCase):
             stdout=subprocess.PIPE,
             stderr=error_stream,
             universal_newlines=True,
+            # A test run in the background has Ctrl-C ignored, and would hand that down.
+            preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL),
         )
         os.close(error_stream)
         self.addCleanup(process.stdout.close)
