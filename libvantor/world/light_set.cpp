@@ -186,24 +186,54 @@ bool contains(const DiskSource &disk, Vec3 direction) {
 
 LightSet::LightSet(std::span<const Light> lights, std::span<const Placement> placements, float scene_radius)
     : shares_up_to{0.0} {
+    std::vector<std::size_t> firsts; // the first source of each light, or of each object that shines
     emitters_of.reserve(placements.size());
     for (const Placement &placement : placements) {
         Emitters emitters{-1, 0};
         if (placement.light >= 0) {
             const Light &light = lights[static_cast<std::size_t>(placement.light)];
             const Color radiance = std::get<AreaLight>(light.kind).radiance;
+            firsts.push_back(sources.size());
             if (light.is_on && !is_black(radiance))
                 emitters = add_emitters(placement, radiance);
         }
         emitters_of.push_back(emitters);
     }
-    for (const Light &light : lights)
+    for (const Light &light : lights) {
+        firsts.push_back(sources.size());
         if (light.is_on)
             add_light(light, scene_radius);
+    }
+    firsts.push_back(sources.size());
+    share_out(firsts);
+}
 
-    const double total = shares_up_to.back();
+// Most of the choice goes by power, the rest evenly: the power of a light at infinity grows with the scene, and must
+// not leave a lamp in its middle without samples.
+void LightSet::share_out(std::span<const std::size_t> firsts) {
+    constexpr double even_part = 0.25;
+    const std::vector<double> power_up_to = shares_up_to;
+    const auto power_between = [&](std::size_t first, std::size_t end) {
+        return power_up_to[end] - power_up_to[first];
+    };
+    std::size_t shining = 0;
+    for (std::size_t i = 0; i + 1 < firsts.size(); ++i)
+        shining += power_between(firsts[i], firsts[i + 1]) > 0;
+    if (shining == 0)
+        return;
+
+    const double total = power_up_to.back();
+    for (std::size_t i = 0; i + 1 < firsts.size(); ++i) {
+        const double power = power_between(firsts[i], firsts[i + 1]);
+        const double factor =
+            power > 0 ? (1 - even_part) / total + even_part / (static_cast<double>(shining) * power) : 0.0;
+        for (std::size_t source = firsts[i]; source < firsts[i + 1]; ++source)
+            shares_up_to[source + 1] = shares_up_to[source] + power_between(source, source + 1) * factor;
+    }
+    // Up to 1, whatever rounding says.
+    const double sum = shares_up_to.back();
     for (double &share : shares_up_to)
-        share = total > 0 ? share / total : 0.0;
+        share /= sum;
 }
 
 void LightSet::add_light(const Light &light, float scene_radius) {

@@ -69,7 +69,7 @@ class LightSet {
     bool is_empty() const { return sources.empty(); }
     bool has_choice() const { return sources.size() > 1; }
 
-    /// One light by its share of the power, and a point of it. False where none of it can arrive.
+    /// One light, by its power for the most part, and a point of it. False where none of it can arrive.
     bool sample(Vec3 reference, double choice, Pair numbers, LightSample &result) const;
 
     /// The emitter at a hit, which shines from the front; -1 if nothing shines there.
@@ -105,6 +105,7 @@ class LightSet {
     };
 
     Emitters add_emitters(const Placement &placement, Color radiance);
+    void share_out(std::span<const std::size_t> firsts);
     void add_light(const Light &light, float scene_radius);
     void add_distant(const DistantLight &light, float scene_radius);
     void add_environment(const EnvironmentLight &light, float scene_radius);
@@ -115,7 +116,7 @@ class LightSet {
     float seen_from_afar(std::size_t source, Vec3 direction, Color &radiance) const;
 
     std::vector<Source> sources;
-    std::vector<double> shares_up_to;             // of the power, cumulated: 0 first, 1 last; doubles for millions
+    std::vector<double> shares_up_to;             // of the choice, cumulated: 0 first, 1 last; doubles for millions
     std::vector<Emitters> emitters_of;            // for each placement
     std::vector<std::size_t> sources_at_infinity; // with an extent
 };
