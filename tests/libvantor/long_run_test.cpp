@@ -14,7 +14,8 @@
 #endif
 #endif
 #ifdef HAS_ADDRESS_SANITIZER
-#include <sanitizer/allocator_interface.h>
+// Of <sanitizer/allocator_interface.h>, which not every compiler comes with.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace {
