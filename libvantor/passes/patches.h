@@ -51,6 +51,7 @@ class Patches {
 
   private:
     class Maker;
+    class Sizes;
 
     struct Patch {
         std::uint32_t placement;
