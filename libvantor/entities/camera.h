@@ -104,6 +104,9 @@ class Camera {
         return std::get<OrthographicCamera>(kind).ray(x, y, width, height);
     }
 
+    /// Whether its rays start in many places.
+    bool has_many_places() const { return has_lens() || std::holds_alternative<OrthographicCamera>(kind); }
+
     /// Where it stands, in the world.
     Vec3 place() const {
         return std::visit([](const auto &camera) { return camera.position; }, kind);

@@ -26,10 +26,23 @@ template <class Kind> const Kind *last_of(const std::vector<Imager> &imagers) {
     return nullptr;
 }
 
+// Notes which entity is being made, while it is.
+class BeingMade {
+  public:
+    BeingMade(VtLong &where, VtLong id) : noted(where) { noted = id; }
+    ~BeingMade() { noted = 0; }
+    BeingMade(const BeingMade &) = delete;
+    BeingMade &operator=(const BeingMade &) = delete;
+
+  private:
+    VtLong &noted;
+};
+
 } // namespace
 
 void Registry::create(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list) {
     const CallReport call(report, words_of(kind).call, type_name);
+    const BeingMade made(being_made, id);
     Entry &entry = entries.insert_or_assign(id, Entry{kind, -1}).first->second;
 
     // The one kind that has no types: its name is that of a file.
@@ -164,7 +177,7 @@ const Pattern *Registry::find_pattern(const Parameters &parameters, std::string_
 
 std::string Registry::why_wrong(VtLong id, EntityKind kind) const {
     const auto found = entries.find(id);
-    if (found == entries.end())
+    if (found == entries.end() || id == being_made)
         return joined({"no entity has the id ", std::to_string(id)});
     if (found->second.kind != kind)
         return joined({"id ", std::to_string(id), " is ", words_of(found->second.kind).noun});
@@ -246,10 +259,15 @@ void Registry::add_object(VtLong id) {
     }
 
     const int material = material_blocks.empty() ? -1 : material_blocks.back();
+    int interior = interior_blocks.empty() ? -1 : interior_blocks.back();
+    const Object &shown = object.repeated ? *object.repeated : object;
+    if (const auto *curves = std::get_if<Curves>(&shown.shape); curves && !curves->are_tubes && interior >= 0) {
+        call.diagnostic("ribbons have no inside, so that the interior has no effect on them (tubes have one)");
+        interior = -1;
+    }
     ++changes;
-    placed.push_back({object.repeated ? object.repeated : &object, world_from_object,
-                      material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)],
-                      interior_blocks.empty() ? -1 : interior_blocks.back(),
+    placed.push_back({&shown, world_from_object,
+                      material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)], interior,
                       light_blocks.empty() ? -1 : light_blocks.back(), object.repeated ? &object.places : nullptr});
 }
 

@@ -118,6 +118,7 @@ class Registry {
 
     Report &report;
     VtLong last_id = 0;
+    VtLong being_made = 0; // not there yet to be named; 0 for none
     std::unordered_map<VtLong, Entry> entries;
 
     std::optional<Camera> current_camera;

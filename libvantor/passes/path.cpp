@@ -169,9 +169,8 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
     Color irradiance;
     path.finds_only_lights = is_told(path, hit, surface, indirect, irradiance);
     const float rays = path.finds_only_lights ? last_rays : 1.0f;
-    // Indirect light has been scattered once more.
-    if (path.finds_only_lights && path.scatterings + 1 < world.settings.max_bounces)
-        path.radiance += path.throughput * surface.albedo() * irradiance * inverse_pi;
+    if (path.finds_only_lights)
+        path.radiance += limited(path.throughput * surface.albedo() * irradiance * inverse_pi, true, world);
 
     LightSample light;
     if (!surface.is_specular() && sample_light(numbers, hit.point, world, light)) {
@@ -189,6 +188,7 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
     if (path.finds_only_lights) {
         if (numbers.sampler.unstratified(numbers.dimension + survival) >= rays)
             return false;
+        ++path.scatterings;
         path.throughput *= next.weight * (1 / rays);
         next.density *= rays;
     } else {

@@ -181,7 +181,7 @@ class Wave {
                     const Pair place = pass.filter.position(x, y, on_film[i]);
                     const Ray ray = camera.ray(place.u, place.v, width, height, on_lens[i]);
                     Features *seen = pass.has_features ? &features.emplace_back(Features{ray.origin}) : nullptr;
-                    paths.push_back({ray, samplers[i], pass.world.camera_media, seen});
+                    paths.push_back({ray, samplers[i], media_around(ray), seen});
                 }
     }
 
@@ -189,6 +189,12 @@ class Wave {
     std::vector<Features> features; ///< Of each path, if anybody asks.
 
   private:
+    MediumStack media_around(const Ray &ray) const {
+        const World &world = pass.world;
+        const bool has_own = world.has_media && world.camera.has_many_places();
+        return has_own ? media_at(ray.origin, world.tracer, world.placements) : world.camera_media;
+    }
+
     static constexpr std::size_t most_paths = std::size_t{block_side} * block_side * wave_samples;
 
     const Pass &pass;
@@ -293,6 +299,10 @@ void write_files(const std::vector<FileImager> &imagers, const Result &result, c
 
 void render(const RenderRequest &request, const Registry &registry, const IndirectLight *indirect, Report &report) {
     const CallReport call(report, "render");
+    if (indirect && registry.settings().max_bounces < Settings().max_bounces) {
+        report.note("render: \"max_depth\" is given, which the result of radiosity() cannot keep; paths are followed");
+        indirect = nullptr;
+    }
 
     registry.report_open_blocks(call);
     const PixelArea window = window_of(request, call);

@@ -72,18 +72,22 @@ class MediumStack {
   public:
     static constexpr int none = -1;
 
-    int innermost() const { return count > 0 ? inside[count - 1] : none; }
+    int innermost() const { return count > 0 ? inside[count - 1].medium : none; }
 
-    /// Nested deeper than there is room for, a body has no effect.
+    /// Where more different media lie in each other than there is room for, a body has no effect.
     void enter(int medium) {
-        if (count < capacity)
-            inside[count++] = static_cast<std::int16_t>(medium);
+        if (count > 0 && inside[count - 1].medium == medium)
+            ++inside[count - 1].times;
+        else if (count < capacity)
+            inside[count++] = {static_cast<std::int16_t>(medium), 1};
     }
 
     /// Leaves the innermost body of that medium; nothing happens outside of all of them.
     void leave(int medium) {
         for (int i = count - 1; i >= 0; --i)
-            if (inside[i] == medium) {
+            if (inside[i].medium == medium) {
+                if (--inside[i].times > 0)
+                    return;
                 for (int j = i; j + 1 < count; ++j)
                     inside[j] = inside[j + 1];
                 --count;
@@ -92,9 +96,13 @@ class MediumStack {
     }
 
   private:
+    struct Inside {
+        std::int16_t medium;
+        std::int16_t times; // so many bodies of it, one in the other
+    };
     static constexpr int capacity = 7;
 
-    std::int16_t inside[capacity];
+    Inside inside[capacity];
     std::int16_t count = 0;
 };
 

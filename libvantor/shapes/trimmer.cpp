@@ -124,7 +124,8 @@ CurveTrimmer::CurveTrimmer(std::span<const VtVector2> corners, bool keeps_the_in
         high_v = std::max(high_v, all.back().from.v);
     }
     const std::size_t rows = std::min(corners.size(), most_rows);
-    rows_per_v = high_v > low_v ? static_cast<float>(rows) / (high_v - low_v) : 0.0f;
+    const float per_v = static_cast<float>(rows) / (high_v - low_v);
+    rows_per_v = std::isfinite(per_v) ? per_v : 0.0f; // lower than any float can tell, it has one row
 
     std::vector<std::vector<Piece>> by_row(rows);
     row_starts.assign(rows + 1, 0);

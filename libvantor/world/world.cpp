@@ -16,8 +16,8 @@ std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt
     // The stack of a camera without media around is empty, which saves the search.
     const Camera camera = registry.camera() ? *registry.camera() : Camera(PanoramaCamera{});
     const MediumStack camera_media = has_media ? media_at(camera.place(), *tracer, placements) : MediumStack();
-    return World{camera,           std::move(*tracer), std::move(lights),       placements,
-                 registry.media(), camera_media,       is_opaque && !has_media, registry.settings()};
+    return World{camera,    std::move(*tracer),      std::move(lights),   placements,  registry.media(),
+                 has_media, is_opaque && !has_media, registry.settings(), camera_media};
 }
 
 } // namespace vantor

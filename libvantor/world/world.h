@@ -16,9 +16,12 @@ struct World {
     LightSet lights;
     std::span<const Placement> placements;
     std::span<const Medium> media; ///< What MediumStack has indexes of.
-    MediumStack camera_media;      ///< Those that the camera stands in.
-    bool is_clear;                 ///< No media, and no surface that light passes straight through.
+    bool has_media;
+    bool is_clear; ///< No media, and no surface that light passes straight through.
     Settings settings;
+
+    /// The media around a camera of a single place. Every other ray of a camera has its own: see media_at().
+    MediumStack camera_media;
 
     /// The medium that counts where there is one.
     const Medium &media_of(const MediumStack &stack) const {

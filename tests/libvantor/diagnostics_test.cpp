@@ -500,4 +500,12 @@ TEST(Diagnostics, UnknownMode) {
               "vantor: VANTOR_DIAGNOSTICS is \"loud\" (silent, warn and strict are known); warn is used\n");
 }
 
+TEST(Diagnostics, NothingNamesItself) {
+    Scene scene;
+    List list("a", 1);
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("checker", list), 1); }),
+              "vantor: newPattern \"checker\": item 1: parameter \"a\" is 1, but no entity has the id 1 (the id of a "
+              "pattern is wanted; a number has a decimal point: 1.0)\n");
+}
+
 } // namespace

@@ -92,6 +92,12 @@ TEST(Medium, BodiesAreLeftByThemselves) {
     EXPECT_EQ(stack.innermost(), 1);
     stack.leave(1);
     EXPECT_EQ(stack.innermost(), MediumStack::none);
+    for (int i = 0; i < 20; ++i) // any number of bodies of one medium
+        stack.enter(5);
+    for (int i = 0; i < 19; ++i)
+        stack.leave(5);
+    EXPECT_EQ(stack.innermost(), 5);
+    stack.leave(5);
     for (int i = 0; i < 100; ++i)
         stack.enter(i);
     for (int i = 99; i >= 0; --i)
@@ -208,6 +214,36 @@ TEST(Media, BoundariesDoNotHideALightFromTheMedium) {
     scene.MaterialEnd();
     // 1 of 50 paths is scattered, so of 65536 some 1300 bring light: a standard error of 3 %.
     EXPECT_NEAR(scene.render(16, 16, 256).mean(), 0.02, 0.002);
+}
+
+TEST(Media, EveryRayOfAnOrthographicCameraHasItsOwn) {
+    // The right half of the picture starts in an absorbing box, the left half outside of it.
+    Scene scene;
+    List camera("height", 2.0);
+    scene.NewCamera("orthographic", camera);
+    scene.light("environment", "radiance", 1.0);
+    begin_boundary(scene);
+    scene.InteriorBegin(new_interior(scene, "sigma_a", 100.0));
+    scene.AddObject(scene.object("box", "min", VtVector3(0, -2, -2), "max", VtVector3(2, 2, 2)));
+    scene.InteriorEnd();
+    scene.MaterialEnd();
+    const scripted::Pixels pixels = scene.render(8, 8, 4);
+    for (int y = 0; y < 8; ++y) {
+        EXPECT_EQ(pixels.at(1, y)[1], 1);
+        EXPECT_EQ(pixels.at(6, y)[1], 0);
+    }
+}
+
+TEST(Media, RibbonsHaveNoInside) {
+    Scene scene;
+    scripted::Points points;
+    scripted::fill(points, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
+    const VtLong ribbon = scene.object("curves", "points", points);
+    scene.InteriorBegin(new_interior(scene));
+    EXPECT_EQ(scripted::errors_of([&] { scene.AddObject(ribbon); }),
+              "vantor: addObject: ribbons have no inside, so that the interior has no effect on them (tubes have "
+              "one)\n");
+    scene.InteriorEnd();
 }
 
 TEST(Media, WrongParametersAreReported) {

@@ -7,6 +7,7 @@
 namespace {
 
 using scripted::errors_of;
+using scripted::List;
 using scripted::Scene;
 
 /// A described scene without a door: what the rooms work on.
@@ -182,6 +183,21 @@ TEST(Radiosity, FinalGatherAgreesWithThePathTracedPicture) {
     EXPECT_NEAR(gathered.mean(), traced.mean(), 0.025 * traced.mean());
     // Where the patches are seen themselves, their size shows.
     EXPECT_GT(rms_difference(gathered, solved), 0.02 * traced.mean());
+}
+
+TEST(Radiosity, ALimitOfDepthIsKeptByPaths) {
+    Scene scene(100);
+    describe_room(scene, false);
+    List list("max_depth", 2);
+    scene.ImagerBegin(scene.NewImager("settings", list));
+    const scripted::Pixels traced = scene.render(8, 8, 4);
+    scene.Radiosity();
+    scripted::Pixels limited;
+    EXPECT_EQ(
+        errors_of([&] { limited = scene.render(8, 8, 4); }),
+        "vantor: render: \"max_depth\" is given, which the result of radiosity() cannot keep; paths are followed\n");
+    EXPECT_EQ(limited.values, traced.values);
+    scene.ImagerEnd();
 }
 
 TEST(Radiosity, AWallOfTwoTrianglesIsSmooth) {
