@@ -65,7 +65,7 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
     case EntityKind::Camera:
         if (is_in_reach(parameters, call))
             if (std::optional<Camera> camera = make_camera(*type, parameters, current_transform(), call))
-                current_camera = std::move(camera);
+                current_camera = camera;
         break;
     case EntityKind::Imager:
         if (std::optional<Imager> imager = make_imager(*type, parameters, call))

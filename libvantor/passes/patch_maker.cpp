@@ -32,10 +32,10 @@ Patches::Maker::Maker(Patches &into, std::span<const Placement> placements, std:
     for (const std::size_t i : sizes.placements_with_patches())
         make(i);
     patches.spreading_rounds =
-        group_count > 0
-            ? std::clamp(static_cast<int>(std::ceil(std::sqrt(static_cast<double>(grouped_count) / group_count))), 1,
-                         32)
-            : 0;
+        group_count > 0 ? std::clamp(static_cast<int>(std::ceil(std::sqrt(static_cast<double>(grouped_count) /
+                                                                          static_cast<double>(group_count)))),
+                                     1, 32)
+                        : 0;
     sum_areas();
 }
 
@@ -234,7 +234,8 @@ double Patches::Maker::area_of_cell(std::size_t placement, std::uint32_t primiti
     if (std::holds_alternative<Quads>(*surface.shape))
         return sizes.area_of_quad(placement, primitive) / (columns * rows);
     // Archimedes: the area of a zone goes with its height.
-    const double row = cell / panel.columns;
+    const std::uint32_t row_index = cell / panel.columns;
+    const double row = row_index;
     const double height = std::cos(std::numbers::pi * row / rows) - std::cos(std::numbers::pi * (row + 1) / rows);
     const double radius = sizes.radius_of_sphere(placement);
     return 2 * std::numbers::pi * radius * radius * height / columns;

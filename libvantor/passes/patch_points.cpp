@@ -55,7 +55,8 @@ Pair point_in_triangle_cell(std::uint32_t n, std::uint32_t cell, Pair numbers) {
     const auto cells_left = static_cast<double>(n * n - cell);
     const std::uint32_t j = n - static_cast<std::uint32_t>(std::ceil(std::sqrt(cells_left)));
     const std::uint32_t in_row = cell - first_cell_of_row(n, j);
-    const auto i = static_cast<float>(in_row / 2);
+    const std::uint32_t in_pairs = in_row / 2;
+    const auto i = static_cast<float>(in_pairs);
     const Pair within = warp::triangle(numbers);
     const float step = 1 / static_cast<float>(n);
     if (in_row % 2 == 0)

@@ -35,12 +35,12 @@ Hit Patches::point_of(std::uint32_t index, Pair numbers) const {
     } else {
         const std::uint32_t column = facet->cell % panel.columns;
         const std::uint32_t row = facet->cell / panel.columns;
-        uv = {(static_cast<float>(column) + numbers.u) / panel.columns,
-              (static_cast<float>(row) + numbers.v) / panel.rows};
+        uv = {(static_cast<float>(column) + numbers.u) / static_cast<float>(panel.columns),
+              (static_cast<float>(row) + numbers.v) / static_cast<float>(panel.rows)};
         if (std::holds_alternative<Sphere>(*surface.shape)) {
             // Uniform in the height instead of the angle.
-            const float low = std::cos(pi * static_cast<float>(row) / panel.rows);
-            const float high = std::cos(pi * static_cast<float>(row + 1) / panel.rows);
+            const float low = std::cos(pi * static_cast<float>(row) / static_cast<float>(panel.rows));
+            const float high = std::cos(pi * static_cast<float>(row + 1) / static_cast<float>(panel.rows));
             uv.v = std::acos(std::clamp(low + (high - low) * numbers.v, -1.0f, 1.0f)) * inverse_pi;
         }
     }
@@ -62,8 +62,8 @@ Hit Patches::point_of(std::uint32_t index, Pair numbers) const {
 }
 
 Patches::Footing Patches::footing_in_grid(const Panel &panel, Pair uv) {
-    const float x = std::clamp(uv.u, 0.0f, 1.0f) * panel.columns;
-    const float y = std::clamp(uv.v, 0.0f, 1.0f) * panel.rows;
+    const float x = std::clamp(uv.u, 0.0f, 1.0f) * static_cast<float>(panel.columns);
+    const float y = std::clamp(uv.v, 0.0f, 1.0f) * static_cast<float>(panel.rows);
     const std::uint32_t i = std::min(static_cast<std::uint32_t>(x), panel.columns - 1u);
     const std::uint32_t j = std::min(static_cast<std::uint32_t>(y), panel.rows - 1u);
     const float u = x - static_cast<float>(i);
@@ -137,9 +137,11 @@ std::vector<Color> Patches::at_vertices(std::span<const Color> of_patches) const
     const auto footing_of = [&](const Patch &patch, const Facet &facet) {
         const Panel &panel = panels[facet.panel];
         const bool is_triangle = std::holds_alternative<TriangleMesh>(*surfaces[patch.placement].shape);
-        const Pair middle = is_triangle ? point_in_triangle_cell(panel.columns, facet.cell, {0.5f, 0.5f})
-                                        : Pair{(static_cast<float>(facet.cell % panel.columns) + 0.5f) / panel.columns,
-                                               (static_cast<float>(facet.cell / panel.columns) + 0.5f) / panel.rows};
+        const std::uint32_t column = facet.cell % panel.columns;
+        const std::uint32_t row = facet.cell / panel.columns;
+        const Pair in_grid{(static_cast<float>(column) + 0.5f) / static_cast<float>(panel.columns),
+                           (static_cast<float>(row) + 0.5f) / static_cast<float>(panel.rows)};
+        const Pair middle = is_triangle ? point_in_triangle_cell(panel.columns, facet.cell, {0.5f, 0.5f}) : in_grid;
         Footing result = footing(panel, is_triangle, middle);
         for (std::uint32_t &corner : result.corners)
             corner = corners[panel.first_corner + corner];

@@ -39,15 +39,16 @@ std::vector<char> reached_by_light(const Exchange &exchange) {
     const std::size_t count = exchange.rows.size();
     std::vector<char> are_reached(count);
     for (std::size_t i = 0; i < count; ++i)
-        are_reached[i] = !is_black(exchange.lights[i].direct) || !is_black(exchange.rows[i].followed);
+        are_reached[i] = !is_black(exchange.lights[i].direct) || !is_black(exchange.rows[i].followed) ? 1 : 0;
     for (bool has_changed = true; has_changed;) {
         has_changed = false;
         for (std::size_t i = 0; i < count; ++i) {
             if (are_reached[i])
                 continue;
-            are_reached[i] = std::ranges::any_of(exchange.rows[i].seen, [&](std::uint32_t seen) {
+            const bool is_reached = std::ranges::any_of(exchange.rows[i].seen, [&](std::uint32_t seen) {
                 return are_reached[seen] && !is_black(exchange.lights[seen].reflectance);
             });
+            are_reached[i] = is_reached ? 1 : 0;
             has_changed |= are_reached[i] != 0;
         }
     }

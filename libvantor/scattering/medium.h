@@ -102,7 +102,7 @@ class MediumStack {
     };
     static constexpr int capacity = 7;
 
-    Inside inside[capacity];
+    Inside inside[capacity]{};
     std::int16_t count = 0;
 };
 

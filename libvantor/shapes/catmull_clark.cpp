@@ -19,7 +19,9 @@ struct Surroundings {
 // Of an edge; borders are sharp.
 float sharpness_of(const Polygons &polygons, Index half_edge) {
     const Topology &t = polygons.topology;
-    return t.twin[half_edge] == nobody ? infinitely_sharp : polygons.sharpness[t.edge[half_edge]];
+    if (t.twin[half_edge] == nobody)
+        return infinitely_sharp;
+    return polygons.sharpness[t.edge[half_edge]];
 }
 
 // What the rules ask. With a threshold of 0 every crease counts; with 1, only those that stay one.

@@ -18,7 +18,7 @@ std::vector<Ends> pair_half_edges(Topology &t) {
     all.reserve(t.size());
     for (Index h = 0; h < t.size(); ++h)
         all.push_back(ends_of(t, h));
-    std::ranges::sort(all);
+    std::sort(all.begin(), all.end());
     t.twin.assign(t.size(), nobody);
     t.edge.resize(t.size());
     for (std::size_t first = 0; first < all.size();) {

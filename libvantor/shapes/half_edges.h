@@ -4,6 +4,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 #include <vector>
 
 namespace vantor {
@@ -37,7 +38,9 @@ struct Ends {
     Index half_edge;
 
     bool is_same_edge(const Ends &other) const { return low == other.low && high == other.high; }
-    auto operator<=>(const Ends &) const = default;
+    bool operator<(const Ends &other) const {
+        return std::tie(low, high, half_edge) < std::tie(other.low, other.high, other.half_edge);
+    }
 };
 
 /// Fills in the twins and edges. Neighbours are the two faces that run along an edge in opposite directions. Where

@@ -58,7 +58,7 @@ VtVector3 crossed(const VtVector3 &a, const VtVector3 &b) {
 class Grid {
   public:
     Grid(std::vector<VtVector3> all_points, Side along_u, Side along_v)
-        : points(std::move(all_points)), u(std::move(along_u)), v(std::move(along_v)) {
+        : points(std::move(all_points)), u(along_u), v(along_v) {
         VtVector3 low = points.front(), high = points.front();
         for (const VtVector3 &p : points)
             for (int c = 0; c < 3; ++c) {

@@ -26,7 +26,7 @@ std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, 
         std::optional<QuadOrMesh> quad = make_quad(parameters, report);
         if (!quad)
             return {};
-        return std::visit([](auto &&kind) { return Shape(std::move(kind)); }, std::move(*quad));
+        return std::visit([](auto &kind) { return Shape(std::move(kind)); }, *quad);
     }
     if (type.name == "box")
         return as_shape(make_box(parameters, report));

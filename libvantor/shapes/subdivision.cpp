@@ -195,7 +195,7 @@ class Reader {
         std::size_t missing = 0, first_missing = 0;
         for (std::size_t i = 0; i < count; ++i) {
             const auto a = static_cast<Index>(points[2 * i]), b = static_cast<Index>(points[2 * i + 1]);
-            auto found = std::ranges::lower_bound(ends, Ends{std::min(a, b), std::max(a, b), 0});
+            auto found = std::lower_bound(ends.begin(), ends.end(), Ends{std::min(a, b), std::max(a, b), 0});
             const bool exists = found != ends.end() && found->low == std::min(a, b) && found->high == std::max(a, b);
             if (exists)
                 polygons.sharpness[polygons.topology.edge[found->half_edge]] = weights[i];

@@ -47,7 +47,6 @@ std::string_view name_of(ValueKind kind) {
     case ValueKind::Scale:
         return "number, vector2 or vector3";
     case ValueKind::Text:
-        return "text";
     case ValueKind::Choice:
         return "text";
     case ValueKind::InterfaceId:

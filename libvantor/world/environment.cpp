@@ -47,7 +47,8 @@ Environment::Environment(const EnvironmentLight &described)
     const auto rows = static_cast<std::size_t>(picture->height);
     heights.reserve(rows + 1);
     for (std::size_t r = 0; r <= rows; ++r)
-        heights.push_back(static_cast<float>(std::cos(std::numbers::pi * static_cast<double>(r) / rows)));
+        heights.push_back(
+            static_cast<float>(std::cos(std::numbers::pi * static_cast<double>(r) / static_cast<double>(rows))));
 
     std::vector<float> weights = interpolated_luminances(*picture, scale);
     double sum = 0;
