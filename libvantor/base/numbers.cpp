@@ -9,15 +9,22 @@ VtVector3 row_of(const VtTransform &m, int r) { return {m[r][0], m[r][1], m[r][2
 
 double dot(const VtVector3 &a, const VtVector3 &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
-VtVector3 cross(const VtVector3 &a, const VtVector3 &b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
 VtVector3 divided(const VtVector3 &v, double by) { return {v[0] / by, v[1] / by, v[2] / by}; }
 
 double determinant_of(const VtTransform &m) { return dot(row_of(m, 0), cross(row_of(m, 1), row_of(m, 2))); }
 
 } // namespace
+
+VtVector3 difference(const VtVector3 &a, const VtVector3 &b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+
+VtVector3 cross(const VtVector3 &a, const VtVector3 &b) {
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+Color to_color(const VtVector3 &components) {
+    const Vec3 c = to_float(components);
+    return {c.x, c.y, c.z};
+}
 
 Vec3 to_float(const VtVector3 &v) {
     return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};

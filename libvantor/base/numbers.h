@@ -2,6 +2,7 @@
 #pragma once
 
 #include "algebra/vt_transform.h"
+#include "libvantor/base/color.h"
 
 #include <algorithm>
 #include <cmath>
@@ -83,6 +84,7 @@ struct Affine {
 };
 
 Vec3 to_float(const VtVector3 &v);
+Color to_color(const VtVector3 &components);
 
 /// The transform has to be usable: see why_unusable().
 Affine to_float(const VtTransform &transform);
@@ -91,6 +93,9 @@ Affine to_float(const VtTransform &transform);
 /// (0, 0, 0, 1), and it is not singular.
 const char *why_unusable(const VtTransform &transform);
 
+// What little is computed in the script's doubles.
+VtVector3 difference(const VtVector3 &a, const VtVector3 &b);
+VtVector3 cross(const VtVector3 &a, const VtVector3 &b);
 VtTransform identity();
 
 /// First the one, then the other.

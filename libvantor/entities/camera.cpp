@@ -10,12 +10,6 @@ namespace vantor {
 
 namespace {
 
-VtVector3 difference(const VtVector3 &a, const VtVector3 &b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-
-VtVector3 cross(const VtVector3 &a, const VtVector3 &b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
 VtVector3 scaled(const VtVector3 &v, double s) { return {v[0] * s, v[1] * s, v[2] * s}; }
 
 // Where a camera stands and how it is turned, as the script says: three unit vectors, across each other.

@@ -7,8 +7,6 @@ namespace vantor {
 
 namespace {
 
-Color color_of(const Parameters &parameters, std::string_view name) { return color_in(parameters.vector(name)); }
-
 float number_of(const Parameters &parameters, std::string_view name) {
     return static_cast<float>(parameters.number(name));
 }
@@ -31,7 +29,7 @@ constexpr Metal metals[] = {
 };
 
 Scattering make_conductor(const Parameters &parameters) {
-    Conductor conductor{color_of(parameters, "eta"), color_of(parameters, "k"), color_of(parameters, "color")};
+    Conductor conductor{parameters.color("eta"), parameters.color("k"), parameters.color("color")};
     for (const Metal &metal : metals)
         if (metal.name == parameters.choice("metal")) {
             conductor.eta = metal.eta;
@@ -42,19 +40,19 @@ Scattering make_conductor(const Parameters &parameters) {
 }
 
 Scattering make_dielectric(const Parameters &parameters) {
-    Dielectric dielectric{number_of(parameters, "ior"), color_of(parameters, "color")};
+    Dielectric dielectric{number_of(parameters, "ior"), parameters.color("color")};
     dielectric.set_roughness(number_of(parameters, "roughness"));
     return dielectric;
 }
 
 Scattering make_plastic(const Parameters &parameters) {
-    Plastic plastic{color_of(parameters, "color"), number_of(parameters, "ior")};
+    Plastic plastic{parameters.color("color"), number_of(parameters, "ior")};
     plastic.set_roughness(number_of(parameters, "roughness"));
     return plastic;
 }
 
 Scattering make_principled(const Parameters &parameters) {
-    return Principled{.base_color = color_of(parameters, "base_color"),
+    return Principled{.base_color = parameters.color("base_color"),
                       .metallic = number_of(parameters, "metallic"),
                       .roughness = number_of(parameters, "roughness"),
                       .specular = number_of(parameters, "specular"),
@@ -76,7 +74,7 @@ Scattering make_scattering(const Type &type, const Parameters &parameters) {
         return make_plastic(parameters);
     if (type.name == "principled")
         return make_principled(parameters);
-    return Diffuse{color_of(parameters, "reflectance")};
+    return Diffuse{parameters.color("reflectance")};
 }
 
 } // namespace vantor

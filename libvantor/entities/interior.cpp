@@ -3,24 +3,14 @@
 
 namespace vantor {
 
-namespace {
-
-Color color(const Parameters &parameters, std::string_view name) {
-    const Vec3 v = to_float(parameters.vector(name));
-    return {v.x, v.y, v.z};
-}
-
-} // namespace
-
 Medium make_medium(const Parameters &parameters, const CallReport &report) {
-    Medium medium{color(parameters, "sigma_a"), color(parameters, "sigma_s"),
-                  static_cast<float>(parameters.number("g"))};
+    Medium medium{parameters.color("sigma_a"), parameters.color("sigma_s"), static_cast<float>(parameters.number("g"))};
     if (parameters.is_given("sigma_t")) {
         for (const char *name : {"sigma_a", "sigma_s"})
             if (parameters.is_given(name))
                 parameters.complain(name, "has no effect beside \"sigma_t\"", report);
-        const Color sum = color(parameters, "sigma_t");
-        const Color albedo = color(parameters, "albedo");
+        const Color sum = parameters.color("sigma_t");
+        const Color albedo = parameters.color("albedo");
         medium.scattering = sum * albedo;
         medium.absorption = sum * Color{1 - albedo.r, 1 - albedo.g, 1 - albedo.b};
     } else if (parameters.is_given("albedo")) {

@@ -10,11 +10,6 @@ namespace vantor {
 
 namespace {
 
-Color color(const VtVector3 &v) {
-    const Vec3 f = to_float(v);
-    return {f.x, f.y, f.z};
-}
-
 double radians(double degrees) { return degrees * std::numbers::pi / 180; }
 
 // One minus the cosine, without its loss of digits.
@@ -35,7 +30,7 @@ DistantLight distant_light(const VtVector3 &to_light, double diameter, Color irr
 DistantLight make_distant(const Parameters &parameters, const VtTransform &transform) {
     const VtVector3 travels = parameters.vector("direction");
     return distant_light({-travels[0], -travels[1], -travels[2]}, parameters.number("angle"),
-                         color(parameters.vector("irradiance")), transform);
+                         parameters.color("irradiance"), transform);
 }
 
 // What a transform does to directions has no size.
@@ -73,7 +68,7 @@ long remove_unusable(std::vector<Color> &pixels) {
 
 EnvironmentLight make_environment(const Parameters &parameters, const VtTransform &transform,
                                   const CallReport &report) {
-    const Color radiance = color(parameters.vector("radiance"));
+    const Color radiance = parameters.color("radiance");
     const Raster constant{1, 1, {{1, 1, 1}}, {}};
     if (!parameters.is_given("name"))
         return environment_of(constant, radiance, transform);
@@ -109,7 +104,7 @@ SkyLight make_sky(const Parameters &parameters, const VtTransform &transform, co
     }
     const SkyModel model(to_sun, parameters.number("turbidity"));
     const auto scale = static_cast<float>(parameters.number("scale"));
-    SkyLight light{environment_of(sky_picture(model, to_sun, has_sun, color(parameters.vector("ground_albedo"))),
+    SkyLight light{environment_of(sky_picture(model, to_sun, has_sun, parameters.color("ground_albedo")),
                                   {scale, scale, scale}, transform),
                    {}};
     if (has_sun)
@@ -142,7 +137,7 @@ SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, 
             report);
         beam = cutoff;
     }
-    return {to_float(transformed_point(position, transform)), to_float(axis), color(parameters.vector("intensity")),
+    return {to_float(transformed_point(position, transform)), to_float(axis), parameters.color("intensity"),
             static_cast<float>(std::cos(radians(beam))), static_cast<float>(std::cos(radians(cutoff)))};
 }
 
@@ -151,7 +146,7 @@ SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, 
 Light make_light(const Type &type, const Parameters &parameters, const VtTransform &transform,
                  const CallReport &report) {
     if (type.name == "area")
-        return {AreaLight{color(parameters.vector("radiance"))}};
+        return {AreaLight{parameters.color("radiance")}};
     if (type.name == "distant")
         return {make_distant(parameters, transform)};
     if (type.name == "environment")
@@ -161,7 +156,7 @@ Light make_light(const Type &type, const Parameters &parameters, const VtTransfo
     if (type.name == "spot")
         return {make_spot(parameters, transform, report)};
     const VtVector3 position = transformed_point(parameters.vector("position"), transform);
-    return {PointLight{to_float(position), color(parameters.vector("intensity"))}};
+    return {PointLight{to_float(position), parameters.color("intensity")}};
 }
 
 } // namespace vantor

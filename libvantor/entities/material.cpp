@@ -6,7 +6,7 @@ namespace vantor {
 Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find) {
     // What is the same everywhere is settled here; the rest is asked at every hit.
     if (parameters.is_given("color") && !parameters.is_pattern("color"))
-        set_color(scattering, color_in(parameters.vector("color")));
+        set_color(scattering, parameters.color("color"));
     if (parameters.is_given("roughness") && !parameters.is_pattern("roughness"))
         set_roughness(scattering, static_cast<float>(parameters.number("roughness")));
 

@@ -85,7 +85,7 @@ std::optional<Gradient> make_gradient(const Parameters &parameters, const CallRe
     std::vector<Color> colors;
     parameters.vector3_array("colors").ForEachBlock([&](const VtVector3 *elements, VtLong count) {
         for (VtLong i = 0; i < count; ++i)
-            colors.push_back(color_in(elements[i]));
+            colors.push_back(to_color(elements[i]));
     });
     const auto is_usable = [](Color c) {
         return c.r >= 0 && c.g >= 0 && c.b >= 0 && largest_component(c) <= 1e18f && is_finite(c);
@@ -126,18 +126,13 @@ template <class Kind> std::optional<Pattern> as_pattern(Kind kind, const CallRep
 
 } // namespace
 
-Color color_in(const VtVector3 &components) {
-    const Vec3 c = to_float(components);
-    return {c.x, c.y, c.z};
-}
-
 const Pattern *pattern_in(const Parameters &parameters, std::string_view name, const PatternFinder &find) {
     return parameters.is_pattern(name) ? find(name) : nullptr;
 }
 
 ColorOrPattern color_or_pattern(const Parameters &parameters, std::string_view name, const PatternFinder &find) {
     const bool is_pattern = parameters.is_pattern(name);
-    return {color_in(is_pattern ? parameters.fallback(name) : parameters.vector(name)),
+    return {to_color(is_pattern ? parameters.fallback(name) : parameters.vector(name)),
             pattern_in(parameters, name, find)};
 }
 

@@ -19,7 +19,6 @@ using TextureFinder = std::function<TextureFile *(std::string_view parameter)>;
 /// A parameter that is given as a pattern, or null.
 const Pattern *pattern_in(const Parameters &parameters, std::string_view name, const PatternFinder &find);
 
-Color color_in(const VtVector3 &components);
 ColorOrPattern color_or_pattern(const Parameters &parameters, std::string_view name, const PatternFinder &find);
 NumberOrPattern number_or_pattern(const Parameters &parameters, std::string_view name, const PatternFinder &find);
 

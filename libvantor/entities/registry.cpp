@@ -26,40 +26,29 @@ template <class Kind> const Kind *last_of(const std::vector<Imager> &imagers) {
     return nullptr;
 }
 
-// Notes which entity is being made, while it is.
-class BeingMade {
-  public:
-    BeingMade(VtLong &where, VtLong id) : noted(where) { noted = id; }
-    ~BeingMade() { noted = 0; }
-    BeingMade(const BeingMade &) = delete;
-    BeingMade &operator=(const BeingMade &) = delete;
-
-  private:
-    VtLong &noted;
-};
-
 } // namespace
 
 void Registry::create(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list) {
     const CallReport call(report, words_of(kind).call, type_name);
-    const BeingMade made(being_made, id);
-    Entry &entry = entries.insert_or_assign(id, Entry{kind, -1}).first->second;
+    // Only now is there something to be named: nothing is made of itself.
+    entries.insert_or_assign(id, Entry{kind, made(id, kind, type_name, list, call)});
+}
 
+int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list, const CallReport &call) {
     // The one kind that has no types: its name is that of a file.
     if (kind == EntityKind::Texture) {
         if (type_name)
-            entry.index = appended(textures, texture_files.open(type_name, call));
-        else
-            call.diagnostic("no picture file is named");
-        return;
+            return appended(textures, texture_files.open(type_name, call));
+        call.diagnostic("no picture file is named");
+        return -1;
     }
 
     const Type *type = find_type(kind, type_name, call);
     if (!type)
-        return;
+        return -1;
     const Parameters parameters = read_parameters(*type, list, call);
     if (!parameters.is_complete())
-        return;
+        return -1;
 
     switch (kind) {
     case EntityKind::Camera:
@@ -69,28 +58,28 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
         break;
     case EntityKind::Imager:
         if (std::optional<Imager> imager = make_imager(*type, parameters, call))
-            entry.index = appended(imagers, std::move(*imager));
+            return appended(imagers, std::move(*imager));
         break;
     case EntityKind::Interface:
-        entry.index = appended(interfaces, make_scattering(*type, parameters));
-        break;
-    case EntityKind::Light:
+        return appended(interfaces, make_scattering(*type, parameters));
+    case EntityKind::Light: {
         if ((type->name == "point" || type->name == "spot") && !is_in_reach(parameters, call))
             break;
         if (type->name != "area" && !is_placeable())
             break;
         ++changes;
-        entry.index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
+        const int index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
         if (all_lights.back().is_area())
-            current_area_light = entry.index;
-        break;
+            current_area_light = index;
+        return index;
+    }
     case EntityKind::Material:
         if (std::optional<Material> material = find_material(*type, parameters, call))
-            entry.index = appended(materials, std::move(*material));
+            return appended(materials, std::move(*material));
         break;
     case EntityKind::Object:
         if (std::optional<Object> object = find_object(id, *type, parameters, call))
-            entry.index = appended(objects, std::move(*object));
+            return appended(objects, std::move(*object));
         break;
     case EntityKind::Pattern: {
         const auto find_used = [&](std::string_view name) { return find_pattern(parameters, name, call); };
@@ -99,23 +88,23 @@ void Registry::create(VtLong id, EntityKind kind, const char *type_name, const V
             return index < 0 ? nullptr : textures[static_cast<std::size_t>(index)];
         };
         if (std::optional<Pattern> pattern = make_pattern(*type, parameters, find_used, find_texture, call))
-            entry.index = appended(patterns, std::move(*pattern));
+            return appended(patterns, std::move(*pattern));
         break;
     }
     case EntityKind::Interior:
         if (interiors.size() < most_interiors)
-            entry.index = appended(interiors, make_medium(parameters, call));
-        else
-            call.diagnostic(
-                joined({"there are ", std::to_string(most_interiors), " interiors already, which is the most"}));
+            return appended(interiors, make_medium(parameters, call));
+        call.diagnostic(
+            joined({"there are ", std::to_string(most_interiors), " interiors already, which is the most"}));
         break;
     case EntityKind::Trimmer:
         if (std::optional<Trimmer> trimmer = make_trimmer(*type, parameters, call))
-            entry.index = appended(trimmers, std::move(*trimmer));
+            return appended(trimmers, std::move(*trimmer));
         break;
     case EntityKind::Texture:
         break;
     }
+    return -1;
 }
 
 bool Registry::is_in_reach(const Parameters &parameters, const CallReport &call) const {
@@ -177,7 +166,7 @@ const Pattern *Registry::find_pattern(const Parameters &parameters, std::string_
 
 std::string Registry::why_wrong(VtLong id, EntityKind kind) const {
     const auto found = entries.find(id);
-    if (found == entries.end() || id == being_made)
+    if (found == entries.end())
         return joined({"no entity has the id ", std::to_string(id)});
     if (found->second.kind != kind)
         return joined({"id ", std::to_string(id), " is ", words_of(found->second.kind).noun});

@@ -93,6 +93,9 @@ class Registry {
     bool is_placeable() const { return transforms.empty() || transforms.back().is_usable; }
     VtTransform current_transform() const;
 
+    // The index of a new entity among those of its kind; -1 if nothing came of it.
+    int made(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list, const CallReport &call);
+
     // Whether a camera or light can stand at its position under the current transform; reported if it is too far.
     bool is_in_reach(const Parameters &parameters, const CallReport &call) const;
 
@@ -118,7 +121,6 @@ class Registry {
 
     Report &report;
     VtLong last_id = 0;
-    VtLong being_made = 0; // not there yet to be named; 0 for none
     std::unordered_map<VtLong, Entry> entries;
 
     std::optional<Camera> current_camera;

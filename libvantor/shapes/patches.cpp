@@ -51,10 +51,6 @@ struct Side {
     }
 };
 
-VtVector3 crossed(const VtVector3 &a, const VtVector3 &b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
 class Grid {
   public:
     Grid(std::vector<VtVector3> all_points, Side along_u, Side along_v)
@@ -103,7 +99,7 @@ class Grid {
     VtVector3 normal_at(Place at_u, Place at_v) const {
         const VtVector3 along_u = combined(at_u, at_v, u.spline.slopes(at_u.t), v.spline.weights(at_v.t));
         const VtVector3 along_v = combined(at_u, at_v, u.spline.weights(at_u.t), v.spline.slopes(at_v.t));
-        return crossed(along_u, along_v);
+        return cross(along_u, along_v);
     }
 
     std::vector<VtVector3> points; // row after row

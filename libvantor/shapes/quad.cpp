@@ -6,8 +6,6 @@ namespace vantor {
 namespace {
 
 VtVector3 sum(const VtVector3 &a, const VtVector3 &b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
-VtVector3 difference(const VtVector3 &a, const VtVector3 &b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-
 } // namespace
 
 std::optional<QuadOrMesh> make_quad(const Parameters &parameters, const CallReport &report) {

@@ -299,10 +299,6 @@ bool Parameters::is_complete() const {
 
 const Type *find_type(EntityKind kind, const char *name, const CallReport &report) {
     const EntityWords &words = words_of(kind);
-    if (words.types.empty()) {
-        report.diagnostic(joined({"unknown type (", words.plural, " have no types yet)"}));
-        return nullptr;
-    }
     for (const Type &type : words.types)
         if (name && type.name == name)
             return &type;

@@ -1,6 +1,7 @@
 // The reader: a parameter list against the table of its type.
 #pragma once
 
+#include "libvantor/base/numbers.h"
 #include "libvantor/base/report.h"
 #include "libvantor/words/vocabulary.h"
 #include "renderer/vt_arg_list.h"
@@ -18,6 +19,7 @@ class Parameters {
 
     double number(std::string_view name) const { return find(name).numbers[0]; }
     VtVector3 vector(std::string_view name) const;
+    Color color(std::string_view name) const { return to_color(vector(name)); }
     VtVector3 fallback(std::string_view name) const; ///< Of a value that turns out to be of no use.
     const char *text(std::string_view name) const { return find(name).given->Text(); }
     VtLong integer(std::string_view name) const { return static_cast<VtLong>(number(name)); }

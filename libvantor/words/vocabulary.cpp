@@ -10,16 +10,16 @@ namespace {
 // Made at the first use: the tables stand in other files, whose order at start is nobody's.
 std::span<const EntityWords> all_words() {
     static const EntityWords words[] = {
-        {EntityKind::Camera, "newCamera", "a camera", "cameras", words::camera_types()},
-        {EntityKind::Imager, "newImager", "an imager", "imagers", words::imager_types()},
-        {EntityKind::Interface, "newInterface", "an interface", "interfaces", words::interface_types()},
-        {EntityKind::Interior, "newInterior", "an interior", "interiors", words::interior_types()},
-        {EntityKind::Light, "newLight", "a light", "lights", words::light_types()},
-        {EntityKind::Material, "newMaterial", "a material", "materials", words::material_types()},
-        {EntityKind::Object, "newObject", "an object", "objects", words::object_types()},
-        {EntityKind::Pattern, "newPattern", "a pattern", "patterns", words::pattern_types()},
-        {EntityKind::Texture, "newTexture", "a texture", "textures", {}},
-        {EntityKind::Trimmer, "newTrimmer", "a trimmer", "trimmers", words::trimmer_types()},
+        {EntityKind::Camera, "newCamera", "a camera", words::camera_types()},
+        {EntityKind::Imager, "newImager", "an imager", words::imager_types()},
+        {EntityKind::Interface, "newInterface", "an interface", words::interface_types()},
+        {EntityKind::Interior, "newInterior", "an interior", words::interior_types()},
+        {EntityKind::Light, "newLight", "a light", words::light_types()},
+        {EntityKind::Material, "newMaterial", "a material", words::material_types()},
+        {EntityKind::Object, "newObject", "an object", words::object_types()},
+        {EntityKind::Pattern, "newPattern", "a pattern", words::pattern_types()},
+        {EntityKind::Texture, "newTexture", "a texture", {}},
+        {EntityKind::Trimmer, "newTrimmer", "a trimmer", words::trimmer_types()},
     };
     return words;
 }

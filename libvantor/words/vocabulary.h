@@ -74,7 +74,6 @@ struct EntityWords {
     EntityKind kind;
     std::string_view call; ///< As a script writes it: "newCamera".
     std::string_view noun; ///< With its article: "a camera".
-    std::string_view plural;
     std::span<const Type> types;
 };
 

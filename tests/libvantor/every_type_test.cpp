@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 
 namespace {
 
@@ -369,79 +370,80 @@ Means means_of(const Pixels &pixels) {
     return means;
 }
 
+// What a new type needs above, or one after a change that is meant to be seen; and its picture in the folder
+// "every_type", to be looked at first.
+std::string as_known(const TypeScene &type) {
+    Scene scene;
+    type.make(scene);
+    const Pixels few = scene.render(side, side, samples);
+    const Pixels many = scene.render(side, side, 64 * samples);
+    const Means means = means_of(many);
+    double error = 0;
+    for (std::size_t c = 0; c < 3; ++c) {
+        double squares = 0;
+        for (std::size_t i = 0; i < few.values.size(); ++i)
+            squares += std::pow(few.values[i][c] - many.values[i][c], 2);
+        error = std::max(error, std::sqrt(squares) / (side * side));
+    }
+
+    std::filesystem::create_directory("every_type");
+    const std::string path = std::string("every_type/") + type.call + "_" + type.type + ".png";
+    List list("name", path);
+    scene.ImagerBegin(scene.NewImager("file", list));
+    scene.Render(5 * side, 5 * side, 4 * samples, 0, 0, 1, 1);
+    scene.ImagerEnd();
+
+    std::array<char, 256> row{};
+    std::snprintf(row.data(), row.size(), R"({"%s", "%s", {{%.5f, %.5f, %.5f}, {%.5f, %.5f, %.5f, %.5f}}, %.6f},)",
+                  type.call, type.type, means.channels[0], means.channels[1], means.channels[2], means.quarters[0],
+                  means.quarters[1], means.quarters[2], means.quarters[3], error);
+    return "the picture in " + path + " has " + row.data();
+}
+
 bool is(const char *call, const char *type, const vantor::EntityWords &words, const vantor::Type &of_words) {
     return words.call == call && of_words.name == type;
 }
 
-class EveryType : public testing::Test {
-  protected:
-    // Calls work(scene, what is known) for each type.
-    template <class Work> void for_each_type(Work work) {
-        for (const vantor::EntityWords &words : vantor::vocabulary())
-            for (const vantor::Type &type : words.types) {
-                SCOPED_TRACE(testing::Message() << words.call << " \"" << type.name << '"');
-                const auto is_it = [&](const auto &entry) { return is(entry.call, entry.type, words, type); };
-                const auto scene = std::ranges::find_if(scenes, is_it);
-                const auto entry = std::ranges::find_if(known, is_it);
-                if (scene == std::end(scenes))
-                    ADD_FAILURE() << "the type has no scene here";
-                else
-                    work(*scene, entry == std::end(known) ? nullptr : entry);
-            }
-    }
-};
-
-TEST_F(EveryType, LooksAsItDid) {
-    for_each_type([](const TypeScene &type, const Known *expected) {
-        Pixels pixels;
-        EXPECT_EQ(scripted::errors_of([&] {
-                      Scene scene;
-                      type.make(scene);
-                      pixels = scene.render(side, side, samples);
-                  }),
-                  "");
-        ASSERT_EQ(pixels.values.size(), std::size_t{side * side});
-        if (!expected) {
-            ADD_FAILURE() << "the type has no known means; EveryType.DISABLED_PrintsTheMeans prints them all";
-            return;
-        }
-        // Five standard errors. Pixels complete each other, so that the error of a mean is less than it would be of
-        // independent ones; a quarter has a fourth of the pixels.
-        const Means means = means_of(pixels);
-        for (std::size_t c = 0; c < 3; ++c)
-            EXPECT_NEAR(means.channels[c], expected->means.channels[c], 5 * expected->error) << "channel " << c;
-        for (std::size_t q = 0; q < 4; ++q)
-            EXPECT_NEAR(means.quarters[q], expected->means.quarters[q], 10 * expected->error) << "quarter " << q;
-    });
+void expect_known_means(const TypeScene &type, const Known &expected) {
+    Pixels pixels;
+    EXPECT_EQ(scripted::errors_of([&] {
+                  Scene scene;
+                  type.make(scene);
+                  pixels = scene.render(side, side, samples);
+              }),
+              "");
+    ASSERT_EQ(pixels.values.size(), std::size_t{side * side});
+    // Five standard errors. Pixels complete each other, so that the error of a mean is less than it would be of
+    // independent ones; a quarter has a fourth of the pixels.
+    const Means means = means_of(pixels);
+    for (std::size_t c = 0; c < 3; ++c)
+        EXPECT_NEAR(means.channels[c], expected.means.channels[c], 5 * expected.error) << "channel " << c;
+    for (std::size_t q = 0; q < 4; ++q)
+        EXPECT_NEAR(means.quarters[q], expected.means.quarters[q], 10 * expected.error) << "quarter " << q;
 }
 
-// For a new type, or after a change that is meant to be seen: prints what stands above, and writes the pictures into
-// the folder "every_type", to be looked at.
-TEST_F(EveryType, DISABLED_PrintsTheMeans) {
-    std::filesystem::create_directory("every_type");
-    for_each_type([](const TypeScene &type, const Known *) {
-        Scene scene;
-        type.make(scene);
-        const Pixels few = scene.render(side, side, samples);
-        const Pixels many = scene.render(side, side, 64 * samples);
-        const Means means = means_of(many);
-        double error = 0;
-        for (std::size_t c = 0; c < 3; ++c) {
-            double squares = 0;
-            for (std::size_t i = 0; i < few.values.size(); ++i)
-                squares += std::pow(few.values[i][c] - many.values[i][c], 2);
-            error = std::max(error, std::sqrt(squares) / (side * side));
-        }
-        std::printf("    {\"%s\", \"%s\", {{%.5f, %.5f, %.5f}, {%.5f, %.5f, %.5f, %.5f}}, %.6f},\n", type.call,
-                    type.type, means.channels[0], means.channels[1], means.channels[2], means.quarters[0],
-                    means.quarters[1], means.quarters[2], means.quarters[3], error);
+// Of the running test, so far: successes are not recorded.
+int failures() { return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count(); }
 
-        const std::string path = std::string("every_type/") + type.call + "_" + type.type + ".png";
-        List list("name", path);
-        scene.ImagerBegin(scene.NewImager("file", list));
-        scene.Render(5 * side, 5 * side, 4 * samples, 0, 0, 1, 1);
-        scene.ImagerEnd();
-    });
+TEST(EveryType, LooksAsItDid) {
+    for (const vantor::EntityWords &words : vantor::vocabulary())
+        for (const vantor::Type &type : words.types) {
+            SCOPED_TRACE(testing::Message() << words.call << " \"" << type.name << '"');
+            const auto is_it = [&](const auto &entry) { return is(entry.call, entry.type, words, type); };
+            const auto scene = std::ranges::find_if(scenes, is_it);
+            const auto expected = std::ranges::find_if(known, is_it);
+            if (scene == std::end(scenes)) {
+                ADD_FAILURE() << "the type has no scene here";
+                continue;
+            }
+            const int failures_before = failures();
+            if (expected == std::end(known))
+                ADD_FAILURE() << "the type has no known means";
+            else
+                expect_known_means(*scene, *expected);
+            if (failures() > failures_before)
+                ADD_FAILURE() << as_known(*scene);
+        }
 }
 
 } // namespace

@@ -44,8 +44,6 @@ std::string tables() {
         page += joined({"\n## `", words.call, "`\n"});
         if (words.kind == vantor::EntityKind::Texture)
             page += "\nTakes the path of a picture file: PNG, JPEG or OpenEXR.\n";
-        else if (words.types.empty())
-            page += joined({"\nThere are no ", words.plural, " yet. Every type is reported, and gets an id.\n"});
         for (const vantor::Type &type : words.types) {
             page += joined({"\n### `\"", type.name, "\"`\n\n", type.meaning, "\n\n",
                             "| parameter | value | unit | range | default | meaning |\n",
