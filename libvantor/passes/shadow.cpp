@@ -30,8 +30,7 @@ bool go_on(Walk &walk, const Hit &hit, const World &world, Color &fraction) {
         fraction *= world.media_of(walk.media).transmittance(arrives ? walk.left : hit.distance);
     if (arrives)
         return false;
-    const Surface surface(hit, walk.ray.direction, world);
-    fraction = fraction * (1 - surface.opacity());
+    fraction = fraction * (1 - opacity_at(hit, walk.ray.direction, world));
     if (is_black(fraction))
         return false;
     cross_surface(walk.media, world.placements[hit.placement], hit, walk.ray.direction);

@@ -21,30 +21,54 @@ Pair footprint_of(float length_seen, const SurfaceParameters &parameters) {
     return {in_u > 0 ? length_seen / in_u : 0.0f, in_v > 0 ? length_seen / in_v : 0.0f};
 }
 
+// A hit in the space of its object, where patterns lie.
+struct HitInObject {
+    Affine world_from_object;
+    float scale; // of lengths, about
+    SurfaceParameters parameters;
+    PatternPoint at;
+
+    HitInObject(const Hit &hit, const Placement &placement)
+        : world_from_object(placement.map(hit.place)), scale(std::cbrt(std::fabs(world_from_object.determinant))) {
+        const Vec3 point = world_from_object.point_back(hit.point);
+        parameters = parameters_at(placement.object->shape, hit.primitive, hit.on_primitive, point);
+        const bool has_uv = std::isfinite(parameters.uv.u + parameters.uv.v);
+        at = {has_uv ? parameters.uv : Pair(), point, footprint_of(pixel_angle * hit.distance / scale, parameters)};
+    }
+};
+
+bool is_there(const Variation &variation, bool is_front) { return variation.is_two_sided || is_front; }
+
 } // namespace
+
+float opacity_at(const Hit &hit, Vec3 arriving, const World &world) {
+    const Placement &placement = world.placements[hit.placement];
+    const Variation *variation = placement.material->variation.get();
+    if (!variation)
+        return 1;
+    if (!is_there(*variation, is_at_front(hit, arriving)))
+        return 0;
+    const bool is_constant = !variation->opacity.pattern;
+    return fraction(is_constant ? variation->opacity.number
+                                : vantor::evaluate(variation->opacity, HitInObject(hit, placement).at));
+}
 
 void Surface::vary(const Hit &hit, const Placement &placement) {
     static const Variation none;
     const Variation &variation = placement.material->variation ? *placement.material->variation : none;
-    if (!variation.is_two_sided && !is_front) {
+    if (!is_there(variation, is_front)) {
         opaque_share = 0;
         return;
     }
-    const Affine world_from_object = placement.map(hit.place);
-    const Vec3 point = world_from_object.point_back(hit.point);
-    const SurfaceParameters parameters = parameters_at(placement.object->shape, hit.primitive, hit.on_primitive, point);
-    const float scale = std::cbrt(std::fabs(world_from_object.determinant));
-    const bool has_uv = std::isfinite(parameters.uv.u + parameters.uv.v);
-    const PatternPoint at{has_uv ? parameters.uv : Pair(), point,
-                          footprint_of(pixel_angle * hit.distance / scale, parameters)};
-
+    const HitInObject in_object(hit, placement);
+    const PatternPoint &at = in_object.at;
     opaque_share = fraction(vantor::evaluate(variation.opacity, at));
     if (opaque_share == 0)
         return;
     if (variation.bump || variation.normal_map) {
         // About half of what a pixel sees, and enough to be beyond rounding.
-        const float step = 128 * hit.clearance / scale;
-        const ReliefPoint relief{world_from_object, parameters, at, hit.geometric_normal, step};
+        const float step = 128 * hit.clearance / in_object.scale;
+        const ReliefPoint relief{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
         frame = Frame(bent_normal(relief, variation, hit.shading_normal));
     }
     varied = *scattering;
@@ -52,7 +76,7 @@ void Surface::vary(const Hit &hit, const Placement &placement) {
     if (variation.color)
         set_color(*varied, fraction(vantor::evaluate(*variation.color, at)));
     if (placement.object->has_colors)
-        tint(*varied, fraction(parameters.color));
+        tint(*varied, fraction(in_object.parameters.color));
     if (variation.roughness)
         set_roughness(*varied, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
 }

@@ -6,12 +6,17 @@
 
 namespace vantor {
 
+inline bool is_at_front(const Hit &hit, Vec3 arriving) { return dot(hit.geometric_normal, arriving) < 0; }
+
+/// The share of light that meets the surface at a hit, 0 to 1; the rest passes straight through.
+float opacity_at(const Hit &hit, Vec3 arriving, const World &world);
+
 /// The surface at a hit: where its sides are, and how it scatters.
 class Surface {
   public:
     Surface(const Hit &hit, Vec3 arriving, const World &world)
-        : frame(hit.shading_normal), is_front(dot(hit.geometric_normal, arriving) < 0),
-          geometric_normal(hit.geometric_normal), scattering(&world.placements[hit.placement].material->scattering) {
+        : frame(hit.shading_normal), is_front(is_at_front(hit, arriving)), geometric_normal(hit.geometric_normal),
+          scattering(&world.placements[hit.placement].material->scattering) {
         const Placement &placement = world.placements[hit.placement];
         if (placement.material->variation || placement.object->has_colors)
             vary(hit, placement);
@@ -24,7 +29,7 @@ class Surface {
     bool is_specular() const { return vantor::is_specular(*scattering); }
     bool is_diffuse() const { return std::holds_alternative<Diffuse>(*scattering); }
 
-    /// The share of light that meets the surface, 0 to 1; the rest passes straight through.
+    /// As opacity_at().
     float opacity() const { return opaque_share; }
 
     Color albedo() const { return vantor::albedo(*scattering); }
