@@ -18,7 +18,7 @@ import samples
 from expectations import Expectations
 from module_under_test import vantorPM
 from native_parts import block_counts, container
-from samples import METHODS
+from names import METHODS
 
 
 class Chain:

@@ -12,7 +12,7 @@ import unittest
 import samples
 from expectations import Expectations
 from module_under_test import vantorPM
-from samples import ARRAYS, MATRICES, VECTORS
+from names import ARRAYS, MATRICES, SEQUENCES, VECTORS
 
 BEYOND_32_BITS = [
     2**31,
@@ -229,13 +229,13 @@ class BadInputTests(Expectations):
         value = make()
         before = (
             repr(value),
-            samples.numbers(value) if type(value).__name__ in samples.SEQUENCES else None,
+            samples.numbers(value) if type(value).__name__ in SEQUENCES else None,
         )
         with self.subTest(label, number=number):
             self.assert_fails(kind, pattern, call, value, number)
             after = (
                 repr(value),
-                samples.numbers(value) if type(value).__name__ in samples.SEQUENCES else None,
+                samples.numbers(value) if type(value).__name__ in SEQUENCES else None,
             )
             self.assertEqual(after, before)
 

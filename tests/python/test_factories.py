@@ -10,6 +10,7 @@ import sys
 import unittest
 
 import recording
+from names import ARRAYS, ARRAYS_OF_OBJECTS
 
 # Everything that makes an object, as it is called.
 CONSTRUCTORS = [
@@ -22,25 +23,7 @@ CONSTRUCTORS = [
     ("BSplineBasis", ()),
     ("CatmullRomBasis", ()),
     ("HermiteBasis", ()),
-    ("intarray", ()),
-    ("floatarray", ()),
-    ("vector2array", ()),
-    ("vector3array", ()),
-    ("vector4array", ()),
-    ("matrix2array", ()),
-    ("matrix3array", ()),
-    ("matrix4array", ()),
-    ("transformarray", ()),
-]
-ARRAYS_OF_OBJECTS = [
-    "vector2array",
-    "vector3array",
-    "vector4array",
-    "matrix2array",
-    "matrix3array",
-    "matrix4array",
-    "transformarray",
-]
+] + [(name, ()) for name in ARRAYS]
 
 factories = None
 

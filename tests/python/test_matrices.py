@@ -8,7 +8,7 @@ import samples
 from expectations import Expectations
 from module_under_test import vantorPM
 from native_parts import doubles
-from samples import METHODS
+from names import METHODS
 
 
 class MatrixTests(Expectations):

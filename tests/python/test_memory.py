@@ -3,7 +3,7 @@
 import unittest
 
 from scripts import Scripts
-from samples import ARRAYS
+from names import ARRAYS
 
 # Limits the address space to what the process has and 192 MiB more.
 PROLOGUE = """

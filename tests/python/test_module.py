@@ -9,6 +9,7 @@ import unittest
 
 from expectations import Expectations
 from module_under_test import vantorPM
+from names import ARRAYS
 from scripts import Scripts
 
 FUNCTIONS = [
@@ -30,16 +31,7 @@ FUNCTIONS = [
     "BSplineStep",
     "CatmullRomStep",
     "HermiteStep",
-    "intarray",
-    "floatarray",
-    "vector2array",
-    "vector3array",
-    "vector4array",
-    "matrix2array",
-    "matrix3array",
-    "matrix4array",
-    "transformarray",
-]
+] + ARRAYS
 
 # These never look at what they are given.
 WITHOUT_ARGUMENTS = ["transform"] + FUNCTIONS[FUNCTIONS.index("BezierBasis") :]

@@ -7,7 +7,7 @@ import unittest
 
 import samples
 from module_under_test import vantorPM
-from samples import ARRAYS, CREATION, MATRICES, VECTORS
+from names import ARRAYS, CREATION, MATRICES, VECTORS
 
 ROW_OF = {"matrix2": "vector2", "matrix3": "vector3", "matrix4": "vector4"}
 ELEMENT_OF = {

@@ -11,6 +11,7 @@ import unittest
 from textwrap import dedent
 
 import recording
+from names import ARRAYS
 from recording import record, run
 
 # An empty list, one list element: what surrounds an operation.
@@ -604,18 +605,7 @@ class ParameterTest(RendererCalls):
         )
 
     def test_an_array_is_the_objects_own_container_whatever_its_size(self):
-        names = (
-            "intarray",
-            "floatarray",
-            "vector2array",
-            "vector3array",
-            "vector4array",
-            "matrix2array",
-            "matrix3array",
-            "matrix4array",
-            "transformarray",
-        )
-        for name in names:
+        for name in ARRAYS:
             with self.subTest(name=name):
                 finished = record(
                     """

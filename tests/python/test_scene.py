@@ -11,7 +11,7 @@ import unittest
 import samples
 from expectations import Expectations
 from module_under_test import vantorPM
-from samples import CREATION, METHODS
+from names import ARRAYS, CREATION, METHODS
 
 MESSAGE = "scene object has not been initialized"
 
@@ -76,7 +76,7 @@ def supported():
     values = samples.one_of_each()
     del values["scene"]
     elements = list(values.values())
-    elements += [getattr(vantorPM, name)() for name in samples.ARRAYS]
+    elements += [getattr(vantorPM, name)() for name in ARRAYS]
     elements += [
         1,
         0,
@@ -553,7 +553,7 @@ class ParameterListTest(SceneTestCase):
         self.assertEqual((str(vector), str(array)), ("vector3( 9, 2, 3 )", "[intarray ]"))
 
     def test_empty_and_negative_arrays_are_passed(self):
-        for name in samples.ARRAYS:
+        for name in ARRAYS:
             make = getattr(vantorPM, name)
             filled = samples.MAKE[name]()
             for array in [make(), make().setSize(-1), filled.setSize(-1), make().setSize(1000)]:

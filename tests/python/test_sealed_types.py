@@ -12,7 +12,7 @@ import weakref
 import samples
 from expectations import Expectations
 from native_parts import doubles
-from samples import METHODS, SEQUENCES
+from names import METHODS, SEQUENCES
 
 OTHER_SLOTS = [
     "__call__",

@@ -9,7 +9,7 @@ import samples
 from expectations import Expectations
 from module_under_test import vantorPM
 from native_parts import doubles, transform_of
-from samples import METHODS
+from names import METHODS
 
 ZERO = [0.0] * 16
 IDENTITY = [1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0]

@@ -10,7 +10,7 @@ import unittest
 from expectations import Expectations
 from module_under_test import vantorPM
 from native_parts import doubles
-from samples import METHODS
+from names import METHODS
 
 NAN = math.nan
 INF = math.inf
