@@ -8,7 +8,7 @@ using namespace words;
 
 namespace {
 
-constexpr Parameter position{"position", ValueKind::Vector3,       coordinate, Presence::Default, {0, 0, 0},
+constexpr Parameter position{"position", ValueKind::Vector3,       coordinate, Presence::Default, value(0, 0, 0),
                              "length",   "where the camera stands"};
 constexpr Parameter target{"target",
                            ValueKind::Vector3,
@@ -17,14 +17,19 @@ constexpr Parameter target{"target",
                            none,
                            "length",
                            "the point that it looks at; left out, it looks along -Z"};
-constexpr Parameter up{
-    "up", ValueKind::Vector3, direction, Presence::Default, {0, 1, 0}, "", "the direction that is up in the picture"};
+constexpr Parameter up{"up",
+                       ValueKind::Vector3,
+                       direction,
+                       Presence::Default,
+                       value(0, 1, 0),
+                       "",
+                       "the direction that is up in the picture"};
 
 constexpr Parameter orthographic_parameters[] = {
     position,
     target,
     up,
-    {"height", ValueKind::Number, size, Presence::Default, {1}, "length", "how much the picture's height shows"},
+    {"height", ValueKind::Number, size, Presence::Default, value(1), "length", "how much the picture's height shows"},
 };
 constexpr Parameter panorama_parameters[] = {position, target, up};
 
@@ -33,15 +38,10 @@ constexpr Parameter perspective_parameters[] = {
     position,
     target,
     up,
-    {"fov", ValueKind::Number, field_of_view, Presence::Default, {45}, "degrees", "field of view"},
+    {"fov", ValueKind::Number, field_of_view, Presence::Default, value(45), "degrees", "field of view"},
     {"fov_axis", ValueKind::Choice, any, Presence::Default, none, "",
      "the side of the picture that the field of view spans", fov_axes},
-    {"aperture_radius",
-     ValueKind::Number,
-     aperture,
-     Presence::Default,
-     {0},
-     "length",
+    {"aperture_radius", ValueKind::Number, aperture, Presence::Default, value(0), "length",
      "the radius of the lens; 0 is a pinhole, with which everything is sharp"},
     {"focus_distance", ValueKind::Number, size, Presence::Optional, none, "length",
      "how far along the view axis pictures are sharp; left out, at the target, or 1 without a target"},

@@ -1,4 +1,4 @@
-// Ranges: the numbers that the tables of the vocabulary allow.
+// Ranges: the numbers that the tables of the vocabulary allow; and how their defaults are written.
 #pragma once
 
 #include "libvantor/words/vocabulary.h"
@@ -32,5 +32,8 @@ inline constexpr Range column_count{.low = 1.0, .high = 1e9, .text = "1 or more"
 inline constexpr Range division_count{.low = 1.0, .high = 256.0, .text = "1 to 256"};
 
 inline constexpr std::array<double, 3> none{};
+
+/// A default: of a number, or of a vector or colour.
+constexpr std::array<double, 3> value(double x, double y = 0, double z = 0) { return {x, y, z}; }
 
 } // namespace vantor::words

@@ -11,19 +11,9 @@ namespace {
 constexpr std::string_view sides[] = {"inside", "outside"};
 
 constexpr Parameter box_parameters[] = {
-    {"min",
-     ValueKind::Vector3,
-     coordinate,
-     Presence::Default,
-     {-1, -1, -1},
-     "length",
+    {"min", ValueKind::Vector3, coordinate, Presence::Default, value(-1, -1, -1), "length",
      "the corner with the least coordinates"},
-    {"max",
-     ValueKind::Vector3,
-     coordinate,
-     Presence::Default,
-     {1, 1, 1},
-     "length",
+    {"max", ValueKind::Vector3, coordinate, Presence::Default, value(1, 1, 1), "length",
      "the corner with the greatest coordinates"},
     {"keep", ValueKind::Choice, any, Presence::Default, none, "", "which part stays", sides},
 };
@@ -37,13 +27,8 @@ constexpr Parameter curve_parameters[] = {
     {"keep", ValueKind::Choice, any, Presence::Default, none, "", "which part stays", sides},
 };
 constexpr Parameter plane_parameters[] = {
-    {"point", ValueKind::Vector3, coordinate, Presence::Default, {0, 0, 0}, "length", "a point of the plane"},
-    {"normal",
-     ValueKind::Vector3,
-     direction,
-     Presence::Default,
-     {0, 1, 0},
-     "",
+    {"point", ValueKind::Vector3, coordinate, Presence::Default, value(0, 0, 0), "length", "a point of the plane"},
+    {"normal", ValueKind::Vector3, direction, Presence::Default, value(0, 1, 0), "",
      "the side that is cut away, of any length"},
 };
 constexpr Type trimmers_table[] = {
