@@ -18,6 +18,7 @@ enum Dimension : std::uint32_t {
     lobe,
     passage,
     flight_distance,
+    lit_distance,
     dimensions_per_step
 };
 
@@ -88,10 +89,13 @@ struct Numbers {
     Pair next_direction;
 };
 
+double light_choice_of(const Numbers &numbers, const World &world) {
+    return world.lights.has_choice() ? numbers.sampler.single(numbers.dimension + light_choice) : 0.0;
+}
+
 // A sampled point of a sampled light, as seen from a point of the path; false if none can arrive.
 bool sample_light(const Numbers &numbers, Vec3 reference, const World &world, LightSample &light) {
-    const double choice = world.lights.has_choice() ? numbers.sampler.single(numbers.dimension + light_choice) : 0.0;
-    return world.lights.sample(reference, choice, numbers.light_point, light);
+    return world.lights.sample(reference, light_choice_of(numbers, world), numbers.light_point, light);
 }
 
 // Notes what a sampled light brings if it arrives at `from`: value * cosine * radiance / density.
@@ -204,16 +208,48 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
     return leave(path, hit.origin_towards(next.in), next.in);
 }
 
-bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, const Numbers &numbers, const World &world,
-                       SampledLight &direct) {
+// Light of the chosen light that is scattered once at a point of the ray.
+void add_scattered_light(Path &path, const Medium &medium, Vec3 point, const Numbers &numbers, const World &world,
+                         SampledLight &direct) {
+    LightSample light;
+    if (!sample_light(numbers, point, world, light))
+        return;
+    const float phase = medium.phase(dot(path.ray.direction, light.to_light));
+    add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, world, direct);
+}
+
+// The chosen light, if it shines from a single point, lights the whole ray; most of that comes from next to the light,
+// where few flights end. So the point that is lit is chosen apart from the flight, by equal angles as the light sees
+// them: Kulla, Fajardo, "Importance Sampling Techniques for Path Tracing in Participating Media", 2012.
+void light_the_ray(Path &path, const Medium &medium, Vec3 light, float length, const Numbers &numbers,
+                   const World &world, SampledLight &direct) {
+    const float nearest = dot(light - path.ray.origin, path.ray.direction);
+    const Vec3 across = path.ray.origin + path.ray.direction * nearest - light;
+    const float squared_height = dot(across, across);
+    const float height = std::sqrt(squared_height);
+    if (!(height > 0))
+        return;
+    const float first = std::atan2(-nearest, height);
+    const float last = std::atan2(length - nearest, height);
+    const float number = numbers.sampler.pair(numbers.dimension + lit_distance).u;
+    const float beyond = height * std::tan(first + (last - first) * number);
+    const float distance = nearest + beyond;
+    if (!(distance > 0 && distance < length))
+        return;
+    const float inverse_density = (last - first) * (squared_height + beyond * beyond) / height;
+    const Color before = path.throughput;
+    path.throughput *= medium.scattering * medium.transmittance(distance) * inverse_density;
+    add_scattered_light(path, medium, path.ray.origin + path.ray.direction * distance, numbers, world, direct);
+    path.throughput = before;
+}
+
+bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, bool is_ray_lit, const Numbers &numbers,
+                       const World &world, SampledLight &direct) {
     if (!may_scatter(path, world))
         return false;
     const Vec3 before = path.ray.direction;
-    LightSample light;
-    if (sample_light(numbers, point, world, light)) {
-        const float phase = medium.phase(dot(before, light.to_light));
-        add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, world, direct);
-    }
+    if (!is_ray_lit)
+        add_scattered_light(path, medium, point, numbers, world, direct);
 
     const Vec3 direction = medium.sample_direction(before, numbers.next_direction);
     if (!survives_roulette(path, numbers))
@@ -229,13 +265,16 @@ bool advance(Path &path, const Hit &hit, const Numbers &numbers, const World &wo
              SampledLight &direct) {
     if (path.media.innermost() != MediumStack::none) {
         const Medium &medium = world.media_of(path.media);
-        const Medium::Flight flight =
-            medium.fly(hit.exists ? hit.distance : INFINITY, numbers.sampler.pair(numbers.dimension + flight_distance));
+        const float length = hit.exists ? hit.distance : INFINITY;
+        const Vec3 *light = world.lights.position_of(light_choice_of(numbers, world));
+        if (light && !path.finds_only_lights && may_scatter(path, world))
+            light_the_ray(path, medium, *light, length, numbers, world, direct);
+        const Medium::Flight flight = medium.fly(length, numbers.sampler.pair(numbers.dimension + flight_distance));
         path.throughput *= flight.weight;
         if (flight.is_scattered)
             return !path.finds_only_lights &&
-                   scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, numbers,
-                                     world, direct);
+                   scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, light,
+                                     numbers, world, direct);
     }
     if (hit.exists)
         return meet_surface(path, hit, numbers, world, indirect, direct);

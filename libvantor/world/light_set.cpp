@@ -316,17 +316,31 @@ LightSet::Emitters LightSet::add_emitters(const Placement &placement, Color radi
     return one_for_each;
 }
 
+int LightSet::chosen_source(double choice) const {
+    if (!has_choice())
+        return is_empty() ? -1 : 0;
+    // The first share above the number. Sources without power have an empty share and are never found.
+    const auto above = std::upper_bound(shares_up_to.begin(), shares_up_to.end(), choice);
+    return above == shares_up_to.end() ? -1 : static_cast<int>(above - shares_up_to.begin()) - 1;
+}
+
+const Vec3 *LightSet::position_of(double choice) const {
+    const int chosen = chosen_source(choice);
+    if (chosen < 0)
+        return nullptr;
+    const Source &source = sources[static_cast<std::size_t>(chosen)];
+    if (const auto *point = std::get_if<PointLight>(&source))
+        return &point->position;
+    if (const auto *spot = std::get_if<SpotLight>(&source))
+        return &spot->position;
+    return nullptr;
+}
+
 bool LightSet::sample(Vec3 reference, double choice, Pair numbers, LightSample &result) const {
-    std::size_t index = 0;
-    if (has_choice()) {
-        // The first share above the number. Sources without power have an empty share and are never found.
-        const auto above = std::upper_bound(shares_up_to.begin(), shares_up_to.end(), choice);
-        if (above == shares_up_to.end())
-            return false;
-        index = static_cast<std::size_t>(above - shares_up_to.begin()) - 1;
-    } else if (is_empty()) {
+    const int found = chosen_source(choice);
+    if (found < 0)
         return false;
-    }
+    const auto index = static_cast<std::size_t>(found);
     const auto chosen = static_cast<float>(choice_density(index));
 
     result.is_distant = false;

@@ -72,6 +72,9 @@ class LightSet {
     /// One light, by its power for the most part, and a point of it. False where none of it can arrive.
     bool sample(Vec3 reference, double choice, Pair numbers, LightSample &result) const;
 
+    /// Where the light stands that sample() takes with this choice; null if it does not shine from a single point.
+    const Vec3 *position_of(double choice) const;
+
     /// The emitter at a hit, which shines from the front; -1 if nothing shines there.
     int emitter_at(const Hit &hit) const {
         const Emitters &emitters = emitters_of[hit.placement];
@@ -110,6 +113,7 @@ class LightSet {
     void add_distant(const DistantLight &light, float scene_radius);
     void add_environment(const EnvironmentLight &light, float scene_radius);
     void add(Source source, float power);
+    int chosen_source(double choice) const; // -1 for none
     double choice_density(std::size_t source) const { return shares_up_to[source + 1] - shares_up_to[source]; }
 
     // The density of the direction, and the radiance from there.

@@ -216,6 +216,34 @@ TEST(Media, BoundariesDoNotHideALightFromTheMedium) {
     EXPECT_NEAR(scene.render(16, 16, 256).mean(), 0.02, 0.002);
 }
 
+TEST(Media, LightOfAPointIsScatteredAllAlongTheRay) {
+    // A point light 0.1 beside the middle of a thin body, and rays that cross a length of 2 of it; one scattering.
+    constexpr double absorption = 0.3;
+    constexpr double scattering = 0.02;
+    Scene scene;
+    List settings("max_depth", 1);
+    scene.NewImager("settings", settings);
+    List camera("height", 1e-4, "position", VtVector3(0, 0, 4), "target", VtVector3(0, 0, 0));
+    scene.NewCamera("orthographic", camera);
+    scene.light("point", "position", VtVector3(0.1, 0, 0), "intensity", 4 * M_PI);
+    begin_boundary(scene);
+    scene.InteriorBegin(new_interior(scene, "sigma_a", absorption, "sigma_s", scattering));
+    scene.AddObject(scene.object("sphere", "radius", 1.0));
+    scene.InteriorEnd();
+    scene.MaterialEnd();
+    double expected = 0;
+    constexpr int steps = 10000; // the midpoint rule along the ray
+    for (int i = 0; i < steps; ++i) {
+        const double z = -1 + 2 * (i + 0.5) / steps;
+        const double squared_distance = z * z + 0.01;
+        const double way = 1 - z + std::sqrt(squared_distance);
+        expected += scattering * std::exp(-(absorption + scattering) * way) / squared_distance * 2 / steps;
+    }
+    // By equal angles only the transmittance varies, from 0.3 to 1; by flights, 1 of 25 paths would find any light.
+    // 1024 stratified numbers of it are right to a thousandth; shuffled ones would have a standard error of 0.5 %.
+    EXPECT_NEAR(scene.render(8, 8, 16).mean(), expected, 0.005 * expected);
+}
+
 TEST(Media, EveryRayOfAnOrthographicCameraHasItsOwn) {
     // The right half of the picture starts in an absorbing box, the left half outside of it.
     Scene scene;
