@@ -117,7 +117,7 @@ SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, 
     VtVector3 axis = parameters.vector("direction");
     if (parameters.is_given("target")) {
         const VtVector3 target = parameters.vector("target");
-        const VtVector3 to_target(target[0] - position[0], target[1] - position[1], target[2] - position[2]);
+        const VtVector3 to_target = difference(target, position);
         if (to_target.Length() > 0)
             axis = to_target;
         else
@@ -138,7 +138,7 @@ SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, 
         beam = cutoff;
     }
     return {to_float(transformed_point(position, transform)), to_float(axis), parameters.color("intensity"),
-            static_cast<float>(std::cos(radians(beam))), static_cast<float>(std::cos(radians(cutoff)))};
+            static_cast<float>(one_minus_cosine(radians(beam))), static_cast<float>(one_minus_cosine(radians(cutoff)))};
 }
 
 } // namespace

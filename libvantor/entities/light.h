@@ -17,6 +17,10 @@ struct AreaLight {
     Color radiance;
 };
 
+/// One minus the cosine of the angle between two directions of unit length: the height of a cone. Taken from their
+/// difference, as one minus their product has few digits in a narrow cone.
+inline float cone_height_between(Vec3 a, Vec3 b) { return 0.5f * dot(a - b, a - b); }
+
 /// A disk in the sky, of one radiance; or a parallel light, if it is a point there.
 struct DistantLight {
     Vec3 to_light;     ///< Unit length, in world space; the middle.
@@ -48,17 +52,18 @@ struct SpotLight {
     Vec3 position; ///< In world space.
     Vec3 axis;     ///< Unit length: the way the light in the middle travels.
     Color intensity;
-    float cos_beam;   ///< Inside this angle from the axis the intensity is whole.
-    float cos_cutoff; ///< Outside of this, there is none; not above cos_beam.
+    float beam_height;   ///< One minus the cosine of the angle from the axis within which the intensity is whole.
+    float cutoff_height; ///< Likewise of the angle beyond which there is none; not below beam_height, and above 0.
 
-    /// The share of the intensity at an angle from the axis. Between the two angles it falls by the cubic 3x^2 - 2x^3
-    /// of the cosine.
-    float falloff(float cosine) const {
-        if (cosine >= cos_beam)
+    /// The share of the intensity in a direction of unit length. Between the two angles it falls by the cubic
+    /// 3x^2 - 2x^3 of the cosine.
+    float falloff(Vec3 direction) const {
+        const float height = cone_height_between(direction, axis);
+        if (height <= beam_height)
             return 1;
-        if (cosine <= cos_cutoff)
+        if (height >= cutoff_height)
             return 0;
-        const float x = (cosine - cos_cutoff) / (cos_beam - cos_cutoff);
+        const float x = (cutoff_height - height) / (cutoff_height - beam_height);
         return x * x * (3 - 2 * x);
     }
 };

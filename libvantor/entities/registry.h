@@ -23,6 +23,9 @@ struct Placement {
     int light;                        ///< The area light that shines from it, an index of lights(); -1 for none.
     const std::vector<Place> *places; ///< Where the object stands before that transform; null if it does so once.
 
+    /// Whether its surface is not the same at every point.
+    bool varies() const { return material->variation || object->has_colors; }
+
     /// The maps of one of its places, or of all of it.
     Affine map(std::uint32_t place) const {
         return to_float(places ? composed((*places)[place].transform(), world_from_object) : world_from_object);

@@ -137,7 +137,7 @@ bool leave(Path &path, Vec3 origin, Vec3 direction) {
 }
 
 void note_features(Path &path, const Hit &hit, const Surface &surface, const Placement &placement) {
-    const Vec3 normal = surface.arrives_at_front() ? hit.shading_normal : -hit.shading_normal;
+    const Vec3 normal = surface.arrives_at_front() ? surface.shading_normal() : -surface.shading_normal();
     // Surfaces passed straight through lie on the same line.
     const float depth = length(hit.point - path.features->start);
     *path.features = {path.features->start, true, surface.albedo(), normal, hit.point, depth, placement.object->id};

@@ -7,12 +7,18 @@ namespace vantor {
 
 namespace {
 
-// Nothing but opaque surfaces in vacuum: the question is only whether there is one.
-void transmit_in_the_clear(const LightWays &ways, const Tracer &tracer, std::vector<Color> &fractions) {
+// Behind opaque surfaces there is no light, and before them no other medium: the question is whether there is one.
+void transmit_in_one_step(const LightWays &ways, const World &world, std::vector<Color> &fractions) {
     std::vector<char> are_blocked(ways.size());
-    tracer.blocked(ways.segments, are_blocked);
-    for (std::size_t i = 0; i < ways.size(); ++i)
-        fractions[i] = are_blocked[i] ? Color{} : Color{1, 1, 1};
+    world.tracer.blocked(ways.segments, are_blocked);
+    for (std::size_t i = 0; i < ways.size(); ++i) {
+        if (are_blocked[i]) {
+            fractions[i] = {};
+        } else if (ways.media[i].innermost() != MediumStack::none) {
+            const Segment &way = ways.segments[i];
+            fractions[i] = world.media_of(ways.media[i]).transmittance(way.reach * length(way.direction));
+        }
+    }
 }
 
 // A way that is being gone, surface by surface.
@@ -43,8 +49,8 @@ bool go_on(Walk &walk, const Hit &hit, const World &world, Color &fraction) {
 
 void transmit(const LightWays &ways, const World &world, std::vector<Color> &fractions) {
     fractions.assign(ways.size(), {1, 1, 1});
-    if (world.is_clear) {
-        transmit_in_the_clear(ways, world.tracer, fractions);
+    if (world.is_opaque) {
+        transmit_in_one_step(ways, world, fractions);
         return;
     }
 

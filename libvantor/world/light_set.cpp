@@ -137,7 +137,7 @@ bool sample_source(const PointLight &light, Vec3 reference, Pair, LightSample &r
 bool sample_source(const SpotLight &light, Vec3 reference, Pair numbers, LightSample &result) {
     if (!sample_source(PointLight{light.position, light.intensity}, reference, numbers, result))
         return false;
-    const float share = light.falloff(-dot(result.to_light, light.axis));
+    const float share = light.falloff(-result.to_light);
     result.contribution = result.contribution * share;
     return share > 0;
 }
@@ -176,10 +176,8 @@ DiskSource disk_of(const DistantLight &light) {
     return {light.to_light, light.cone_height, light.irradiance * (inverse_pi / squared_sine)};
 }
 
-// From the squared distance of the unit vectors, as one minus their product has few digits in a narrow cone.
 bool contains(const DiskSource &disk, Vec3 direction) {
-    const Vec3 difference = direction - disk.to_light;
-    return 0.5f * dot(difference, difference) <= disk.cone_height;
+    return cone_height_between(direction, disk.to_light) <= disk.cone_height;
 }
 
 } // namespace
@@ -241,7 +239,7 @@ void LightSet::add_light(const Light &light, float scene_radius) {
         add(*point, 4 * pi * luminance(point->intensity));
     } else if (const auto *spot = std::get_if<SpotLight>(&light.kind)) {
         // The whole cone inside, and half of the ring around it: the mean of 3x^2 - 2x^3.
-        const float solid_angle = 2 * pi * (1 - 0.5f * (spot->cos_beam + spot->cos_cutoff));
+        const float solid_angle = pi * (spot->beam_height + spot->cutoff_height);
         add(*spot, solid_angle * luminance(spot->intensity));
     } else if (const auto *distant = std::get_if<DistantLight>(&light.kind)) {
         add_distant(*distant, scene_radius);

@@ -28,49 +28,48 @@ struct HitInObject {
     SurfaceParameters parameters;
     PatternPoint at;
 
-    HitInObject(const Hit &hit, const Placement &placement)
-        : world_from_object(placement.map(hit.place)), scale(std::cbrt(std::fabs(world_from_object.determinant))) {
+    HitInObject(const Hit &hit, const World &world)
+        : world_from_object(world.map_at(hit)), scale(std::cbrt(std::fabs(world_from_object.determinant))) {
         const Vec3 point = world_from_object.point_back(hit.point);
-        parameters = parameters_at(placement.object->shape, hit.primitive, hit.on_primitive, point);
+        const Shape &shape = world.placements[hit.placement].object->shape;
+        parameters = parameters_at(shape, hit.primitive, hit.on_primitive, point);
         const bool has_uv = std::isfinite(parameters.uv.u + parameters.uv.v);
         at = {has_uv ? parameters.uv : Pair(), point, footprint_of(pixel_angle * hit.distance / scale, parameters)};
     }
 };
 
-bool is_there(const Variation &variation, bool is_front) { return variation.is_two_sided || is_front; }
-
 } // namespace
 
 float opacity_at(const Hit &hit, Vec3 arriving, const World &world) {
-    const Placement &placement = world.placements[hit.placement];
-    const Variation *variation = placement.material->variation.get();
+    const Variation *variation = world.placements[hit.placement].material->variation.get();
     if (!variation)
         return 1;
-    if (!is_there(*variation, is_at_front(hit, arriving)))
+    if (!variation->is_two_sided && !is_at_front(hit, arriving))
         return 0;
-    const bool is_constant = !variation->opacity.pattern;
-    return fraction(is_constant ? variation->opacity.number
-                                : vantor::evaluate(variation->opacity, HitInObject(hit, placement).at));
+    const NumberOrPattern &opacity = variation->opacity;
+    return fraction(opacity.pattern ? vantor::evaluate(opacity, HitInObject(hit, world).at) : opacity.number);
 }
 
-void Surface::vary(const Hit &hit, const Placement &placement) {
+void Surface::vary(const Hit &hit, Vec3 arriving, const World &world) {
+    opaque_share = opacity_at(hit, arriving, world);
     static const Variation none;
+    const Placement &placement = world.placements[hit.placement];
     const Variation &variation = placement.material->variation ? *placement.material->variation : none;
-    if (!is_there(variation, is_front)) {
-        opaque_share = 0;
+    const bool is_bent = variation.bump || variation.normal_map;
+    const bool is_other = variation.color || variation.roughness || placement.object->has_colors;
+    if (opaque_share == 0 || !(is_bent || is_other))
         return;
-    }
-    const HitInObject in_object(hit, placement);
+
+    const HitInObject in_object(hit, world);
     const PatternPoint &at = in_object.at;
-    opaque_share = fraction(vantor::evaluate(variation.opacity, at));
-    if (opaque_share == 0)
-        return;
-    if (variation.bump || variation.normal_map) {
-        // About half of what a pixel sees, and enough to be beyond rounding.
-        const float step = 128 * hit.clearance / in_object.scale;
+    if (is_bent) {
+        // About half of what a pixel sees, and beyond rounding.
+        const float step = (0.5f * pixel_angle * hit.distance + hit.clearance) / in_object.scale;
         const ReliefPoint relief{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
         frame = Frame(bent_normal(relief, variation, hit.shading_normal));
     }
+    if (!is_other)
+        return;
     varied = *scattering;
     scattering = &*varied;
     if (variation.color)

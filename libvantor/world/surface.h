@@ -17,15 +17,15 @@ class Surface {
     Surface(const Hit &hit, Vec3 arriving, const World &world)
         : frame(hit.shading_normal), is_front(is_at_front(hit, arriving)), geometric_normal(hit.geometric_normal),
           scattering(&world.placements[hit.placement].material->scattering) {
-        const Placement &placement = world.placements[hit.placement];
-        if (placement.material->variation || placement.object->has_colors)
-            vary(hit, placement);
+        if (world.placements[hit.placement].varies())
+            vary(hit, arriving, world);
         out = side_of(frame.local_from_world(-arriving), is_front);
     }
     Surface(const Surface &) = delete; // it may point into itself
     Surface &operator=(const Surface &) = delete;
 
     bool arrives_at_front() const { return is_front; }
+    Vec3 shading_normal() const { return frame.z; } ///< On the front; bent where the material has bumps.
     bool is_specular() const { return vantor::is_specular(*scattering); }
     bool is_diffuse() const { return std::holds_alternative<Diffuse>(*scattering); }
 
@@ -58,7 +58,7 @@ class Surface {
 
   private:
     // What differs from point to point.
-    void vary(const Hit &hit, const Placement &placement);
+    void vary(const Hit &hit, Vec3 arriving, const World &world);
 
     // Where the shading normal leans, part of each of its hemispheres lies on the other side of the surface.
     bool is_consistent(float z, Vec3 direction) const { return z * dot(geometric_normal, direction) > 0; }

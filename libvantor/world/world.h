@@ -16,12 +16,19 @@ struct World {
     LightSet lights;
     std::span<const Placement> placements;
     std::span<const Medium> media; ///< What MediumStack has indexes of.
+    std::vector<Affine> maps;      ///< Of the placements, but for their places; empty if no surface varies.
     bool has_media;
-    bool is_clear; ///< No media, and no surface that light passes straight through.
+    bool is_opaque; ///< No surface lets light pass straight through.
     Settings settings;
 
     /// The media around a camera of a single place. Every other ray of a camera has its own: see media_at().
     MediumStack camera_media;
+
+    /// How an object stands of which a ray has hit a surface that varies.
+    Affine map_at(const Hit &hit) const {
+        const Placement &placement = placements[hit.placement];
+        return placement.places ? placement.map(hit.place) : maps[hit.placement];
+    }
 
     /// The medium that counts where there is one.
     const Medium &media_of(const MediumStack &stack) const {

@@ -154,6 +154,36 @@ TEST(Imager, NormalsFaceTheCamera) {
     }
 }
 
+// The normal of a plate with a slope of 0.5 in its bumps, seen from 2 in front of it. The slope is no wider than the
+// plate, and level beyond it.
+Rgb normal_of_a_slope(const VtVector3 &middle, double half_width) {
+    Scene scene;
+    scene.camera({middle[0], middle[1], middle[2] + 2}, middle, 0.01);
+    scripted::Points heights;
+    scripted::fill(heights, {{0, 0, 0}, {1, 1, 1}});
+    scripted::List ramp("colors", heights);
+    scripted::List diffuse;
+    scripted::List bumps("interface", scene.NewInterface("diffuse", diffuse), "bump",
+                         scene.NewPattern("gradient", ramp), "bump_height", half_width);
+    scene.MaterialBegin(scene.NewMaterial("surface", bumps));
+    scene.AddObject(scene.object("quad", "origin", VtVector3(middle[0] - half_width, middle[1] - half_width, middle[2]),
+                                 "edge_u", VtVector3(2 * half_width, 0, 0), "edge_v", VtVector3(0, 2 * half_width, 0)));
+    scene.MaterialEnd();
+    imager(scene, "slope.exr", "what", "normal");
+    scene.Render(1, 1, 1, 0, 0, 1, 1);
+    return scripted::read_exr(scripted::path_of("slope.exr")).at(0, 0);
+}
+
+TEST(Imager, NormalsFollowBumps) {
+    const double length = std::sqrt(1.25);
+    for (const double x : {0.0, 1000.0}) { // also far from the origin, where there are coarser numbers
+        const Rgb normal = normal_of_a_slope({x, 0, 0}, 0.02);
+        EXPECT_NEAR(normal[0], -0.5 / length, 0.01) << x;
+        EXPECT_NEAR(normal[1], 0, 0.01) << x;
+        EXPECT_NEAR(normal[2], 1 / length, 0.01) << x;
+    }
+}
+
 // A room lit indirectly: every picture of it has noise.
 void build_room(Scene &scene) {
     scene.camera({0.1, 0.2, -0.9}, {0, 0, 1}, 70);

@@ -79,6 +79,18 @@ TEST(Spot, ShinesAtItsTargetUnderTheTransform) {
     EXPECT_EQ(lit({0.5, 0, 0}, 15, 17), 0);
 }
 
+TEST(Spot, ANarrowOneHasAllOfItsLight) {
+    // From far above; where the floor is looked at, the beam is 0.1 wide to each side.
+    for (const double height : {10.0, 500.0}) {
+        const double beam = std::atan(0.1 / height) * 180 / pi;
+        const double lit = irradiance([&](Scene &scene) {
+            scene.light("spot", "position", VtVector3(0, height, 0), "target", VtVector3(0, 0, 0), "intensity",
+                        3 * height * height, "beam_width", beam, "cutoff_angle", beam);
+        });
+        EXPECT_NEAR(lit, 3, 3e-3) << height;
+    }
+}
+
 TEST(Spot, ItsBeamIsThreeQuartersWideUnlessGiven) {
     const auto lit = [](auto... beam) {
         return irradiance([&](Scene &scene) {
