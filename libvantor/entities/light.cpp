@@ -46,6 +46,7 @@ Affine of_directions(const VtTransform &transform) {
 }
 
 EnvironmentLight environment_of(Raster picture, Color scale, const VtTransform &transform) {
+    picture.alpha = {}; // nobody asks for it
     return {std::make_shared<const Raster>(std::move(picture)), scale, of_directions(transform)};
 }
 

@@ -62,10 +62,7 @@ Mix make_mix(const Parameters &parameters, const PatternFinder &find) {
 std::vector<float> positions_in(const Parameters &parameters, std::size_t count, const CallReport &report) {
     std::vector<float> positions;
     if (parameters.is_given("positions")) {
-        parameters.double_array("positions").ForEachBlock([&](const double *elements, VtLong stored) {
-            for (VtLong i = 0; i < stored; ++i)
-                positions.push_back(static_cast<float>(elements[i]));
-        });
+        positions = copied(parameters.double_array("positions"), [](double p) { return static_cast<float>(p); });
         const auto is_usable = [](float p) { return std::fabs(p) <= 1e9f; };
         if (positions.size() == count && std::ranges::all_of(positions, is_usable) && std::ranges::is_sorted(positions))
             return positions;
@@ -82,11 +79,7 @@ std::vector<float> positions_in(const Parameters &parameters, std::size_t count,
 }
 
 std::optional<Gradient> make_gradient(const Parameters &parameters, const CallReport &report) {
-    std::vector<Color> colors;
-    parameters.vector3_array("colors").ForEachBlock([&](const VtVector3 *elements, VtLong count) {
-        for (VtLong i = 0; i < count; ++i)
-            colors.push_back(to_color(elements[i]));
-    });
+    const std::vector<Color> colors = copied(parameters.vector3_array("colors"), to_color);
     const auto is_usable = [](Color c) {
         return c.r >= 0 && c.g >= 0 && c.b >= 0 && largest_component(c) <= 1e18f && is_finite(c);
     };

@@ -16,7 +16,7 @@ struct Path {
     Color radiance{};             ///< What has been found so far of the radiance that arrives at the camera.
 
     Color throughput{1, 1, 1};      ///< The product of value * cosine / density over its vertices.
-    Vec3 vertex{};                  ///< The surface point that the ray left.
+    Vec3 vertex{};                  ///< The point of a surface or medium that the ray left.
     float direction_density = 0;    ///< Per solid angle, with which the ray's direction was drawn there.
     int scatterings = 0;            ///< How often its direction has changed.
     bool finds_lights = true;       ///< Only the ray could find a light: it left the camera, or a specular surface.
@@ -24,8 +24,8 @@ struct Path {
     int diffuse_surfaces = 0;       ///< How many it has met.
 };
 
-/// Takes the paths to their ends: each path's radiance is then an unbiased estimate of the radiance that arrives along
-/// its first ray. The paths use dimensions of their samplers from first_dimension on.
+/// Takes the paths to their ends: each path's radiance is then an estimate of the radiance that arrives along its first
+/// ray, unbiased but for the clamp of the settings. The paths use dimensions of their samplers from first_dimension on.
 ///
 /// Paths of one call advance together, bounce by bounce, because several rays are traced at once much faster than one
 /// by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.

@@ -13,9 +13,10 @@ namespace vantor {
 static_assert(sizeof(Color) == 3 * sizeof(float), "files are written straight from the pixels");
 
 std::string exr_file(const Picture &picture, float scale, const std::string &comment) {
-    std::vector<Color> scaled = picture.pixels;
-    for (Color &c : scaled)
-        c = c * scale;
+    std::vector<Color> scaled;
+    if (scale != 1)
+        for (const Color c : picture.pixels)
+            scaled.push_back(c * scale);
 
     // The library wants bounds that include the last pixel.
     const PixelArea &window = picture.window;
@@ -27,7 +28,7 @@ std::string exr_file(const Picture &picture, float scale, const std::string &com
     Imf::addComments(header, comment);
 
     const char *names[] = {"R", "G", "B"};
-    float *values = &scaled[0].r;
+    const float *values = &(scale != 1 ? scaled : picture.pixels)[0].r;
     Imf::FrameBuffer frame;
     for (int i = 0; i < 3; ++i) {
         header.channels().insert(names[i], Imf::Channel(Imf::FLOAT));

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <vector>
 
 namespace vantor {
 
@@ -24,13 +23,6 @@ inline bool has_area(Vec3 a, Vec3 b, Vec3 c) {
 // Neither does a NaN pass, as largest_coordinate() may lose one.
 inline bool is_usable(Vec3 p) { return is_finite(p) && largest_coordinate(p) <= largest_reach; }
 
-// How many of its elements the array really has: fewer than its size, if that is negative or memory ran out.
-template <class Element> VtLong stored_count(const VtInstanceArray<Element> &array) {
-    VtLong stored = 0;
-    array.ForEachBlock([&](const Element *, VtLong count) { stored += count; });
-    return stored;
-}
-
 // Whether the array has all the elements that its size says; reported if not.
 template <class Element> bool is_whole(const VtInstanceArray<Element> &array, std::string_view name,
                                        const Parameters &parameters, const CallReport &report) {
@@ -42,17 +34,6 @@ template <class Element> bool is_whole(const VtInstanceArray<Element> &array, st
                                     std::to_string(stored), " have storage; nothing of the object will be seen"}),
                             report);
     return has_all;
-}
-
-inline std::vector<Vec3> floats_of(const VtInstanceArray<VtVector3> &array) {
-    std::vector<Vec3> result;
-    result.reserve(static_cast<std::size_t>(stored_count(array)));
-    array.ForEachBlock([&](const VtVector3 *elements, VtLong count) {
-        for (VtLong i = 0; i < count; ++i) {
-            result.push_back(to_float(elements[i]));
-        }
-    });
-    return result;
 }
 
 } // namespace vantor

@@ -10,18 +10,14 @@ namespace {
 std::vector<VtLong> counts_of(const Parameters &parameters, std::size_t point_count) {
     if (!parameters.is_given("counts"))
         return {static_cast<VtLong>(point_count)};
-    std::vector<VtLong> counts;
-    parameters.long_array("counts").ForEachBlock(
-        [&](const VtLong *elements, VtLong count) { counts.insert(counts.end(), elements, elements + count); });
-    return counts;
+    return copied(parameters.long_array("counts"));
 }
 
 // One for each control point.
 std::vector<double> radii_of(const Parameters &parameters, std::size_t point_count, const CallReport &report) {
     std::vector<double> radii;
     if (parameters.is_given("radii")) {
-        parameters.double_array("radii").ForEachBlock(
-            [&](const double *elements, VtLong count) { radii.insert(radii.end(), elements, elements + count); });
+        radii = copied(parameters.double_array("radii"));
         // Of a Hermite curve every other one is a slope, which may be negative.
         const auto is_usable_radius = [](double radius) { return std::fabs(radius) <= 1e9; };
         if (radii.size() == point_count && std::ranges::all_of(radii, is_usable_radius))
@@ -99,11 +95,7 @@ std::optional<Curves> make_curves(const Parameters &parameters, const CallReport
         are_whole &= is_whole(parameters.double_array("radii"), "radii", parameters, report);
     if (!are_whole)
         return {};
-    std::vector<VtVector3> points;
-    points.reserve(static_cast<std::size_t>(stored_count(given)));
-    given.ForEachBlock(
-        [&](const VtVector3 *elements, VtLong count) { points.insert(points.end(), elements, elements + count); });
-
+    const std::vector<VtVector3> points = copied(given);
     const Spline spline = make_spline(parameters, VtBSplineBasis(), report);
     const std::vector<VtLong> counts = counts_of(parameters, points.size());
     std::size_t sum = 0;

@@ -167,11 +167,8 @@ std::vector<Pair> read_uvs(std::size_t points, const Parameters &parameters, con
     const VtInstanceArray<VtVector2> &given = parameters.vector2_array("uvs");
     if (!has_for_each_point(points, "uvs", given.Size(), parameters, report))
         return {};
-    std::vector<Pair> uvs;
-    uvs.reserve(points);
-    given.ForEachBlock([&](const VtVector2 *elements, VtLong count) {
-        for (VtLong i = 0; i < count; ++i)
-            uvs.push_back({static_cast<float>(elements[i][0]), static_cast<float>(elements[i][1])});
+    std::vector<Pair> uvs = copied(given, [](const VtVector2 &v) -> Pair {
+        return {static_cast<float>(v[0]), static_cast<float>(v[1])};
     });
     const auto is_usable_pair = [](Pair p) {
         return std::fabs(p.u) <= largest_reach && std::fabs(p.v) <= largest_reach;

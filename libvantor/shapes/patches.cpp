@@ -184,11 +184,7 @@ std::optional<TriangleMesh> make_patches(const Parameters &parameters, const Cal
     const VtInstanceArray<VtVector3> &given = parameters.vector3_array("points");
     if (!is_whole(given, "points", parameters, report))
         return {};
-    std::vector<VtVector3> points;
-    points.reserve(static_cast<std::size_t>(stored_count(given)));
-    given.ForEachBlock(
-        [&](const VtVector3 *elements, VtLong count) { points.insert(points.end(), elements, elements + count); });
-
+    std::vector<VtVector3> points = copied(given);
     const auto columns = static_cast<std::size_t>(parameters.integer("columns"));
     if (points.size() % columns != 0) {
         parameters.complain("points",

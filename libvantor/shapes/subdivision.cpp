@@ -58,13 +58,6 @@ class Reader {
         parameters.complain(name, joined({joined(parts), "; nothing of the object will be seen"}), report);
     }
 
-    static std::vector<VtLong> numbers_of(const VtInstanceArray<VtLong> &array) {
-        std::vector<VtLong> result;
-        array.ForEachBlock(
-            [&](const VtLong *elements, VtLong count) { result.insert(result.end(), elements, elements + count); });
-        return result;
-    }
-
     // Four for each face, where nothing is given.
     std::optional<std::vector<VtLong>> read_counts(std::size_t index_count) const {
         const std::string given = std::to_string(index_count);
@@ -76,7 +69,7 @@ class Reader {
                                "wanted)"});
             return {};
         }
-        std::vector<VtLong> counts = numbers_of(parameters.long_array("counts"));
+        std::vector<VtLong> counts = copied(parameters.long_array("counts"));
         const auto wrong = std::ranges::find_if(counts, [](VtLong n) { return n < 3; });
         if (wrong != counts.end()) {
             refuse("counts", {"has ", std::to_string(*wrong), " as element ", std::to_string(wrong - counts.begin()),
@@ -95,7 +88,7 @@ class Reader {
     }
 
     bool read_faces(Polygons &polygons) const {
-        const std::vector<VtLong> indices = numbers_of(parameters.long_array("indices"));
+        const std::vector<VtLong> indices = copied(parameters.long_array("indices"));
         const std::optional<std::vector<VtLong>> counts = read_counts(indices.size());
         if (!counts)
             return false;
@@ -164,7 +157,7 @@ class Reader {
     }
 
     void read_creases(Polygons &polygons, const std::vector<Ends> &ends) const {
-        const std::vector<VtLong> points = numbers_of(parameters.long_array("crease_edges"));
+        const std::vector<VtLong> points = copied(parameters.long_array("crease_edges"));
         const std::size_t count = points.size() / 2;
         if (points.size() % 2 != 0) {
             parameters.complain("crease_edges",
@@ -212,7 +205,7 @@ class Reader {
     void read_corners(Polygons &polygons) const {
         std::size_t missing = 0;
         VtLong first_missing = 0;
-        for (const VtLong point : numbers_of(parameters.long_array("corner_points"))) {
+        for (const VtLong point : copied(parameters.long_array("corner_points"))) {
             if (point >= 0 && static_cast<std::size_t>(point) < polygons.corners.size())
                 polygons.corners[static_cast<std::size_t>(point)] = true;
             else if (missing++ == 0)

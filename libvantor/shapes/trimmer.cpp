@@ -14,13 +14,6 @@ constexpr std::size_t most_rows = 256;
 constexpr double flatness = 1e-4;
 constexpr std::size_t most_pieces = 1000; // of a segment
 
-std::vector<VtVector2> points_of(const VtInstanceArray<VtVector2> &array) {
-    std::vector<VtVector2> points;
-    array.ForEachBlock(
-        [&](const VtVector2 *elements, VtLong count) { points.insert(points.end(), elements, elements + count); });
-    return points;
-}
-
 // The longer side of a box around the points.
 double size_of(std::span<const VtVector2> points) {
     double size = 0;
@@ -67,7 +60,7 @@ std::vector<VtVector2> flattened(const Spline &spline, std::span<const VtVector2
 
 std::optional<Trimmer> make_curve(const Parameters &parameters, const CallReport &report) {
     const VtInstanceArray<VtVector2> &given = parameters.vector2_array("points");
-    const std::vector<VtVector2> points = points_of(given);
+    const std::vector<VtVector2> points = copied(given);
     const auto is_near = [](double value) { return std::fabs(value) <= largest_reach; };
     if (static_cast<long>(points.size()) != given.Size() ||
         !std::ranges::all_of(points, [&](const VtVector2 &p) { return is_near(p[0]) && is_near(p[1]); })) {

@@ -260,10 +260,7 @@ std::vector<VtLong> Parameters::ids(std::string_view name) const {
     const VtArgType &given = *find(name).given;
     if (given.Tag() == VtArgTag::Long)
         return {given.Long()};
-    std::vector<VtLong> result;
-    given.LongArray().ForEachBlock(
-        [&](const VtLong *elements, VtLong count) { result.insert(result.end(), elements, elements + count); });
-    return result;
+    return copied(given.LongArray());
 }
 
 bool Parameters::knows(std::string_view name) const {

@@ -6,6 +6,8 @@
 #include "libvantor/words/vocabulary.h"
 #include "renderer/vt_arg_list.h"
 
+#include <functional>
+#include <type_traits>
 #include <vector>
 
 namespace vantor {
@@ -72,5 +74,27 @@ const Type *find_type(EntityKind kind, const char *name, const CallReport &repor
 
 /// Reads a list of names and values. Whatever is wrong with it is reported and left out.
 Parameters read_parameters(const Type &type, const VtArgList &list, const CallReport &report);
+
+/// How many of its elements the array really has: fewer than its size, if that is negative or memory ran out.
+template <class Element> VtLong stored_count(const VtInstanceArray<Element> &array) {
+    VtLong stored = 0;
+    array.ForEachBlock([&](const Element *, VtLong count) { stored += count; });
+    return stored;
+}
+
+/// The elements of an array one after the other, each converted.
+template <class Element, class Convert = std::identity>
+auto copied(const VtInstanceArray<Element> &array, const Convert &convert = {}) {
+    std::vector<std::decay_t<std::invoke_result_t<const Convert &, const Element &>>> result;
+    result.reserve(static_cast<std::size_t>(stored_count(array)));
+    array.ForEachBlock([&](const Element *elements, VtLong count) {
+        for (VtLong i = 0; i < count; ++i)
+            result.push_back(convert(elements[i]));
+    });
+    return result;
+}
+inline std::vector<Vec3> floats_of(const VtInstanceArray<VtVector3> &array) {
+    return copied(array, [](const VtVector3 &v) { return to_float(v); });
+}
 
 } // namespace vantor

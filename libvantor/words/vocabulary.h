@@ -15,7 +15,7 @@ enum class EntityKind { Camera, Imager, Interface, Interior, Light, Material, Ob
 enum class ValueKind {
     Number,          ///< A real number or an integer.
     Integer,         ///< An integer.
-    Switch,          ///< 0 or 1 (False or True).
+    Switch,          ///< The integer 0 or 1.
     Color,           ///< A vector3, linear Rec. 709; or one number for all three components.
     Vector2,         ///< A vector2.
     Vector3,         ///< A vector3.

@@ -57,7 +57,7 @@ class Distribution {
 
     std::size_t row_length;         // of sums: one more than columns
     std::vector<float> row_sums;    // cumulated from 0 to 1
-    std::vector<float> column_sums; // of each row likewise; of a row without weight all 0 but the last
+    std::vector<float> column_sums; // of each row likewise; of a row without weight all 1 but the first
 };
 
 } // namespace vantor

@@ -103,13 +103,13 @@ Vec3 Environment::sample(Pair numbers, float &direction_density) const {
     return direction;
 }
 
-float Environment::density(Vec3 direction) const {
+Environment::Seen Environment::seen(Vec3 direction) const {
     if (is_black())
-        return 0;
+        return {{}, 0};
     const Pair place = place_of(local_from_world(direction));
     const int column = std::min(static_cast<int>(place.u), picture->width - 1);
     const int row = std::min(static_cast<int>(place.v), picture->height - 1);
-    return in_world(cell_density(column, row), direction);
+    return {interpolated(place) * scale, in_world(cell_density(column, row), direction)};
 }
 
 float Environment::cell_density(int column, int row) const {

@@ -25,11 +25,15 @@ class Environment {
     /// Along unit directions of the world.
     Color radiance(Vec3 direction) const;
 
+    /// Likewise, with the density with which sample() draws the direction: per solid angle; 0 if it is black.
+    struct Seen {
+        Color radiance;
+        float density;
+    };
+    Seen seen(Vec3 direction) const;
+
     /// Not if it is black.
     Vec3 sample(Pair numbers, float &direction_density) const;
-
-    /// Per solid angle, of sample(); 0 if it is black.
-    float density(Vec3 direction) const;
 
     /// The luminance, integrated over all directions of its own space.
     float flux() const { return total; }

@@ -45,7 +45,7 @@ float power(const FlatEmitter &emitter) { return pi * emitter.area * luminance(e
 
 // Of an ellipsoid roughly: the area of a sphere of the same volume.
 float power(const SphereEmitter &emitter) {
-    const float squared_radius = std::pow(std::fabs(emitter.world_from_unit.determinant), 2 / 3.0f);
+    const float squared_radius = std::pow(std::fabs(emitter.world_from_unit->determinant), 2 / 3.0f);
     return pi * 4 * pi * squared_radius * luminance(emitter.radiance);
 }
 
@@ -84,19 +84,19 @@ float density_of(const FlatEmitter &emitter, Vec3 reference, Vec3 direction, con
 // The solid angle of a linear map: a cone around the unit direction d of the unit sphere's space has, in world space,
 // |det M| / |d M|^3 of its solid angle. With w the unit direction d M / |d M| of the world, |d M| is 1 / |w M^-1|.
 float density_of(const SphereEmitter &emitter, Vec3 reference, Vec3 direction, const Hit &) {
-    const Vec3 from = emitter.world_from_unit.point_back(reference);
+    const Vec3 from = emitter.world_from_unit->point_back(reference);
     const float squared_distance = dot(from, from);
     if (!(squared_distance > 1))
         return 0;
-    const float inverse_stretch = length(emitter.world_from_unit.inverse(direction));
-    const float determinant = std::fabs(emitter.world_from_unit.determinant);
+    const float inverse_stretch = length(emitter.world_from_unit->inverse(direction));
+    const float determinant = std::fabs(emitter.world_from_unit->determinant);
     return warp::cone_density(cone_height(squared_distance)) /
            (inverse_stretch * inverse_stretch * inverse_stretch * determinant);
 }
 
 // Uniform over the cone of the unit sphere, as the reference point sees it in the unit sphere's space.
 bool sample_source(const SphereEmitter &emitter, Vec3 reference, Pair numbers, LightSample &result) {
-    const Affine &map = emitter.world_from_unit;
+    const Affine &map = *emitter.world_from_unit;
     const Vec3 from = map.point_back(reference);
     const float squared_distance = dot(from, from);
     if (!(squared_distance > 1))
@@ -300,8 +300,10 @@ LightSet::Emitters LightSet::add_emitters(const Placement &placement, Color radi
         for (int i = 0; i < 3; ++i)
             unit_to_sphere[i][i] = sphere->radius;
         unit_to_sphere[3] = {sphere->center.x, sphere->center.y, sphere->center.z, 1.0};
-        const SphereEmitter emitter{to_float(composed(unit_to_sphere, placement.world_from_object)), radiance};
-        add(emitter, power(emitter));
+        SphereEmitter emitter{
+            std::make_unique<const Affine>(to_float(composed(unit_to_sphere, placement.world_from_object))), radiance};
+        const float its_power = power(emitter);
+        add(std::move(emitter), its_power);
         return one_for_all;
     } else if (const auto *disk = std::get_if<Disk>(&placement.object->shape)) {
         const FlatEmitter emitter = flat_emitter(map, *disk, radiance);
@@ -385,9 +387,9 @@ float LightSet::seen_from_afar(std::size_t source, Vec3 direction, Color &radian
         radiance = disk->radiance;
         return chosen * warp::cone_density(disk->cone_height);
     }
-    const Environment &environment = *std::get<EnvironmentSource>(sources[source]).environment;
-    radiance = environment.radiance(direction);
-    return chosen * environment.density(direction);
+    const Environment::Seen seen = std::get<EnvironmentSource>(sources[source]).environment->seen(direction);
+    radiance = seen.radiance;
+    return chosen * seen.density;
 }
 
 } // namespace vantor

@@ -40,7 +40,7 @@ struct FlatEmitter {
 
 /// A sphere that shines outwards; stretched by a transform it is an ellipsoid.
 struct SphereEmitter {
-    Affine world_from_unit; ///< From the unit sphere.
+    std::unique_ptr<const Affine> world_from_unit; ///< From the unit sphere; not in place, as most sources are smaller.
     Color radiance;
 };
 
@@ -57,7 +57,7 @@ struct DiskSource {
 };
 
 struct EnvironmentSource {
-    std::unique_ptr<const Environment> environment; ///< Not in place, as most sources are far smaller.
+    std::unique_ptr<const Environment> environment; ///< Likewise.
 };
 
 /// All lights that are on. Constant once made.

@@ -198,7 +198,7 @@ TEST(Environment, DensityIntegratesToOneAndSamplesFollowIt) {
                 const double radius = std::sqrt(1 - height * height);
                 const Vec3 direction{static_cast<float>(radius * std::cos(turn)), static_cast<float>(height),
                                      static_cast<float>(radius * std::sin(turn))};
-                const double share = light.density(direction) * 4 * pi / (bins * steps * bins * steps);
+                const double share = light.seen(direction).density * 4 * pi / (bins * steps * bins * steps);
                 expected[static_cast<std::size_t>(i / steps * bins + j / steps)] += share;
                 total += share;
             }
@@ -216,7 +216,7 @@ TEST(Environment, DensityIntegratesToOneAndSamplesFollowIt) {
             ASSERT_NEAR(length(direction), 1, 1e-5);
             // All but those on an edge, to rounding.
             if (i % 100 == 0) {
-                EXPECT_NEAR(density, light.density(direction), 1e-3 * density);
+                EXPECT_NEAR(density, light.seen(direction).density, 1e-3 * density);
             }
             const int row = std::min(static_cast<int>((1 - direction.y) / 2 * bins), bins - 1);
             const double turn = std::atan2(direction.z, direction.x) / (2 * pi);
@@ -247,7 +247,7 @@ TEST(Environment, NoDirectionThatShinesIsNeverDrawn) {
                                  static_cast<float>(std::cos(polar)),
                                  static_cast<float>(std::sin(polar) * std::sin(turn))};
             if (light.radiance(direction).g > 0) {
-                EXPECT_GT(light.density(direction), 0) << i << " " << j;
+                EXPECT_GT(light.seen(direction).density, 0) << i << " " << j;
             }
         }
     // pi / 4 across and pi / 8 down, by the sines of the three rows that it reaches into.
@@ -258,7 +258,7 @@ TEST(Environment, NoDirectionThatShinesIsNeverDrawn) {
 TEST(Environment, BlackOnesHaveNoDensity) {
     const Environment light(environment(2, 2, [](int, int) { return Color(); }));
     EXPECT_TRUE(light.is_black());
-    EXPECT_EQ(light.density({0, 1, 0}), 0);
+    EXPECT_EQ(light.seen({0, 1, 0}).density, 0);
 }
 
 TEST(Environment, ConstantOneHasPiTimesItsRadiance) {
