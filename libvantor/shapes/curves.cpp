@@ -3,21 +3,60 @@
 
 #include "libvantor/shapes/spline.h"
 
+#include <numeric>
+
 namespace vantor {
 
 namespace {
 
-std::vector<VtLong> counts_of(const Parameters &parameters, std::size_t point_count) {
+bool has_all_elements(const Parameters &parameters, const CallReport &report) {
+    bool has_all = is_whole(parameters.vector3_array("points"), "points", parameters, report);
+    if (parameters.is_given("counts"))
+        has_all &= is_whole(parameters.long_array("counts"), "counts", parameters, report);
+    if (parameters.is_given("radii"))
+        has_all &= is_whole(parameters.double_array("radii"), "radii", parameters, report);
+    return has_all;
+}
+
+// How many of the points each curve has.
+std::optional<std::vector<std::size_t>> counts_of(const Parameters &parameters, std::size_t point_count,
+                                                  const CallReport &report) {
     if (!parameters.is_given("counts"))
-        return {static_cast<VtLong>(point_count)};
-    return copied(parameters.long_array("counts"));
+        return std::vector{point_count};
+    std::vector<std::size_t> counts = copied(parameters.long_array("counts"), [](VtLong count) {
+        return static_cast<std::size_t>(std::max<VtLong>(0, count));
+    });
+    const std::size_t sum = std::accumulate(counts.begin(), counts.end(), std::size_t{0});
+    if (sum == point_count)
+        return counts;
+    parameters.complain("counts",
+                        joined({"adds up to ", std::to_string(sum), " points (as many as there are, ",
+                                std::to_string(point_count), ", are wanted); nothing of the curves will be seen"}),
+                        report);
+    return {};
+}
+
+// Whether every other control point is a tangent, as of Hermite curves: the others alone weigh 1.
+bool has_tangents(const Spline &spline) {
+    const CubicWeights weights = spline.weights(0.25);
+    return std::fabs(weights[0] + weights[2] - 1) < 1e-9;
+}
+
+// The same radius everywhere: where tangents stand among the points, it has no slope.
+std::vector<double> even_radii(double radius, const Spline &spline, const std::vector<std::size_t> &counts) {
+    std::vector<double> radii;
+    const double of_tangent = has_tangents(spline) ? 0.0 : radius;
+    for (const std::size_t count : counts)
+        for (std::size_t i = 0; i < count; ++i)
+            radii.push_back(i % 2 == 0 ? radius : of_tangent);
+    return radii;
 }
 
 // One for each control point.
-std::vector<double> radii_of(const Parameters &parameters, std::size_t point_count, const CallReport &report) {
-    std::vector<double> radii;
+std::vector<double> radii_of(const Parameters &parameters, std::size_t point_count, const Spline &spline,
+                             const std::vector<std::size_t> &counts, const CallReport &report) {
     if (parameters.is_given("radii")) {
-        radii = copied(parameters.double_array("radii"));
+        std::vector<double> radii = copied(parameters.double_array("radii"));
         // Of a Hermite curve every other one is a slope, which may be negative.
         const auto is_usable_radius = [](double radius) { return std::fabs(radius) <= 1e9; };
         if (radii.size() == point_count && std::ranges::all_of(radii, is_usable_radius))
@@ -27,13 +66,7 @@ std::vector<double> radii_of(const Parameters &parameters, std::size_t point_cou
                                     std::to_string(point_count), " points is wanted); \"radius\" counts instead"}),
                             report);
     }
-    return std::vector<double>(point_count, parameters.number("radius"));
-}
-
-// Whether every other control point is a tangent, as of Hermite curves: the others alone weigh 1.
-bool has_tangents(const Spline &spline) {
-    const CubicWeights weights = spline.weights(0.25);
-    return std::fabs(weights[0] + weights[2] - 1) < 1e-9;
+    return even_radii(parameters.number("radius"), spline, counts);
 }
 
 class Maker {
@@ -87,41 +120,21 @@ class Maker {
 } // namespace
 
 std::optional<Curves> make_curves(const Parameters &parameters, const CallReport &report) {
-    const VtInstanceArray<VtVector3> &given = parameters.vector3_array("points");
-    bool are_whole = is_whole(given, "points", parameters, report);
-    if (parameters.is_given("counts"))
-        are_whole &= is_whole(parameters.long_array("counts"), "counts", parameters, report);
-    if (parameters.is_given("radii"))
-        are_whole &= is_whole(parameters.double_array("radii"), "radii", parameters, report);
-    if (!are_whole)
+    if (!has_all_elements(parameters, report))
         return {};
-    const std::vector<VtVector3> points = copied(given);
+    const std::vector<VtVector3> points = copied(parameters.vector3_array("points"));
     const Spline spline = make_spline(parameters, VtBSplineBasis(), report);
-    const std::vector<VtLong> counts = counts_of(parameters, points.size());
-    std::size_t sum = 0;
-    for (const VtLong count : counts)
-        sum += static_cast<std::size_t>(std::max<VtLong>(0, count));
-    if (sum != points.size()) {
-        parameters.complain(
-            "counts",
-            joined({"adds up to ", std::to_string(sum), " points (as many as there are, ",
-                    std::to_string(points.size()), ", are wanted); nothing of the curves will be seen"}),
-            report);
+    const std::optional<std::vector<std::size_t>> counts = counts_of(parameters, points.size(), report);
+    if (!counts)
         return {};
-    }
-    std::vector<double> radii = radii_of(parameters, points.size(), report);
-    const bool has_slopes = !parameters.is_given("radii") && has_tangents(spline);
+    const std::vector<double> radii = radii_of(parameters, points.size(), spline, *counts, report);
 
     Curves curves;
     curves.are_tubes = parameters.choice("kind") == "tube";
     Maker maker(spline, curves);
     std::size_t begin = 0, odd = 0, first_odd = 0;
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        const auto count = static_cast<std::size_t>(std::max<VtLong>(0, counts[i]));
-        // The same radius everywhere: where tangents stand among the points, it has no slope.
-        if (has_slopes)
-            for (std::size_t k = 1; k < count; k += 2)
-                radii[begin + k] = 0;
+    for (std::size_t i = 0; i < counts->size(); ++i) {
+        const std::size_t count = (*counts)[i];
         if (spline.segments_of(count, false) == 0 && odd++ == 0)
             first_odd = i;
         maker.add_curve(points.data() + begin, radii.data() + begin, count);
