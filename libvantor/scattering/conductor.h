@@ -5,7 +5,7 @@
 
 namespace vantor {
 
-/// Reflects like a metal, on both sides.
+/// Reflects like a metal, on both sides. What a rough one's facets throw to each other is not lost: EnergyCompensation.
 struct Conductor {
     Color eta;            ///< The index of refraction, 0 or more.
     Color k;              ///< The index of extinction, 0 or more.

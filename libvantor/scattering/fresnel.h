@@ -62,4 +62,8 @@ inline float schlick_share(float cosine) {
     return square * square * rest;
 }
 
+/// The mean of Schlick's approximation over the cosines, each as often as it counts; grazing light is all reflected.
+/// Twice the integral of (1 - cosine)^5 cosine is 1/21.
+inline float mean_schlick_reflectance(float normal) { return (20 * normal + 1) / 21; }
+
 } // namespace vantor

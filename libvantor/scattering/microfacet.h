@@ -13,7 +13,8 @@ inline Vec3 on_side(Vec3 direction, float side) { return {direction.x, direction
 
 /// The same roughness in all directions along the surface. GGX: Walter, Marschner, Li, Torrance, "Microfacet Models for
 /// Refraction through Rough Surfaces", 2007 (Trowbridge, Reitz, 1975). Masking after Smith: Heitz, "Understanding the
-/// Masking-Shadowing Function in Microfacet-Based BRDFs", JCGT 2014. Light that meets several facets is lost.
+/// Masking-Shadowing Function in Microfacet-Based BRDFs", JCGT 2014. Light that meets several facets is lost; for
+/// metal, EnergyCompensation brings it back.
 ///
 /// Directions are in the frame of the surface, of unit length. `out` and `in` are above it, z > 0, unless said.
 class Ggx {

@@ -1,6 +1,7 @@
 // Principled: most opaque and clear surfaces, by a few numbers that artists agree on.
 #include "libvantor/scattering/principled.h"
 
+#include "libvantor/scattering/energy_compensation.h"
 #include "libvantor/scattering/fresnel.h"
 #include "libvantor/scattering/glossy_albedo.h"
 #include "libvantor/scattering/microfacet.h"
@@ -71,13 +72,14 @@ struct Mixture {
     float entering; // one over the mean share of light that the gloss lets through
     Color r0;       // of the facets of metal and body together, with their shares
     float r90;
+    EnergyCompensation metal; // alone: what the gloss does not reflect at once enters the body
     Layers out;
 
     // The probabilities of sampling each; 0 in all if nothing is reflected.
     float coat_choice = 0;
     float facet_choice = 0;
     float glass_choice = 0;
-    float body_choice = 0;
+    float diffuse_choice = 0; // the body, and the metal's compensation
 
     Mixture(const Principled &p, float cosine)
         : glass((1 - p.metallic) * p.transmission), body((1 - p.metallic) * (1 - p.transmission)),
@@ -88,18 +90,21 @@ struct Mixture {
           r0(p.base_color * p.metallic + Color{1, 1, 1} * (body * body_r0)), r90(p.metallic + body * body_r90),
           out(p, body_r0, body_r90, cosine) {
         const GlossyAlbedo facets = glossy_albedo(cosine, facet_alpha(p.roughness));
+        if (p.metallic > 0)
+            metal = {facet_alpha(p.roughness), facets, p.base_color};
         const float below = 1 - out.coat;
         coat_choice = out.coat;
         facet_choice = below * facets.of(largest_component(r0), r90);
         glass_choice = below * glass;
-        body_choice = below * body * (1 - out.gloss) * std::min(largest_component(p.base_color) + out.sheen, 1.0f);
-        const float sum = coat_choice + facet_choice + glass_choice + body_choice;
+        const float body_albedo = (1 - out.gloss) * std::min(largest_component(p.base_color) + out.sheen, 1.0f);
+        diffuse_choice = below * (body * body_albedo + p.metallic * largest_component(metal.albedo()));
+        const float sum = coat_choice + facet_choice + glass_choice + diffuse_choice;
         if (!(sum > 0))
             return;
         coat_choice /= sum;
         facet_choice /= sum;
         glass_choice /= sum;
-        body_choice /= sum;
+        diffuse_choice /= sum;
     }
 };
 
@@ -118,8 +123,9 @@ Scattered reflection(const Principled &p, const Mixture &mixture, Vec3 o, Vec3 i
 
     const Ggx facets(facet_alpha(p.roughness));
     const Color reflectance = mixture.r0 * (1 - share) + Color{1, 1, 1} * (mixture.r90 * share);
-    Color value = reflectance * facets.reflection(o, i, half);
-    float density = mixture.facet_choice * facets.reflection_density(o, half);
+    Color value = reflectance * facets.reflection(o, i, half) + mixture.metal.value(i.z) * p.metallic;
+    float density = mixture.facet_choice * facets.reflection_density(o, half) +
+                    mixture.diffuse_choice * warp::cosine_hemisphere_density(i.z);
 
     if (mixture.body > 0) {
         const float enters = mixture.body * (1 - mixture.out.gloss) * (1 - in.gloss) * mixture.entering;
@@ -128,7 +134,6 @@ Scattered reflection(const Principled &p, const Mixture &mixture, Vec3 o, Vec3 i
         value += (p.base_color * (below_sheen * body_value(o.z, i.z, half_cosine, p.roughness)) +
                   Color{sheen, sheen, sheen}) *
                  enters;
-        density += mixture.body_choice * warp::cosine_hemisphere_density(i.z);
     }
     value = value * ((1 - mixture.out.coat) * (1 - in.coat));
 
@@ -178,9 +183,9 @@ bool Principled::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &
     } else {
         choice -= mixture.glass_choice;
         Vec3 above;
-        if (choice < mixture.body_choice)
+        if (choice < mixture.diffuse_choice)
             above = warp::cosine_hemisphere(numbers);
-        else if (choice < mixture.body_choice + mixture.facet_choice)
+        else if (choice < mixture.diffuse_choice + mixture.facet_choice)
             above = reflected(o, Ggx(facet_alpha(roughness)).sample_normal(o, numbers));
         else if (mixture.coat_choice > 0)
             above = reflected(o, Ggx(facet_alpha(coat_roughness)).sample_normal(o, numbers));

@@ -10,9 +10,9 @@ namespace vantor {
 ///
 /// The parameters, and how they mix, are those of Burley, in the courses "Practical Physically-Based Shading in Film
 /// and Game Production", SIGGRAPH 2012, and "Physically Based Shading in Theory and Practice", SIGGRAPH 2015. What
-/// differs keeps energy: every layer takes from those below what it reflects itself, for both directions; the coat,
-/// too, has GGX facets; and the body's retroreflection is scaled down (Lagarde, de Rousiers, "Moving Frostbite to
-/// Physically Based Rendering", SIGGRAPH 2014).
+/// differs keeps energy: every layer takes from those below what it reflects itself, for both directions; the metal's
+/// facets lose nothing (EnergyCompensation); the coat, too, has GGX facets; and the body's retroreflection is scaled
+/// down (Lagarde, de Rousiers, "Moving Frostbite to Physically Based Rendering", SIGGRAPH 2014).
 struct Principled {
     Color base_color;         ///< 0 to 1, as all that follows is unless said.
     float metallic = 0;       ///< The share of metal.
