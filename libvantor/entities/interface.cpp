@@ -17,15 +17,15 @@ struct Metal {
     Color k;
 };
 
-// Indices at 630, 530 and 465 nm for red, green and blue, interpolated between the neighbouring entries of the measured
-// tables and rounded to two digits after the point. Copper, gold and silver: Johnson, Christy, "Optical Constants of
-// the Noble Metals", Physical Review B 6, 1972. Aluminium: Smith, Shiles, Inokuti in Palik, "Handbook of Optical
-// Constants of Solids", 1985.
+// Indices at 650, 550 and 450 nm for red, green and blue (closer ones would make gold and copper pale), interpolated
+// between the neighbouring entries of the measured tables and rounded to two digits after the point. Copper, gold and
+// silver: Johnson, Christy, "Optical Constants of the Noble Metals", Physical Review B 6, 1972. Aluminium: Smith,
+// Shiles, Inokuti in Palik, "Handbook of Optical Constants of Solids", 1985.
 constexpr Metal metals[] = {
-    {"aluminium", {1.36f, 0.88f, 0.66f}, {7.58f, 6.45f, 5.65f}},
-    {"copper", {0.27f, 1.09f, 1.16f}, {3.37f, 2.59f, 2.49f}},
-    {"gold", {0.19f, 0.56f, 1.33f}, {3.40f, 2.20f, 1.87f}},
-    {"silver", {0.06f, 0.05f, 0.05f}, {4.25f, 3.41f, 2.80f}},
+    {"aluminium", {1.47f, 0.97f, 0.62f}, {7.80f, 6.69f, 5.48f}},
+    {"copper", {0.24f, 1.01f, 1.17f}, {3.63f, 2.58f, 2.39f}},
+    {"gold", {0.16f, 0.42f, 1.38f}, {3.61f, 2.47f, 1.92f}},
+    {"silver", {0.05f, 0.06f, 0.04f}, {4.41f, 3.60f, 2.65f}},
 };
 
 Scattering make_conductor(const Parameters &parameters) {
