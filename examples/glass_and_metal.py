@@ -27,11 +27,11 @@ studio.newLight("area", ["radiance", vector3(7.5, 6.3, 5.0)])
 studio.lightBegin()
 quad(vector3(-6, 1, 4), vector3(0.5, 0.5, -4.5), vector3(2.0, 4, -0.5))
 studio.lightEnd()
-studio.newLight("area", ["radiance", vector3(2.4, 3.2, 4.4)])
+studio.newLight("area", ["radiance", vector3(4.0, 4.1, 4.4)])
 studio.lightBegin()
 quad(vector3(5.5, 0.5, 3.5), vector3(-0.5, 4, 0), vector3(0, 0, -5))
 studio.lightEnd()
-studio.newLight("environment", ["radiance", vector3(0.4, 0.43, 0.48)])
+studio.newLight("environment", ["radiance", vector3(0.1, 0.1, 0.11)])
 
 squares = ["a", vector3(0.34, 0.32, 0.3), "b", vector3(0.11, 0.11, 0.12), "scale", 24.0]
 matt = studio.newInterface("diffuse", [])

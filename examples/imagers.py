@@ -13,8 +13,8 @@ WIDTH = int(sys.argv[1]) if len(sys.argv) > 1 else 320
 SAMPLES = int(sys.argv[2]) if len(sys.argv) > 2 else 400
 
 steps = scene()
-eye, target = vector3(3.5, 4.6, 9.0), vector3(0, 1.75, 0)
-steps.newCamera("perspective", ["position", eye, "target", target, "fov", 33.0])
+eye, target = vector3(3.5, 3.4, 9.2), vector3(0, 1.8, 0)
+steps.newCamera("perspective", ["position", eye, "target", target, "fov", 35.0])
 steps.newLight("sky", ["sun_direction", vector3(-0.9, 1.0, 0.7), "scale", 0.55])
 
 

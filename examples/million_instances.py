@@ -33,7 +33,7 @@ for row in range(COUNT):
     z = (row + 0.5) * STEP - SIDE / 2
     for column in range(COUNT):
         x = (column + 0.5) * STEP - SIDE / 2
-        scaling.scaling(vector3(0.8 * STEP, height(x, z), 0.8 * STEP))
+        scaling.scaling(vector3(STEP, height(x, z), STEP))
         places.add(scaling.compose(moving.translation(vector3(x, 0, z))))
 
 column = pond.newObject("box", ["min", vector3(-0.5, 0, -0.5), "max", vector3(0.5, 1, 0.5)])

@@ -22,19 +22,18 @@ def add(kind, parameters, *surface):
     room.materialEnd()
 
 
-room.newLight("environment", ["radiance", vector3(0.5, 0.52, 0.58)])
-room.newLight("area", ["radiance", vector3(15, 13.5, 11.5)])
+room.newLight("environment", ["radiance", vector3(0.16, 0.17, 0.19)])
+room.newLight("area", ["radiance", vector3(26, 24, 21)])
 room.lightBegin()
 room.addObject(room.newObject("sphere", ["center", vector3(-5, 5.5, 4), "radius", 1.5]))
 room.lightEnd()
-
 matt = room.newInterface("diffuse", [])
 paint = room.newInterface("plastic", ["roughness", 0.25])
 copper = room.newInterface("conductor", ["metal", "copper", "roughness", 0.3])
 
 # Marble is a mix of two colours, of which one is the grain; the amount is noise, too.
 grain = room.newPattern("noise", ["a", 0.55, "b", 0.95, "scale", 9.0])
-vein = room.newPattern("noise", ["b", 1.15, "scale", 1.7, "octaves", 8, "gain", 0.6])
+vein = room.newPattern("noise", ["b", 0.7, "scale", 1.7, "octaves", 8, "gain", 0.6])
 marble = room.newPattern("mix", ["a", vector3(0.01, 0.07, 0.05), "b", grain, "amount", vein])
 holes = room.newPattern("checker", ["scale", vector2(28, 14)])
 dents = room.newPattern("noise", ["scale", 5.0, "octaves", 2])
@@ -56,5 +55,6 @@ add("box", ["min", vector3(-1, 1.9, -2), "max", vector3(1, 3.9, -1.9)], copper)
 canvas = ["origin", vector3(-0.9, 2, -1.89), "edge_u", vector3(1.8, 0, 0)]
 add("quad", canvas + ["edge_v", vector3(0, 1.8, 0)], matt, "color", image)
 
+room.newImager("settings", ["clamp", 2.0])  # no dots of light that the copper throws
 room.newImager("file", ["name", "patterns.jpg", "display", "filmic"])
 room.render(WIDTH, WIDTH * 3 // 4, SAMPLES)

@@ -56,5 +56,5 @@ for i in (3, 2, 1, 0, 4, 5, 6, 7, 0, 1, 5, 4, 1, 2, 6, 5, 2, 3, 7, 6, 3, 0, 4, 7
     faces.add(i)
 add((0.42, 0.4, 0.4), "subdivision", "points", corners, "indices", faces, "levels", 5)
 
-table.newImager("file", ["name", "shapes.jpg", "display", "filmic"])
+table.newImager("file", ["name", "shapes.jpg", "exposure", 0.5, "display", "filmic"])
 table.render(WIDTH, WIDTH * 3 // 4, SAMPLES)
