@@ -29,6 +29,23 @@ struct Layers {
 
 bool is_smooth(const Plastic &plastic) { return plastic.alpha < Ggx::least_alpha; }
 
+// Both directions lie above it.
+Scattered evaluated(const Plastic &plastic, const Layers &layers, Vec3 o, Vec3 i) {
+    const float enters = 1 - glossy_albedo(i.z, plastic.alpha).of(layers.r0);
+    Scattered found{layers.body * ((1 - layers.coat) * enters * inverse_pi / (1 - layers.mean_coat)),
+                    (1 - layers.coat_choice) * warp::cosine_hemisphere_density(i.z)};
+    if (is_smooth(plastic))
+        return found;
+
+    const Vec3 half = normalized(o + i);
+    const Ggx facets(plastic.alpha);
+    const float share = schlick_share(dot(o, half));
+    const float value = (layers.r0 * (1 - share) + share) * facets.reflection(o, i, half);
+    found.value += Color{value, value, value};
+    found.density += layers.coat_choice * facets.reflection_density(o, half);
+    return found;
+}
+
 } // namespace
 
 Scattered Plastic::evaluate(Vec3 out, Vec3 in) const {
@@ -36,21 +53,7 @@ Scattered Plastic::evaluate(Vec3 out, Vec3 in) const {
         return {};
     const float side = std::copysign(1.0f, out.z);
     const Vec3 o = on_side(out, side);
-    const Vec3 i = on_side(in, side);
-    const Layers layers(*this, o.z);
-    const float enters = 1 - glossy_albedo(i.z, alpha).of(layers.r0);
-    Scattered found{layers.body * ((1 - layers.coat) * enters * inverse_pi / (1 - layers.mean_coat)),
-                    (1 - layers.coat_choice) * warp::cosine_hemisphere_density(i.z)};
-    if (is_smooth(*this))
-        return found;
-
-    const Vec3 half = normalized(o + i);
-    const Ggx facets(alpha);
-    const float share = schlick_share(dot(o, half));
-    const float value = (layers.r0 * (1 - share) + share) * facets.reflection(o, i, half);
-    found.value += Color{value, value, value};
-    found.density += layers.coat_choice * facets.reflection_density(o, half);
-    return found;
+    return evaluated(*this, Layers(*this, o.z), o, on_side(in, side));
 }
 
 bool Plastic::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const {
@@ -68,7 +71,7 @@ bool Plastic::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &res
     const Vec3 i = is_coat ? reflected(o, Ggx(alpha).sample_normal(o, numbers)) : warp::cosine_hemisphere(numbers);
     if (!(i.z > 0))
         return false;
-    const Scattered found = evaluate(o, i);
+    const Scattered found = evaluated(*this, layers, o, i);
     result = {on_side(i, side), found.value * (i.z / found.density), found.density, false};
     return found.density > 0;
 }
