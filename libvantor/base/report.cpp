@@ -51,6 +51,17 @@ void CallReport::diagnostic_at(long item, std::string_view text) const {
     diagnostic(joined({"item ", std::to_string(item), ": ", text}));
 }
 
+std::string counted(long count, std::string_view noun) {
+    return joined({std::to_string(count), " ", noun, count == 1 ? "" : "s"});
+}
+
+std::string left_out(std::size_t count, std::string_view noun, std::size_t first) {
+    const std::string number = std::to_string(first);
+    return count == 1
+               ? joined({"leaves out ", noun, " ", number})
+               : joined({"leaves out ", counted(static_cast<long>(count), noun), ", the first of them ", number});
+}
+
 std::string joined(std::initializer_list<std::string_view> parts) {
     std::string result;
     for (const std::string_view part : parts)

@@ -53,6 +53,12 @@ class CallReport {
 /// The parts, one after the other.
 std::string joined(std::initializer_list<std::string_view> parts);
 
+/// "1 point", "2 points"; of nouns with a regular plural.
+std::string counted(long count, std::string_view noun);
+
+/// "leaves out point 3", or "leaves out 2 points, the first of them 3".
+std::string left_out(std::size_t count, std::string_view noun, std::size_t first);
+
 /// A text of the script in double quotes, fit for one line: control characters become "?", long texts are cut.
 std::string quoted(std::string_view text);
 

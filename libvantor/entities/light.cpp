@@ -84,8 +84,8 @@ EnvironmentLight make_environment(const Parameters &parameters, const VtTransfor
     }
     if (const long count = remove_unusable(read.raster->pixels); count > 0)
         parameters.complain("name",
-                            joined({"has ", std::to_string(count),
-                                    " pixels with values that are no radiance (0 to 1e18 are; they count as 0)"}),
+                            joined({"has ", counted(count, "pixel"),
+                                    " with values that are no radiance (0 to 1e18 are; they count as 0)"}),
                             report);
     return environment_of(std::move(*read.raster), radiance, transform);
 }

@@ -30,7 +30,7 @@ std::optional<Object> make_instances(VtLong id, const Object &repeated, const Pa
     result.repeated = &repeated;
     result.places.reserve(static_cast<std::size_t>(std::max<VtLong>(given.Size(), 0)));
     double reach = 0;
-    std::size_t index = 0, left_out = 0, first_left_out = 0;
+    std::size_t index = 0, unusable = 0, first_unusable = 0;
     const char *why_first = nullptr;
     given.ForEachBlock([&](const VtTransform *transforms, VtLong count) {
         for (VtLong i = 0; i < count; ++i, ++index) {
@@ -42,19 +42,17 @@ std::optional<Object> make_instances(VtLong id, const Object &repeated, const Pa
                 result.places.emplace_back(transforms[i]);
                 result.least_scale = std::min(result.least_scale, to_float(transforms[i]).least_scale());
                 reach = std::max(reach, its_reach);
-            } else if (left_out++ == 0) {
-                first_left_out = index;
+            } else if (unusable++ == 0) {
+                first_unusable = index;
                 why_first = why;
             }
         }
     });
-    if (left_out > 0)
-        parameters.complain("places",
-                            joined({"leaves out ", std::to_string(left_out), " transforms, the first of them ",
-                                    std::to_string(first_left_out), ", which ", why_first}),
+    if (unusable > 0)
+        parameters.complain("places", joined({left_out(unusable, "transform", first_unusable), ", which ", why_first}),
                             report);
     if (result.places.empty()) {
-        if (left_out == 0)
+        if (unusable == 0)
             parameters.complain("places", "is empty; nothing of the instances will be seen", report);
         return {};
     }

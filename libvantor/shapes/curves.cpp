@@ -142,13 +142,12 @@ std::optional<Curves> make_curves(const Parameters &parameters, const CallReport
     }
     if (odd > 0)
         parameters.complain(parameters.is_given("counts") ? "counts" : "points",
-                            joined({"leaves out ", std::to_string(odd), " curves, the first of them ",
-                                    std::to_string(first_odd), " (with the step ", std::to_string(spline.step), ", ",
-                                    spline.fitting_counts(false), " points come out even)"}),
+                            joined({left_out(odd, "curve", first_odd), " (with the step ", std::to_string(spline.step),
+                                    ", ", spline.fitting_counts(false), " points come out even)"}),
                             report);
     if (maker.unusable > 0)
-        report.diagnostic(joined({"leaves out ", std::to_string(maker.unusable),
-                                  " segments (finite coordinates up to 1e9, some length and a radius above 0 are "
+        report.diagnostic(joined({"leaves out ", counted(static_cast<long>(maker.unusable), "segment"),
+                                  " (finite coordinates up to 1e9, some length and a radius above 0 are "
                                   "wanted)"}));
     if (curves.firsts.empty()) {
         report.diagnostic("the curves have no usable segment; nothing of them will be seen");

@@ -94,10 +94,9 @@ void add_faces(TriangleMesh &mesh, std::string_view name, const Parameters &para
 
     const auto report_faults = [&](const Faults &faults, std::string_view of, std::string_view what) {
         if (faults.count > 0)
-            parameters.complain(of,
-                                joined({"leaves out ", std::to_string(faults.count), " ", name, ", the first of them ",
-                                        std::to_string(faults.first), " (", what, ")"}),
-                                report);
+            parameters.complain(
+                of, joined({left_out(faults.count, corners == 3 ? "triangle" : "quad", faults.first), " (", what, ")"}),
+                report);
     };
     report_faults(outside, name,
                   mesh.points.empty()
@@ -113,8 +112,8 @@ bool has_for_each_point(std::size_t points, std::string_view name, VtLong count,
     const bool is_good = static_cast<std::size_t>(count) == points;
     if (!is_good)
         parameters.complain(name,
-                            joined({"has ", std::to_string(count), " elements (one for each of the ",
-                                    std::to_string(points), " points is wanted); it is left out"}),
+                            joined({"has ", counted(count, "element"), " (one for each of the ", std::to_string(points),
+                                    " points is wanted); it is left out"}),
                             report);
     return is_good;
 }

@@ -188,7 +188,7 @@ std::optional<TriangleMesh> make_patches(const Parameters &parameters, const Cal
     const auto columns = static_cast<std::size_t>(parameters.integer("columns"));
     if (points.size() % columns != 0) {
         parameters.complain("points",
-                            joined({"has ", std::to_string(points.size()), " elements (whole rows of ",
+                            joined({"has ", counted(static_cast<long>(points.size()), "element"), " (whole rows of ",
                                     std::to_string(columns), " are wanted); nothing of the patches will be seen"}),
                             report);
         return {};

@@ -22,8 +22,8 @@ std::optional<QuadOrMesh> make_quad(const Parameters &parameters, const CallRepo
             return {};
         if (given.Size() != 4) {
             parameters.complain("corners",
-                                joined({"has ", std::to_string(given.Size()),
-                                        " elements (four are wanted); nothing of the quad will be seen"}),
+                                joined({"has ", counted(given.Size(), "element"),
+                                        " (four are wanted); nothing of the quad will be seen"}),
                                 report);
             return {};
         }

@@ -64,8 +64,8 @@ class Reader {
         if (!parameters.is_given("counts")) {
             if (index_count % 4 == 0)
                 return std::vector<VtLong>(index_count / 4, 4);
-            refuse("indices", {"has ", given,
-                               " elements (without \"counts\" all faces are quads: four for each are "
+            refuse("indices", {"has ", counted(static_cast<long>(index_count), "element"),
+                               " (without \"counts\" all faces are quads: four for each are "
                                "wanted)"});
             return {};
         }
@@ -132,16 +132,14 @@ class Reader {
 
     void report_faults(std::size_t outside, std::size_t unusable, std::size_t repeated, std::size_t first,
                        std::size_t vertices) const {
-        const std::string all = std::to_string(outside + unusable + repeated);
         const std::string known = vertices == 0
                                       ? "there are no points"
                                       : joined({"indices from 0 to ", std::to_string(vertices - 1), " are wanted"});
         const std::string why = outside > 0    ? known
                                 : unusable > 0 ? std::string("finite coordinates up to 1e9 are wanted")
                                                : std::string("corners in a row that differ are wanted");
-        parameters.complain(
-            "indices",
-            joined({"leaves out ", all, " faces, the first of them ", std::to_string(first), " (", why, ")"}), report);
+        parameters.complain("indices", joined({left_out(outside + unusable + repeated, "face", first), " (", why, ")"}),
+                            report);
     }
 
     static void add_face(Topology &t, std::span<const VtLong> corners) {
@@ -197,24 +195,24 @@ class Reader {
         }
         if (missing > 0)
             parameters.complain("crease_edges",
-                                joined({"leaves out ", std::to_string(missing), " edges, the first of them ",
-                                        std::to_string(first_missing), " (edges of faces are wanted)"}),
+                                joined({left_out(missing, "edge", first_missing), " (edges of faces are wanted)"}),
                                 report);
     }
 
     void read_corners(Polygons &polygons) const {
         std::size_t missing = 0;
-        VtLong first_missing = 0;
-        for (const VtLong point : copied(parameters.long_array("corner_points"))) {
+        std::size_t first_missing = 0;
+        const std::vector<VtLong> points = copied(parameters.long_array("corner_points"));
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const VtLong point = points[i];
             if (point >= 0 && static_cast<std::size_t>(point) < polygons.corners.size())
                 polygons.corners[static_cast<std::size_t>(point)] = true;
             else if (missing++ == 0)
-                first_missing = point;
+                first_missing = i;
         }
         if (missing > 0)
             parameters.complain("corner_points",
-                                joined({"leaves out ", std::to_string(missing), " indices, the first of them ",
-                                        std::to_string(first_missing), " (indices from 0 to ",
+                                joined({left_out(missing, "element", first_missing), " (indices from 0 to ",
                                         std::to_string(polygons.corners.size() - 1), " are wanted)"}),
                                 report);
     }

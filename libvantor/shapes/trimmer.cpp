@@ -75,7 +75,7 @@ std::optional<Trimmer> make_curve(const Parameters &parameters, const CallReport
         if (spline.segments_of(points.size(), true) == 0) {
             parameters.complain(
                 "points",
-                joined({"has ", std::to_string(points.size()), " elements (", spline.fitting_counts(true),
+                joined({"has ", counted(static_cast<long>(points.size()), "element"), " (", spline.fitting_counts(true),
                         " make a closed curve of this basis and step); it cuts nothing"}),
                 report);
             return {};

@@ -165,10 +165,10 @@ TEST(Diagnostics, Meshes) {
               "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out 2 triangles, the first of them 1 "
               "(indices from 0 to 4 are wanted)\n");
     EXPECT_EQ(errors({0, 1, 2, 0, 1, 3}),
-              "vantor: newObject \"mesh\": item 1: parameter \"points\" leaves out 1 triangles, the first of them 1 "
+              "vantor: newObject \"mesh\": item 1: parameter \"points\" leaves out triangle 1 "
               "(finite coordinates up to 1e9 are wanted)\n");
     EXPECT_EQ(errors({0, 1, 4, 0, 1, 2}),
-              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out 1 triangles, the first of them 0 "
+              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out triangle 0 "
               "(corners that span an area are wanted)\n");
     EXPECT_EQ(errors({0, 1, 2, 0, 1}),
               "vantor: newObject \"mesh\": item 3: parameter \"triangles\" has 5 indices (three for each triangle are "
@@ -197,7 +197,7 @@ TEST(Diagnostics, MeshWithoutPoints) {
     scripted::Indices triangles;
     scripted::fill(triangles, {0, 1, 2});
     EXPECT_EQ(object_errors("mesh", "points", none, "triangles", triangles),
-              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out 1 triangles, the first of them 0 "
+              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out triangle 0 "
               "(there are no points)\n"
               "vantor: newObject \"mesh\": the mesh has no usable triangle; nothing of it will be seen\n");
 }

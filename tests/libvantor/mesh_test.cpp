@@ -121,9 +121,9 @@ TEST(Mesh, BadInputIsOneLineEach) {
                                             "wanted); the rest is left out\n");
     EXPECT_EQ(line_of("quads", wild), head + "item 3: parameter \"quads\" leaves out 2 quads, the first of them 1 "
                                              "(indices from 0 to 3 are wanted)\n");
-    EXPECT_EQ(line_of("quads", flat), head + "item 3: parameter \"quads\" leaves out 1 quads, the first of them 1 "
+    EXPECT_EQ(line_of("quads", flat), head + "item 3: parameter \"quads\" leaves out quad 1 "
                                              "(corners that span an area are wanted)\n");
-    EXPECT_EQ(line_of("quads", quad, "colors", few), head + "item 5: parameter \"colors\" has 1 elements (one for each "
+    EXPECT_EQ(line_of("quads", quad, "colors", few), head + "item 5: parameter \"colors\" has 1 element (one for each "
                                                             "of the 4 points is wanted); it is left out\n");
     EXPECT_EQ(line_of("quads", quad, "colors", negative),
               head + "item 5: parameter \"colors\" has unusable elements (components from 0 to 1e9 are wanted); it is "
