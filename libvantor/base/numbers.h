@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace vantor {
 
@@ -30,6 +31,15 @@ inline float length(Vec3 a) { return std::sqrt(dot(a, a)); }
 inline Vec3 normalized(Vec3 a) { return a * (1.0f / length(a)); }
 inline float largest_coordinate(Vec3 a) { return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)}); }
 inline bool is_finite(Vec3 a) { return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z); }
+
+/// Whether its direction is known: its square neither underflows nor overflows.
+inline bool has_direction(Vec3 a) {
+    const float square = dot(a, a);
+    return square >= std::numeric_limits<float>::min() && square <= std::numeric_limits<float>::max();
+}
+
+/// The direction of a vector; the other, of unit length, if it has none.
+inline Vec3 direction_of(Vec3 a, Vec3 otherwise) { return has_direction(a) ? normalized(a) : otherwise; }
 
 /// The half line from the origin along the direction.
 struct Ray {

@@ -10,11 +10,8 @@
 
 namespace vantor {
 
-/// The direction of a vector, in whose space a transform may have squeezed one axis to nothing: it is then any.
-inline Vec3 direction_of(Vec3 v) {
-    const float square = dot(v, v);
-    return square >= std::numeric_limits<float>::min() ? v * (1 / std::sqrt(square)) : Vec3{0, 0, -1};
-}
+/// Of a ray. In the vector's space a transform may have squeezed one axis to nothing; the direction is then any.
+inline Vec3 ray_direction(Vec3 v) { return direction_of(v, {0, 0, -1}); }
 
 /// A pinhole or thin-lens camera. The picture of the point that a ray goes to is sharp: it lies on a plane across the
 /// view axis, where the rays of all points of the lens meet. Potmesil, Chakravarty, "A Lens and Aperture Camera Model
@@ -126,18 +123,18 @@ inline Ray PerspectiveCamera::ray(float x, float y, int width, int height, Pair 
     const float upwards = (0.5f * static_cast<float>(height) - y) * unit;
     const Vec3 to_sharp_plane = forward + right * across + up * upwards;
     if (!has_lens)
-        return {position, direction_of(to_sharp_plane)};
+        return {position, ray_direction(to_sharp_plane)};
     const Vec3 on_lens = warp::disk(lens);
     return {position + aperture_right * on_lens.x + aperture_up * on_lens.y,
-            direction_of(to_sharp_plane - lens_right * on_lens.x - lens_up * on_lens.y)};
+            ray_direction(to_sharp_plane - lens_right * on_lens.x - lens_up * on_lens.y)};
 }
 
 inline Ray PanoramaCamera::ray(float x, float y, int width, int height) const {
     const float longitude = 2 * pi * (x / static_cast<float>(width) - 0.5f);
     const float latitude = pi * (0.5f - y / static_cast<float>(height));
     const float radius = std::cos(latitude);
-    return {position, direction_of(forward * (radius * std::cos(longitude)) + right * (radius * std::sin(longitude)) +
-                                   up * std::sin(latitude))};
+    return {position, ray_direction(forward * (radius * std::cos(longitude)) + right * (radius * std::sin(longitude)) +
+                                    up * std::sin(latitude))};
 }
 
 } // namespace vantor

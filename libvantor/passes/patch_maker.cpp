@@ -144,8 +144,8 @@ void Patches::Maker::add_corner(std::size_t placement, std::uint32_t primitive, 
                                 std::vector<Corner> &corners_of_placement) {
     const Surface &surface = patches.surfaces[placement];
     const PatchPoint place = point_in_world(*surface.shape, surface.world_from_object, primitive, uv);
-    const Vec3 flat = unit_length(place.normal, {0, 0, 1});
-    corners_of_placement.push_back({place.point, unit_length(place.shading_normal, flat), cell_side});
+    const Vec3 flat = direction_of(place.normal, {0, 0, 1});
+    corners_of_placement.push_back({place.point, direction_of(place.shading_normal, flat), cell_side});
     patches.corners.push_back(0);
 }
 

@@ -3,8 +3,6 @@
 
 #include "libvantor/base/warp.h"
 
-#include <limits>
-
 namespace vantor {
 
 namespace {
@@ -42,12 +40,6 @@ template <class Other> PatchPoint place_on(const Other &, std::uint32_t, Pair) {
 PatchPoint point_in_world(const Shape &shape, const Affine &map, std::uint32_t primitive, Pair uv) {
     const PatchPoint local = std::visit([&](const auto &kind) { return place_on(kind, primitive, uv); }, shape);
     return {map.point(local.point), map.normals(local.normal), map.normals(local.shading_normal)};
-}
-
-Vec3 unit_length(Vec3 v, Vec3 otherwise) {
-    const float square = dot(v, v);
-    return square >= std::numeric_limits<float>::min() && std::isfinite(square) ? v * (1 / std::sqrt(square))
-                                                                                : otherwise;
 }
 
 Pair point_in_triangle_cell(std::uint32_t n, std::uint32_t cell, Pair numbers) {

@@ -17,9 +17,6 @@ struct PatchPoint {
 /// counts them. The map goes from the object to the world.
 PatchPoint point_in_world(const Shape &shape, const Affine &map, std::uint32_t primitive, Pair uv);
 
-/// The direction of a vector; the other, of unit length, if it has none.
-Vec3 unit_length(Vec3 v, Vec3 otherwise);
-
 /// A triangle in n^2 cells. Their corners (i, j) lie at i / n towards the second corner and j / n towards the third,
 /// row after row; so do the cells, those that stand like the triangle and those that do not in turn.
 inline std::uint32_t corner_of_triangle(std::uint32_t n, std::uint32_t i, std::uint32_t j) {

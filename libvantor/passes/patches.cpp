@@ -50,8 +50,8 @@ Hit Patches::point_of(std::uint32_t index, Pair numbers) const {
     Hit hit{};
     hit.exists = true;
     hit.point = place.point;
-    hit.geometric_normal = unit_length(place.normal, {0, 0, 1});
-    hit.shading_normal = unit_length(place.shading_normal, hit.geometric_normal);
+    hit.geometric_normal = direction_of(place.normal, {0, 0, 1});
+    hit.shading_normal = direction_of(place.shading_normal, hit.geometric_normal);
     if (dot(hit.shading_normal, hit.geometric_normal) < 0)
         hit.shading_normal = -hit.shading_normal;
     hit.clearance = clearance_of(place.point, std::sqrt(patch.area));

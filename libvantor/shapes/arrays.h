@@ -5,7 +5,6 @@
 #include "libvantor/words/reader.h"
 
 #include <cstdint>
-#include <limits>
 #include <string>
 
 namespace vantor {
@@ -14,10 +13,8 @@ namespace vantor {
 inline constexpr float largest_reach = 1e9f;
 
 inline bool has_area(Vec3 a, Vec3 b, Vec3 c) {
-    const Vec3 normal = cross(b - a, c - a);
     // The product of two short edges may underflow; such a triangle could not be hit reliably either.
-    const float square = dot(normal, normal);
-    return square > std::numeric_limits<float>::min() && std::isfinite(square);
+    return has_direction(cross(b - a, c - a));
 }
 
 // Neither does a NaN pass, as largest_coordinate() may lose one.

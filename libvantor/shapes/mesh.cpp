@@ -120,10 +120,7 @@ bool has_for_each_point(std::size_t points, std::string_view name, VtLong count,
 
 void add_normals(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
     std::vector<Vec3> normals = floats_of(parameters.vector3_array("normals"));
-    const bool are_usable = std::ranges::all_of(normals, [](Vec3 n) {
-        const float square = dot(n, n);
-        return square > std::numeric_limits<float>::min() && std::isfinite(square);
-    });
+    const bool are_usable = std::ranges::all_of(normals, has_direction);
     if (!are_usable)
         parameters.complain("normals", "has zero or unusable vectors (directions are wanted); it is left out", report);
     else if (has_for_each_point(mesh.points.size(), "normals", static_cast<VtLong>(normals.size()), parameters, report))

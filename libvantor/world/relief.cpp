@@ -1,17 +1,9 @@
 // Relief: normals that follow a pattern.
 #include "libvantor/world/relief.h"
 
-#include <limits>
-
 namespace vantor {
 
 namespace {
-
-// Whether its direction is known.
-bool has_direction(Vec3 v) {
-    const float square = dot(v, v);
-    return square >= std::numeric_limits<float>::min() && square <= std::numeric_limits<float>::max();
-}
 
 // Back from the world: normals go there by the transposed inverse.
 Vec3 normal_in_object(const Affine &world_from_object, Vec3 normal) {
@@ -39,7 +31,7 @@ Vec3 bumped(const ReliefPoint &point, const Pattern &heights, float scale, Vec3 
     };
     const Vec3 bent = frame.z - frame.x * slope(frame.x) - frame.y * slope(frame.y);
     const Vec3 in_world = point.world_from_object.normals(bent);
-    return has_direction(in_world) ? normalized(in_world) : normal;
+    return direction_of(in_world, normal);
 }
 
 // The normal that a pattern tells in the directions of u, v and the surface's own.
@@ -54,7 +46,7 @@ Vec3 mapped(const ReliefPoint &point, const Pattern &map, Vec3 normal) {
     const float turn = std::copysign(1.0f, dot(y, to_world(point.along_v())));
     const Color told = evaluate(map, point.at);
     const Vec3 bent = x * (2 * told.r - 1) + y * (turn * (2 * told.g - 1)) + normal * (2 * told.b - 1);
-    return has_direction(bent) ? normalized(bent) : normal;
+    return direction_of(bent, normal);
 }
 
 // A normal that leans beyond the surface would see nothing but its back.
