@@ -13,8 +13,6 @@ namespace vantor {
 namespace {
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float smallest = std::numeric_limits<float>::min();
-constexpr float largest = std::numeric_limits<float>::max();
 
 // Rays go to Embree in packets, as wide as the processor takes at once: 16, or else 8. Narrower ones are not worth it.
 template <class Rays> constexpr std::size_t width_of = std::extent_v<decltype(Rays::tfar)>;
@@ -120,24 +118,23 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
         normal = facing_normal(normals, normal, ray.direction);
     else if (decoding.is_instance)
         normal = normals(normal);
-    const float square = dot(normal, normal);
-    // A triangle that a transform has shrunk to nothing has no side.
-    if (!(square >= smallest && square <= largest)) {
+    // Twice the area of a triangle: of one that a transform has made tiny or huge, floats cannot hold the square.
+    if (!has_direction(normal))
+        normal = normal * (1 / largest_coordinate(normal));
+    // What has shrunk to nothing has no side.
+    if (!has_direction(normal)) {
         hit.exists = false;
         return hit;
     }
-    hit.geometric_normal = normal * (decoding.front / std::sqrt(square));
+    hit.geometric_normal = normalized(normal) * decoding.front;
     hit.shading_normal = hit.geometric_normal;
 
     if (decoding.smooth) {
         const Vec3 smooth =
             normals(interpolated_normal(*decoding.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
-        const float squared_length = dot(smooth, smooth);
         // Opposite normals at the corners may cancel; the flat normal then stands.
-        if (squared_length >= smallest && squared_length <= largest) {
-            const float side = std::copysign(1.0f, dot(smooth, hit.geometric_normal));
-            hit.shading_normal = smooth * (side / std::sqrt(squared_length));
-        }
+        if (has_direction(smooth))
+            hit.shading_normal = normalized(smooth) * std::copysign(1.0f, dot(smooth, hit.geometric_normal));
     }
     return hit;
 }
