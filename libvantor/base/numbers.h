@@ -75,6 +75,10 @@ struct Linear {
     Vec3 operator()(Vec3 v) const { return row0 * v.x + row1 * v.y + row2 * v.z; }
 };
 
+inline Linear transposed(const Linear &m) {
+    return {{m.row0.x, m.row1.x, m.row2.x}, {m.row0.y, m.row1.y, m.row2.y}, {m.row0.z, m.row1.z, m.row2.z}};
+}
+
 /// An affine map of points, p' = p M + offset, with the maps that go with it.
 struct Affine {
     Linear linear;  ///< Of directions.

@@ -33,8 +33,11 @@ struct Hit {
     }
 };
 
-/// The rounding error of a point that was computed at that distance from a ray's origin. Some thirty units in the last
-/// place, of which tracing needs a few: larger loses contact shadows, smaller lets surfaces shadow themselves.
-inline float clearance_of(Vec3 point, float distance) { return 4e-6f * (largest_coordinate(point) + distance); }
+/// The rounding error of lengths. Some thirty units in the last place, of which tracing needs a few: larger loses
+/// contact shadows, smaller lets surfaces shadow themselves.
+inline constexpr float rounding = 4e-6f;
+
+/// The rounding error of a point that was computed at that distance from a ray's origin.
+inline float clearance_of(Vec3 point, float distance) { return rounding * (largest_coordinate(point) + distance); }
 
 } // namespace vantor

@@ -17,10 +17,7 @@ struct RepeatedObject {
         Vec3 offset; ///< Of the map from the object.
 
         /// Of normals, from the object: the transposed inverse.
-        Linear normals() const {
-            const auto [x, y, z] = linear;
-            return {{x.x, y.x, z.x}, {x.y, y.y, z.y}, {x.z, y.z, z.z}};
-        }
+        Linear normals() const { return transposed(linear); }
     };
 
     RTCScene scene; ///< Of the object.

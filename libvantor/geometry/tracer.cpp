@@ -55,13 +55,33 @@ Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float
 }
 
 // Of a ribbon that is turned towards the ray: across the tangent, in the plane of both. Tangents go by the map of
-// directions, which is, but for its scale, that of the cofactors of the map of normals.
+// directions, which is, but for its scale, that of the cofactors of the map of normals. The turn is one in the world;
+// the normal is the one in the object that is mapped to it.
 Vec3 facing_normal(const Linear &normals, Vec3 tangent, Vec3 direction) {
     const Linear directions{cross(normals.row1, normals.row2), cross(normals.row2, normals.row0),
                             cross(normals.row0, normals.row1)};
     const Vec3 any_length = directions(tangent);
     const Vec3 along = any_length * (1 / largest_coordinate(any_length));
-    return along * dot(along, direction) - direction * dot(along, along);
+    const Vec3 facing = along * dot(along, direction) - direction * dot(along, along);
+    return Vec3{dot(directions.row0, facing), dot(directions.row1, facing), dot(directions.row2, facing)} *
+           (1 / dot(directions.row0, normals.row0));
+}
+
+Vec3 sizes(Vec3 v) { return {std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)}; }
+
+// Rays meet an instance in the space of its object, where coordinates may be far larger than in the world: how far
+// along the normal of a hit, in the world, their rounding may reach. The normal is given in the object, and as it is
+// mapped.
+float clearance_in_object(const Linear &normals, Vec3 offset, const Ray &ray, Vec3 point, Vec3 normal, Vec3 mapped) {
+    const Vec3 from = sizes(ray.origin - offset);
+    const Vec3 to = sizes(point - offset);
+    const Vec3 reach{std::max(from.x, to.x), std::max(from.y, to.y), std::max(from.z, to.z)};
+    // The map of normals is the transposed one of points back into the object: what is summed there for each
+    // coordinate.
+    const Vec3 in_object{dot(sizes(normals.row0), reach), dot(sizes(normals.row1), reach),
+                         dot(sizes(normals.row2), reach)};
+    const float size = largest_coordinate(mapped);
+    return rounding * dot(sizes(normal), in_object) / (size * length(mapped * (1 / size)));
 }
 
 } // namespace
@@ -86,7 +106,8 @@ Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placemen
         const bool has_winding = std::visit(HasWinding(), placement.object->shape);
         const bool is_turned = !is_instance && has_winding && world_from_object.determinant < 0;
         decodings.push_back({mesh && !mesh->normals.empty() ? mesh : nullptr, world_from_object.normals,
-                             is_turned ? -1.0f : 1.0f, is_instance, curves && !curves->are_tubes, built->repeated[i],
+                             world_from_object.offset, is_turned ? -1.0f : 1.0f, is_instance,
+                             curves && !curves->are_tubes, built->repeated[i],
                              std::visit([](const auto &kind) { return halvings_of<std::decay_t<decltype(kind)>>; },
                                         placement.object->shape)});
     }
@@ -113,23 +134,28 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
     Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
     hit.place = decoding.repeated ? packet.hit.geomID[lane] : 0;
-    const Linear normals = decoding.repeated ? decoding.repeated->inverses[hit.place].normals() : decoding.normals;
-    if (decoding.faces_rays)
-        normal = facing_normal(normals, normal, ray.direction);
-    else if (decoding.is_instance)
-        normal = normals(normal);
-    // Twice the area of a triangle: of one that a transform has made tiny or huge, floats cannot hold the square.
-    if (!has_direction(normal))
-        normal = normal * (1 / largest_coordinate(normal));
-    // What has shrunk to nothing has no side.
-    if (!has_direction(normal)) {
-        hit.exists = false;
-        return hit;
+    const RepeatedObject::Inverse *inverse = decoding.repeated ? &decoding.repeated->inverses[hit.place] : nullptr;
+    if (decoding.is_instance) {
+        const Linear normals = inverse ? inverse->normals() : decoding.normals;
+        const Vec3 in_object = decoding.faces_rays ? facing_normal(normals, normal, ray.direction) : normal;
+        normal = normals(in_object);
+        const Vec3 offset = inverse ? inverse->offset : decoding.offset;
+        hit.clearance += clearance_in_object(normals, offset, ray, hit.point, in_object, normal);
     }
-    hit.geometric_normal = normalized(normal) * decoding.front;
+    if (!has_direction(normal)) {
+        // Twice the area of a triangle: of one that a transform has made tiny or huge, floats cannot hold the square.
+        normal = normal * (1 / largest_coordinate(normal));
+        // What has shrunk to nothing has no side.
+        if (!has_direction(normal)) {
+            hit.exists = false;
+            return hit;
+        }
+    }
+    hit.geometric_normal = normal * (decoding.front / length(normal));
     hit.shading_normal = hit.geometric_normal;
 
     if (decoding.smooth) {
+        const Linear normals = inverse ? inverse->normals() : decoding.normals;
         const Vec3 smooth =
             normals(interpolated_normal(*decoding.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
         // Opposite normals at the corners may cancel; the flat normal then stands.

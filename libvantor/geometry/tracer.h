@@ -45,6 +45,7 @@ class Tracer {
     struct Decoding {
         const TriangleMesh *smooth;     // a mesh with normals; null otherwise
         Linear normals;                 // world from object
+        Vec3 offset;                    // of points, likewise
         float front;                    // -1 where a copy in world space is mirrored and its winding turned round
         bool is_instance;               // Embree's normal is in object space
         bool faces_rays;                // a ribbon, of which Embree gives the tangent instead, always in object space

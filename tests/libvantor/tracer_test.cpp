@@ -23,11 +23,23 @@ class Stage {
         objects.push_back({1, std::move(shape), 0, false});
         placements.push_back({&objects.back(), world_from_object, &material, -1, -1, nullptr});
     }
+    void add_places(Shape shape, const std::vector<VtTransform> &places) {
+        add(std::move(shape), identity());
+        for (const VtTransform &place : places)
+            objects.back().places.emplace_back(place);
+        placements.back().places = &objects.back().places;
+    }
+    // By a trimmer that leaves all of it.
+    void add_trimmed(Shape shape, const VtTransform &world_from_object) {
+        add(std::move(shape), world_from_object);
+        objects.back().trimmers.push_back(&nothing);
+    }
     Tracer tracer() const { return std::move(*Tracer::build(placements, Interrupt())); }
 
   private:
     std::deque<Object> objects;
     const Material material = default_material();
+    const Trimmer nothing{BoxTrimmer{{-1e9f, -1e9f, -1e9f}, {1e9f, 1e9f, 1e9f}, true}};
     std::vector<Placement> placements;
 };
 
@@ -65,6 +77,98 @@ TEST(Tracer, TrianglesOfAnySizeAreMet) {
         }
         EXPECT_EQ(missed, 0) << scale;
     }
+}
+
+// The part of many hits on the first placement from which a ray back to where it came from is blocked at once.
+double shadowed_part(const Tracer &tracer, Vec3 from, Vec3 towards, float width) {
+    int hits = 0;
+    int shadowed = 0;
+    const Frame frame(normalized(towards - from));
+    for (int j = -20; j <= 20; ++j)
+        for (int i = -20; i <= 20; ++i) {
+            const auto across = [&](int k) { return width * (static_cast<float>(k) + 0.37f) / 20; };
+            const Vec3 end = towards + frame.x * across(i) + frame.y * across(j);
+            const Ray ray{from, normalized(end - from)};
+            Hit hit;
+            tracer.nearest({&ray, 1}, false, {&hit, 1});
+            if (!hit.exists)
+                continue;
+            ++hits;
+            const Vec3 start = hit.origin_towards(-ray.direction);
+            const Segment way{start, from - start, 1};
+            char is_blocked;
+            tracer.blocked({&way, 1}, {&is_blocked, 1});
+            shadowed += is_blocked;
+        }
+    EXPECT_GT(hits, 500);
+    return static_cast<double>(shadowed) / std::max(hits, 1);
+}
+
+// A sheet that faces along an axis, around a point.
+TriangleMesh wall_at(Vec3 middle, int axis) {
+    TriangleMesh wall = sheet(2, 4);
+    for (Vec3 &p : wall.points)
+        p = middle + (axis == 0 ? Vec3{0, p.x, p.y} : axis == 1 ? Vec3{p.y, 0, p.x} : p);
+    return wall;
+}
+
+Curves curve_at(Vec3 middle, bool is_tube) {
+    Curves curve{is_tube, {}, {0}, {{0, 1}}};
+    for (const float y : {-6.0f, -2.0f, 2.0f, 6.0f})
+        curve.points.push_back({middle + Vec3{0, y, 0}, 1.3f});
+    return curve;
+}
+
+TEST(Tracer, ObjectsFarFromTheirOriginDoNotShadowThemselves) {
+    // Their places bring them back to the world's origin: its coordinates are small, and those of the rays that Embree
+    // traces are not.
+    const Vec3 middle{1e4f / 3, 100.0f / 3, -200.0f / 3};
+    const VtVector3 scales[] = {{1e-3, 1e-3, 1e-3}, {1, 1, 1}, {1e3, 1e3, 1e3}, {1, 3, 0.2}};
+    for (const VtVector3 &scale : scales)
+        for (const double turn : {0.0, 33.0})
+            for (const int axis : {0, 1, 2}) {
+                SCOPED_TRACE(testing::Message() << scale[0] << ", turned by " << turn << ", axis " << axis);
+                VtTransform scaled;
+                scaled.Scaling(scale);
+                VtTransform turned;
+                turned.RotationAroundAxis({0, 0, 0}, {1, 2, 3}, turn);
+                VtTransform place = composed(scaled, turned);
+                const VtVector3 to = transformed_point({middle.x, middle.y, middle.z}, place);
+                place[3] = {-to[0], -to[1], -to[2], 1};
+
+                const auto size = static_cast<float>(scale[0]);
+                const Vec3 ahead{axis == 0 ? 1.0f : 0.1f, axis == 1 ? 1.0f : 0.2f, axis == 2 ? 1.0f : 0.3f};
+                const Vec3 from = normalized(to_float(place).normals(ahead)) * (5 * size);
+                const auto part_of = [&](auto add) {
+                    Stage stage;
+                    add(stage);
+                    return shadowed_part(stage.tracer(), from, {}, 0.3f * size);
+                };
+                const TriangleMesh wall = wall_at(middle, axis);
+                EXPECT_EQ(part_of([&](Stage &stage) { stage.add_places(wall, {place}); }), 0) << "places";
+                EXPECT_EQ(part_of([&](Stage &stage) { stage.add_trimmed(wall, place); }), 0) << "trimmed";
+                if (axis == 1) // along the curves
+                    continue;
+                for (const bool is_tube : {false, true})
+                    EXPECT_EQ(part_of([&](Stage &stage) { stage.add(curve_at(middle, is_tube), place); }), 0)
+                        << (is_tube ? "tube" : "ribbon");
+            }
+}
+
+TEST(Tracer, FlatInstancesAreClearAtTheirOwnSize) {
+    // A thousandth as thick as wide: seen from above, the ray starts at 5000 in the object, but a side of it is as
+    // exact as any other surface.
+    VtTransform flat;
+    flat.Scaling({1, 1, 1e-3});
+    Stage stage;
+    stage.add_places(Quads{{{Vec3{1, -1, -1}, {1, 1, -1}, {1, 1, 1}, {1, -1, 1}}}}, {flat});
+    const Tracer tracer = stage.tracer();
+    const Ray ray{{6, 0, 5}, normalized({-5, 0, -5})};
+    Hit hit;
+    tracer.nearest({&ray, 1}, false, {&hit, 1});
+    ASSERT_TRUE(hit.exists);
+    EXPECT_GE(hit.clearance, clearance_of(hit.point, hit.distance));
+    EXPECT_LT(hit.clearance, 2 * clearance_of(hit.point, hit.distance));
 }
 
 } // namespace
