@@ -11,8 +11,8 @@ namespace vantor {
 
 namespace {
 
-// An object with more primitives than this, over all its placements, is instanced: its geometry is there once. Below,
-// copies in world space trace faster.
+// An object that is placed more than once, with more primitives than this over all its placements, is instanced: its
+// geometry is there once. Of the others, copies in world space trace faster.
 constexpr std::size_t most_copied_primitives = 20000;
 
 class Builder {
