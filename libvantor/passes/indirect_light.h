@@ -10,9 +10,11 @@ namespace vantor {
 /// The light that arrives at diffuse surfaces from other surfaces, not straight from lights. Constant once made.
 class IndirectLight {
   public:
-    /// The irradiance of every patch, on its front and on its back.
-    IndirectLight(std::shared_ptr<const Patches> of, std::span<const Color> on_fronts, std::span<const Color> on_backs)
-        : patches(std::move(of)), fronts(patches->at_vertices(on_fronts)), backs(patches->at_vertices(on_backs)) {}
+    /// The irradiance of every patch, on its front and on its back. Interrupted, it is of no use.
+    IndirectLight(std::shared_ptr<const Patches> of, std::span<const Color> on_fronts, std::span<const Color> on_backs,
+                  const Interrupt &interrupt)
+        : patches(std::move(of)), fronts(patches->at_vertices(on_fronts, interrupt)),
+          backs(patches->at_vertices(on_backs, interrupt)) {}
 
     /// The irradiance of the surface that was hit, in power per area; false if it has no patches.
     bool irradiance(const Hit &hit, bool is_front, Color &result) const {

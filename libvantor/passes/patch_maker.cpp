@@ -25,12 +25,31 @@ std::uint32_t morton(Vec3 unit) {
     return spread(unit.x) | (spread(unit.y) << 1) | (spread(unit.z) << 2);
 }
 
+// Leaves the elements in any order if it is interrupted.
+template <class Element, class Less>
+void sort(std::vector<Element> &elements, const Interrupt &interrupt, const Less &less) {
+    struct Interrupted {};
+    std::uint32_t comparisons = 0;
+    try {
+        std::ranges::sort(elements, [&](const Element &a, const Element &b) {
+            if (++comparisons % 65536 == 0 && interrupt.requested())
+                throw Interrupted();
+            return less(a, b);
+        });
+    } catch (const Interrupted &) {
+        // There is no other way out of the middle.
+    }
+}
+
 } // namespace
 
-Patches::Maker::Maker(Patches &into, std::span<const Placement> placements, std::size_t budget)
-    : patches(into), sizes(placements, into.surfaces, budget) {
-    for (const std::size_t i : sizes.placements_with_patches())
+Patches::Maker::Maker(Patches &into, std::span<const Placement> placements, std::size_t budget, const Interrupt &stop)
+    : patches(into), interrupt(stop), sizes(placements, into.surfaces, budget, stop) {
+    for (const std::size_t i : sizes.placements_with_patches()) {
+        if (interrupt.requested())
+            return;
         make(i);
+    }
     patches.spreading_rounds =
         group_count > 0 ? std::clamp(static_cast<int>(std::ceil(std::sqrt(static_cast<double>(grouped_count) /
                                                                           static_cast<double>(group_count)))),
@@ -49,7 +68,9 @@ void Patches::Maker::make(std::size_t placement) {
     if (std::holds_alternative<TriangleMesh>(shape)) {
         const Sizes::MeshDivision division = sizes.division_of(placement);
         std::vector<std::uint32_t> grouped;
-        for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+        // Moved while it grew, the corners of millions of triangles could not be interrupted.
+        lattice.reserve(3 * primitives_of(shape));
+        for (std::uint32_t p = 0; p < primitives_of(shape) && !interrupt.requested(); ++p) {
             const int n = division(sizes.area_of_triangle(placement, p));
             add_panel(std::max(n, 1), std::max(n, 1), n == 0);
             if (n == 0)
@@ -60,7 +81,7 @@ void Patches::Maker::make(std::size_t placement) {
         }
         add_groups(owner, std::move(grouped));
     } else if (std::holds_alternative<Quads>(shape)) {
-        for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+        for (std::uint32_t p = 0; p < primitives_of(shape) && !interrupt.requested(); ++p) {
             const auto [columns, rows] = sizes.columns_and_rows(placement, p);
             add_panel(columns, rows, false);
             add_patches(owner, static_cast<std::uint32_t>(columns * rows));
@@ -72,7 +93,8 @@ void Patches::Maker::make(std::size_t placement) {
         add_patches(owner, static_cast<std::uint32_t>(2 * rows * rows));
         add_grid_corners(placement, 0, 2 * rows, rows, lattice);
     }
-    merge(lattice, first_corner);
+    if (!interrupt.requested())
+        merge(lattice, first_corner);
 }
 
 void Patches::Maker::add_panel(int columns, int rows, bool is_grouped) {
@@ -100,12 +122,15 @@ void Patches::Maker::add_groups(std::uint32_t placement, std::vector<std::uint32
     const auto &mesh = std::get<TriangleMesh>(*surface.shape);
     Vec3 low = map.point(mesh.points[mesh.triangles[triangles[0]][0]]);
     Vec3 high = low;
-    for (const std::uint32_t triangle : triangles)
+    for (const std::uint32_t triangle : triangles) {
+        if (interrupt.requested())
+            return;
         for (const std::uint32_t corner : mesh.triangles[triangle]) {
             const Vec3 p = map.point(mesh.points[corner]);
             low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
             high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
         }
+    }
     const Vec3 extent = high - low;
     const float scale = 1 / std::max(largest_coordinate(extent), std::numeric_limits<float>::min());
 
@@ -116,15 +141,17 @@ void Patches::Maker::add_groups(std::uint32_t placement, std::vector<std::uint32
     std::vector<Member> members;
     members.reserve(triangles.size());
     for (const std::uint32_t triangle : triangles) {
+        if (interrupt.requested())
+            return;
         const PatchPoint middle = point_in_world(*surface.shape, map, triangle, {1 / 3.0f, 1 / 3.0f});
         const std::uint64_t facing = facing_of(middle.normal);
         members.push_back({facing << 32 | morton((middle.point - low) * scale), triangle});
     }
-    std::ranges::sort(members,
-                      [](Member a, Member b) { return a.key != b.key ? a.key < b.key : a.triangle < b.triangle; });
+    sort(members, interrupt,
+         [](Member a, Member b) { return a.key != b.key ? a.key < b.key : a.triangle < b.triangle; });
 
     double group_area = 0;
-    for (std::size_t i = 0; i < members.size(); ++i) {
+    for (std::size_t i = 0; i < members.size() && !interrupt.requested(); ++i) {
         if (i == 0 || members[i].key >> 32 != members[i - 1].key >> 32 ||
             group_area >= sizes.patch_side() * sizes.patch_side()) {
             patches.all.push_back({placement, static_cast<std::uint32_t>(patches.facets.size()), 0, 0});
@@ -180,11 +207,10 @@ void Patches::Maker::merge(const std::vector<Corner> &lattice, std::size_t first
     std::vector<std::uint32_t> order(lattice.size());
     std::iota(order.begin(), order.end(), 0u);
     std::vector<float> depths(lattice.size());
-    for (std::size_t i = 0; i < lattice.size(); ++i)
+    for (std::size_t i = 0; i < lattice.size() && !interrupt.requested(); ++i)
         depths[i] = dot(lattice[i].point, direction);
-    std::ranges::sort(order, [&](std::uint32_t a, std::uint32_t b) {
-        return depths[a] != depths[b] ? depths[a] < depths[b] : a < b;
-    });
+    sort(order, interrupt,
+         [&](std::uint32_t a, std::uint32_t b) { return depths[a] != depths[b] ? depths[a] < depths[b] : a < b; });
 
     const auto tolerance = [&](const Corner &c) {
         return std::max(0.02f * c.cell_side, 1e-6f * largest_coordinate(c.point));
@@ -192,6 +218,8 @@ void Patches::Maker::merge(const std::vector<Corner> &lattice, std::size_t first
     // The vertices so far, by the corner that stands for each.
     std::vector<std::uint32_t> merged;
     for (const std::uint32_t i : order) {
+        if (interrupt.requested())
+            return;
         const Corner &corner = lattice[i];
         const float reach = tolerance(corner);
         std::size_t v = merged.size();
@@ -212,6 +240,8 @@ void Patches::Maker::merge(const std::vector<Corner> &lattice, std::size_t first
 
 void Patches::Maker::sum_areas() {
     for (Patch &patch : patches.all) {
+        if (interrupt.requested())
+            return;
         const Surface &surface = patches.surfaces[patch.placement];
         double sum = 0;
         for (std::uint32_t f = 0; f < patch.facet_count; ++f) {

@@ -8,8 +8,8 @@ namespace vantor {
 /// What is needed while the patches are made.
 class Patches::Maker {
   public:
-    /// Makes them. The patches have their surfaces already.
-    Maker(Patches &into, std::span<const Placement> placements, std::size_t budget);
+    /// Makes them, or some of them if it is interrupted. The patches have their surfaces already.
+    Maker(Patches &into, std::span<const Placement> placements, std::size_t budget, const Interrupt &stop);
 
   private:
     // A corner of the latest placement's lattice.
@@ -34,6 +34,7 @@ class Patches::Maker {
     double area_of_cell(std::size_t placement, std::uint32_t primitive, const Panel &panel, std::uint32_t cell) const;
 
     Patches &patches;
+    const Interrupt &interrupt;
     Sizes sizes;
     std::size_t group_count = 0;
     std::size_t grouped_count = 0; // triangles

@@ -9,8 +9,9 @@ namespace vantor {
 /// its index.
 class Patches::Sizes {
   public:
-    /// The surfaces are those of the placements and have to outlive it.
-    Sizes(std::span<const Placement> placements, std::span<const Surface> of_placements, std::size_t budget);
+    /// The surfaces are those of the placements and have to outlive it. Interrupted, all sizes are of no use.
+    Sizes(std::span<const Placement> placements, std::span<const Surface> of_placements, std::size_t budget,
+          const Interrupt &stop);
 
     /// The placements that have patches, in their order.
     const std::vector<std::size_t> &placements_with_patches() const { return kept; }
@@ -50,6 +51,7 @@ class Patches::Sizes {
 
     std::span<const Placement> placed;
     std::span<const Surface> surfaces;
+    const Interrupt &interrupt;
     std::vector<std::size_t> kept;
     double total_area = 0;
     double side = 0;

@@ -6,10 +6,10 @@
 
 namespace vantor {
 
-Patches::Patches(std::span<const Placement> placements, std::size_t budget) {
+Patches::Patches(std::span<const Placement> placements, std::size_t budget, const Interrupt &interrupt) {
     for (const Placement &placement : placements)
         surfaces.push_back({&placement.object->shape, to_float(placement.world_from_object), none});
-    Maker(*this, placements, budget);
+    Maker(*this, placements, budget, interrupt);
 }
 
 Hit Patches::point_of(std::uint32_t index, Pair numbers) const {
@@ -132,7 +132,7 @@ bool Patches::interpolation_at(const Hit &hit, Interpolation &result) const {
     return true;
 }
 
-std::vector<Color> Patches::at_vertices(std::span<const Color> of_patches) const {
+std::vector<Color> Patches::at_vertices(std::span<const Color> of_patches, const Interrupt &interrupt) const {
     // The corners of a facet, from a point in the middle of its cell.
     const auto footing_of = [&](const Patch &patch, const Facet &facet) {
         const Panel &panel = panels[facet.panel];
@@ -152,7 +152,7 @@ std::vector<Color> Patches::at_vertices(std::span<const Color> of_patches) const
     std::vector<float> areas(vertices);
     // Adds to the vertices of each facet what is found for it.
     const auto add_up = [&](bool only_grouped, auto value_of) {
-        for (std::size_t p = 0; p < all.size(); ++p) {
+        for (std::size_t p = 0; p < all.size() && !interrupt.requested(); ++p) {
             const Patch &patch = all[p];
             if (only_grouped && !panels[facets[patch.first_facet].panel].is_grouped)
                 continue;
@@ -179,7 +179,7 @@ std::vector<Color> Patches::at_vertices(std::span<const Color> of_patches) const
     };
     take_means();
 
-    for (int round = 0; round < spreading_rounds; ++round) {
+    for (int round = 0; round < spreading_rounds && !interrupt.requested(); ++round) {
         std::ranges::fill(sums, Color{});
         std::ranges::fill(areas, 0.0f);
         add_up(true, [&](std::size_t, const Footing &place) {

@@ -1,6 +1,7 @@
 // Patches: the diffuse surfaces of a scene in small pieces, and the lattice on which light is interpolated.
 #pragma once
 
+#include "libvantor/base/interrupt.h"
 #include "libvantor/entities/registry.h"
 #include "libvantor/geometry/hit.h"
 
@@ -21,8 +22,8 @@ class Patches {
   public:
     static constexpr std::uint32_t none = ~0u;
 
-    /// About as many patches as the budget says, 1 or more.
-    Patches(std::span<const Placement> placements, std::size_t budget);
+    /// About as many patches as the budget says, 1 or more. Interrupted, they are incomplete and of no use.
+    Patches(std::span<const Placement> placements, std::size_t budget, const Interrupt &interrupt);
 
     std::size_t size() const { return all.size(); }
     float area(std::uint32_t patch) const { return all[patch].area; }
@@ -46,8 +47,8 @@ class Patches {
     std::size_t vertex_count() const { return vertices; }
 
     /// From a value of each patch to one of each vertex: the mean of the patches around it, by area. Where patches are
-    /// groups of triangles, the means are spread as far as the groups are wide.
-    std::vector<Color> at_vertices(std::span<const Color> of_patches) const;
+    /// groups of triangles, the means are spread as far as the groups are wide. Interrupted, they are of no use.
+    std::vector<Color> at_vertices(std::span<const Color> of_patches, const Interrupt &interrupt) const;
 
   private:
     class Maker;

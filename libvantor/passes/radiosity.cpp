@@ -35,14 +35,14 @@ int rays_for(std::size_t patches) {
 }
 
 // The sides to which light comes, directly or not, as far as their rows tell.
-std::vector<char> reached_by_light(const Exchange &exchange) {
+std::vector<char> reached_by_light(const Exchange &exchange, const Interrupt &interrupt) {
     const std::size_t count = exchange.rows.size();
     std::vector<char> are_reached(count);
     for (std::size_t i = 0; i < count; ++i)
         are_reached[i] = !is_black(exchange.lights[i].direct) || !is_black(exchange.rows[i].followed) ? 1 : 0;
     for (bool has_changed = true; has_changed;) {
         has_changed = false;
-        for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count && !interrupt.requested(); ++i) {
             if (are_reached[i])
                 continue;
             const bool is_reached = std::ranges::any_of(exchange.rows[i].seen, [&](std::uint32_t seen) {
@@ -70,7 +70,7 @@ Exchange gather_all(const Gathering &gathering, std::size_t side_count, const In
         return exchange;
 
     // The insides of closed bodies, and what lies in the dark otherwise, need no more.
-    const std::vector<char> are_reached = reached_by_light(exchange);
+    const std::vector<char> are_reached = reached_by_light(exchange, interrupt);
     for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
         for (std::size_t i = first; i < end && !interrupt.requested(); ++i)
             if (are_reached[i] && gathering.rays() > probing_rays)
@@ -119,16 +119,23 @@ Radiosity::Radiosity(VtLong patches) : budget(static_cast<std::size_t>(std::clam
 void Radiosity::pass(const Registry &registry, Report &report) {
     light.reset();
     registry.report_open_blocks(CallReport(report, "radiosity"));
-
     const Interrupt interrupt;
-    std::optional<World> world = freeze(registry, interrupt);
-    if (!world) {
+    solve(registry, report, interrupt);
+    if (interrupt.requested()) {
+        light.reset();
         report.note("radiosity: interrupted; nothing is kept");
-        return;
     }
+}
+
+void Radiosity::solve(const Registry &registry, const Report &report, const Interrupt &interrupt) {
+    std::optional<World> world = freeze(registry, interrupt);
+    if (!world)
+        return;
     // Those of the script are for pictures.
     world->settings = Settings();
-    const auto patches = std::make_shared<const Patches>(registry.placements(), budget);
+    const auto patches = std::make_shared<const Patches>(registry.placements(), budget, interrupt);
+    if (interrupt.requested())
+        return;
     if (patches->size() == 0) {
         report.note("radiosity: there is nothing to do (opaque diffuse meshes, quads, boxes and spheres have patches)");
         return;
@@ -137,10 +144,8 @@ void Radiosity::pass(const Registry &registry, Report &report) {
     const Gathering gathering(*world, *patches, rays_for(patches->size()));
     const Exchange exchange = gather_all(gathering, side_count, interrupt);
     const Balance balance = balance_of(exchange.rows, exchange.lights, interrupt);
-    if (interrupt.requested()) {
-        report.note("radiosity: interrupted; nothing is kept");
+    if (interrupt.requested())
         return;
-    }
 
     std::vector<Color> fronts;
     std::vector<Color> backs;
@@ -150,9 +155,9 @@ void Radiosity::pass(const Registry &registry, Report &report) {
         backs.push_back(balance.indirect[side + 1]);
         rays += exchange.rows[side].rays + exchange.rows[side + 1].rays;
     }
-    light.emplace(patches, fronts, backs);
+    light.emplace(patches, fronts, backs, interrupt);
     change = registry.change();
-    if (isatty(STDERR_FILENO) == 1)
+    if (isatty(STDERR_FILENO) == 1 && !interrupt.requested())
         report.note(joined({"radiosity: ", std::to_string(patches->size()), " patches, ", std::to_string(rays),
                             " rays, ", std::to_string(balance.sweeps), " sweeps to a residual of ",
                             text_of(static_cast<double>(balance.residual))}));

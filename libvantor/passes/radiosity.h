@@ -39,6 +39,9 @@ class Radiosity {
     const IndirectLight *result(const Registry &registry, const Report &report) const;
 
   private:
+    // Makes the result, which is of no use if it is interrupted.
+    void solve(const Registry &registry, const Report &report, const Interrupt &interrupt);
+
     std::size_t budget;
     std::optional<IndirectLight> light;
     unsigned long change = 0; // of the registry, when the result was made

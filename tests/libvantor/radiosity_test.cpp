@@ -2,7 +2,10 @@
 #include "libvantor/passes/radiosity.h"
 #include "tests/libvantor/scripted_scene.h"
 
+#include <chrono>
+#include <csignal>
 #include <tbb/global_control.h>
+#include <thread>
 
 namespace {
 
@@ -30,6 +33,15 @@ class Description {
         registry.create(id, vantor::EntityKind::Object, "box", list);
         registry.add_object(id);
     }
+    void sheet(int side) {
+        scripted::Points points;
+        scripted::Indices triangles;
+        scripted::fill_with_sheet(side, points, triangles);
+        scripted::List list("points", points, "triangles", triangles);
+        const VtLong id = registry.take_id();
+        registry.create(id, vantor::EntityKind::Object, "mesh", list);
+        registry.add_object(id);
+    }
 
     vantor::Report report;
     vantor::Registry registry{report};
@@ -39,7 +51,7 @@ class Description {
 double form_factor(const Description &description, std::uint32_t from, std::uint32_t to, int rays, long &all_rays) {
     const vantor::Interrupt interrupt;
     const std::optional<vantor::World> world = vantor::freeze(description.registry, interrupt);
-    const vantor::Patches patches(description.registry.placements(), 200);
+    const vantor::Patches patches(description.registry.placements(), 200, interrupt);
     const vantor::Gathering gathering(*world, patches, rays);
     double sum = 0;
     double area = 0;
@@ -90,7 +102,7 @@ TEST(Radiosity, RowsOfAClosedRoomAddUpToOne) {
     description.box();
     const vantor::Interrupt interrupt;
     const std::optional<vantor::World> world = vantor::freeze(description.registry, interrupt);
-    const vantor::Patches patches(description.registry.placements(), 150);
+    const vantor::Patches patches(description.registry.placements(), 150, interrupt);
     EXPECT_EQ(patches.size(), 150u);
     const vantor::Gathering gathering(*world, patches, 256);
     for (std::uint32_t patch = 0; patch < patches.size(); ++patch) {
@@ -109,7 +121,7 @@ TEST(Radiosity, ClosedRoomHasEmissionOverOneMinusReflectance) {
         description.box();
         const vantor::Interrupt interrupt;
         const std::optional<vantor::World> world = vantor::freeze(description.registry, interrupt);
-        const vantor::Patches patches(description.registry.placements(), 150);
+        const vantor::Patches patches(description.registry.placements(), 150, interrupt);
         const vantor::Gathering gathering(*world, patches, 64);
         // Every wall shines with emission 1, and so sends an irradiance of 1 everywhere.
         std::vector<vantor::Row> rows(patches.size() * 2);
@@ -269,6 +281,69 @@ TEST(Radiosity, SceneWithoutLight) {
     EXPECT_EQ(errors_of([&] { scene.Radiosity(); }), "");
     for (const scripted::Rgb &pixel : scene.render(8, 8, 4).values)
         EXPECT_EQ(pixel, (scripted::Rgb{0, 0, 0}));
+}
+
+// How long after Ctrl-C a piece of work ends. It comes that long after the beginning.
+template <class Work> std::chrono::milliseconds lateness(std::chrono::milliseconds into_the_work, const Work &work) {
+    struct sigaction ours = {};
+    ours.sa_handler = [](int) {};
+    struct sigaction old;
+    sigaction(SIGINT, &ours, &old);
+    std::chrono::steady_clock::time_point raised;
+    std::thread other([&] {
+        std::this_thread::sleep_for(into_the_work);
+        raised = std::chrono::steady_clock::now();
+        kill(getpid(), SIGINT);
+    });
+    work();
+    const auto ended = std::chrono::steady_clock::now();
+    other.join();
+    sigaction(SIGINT, &old, nullptr);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(ended - raised);
+}
+
+template <class Work> void expect_prompt(std::chrono::milliseconds into_the_work, const Work &work) {
+    // On a busy machine one may be late for want of a processor.
+    long late = 250;
+    for (int attempt = 0; attempt < 3 && late >= 250; ++attempt)
+        late = static_cast<long>(lateness(into_the_work, work).count());
+    EXPECT_LT(late, 250) << "after " << into_the_work.count() << " ms";
+}
+
+TEST(Radiosity, InterruptStopsTheMakingOfPatches) {
+    Description description;
+    description.sheet(700);
+    // A million triangles take some seconds: sizes, groups, corners, areas. First they all have patches of their own.
+    for (const std::size_t budget : {1000000, 10000})
+        for (const int milliseconds : {20, 200, 400, 800, 1600})
+            expect_prompt(std::chrono::milliseconds(milliseconds), [&] {
+                const vantor::Interrupt interrupt;
+                const vantor::Patches patches(description.registry.placements(), budget, interrupt);
+            });
+}
+
+TEST(Radiosity, InterruptStopsTheSpreadingOfLight) {
+    Description description;
+    description.sheet(700);
+    const vantor::Interrupt none;
+    const vantor::Patches patches(description.registry.placements(), 1000, none);
+    const std::vector<vantor::Color> light(patches.size());
+    expect_prompt(std::chrono::milliseconds(100), [&] {
+        const vantor::Interrupt interrupt;
+        patches.at_vertices(light, interrupt);
+    });
+}
+
+TEST(Radiosity, InterruptedNothingIsKept) {
+    // Half a million sides, whose rays take many seconds.
+    Scene scene(250000);
+    describe_room(scene, false);
+    const scripted::Pixels traced = scene.render(8, 8, 4);
+    std::string errors;
+    const auto late = lateness(std::chrono::milliseconds(500), [&] { errors = errors_of([&] { scene.Radiosity(); }); });
+    EXPECT_LT(late.count(), 1000);
+    EXPECT_EQ(errors, "vantor: radiosity: interrupted; nothing is kept\n");
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.render(8, 8, 4).values, traced.values); }), "");
 }
 
 } // namespace

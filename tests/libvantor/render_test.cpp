@@ -216,23 +216,9 @@ TEST(Render, InterruptKeepsWhatIsFinished) {
 TEST(Render, InterruptStopsTheBuildOfALargeScene) {
     Scene scene;
     scene.camera({0, 0, 5}, {0, 0, 0}, 40);
-    constexpr int side = 700;
     scripted::Points points;
     scripted::Indices triangles;
-    points.SetSize((side + 1) * (side + 1));
-    triangles.SetSize(side * side * 6);
-    // Written through whole blocks: an array that was sized once is one stretch.
-    auto *point = points.FirstBlock()->data;
-    auto *index = triangles.FirstBlock()->data;
-    for (int j = 0; j <= side; ++j)
-        for (int i = 0; i <= side; ++i)
-            *point++ = {i * 1.0 / side, j * 1.0 / side, 0.01 * ((i * 31 + j * 17) % 13)};
-    for (int j = 0; j < side; ++j)
-        for (int i = 0; i < side; ++i) {
-            const VtLong a = j * (side + 1) + i;
-            for (const VtLong k : {a, a + 1, a + side + 2, a, a + side + 2, a + side + 1})
-                *index++ = k;
-        }
+    scripted::fill_with_sheet(700, points, triangles);
     scene.AddObject(scene.object("mesh", "points", points, "triangles", triangles));
     // A million triangles take longer than this to build.
     EXPECT_LT(least_lateness(scene, std::chrono::milliseconds(20)), std::chrono::milliseconds(250));

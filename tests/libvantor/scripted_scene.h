@@ -42,6 +42,24 @@ inline void fill(Indices &array, const std::vector<VtLong> &values) {
         array.Add(value);
 }
 
+/// A rough sheet over the unit square, in 2 * side * side triangles: there may be millions of them.
+inline void fill_with_sheet(int side, Points &points, Indices &triangles) {
+    points.SetSize((side + 1) * (side + 1));
+    triangles.SetSize(side * side * 6);
+    // Written through whole blocks: an array that was sized once is one stretch.
+    auto *point = points.FirstBlock()->data;
+    auto *index = triangles.FirstBlock()->data;
+    for (int j = 0; j <= side; ++j)
+        for (int i = 0; i <= side; ++i)
+            *point++ = {i * 1.0 / side, j * 1.0 / side, 0.01 * ((i * 31 + j * 17) % 13)};
+    for (int j = 0; j < side; ++j)
+        for (int i = 0; i < side; ++i) {
+            const VtLong a = j * (side + 1) + i;
+            for (const VtLong k : {a, a + 1, a + side + 2, a, a + side + 2, a + side + 1})
+                *index++ = k;
+        }
+}
+
 using Rgb = std::array<float, 3>;
 
 struct Pixels {
