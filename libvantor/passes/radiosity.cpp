@@ -26,14 +26,6 @@ constexpr int probing_rays = 32;
 constexpr float wanted_residual = 1e-4f;
 constexpr int most_sweeps = 500;
 
-int rays_for(std::size_t patches) {
-    const std::size_t affordable = most_rays / std::max<std::size_t>(patches, 1);
-    int rays = most_rays_of_side;
-    while (rays > probing_rays && static_cast<std::size_t>(rays) > affordable)
-        rays /= 2;
-    return rays;
-}
-
 // The sides to which light comes, directly or not, as far as their rows tell.
 std::vector<char> reached_by_light(const Exchange &exchange, const Interrupt &interrupt) {
     const std::size_t count = exchange.rows.size();
@@ -56,6 +48,14 @@ std::vector<char> reached_by_light(const Exchange &exchange, const Interrupt &in
 }
 
 } // namespace
+
+int rays_of_side(std::size_t side_count) {
+    const std::size_t affordable = most_rays / std::max<std::size_t>(side_count, 1);
+    int rays = most_rays_of_side;
+    while (rays > probing_rays && static_cast<std::size_t>(rays) > affordable)
+        rays /= 2;
+    return rays;
+}
 
 Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt) {
     Exchange exchange{std::vector<Row>(side_count), std::vector<SideLight>(side_count)};
@@ -141,7 +141,7 @@ void Radiosity::solve(const Registry &registry, const Report &report, const Inte
         return;
     }
     const std::size_t side_count = 2 * patches->size();
-    const Gathering gathering(*world, *patches, rays_for(patches->size()));
+    const Gathering gathering(*world, *patches, rays_of_side(side_count));
     const Exchange exchange = gather_all(gathering, side_count, interrupt);
     const Balance balance = balance_of(exchange.rows, exchange.lights, interrupt);
     if (interrupt.requested())

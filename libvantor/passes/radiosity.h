@@ -18,6 +18,10 @@ struct Balance {
 /// Solves B = reflectance * (direct + followed + F B) for the radiosities B of all sides, without their own emission.
 Balance balance_of(std::span<const Row> rows, std::span<const SideLight> lights, const Interrupt &interrupt);
 
+/// How many rays a pass may shoot from each of so many sides: a power of two that is worth having, and so few that
+/// those of all sides together take no more memory and time than there is.
+int rays_of_side(std::size_t side_count);
+
 /// The rows and lights of all sides of the patches. Where no light comes, directly or not, a row is left with few rays.
 struct Exchange {
     std::vector<Row> rows;

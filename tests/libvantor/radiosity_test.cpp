@@ -115,6 +115,14 @@ TEST(Radiosity, RowsOfAClosedRoomAddUpToOne) {
     }
 }
 
+TEST(Radiosity, AllRaysTogetherAreBounded) {
+    EXPECT_EQ(vantor::rays_of_side(1), 256);
+    EXPECT_EQ(vantor::rays_of_side(2 * 131072), 256);
+    EXPECT_EQ(vantor::rays_of_side(2 * 131072 + 2), 128);
+    for (std::size_t sides = 2; sides <= 2000000; sides *= 2)
+        EXPECT_LE(vantor::rays_of_side(sides) * sides, std::size_t{1} << 26) << sides;
+}
+
 TEST(Radiosity, ClosedRoomHasEmissionOverOneMinusReflectance) {
     for (const float reflectance : {0.2f, 0.5f, 0.8f}) {
         Description description;
