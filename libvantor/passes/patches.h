@@ -44,8 +44,6 @@ class Patches {
     /// False if the surface has no patches.
     bool interpolation_at(const Hit &hit, Interpolation &result) const;
 
-    std::size_t vertex_count() const { return vertices; }
-
     /// From a value of each patch to one of each vertex: the mean of the patches around it, by area. Where patches are
     /// groups of triangles, the means are spread as far as the groups are wide. Interrupted, they are of no use.
     std::vector<Color> at_vertices(std::span<const Color> of_patches, const Interrupt &interrupt) const;
