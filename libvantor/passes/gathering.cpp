@@ -112,15 +112,10 @@ SideLight Gathering::light_of(std::uint32_t side) const {
         LightSample light;
         if (world.lights.sample(departure.from.point, choice, departure.sampler.pair(light_point), light)) {
             const float cosine = dot(departure.normal, light.to_light);
-            const Vec3 from = departure.ray.origin;
-            const Segment way =
-                light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
-            if (cosine > 0 && is_finite(way.direction)) {
+            if (cosine > 0 && ways.add(departure.ray.origin, media, light)) {
                 const float share =
                     light.has_extent ? shared_weight(light.density, warp::cosine_hemisphere_density(cosine)) : 1.0f;
                 gains.push_back(light.contribution * (cosine * share));
-                ways.segments.push_back(way);
-                ways.media.push_back(media);
             }
         }
 

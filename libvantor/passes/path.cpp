@@ -30,11 +30,6 @@ constexpr int first_roulette = 3;
 // numbers (Veach 9.2.2).
 constexpr float last_rays = 0.25f;
 
-// Whether Embree can follow a ray: with assertions it ends the process at one that is not finite, or that
-// reaches 1.8e18 anywhere, also in the space of an object whose scale is 1e-8. Both lengths may be 5e9, which is beyond
-// all corners of the world. One sum is tested instead of six numbers, which is quicker.
-bool is_traceable(Vec3 from, Vec3 direction) { return dot(from, from) + dot(direction, direction) <= 2.5e19f; }
-
 // Light that has been sampled for paths, and the ways that it has to come.
 struct SampledLight {
     struct Gain {
@@ -101,20 +96,11 @@ bool sample_light(const Numbers &numbers, Vec3 reference, const World &world, Li
 // Notes what a sampled light brings if it arrives at `from`: value * cosine * radiance / density.
 void add_direct_light(Path &path, Vec3 from, const MediumStack &media, const LightSample &light,
                       const Scattered &scattered, const World &world, SampledLight &direct) {
-    if (is_black(scattered.value))
-        return;
-    Segment way{from, light.to_light, INFINITY};
-    if (!light.is_distant) {
-        way.direction = light.end - from;
-        way.reach = 1;
-    }
-    if (!is_traceable(way.from, way.direction))
+    if (is_black(scattered.value) || !direct.ways.add(from, media, light))
         return;
     const float share = light.has_extent ? shared_weight(light.density, scattered.density) : 1.0f;
     const Color radiance = path.throughput * scattered.value * light.contribution * share;
     direct.gains.push_back({&path, limited(radiance, path.scatterings > 0, world)});
-    direct.ways.segments.push_back(way);
-    direct.ways.media.push_back(media);
 }
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle

@@ -10,6 +10,16 @@ struct LightWays {
     std::vector<Segment> segments;
     std::vector<MediumStack> media; ///< In which each segment starts.
 
+    /// One that starts in those media; false if rays cannot follow it.
+    bool add(Vec3 from, const MediumStack &around, const LightSample &light) {
+        const Segment way =
+            light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
+        if (!is_traceable(way.from, way.direction))
+            return false;
+        segments.push_back(way);
+        media.push_back(around);
+        return true;
+    }
     std::size_t size() const { return segments.size(); }
     void clear() {
         segments.clear();
