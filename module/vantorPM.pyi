@@ -83,8 +83,8 @@ class scene:
     """
 
     def __init__(self, n: _Integer = ..., /) -> None:
-        """Makes an empty scene. n, 10240 if left out, is meant as the budget of patches of a
-        radiosity pass; the renderer that ships with the module has no such pass yet.
+        """Makes an empty scene. n, 10240 if left out, is the budget of patches of a radiosity
+        pass; the renderer that ships with the module takes 1 to 1000000.
         """
 
     def newCamera(self, type: Optional[str], parameters: _Parameters, /) -> int:

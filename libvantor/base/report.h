@@ -45,6 +45,9 @@ class CallReport {
     /// "<call> "<type>": item <i>: <text>", i being a position in the script's list, from 0.
     void diagnostic_at(long item, std::string_view text) const;
 
+    /// How many there are of the scene: whether there are more than before.
+    long diagnostics() const { return report.diagnostics(); }
+
   private:
     Report &report;
     std::string prefix;

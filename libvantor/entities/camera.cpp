@@ -75,6 +75,7 @@ PerspectiveCamera::FovAxis fov_axis_of(std::string_view word) {
 
 std::optional<Camera> make_perspective(const Parameters &parameters, const View &view, const VtTransform &transform,
                                        const CallReport &report) {
+    parameters.complain_without("aperture_radius", {"focus_distance"}, report);
     const double aperture = parameters.number("aperture_radius");
     const VtVector3 aperture_right = transformed_direction(scaled(view.aside, aperture), transform);
     const VtVector3 aperture_up = transformed_direction(scaled(view.above, aperture), transform);

@@ -28,7 +28,9 @@ constexpr Metal metals[] = {
     {"silver", {0.05f, 0.06f, 0.04f}, {4.41f, 3.60f, 2.65f}},
 };
 
-Scattering make_conductor(const Parameters &parameters) {
+Scattering make_conductor(const Parameters &parameters, const CallReport &report) {
+    if (parameters.choice("metal") != "custom")
+        parameters.complain_beside("metal", {"eta", "k"}, report);
     Conductor conductor{parameters.color("eta"), parameters.color("k"), parameters.color("color")};
     for (const Metal &metal : metals)
         if (metal.name == parameters.choice("metal")) {
@@ -65,9 +67,9 @@ Scattering make_principled(const Parameters &parameters) {
 
 } // namespace
 
-Scattering make_scattering(const Type &type, const Parameters &parameters) {
+Scattering make_scattering(const Type &type, const Parameters &parameters, const CallReport &report) {
     if (type.name == "conductor")
-        return make_conductor(parameters);
+        return make_conductor(parameters, report);
     if (type.name == "dielectric")
         return make_dielectric(parameters);
     if (type.name == "plastic")

@@ -7,6 +7,6 @@
 namespace vantor {
 
 /// Of the type that the script named, an interface, or a material that is one at the same time.
-Scattering make_scattering(const Type &type, const Parameters &parameters);
+Scattering make_scattering(const Type &type, const Parameters &parameters, const CallReport &report);
 
 } // namespace vantor

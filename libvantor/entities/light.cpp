@@ -123,8 +123,7 @@ SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, 
             axis = to_target;
         else
             parameters.complain("target", "is the light's position (\"direction\" counts)", report);
-        if (parameters.is_given("direction"))
-            parameters.complain("direction", "has no effect beside \"target\"", report);
+        parameters.complain_beside("target", {"direction"}, report);
     }
     axis = transformed_direction(axis, transform);
     axis.Normalize();

@@ -3,7 +3,10 @@
 
 namespace vantor {
 
-Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find) {
+Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find,
+                      const CallReport &report) {
+    parameters.complain_without("bump", {"bump_height"}, report);
+
     // What is the same everywhere is settled here; the rest is asked at every hit.
     if (parameters.is_given("color") && !parameters.is_pattern("color"))
         set_color(scattering, parameters.color("color"));
@@ -25,7 +28,7 @@ Material make_surface(Scattering scattering, const Parameters &parameters, const
 
 Material default_material() {
     const Type &diffuse = words_of(EntityKind::Material).types[0];
-    return {make_scattering(diffuse, Parameters(diffuse)), nullptr};
+    return {Diffuse{Parameters(diffuse).color("reflectance")}, nullptr};
 }
 
 } // namespace vantor

@@ -31,7 +31,8 @@ struct Material {
 };
 
 /// A surface whose interface scatters like that.
-Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find);
+Material make_surface(Scattering scattering, const Parameters &parameters, const PatternFinder &find,
+                      const CallReport &report);
 
 /// For objects without a material: "diffuse" with all defaults.
 Material default_material();

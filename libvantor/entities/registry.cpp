@@ -61,7 +61,7 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
             return appended(imagers, std::move(*imager));
         break;
     case EntityKind::Interface:
-        return appended(interfaces, make_scattering(*type, parameters));
+        return appended(interfaces, make_scattering(*type, parameters, call));
     case EntityKind::Light: {
         if ((type->name == "point" || type->name == "spot") && !is_in_reach(parameters, call))
             break;
@@ -120,12 +120,13 @@ bool Registry::is_in_reach(const Parameters &parameters, const CallReport &call)
 std::optional<Material> Registry::find_material(const Type &type, const Parameters &parameters,
                                                 const CallReport &call) const {
     if (type.name == "diffuse")
-        return Material{make_scattering(type, parameters), nullptr};
+        return Material{make_scattering(type, parameters, call), nullptr};
     const int index = find(parameters.id("interface"), EntityKind::Interface, parameters, "interface", call);
     if (index < 0)
         return {};
-    return make_surface(interfaces[static_cast<std::size_t>(index)], parameters,
-                        [&](std::string_view name) { return find_pattern(parameters, name, call); });
+    return make_surface(
+        interfaces[static_cast<std::size_t>(index)], parameters,
+        [&](std::string_view name) { return find_pattern(parameters, name, call); }, call);
 }
 
 std::optional<Object> Registry::find_object(VtLong id, const Type &type, const Parameters &parameters,

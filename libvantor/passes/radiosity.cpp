@@ -114,11 +114,16 @@ Balance balance_of(std::span<const Row> rows, std::span<const SideLight> lights,
     return balance;
 }
 
-Radiosity::Radiosity(VtLong patches) : budget(static_cast<std::size_t>(std::clamp<VtLong>(patches, 1, most_patches))) {}
+Radiosity::Radiosity(VtLong patches)
+    : asked_for(patches), budget(static_cast<std::size_t>(std::clamp<VtLong>(patches, 1, most_patches))) {}
 
 void Radiosity::pass(const Registry &registry, Report &report) {
     light.reset();
-    registry.report_open_blocks(CallReport(report, "radiosity"));
+    const CallReport call(report, "radiosity");
+    registry.report_open_blocks(call);
+    if (asked_for != static_cast<VtLong>(budget))
+        call.diagnostic(joined({"the scene was made for ", std::to_string(asked_for), " patches (1 to ",
+                                std::to_string(most_patches), " are wanted); ", std::to_string(budget), " counts"}));
     const Interrupt interrupt;
     solve(registry, report, interrupt);
     if (interrupt.requested()) {

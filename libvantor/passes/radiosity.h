@@ -46,6 +46,7 @@ class Radiosity {
     // Makes the result, which is of no use if it is interrupted.
     void solve(const Registry &registry, const Report &report, const Interrupt &interrupt);
 
+    VtLong asked_for; // patches
     std::size_t budget;
     std::optional<IndirectLight> light;
     unsigned long change = 0; // of the registry, when the result was made

@@ -72,7 +72,15 @@ std::vector<FileImager> writable_imagers(const Registry &registry, const PixelAr
             call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
         return !why.empty();
     });
-    return imagers;
+    // From the outermost to the innermost: of the same file, the last would be left.
+    std::vector<FileImager> written;
+    for (FileImager &imager : imagers) {
+        if (std::erase_if(written, [&](const FileImager &before) { return before.path == imager.path; }) > 0)
+            call.diagnostic(
+                joined({quoted(imager.path), " is the file of two imagers (the inner one's picture counts)"}));
+        written.push_back(std::move(imager));
+    }
+    return written;
 }
 
 // The first numbers of a sample go to the film and the lens; its path has the rest.

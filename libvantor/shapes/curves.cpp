@@ -59,12 +59,16 @@ std::vector<double> radii_of(const Parameters &parameters, std::size_t point_cou
         std::vector<double> radii = copied(parameters.double_array("radii"));
         // Of a Hermite curve every other one is a slope, which may be negative.
         const auto is_usable_radius = [](double radius) { return std::fabs(radius) <= 1e9; };
-        if (radii.size() == point_count && std::ranges::all_of(radii, is_usable_radius))
+        if (radii.size() == point_count && std::ranges::all_of(radii, is_usable_radius)) {
+            parameters.complain_beside("radii", {"radius"}, report);
             return radii;
-        parameters.complain("radii",
-                            joined({"has unusable elements (a number up to 1e9 for each of the ",
-                                    std::to_string(point_count), " points is wanted); \"radius\" counts instead"}),
-                            report);
+        }
+        const std::string wrong =
+            radii.size() == point_count
+                ? "has unusable elements (numbers up to 1e9 are wanted)"
+                : joined({"has ", counted(static_cast<long>(radii.size()), "element"), " (one for each of the ",
+                          std::to_string(point_count), " points is wanted)"});
+        parameters.complain("radii", joined({wrong, "; \"radius\" counts instead"}), report);
     }
     return even_radii(parameters.number("radius"), spline, counts);
 }
@@ -150,7 +154,8 @@ std::optional<Curves> make_curves(const Parameters &parameters, const CallReport
                                   " (finite coordinates up to 1e9, some length and a radius above 0 are "
                                   "wanted)"}));
     if (curves.firsts.empty()) {
-        report.diagnostic("the curves have no usable segment; nothing of them will be seen");
+        if (odd == 0 && maker.unusable == 0)
+            report.diagnostic("there is no curve; nothing will be seen");
         return {};
     }
     return curves;

@@ -181,10 +181,16 @@ std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallRe
         return {};
     TriangleMesh mesh;
     mesh.points = floats_of(parameters.vector3_array("points"));
+    const long said_before = report.diagnostics();
     if (parameters.is_given("triangles"))
         add_faces<3>(mesh, "triangles", parameters, report);
     if (parameters.is_given("quads"))
         add_faces<4>(mesh, "quads", parameters, report);
+    if (mesh.triangles.empty()) {
+        if (report.diagnostics() == said_before)
+            report.diagnostic("the mesh has no triangle; nothing of it will be seen");
+        return {};
+    }
     if (parameters.is_given("normals"))
         add_normals(mesh, parameters, report);
     if (parameters.is_given("uvs"))
@@ -192,10 +198,6 @@ std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallRe
     if (parameters.is_given("colors"))
         add_colors(mesh, parameters, report);
 
-    if (mesh.triangles.empty()) {
-        report.diagnostic("the mesh has no usable triangle; nothing of it will be seen");
-        return {};
-    }
     // Embree reads no point that no triangle names, but wants none beyond its range in the buffer either.
     for (Vec3 &p : mesh.points)
         if (!is_usable(p))

@@ -27,9 +27,7 @@ std::optional<QuadOrMesh> make_quad(const Parameters &parameters, const CallRepo
                                 report);
             return {};
         }
-        for (const char *name : {"origin", "edge_u", "edge_v"})
-            if (parameters.is_given(name))
-                parameters.complain(name, "has no effect beside \"corners\"", report);
+        parameters.complain_beside("corners", {"origin", "edge_u", "edge_v"}, report);
         for (VtLong i = 0; i < 4; ++i)
             corner[i] = given.At(i);
     }

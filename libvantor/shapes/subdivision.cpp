@@ -40,8 +40,7 @@ class Reader {
         polygons.corners.assign(t.vertices, false);
         if (parameters.is_given("crease_edges"))
             read_creases(polygons, ends);
-        else if (parameters.is_given("crease_weights"))
-            parameters.complain("crease_weights", "has no effect without \"crease_edges\"", report);
+        parameters.complain_without("crease_edges", {"crease_weights"}, report);
         if (parameters.is_given("corner_points"))
             read_corners(polygons);
         if (parameters.choice("boundary") == "sharp")
@@ -124,10 +123,9 @@ class Reader {
         }
         if (outside + unusable + repeated > 0)
             report_faults(outside, unusable, repeated, first_bad, t.vertices);
-        if (t.faces > 0)
-            return true;
-        report.diagnostic("the object has no usable face; nothing of it will be seen");
-        return false;
+        else if (t.faces == 0)
+            report.diagnostic("the object has no face; nothing of it will be seen");
+        return t.faces > 0;
     }
 
     void report_faults(std::size_t outside, std::size_t unusable, std::size_t repeated, std::size_t first,
@@ -164,23 +162,19 @@ class Reader {
         }
         std::vector<float> weights(count, infinitely_sharp);
         if (parameters.is_given("crease_weights")) {
-            const VtInstanceArray<double> &given = parameters.double_array("crease_weights");
-            bool are_usable = static_cast<std::size_t>(given.Size()) == count;
-            std::size_t i = 0;
-            if (are_usable)
-                given.ForEachBlock([&](const double *elements, VtLong block) {
-                    for (VtLong k = 0; k < block; ++k) {
-                        are_usable &= elements[k] >= 0;
-                        weights[i++] = static_cast<float>(elements[k]);
-                    }
-                });
-            if (!are_usable) {
+            const std::vector<float> given =
+                copied(parameters.double_array("crease_weights"), [](double w) { return static_cast<float>(w); });
+            if (given.size() != count)
+                parameters.complain(
+                    "crease_weights",
+                    joined({"has ", counted(static_cast<long>(given.size()), "element"), " (one for each of the ",
+                            std::to_string(count), " crease edges is wanted); it is left out"}),
+                    report);
+            else if (!std::ranges::all_of(given, [](float weight) { return weight >= 0; }))
                 parameters.complain("crease_weights",
-                                    joined({"has unusable elements (a number from 0 for each of the ",
-                                            std::to_string(count), " crease edges is wanted); it is left out"}),
-                                    report);
-                weights.assign(count, infinitely_sharp);
-            }
+                                    "has unusable elements (numbers from 0 are wanted); it is left out", report);
+            else
+                weights = given;
         }
 
         std::size_t missing = 0, first_missing = 0;

@@ -81,8 +81,8 @@ std::optional<Trimmer> make_curve(const Parameters &parameters, const CallReport
             return {};
         }
         corners = flattened(spline, points);
-    } else if (parameters.is_given("step")) {
-        parameters.complain("step", "has no effect without \"basis\"", report);
+    } else {
+        parameters.complain_without("basis", {"step"}, report);
     }
     if (corners.size() < 3) {
         parameters.complain("points",

@@ -129,7 +129,7 @@ constexpr Parameter torus_parameters[] = {
     {"major_radius", ValueKind::Number, size, Presence::Default, value(1), "length",
      "from the centre to the middle of the tube"},
     {"minor_radius", ValueKind::Number, size, Presence::Default, value(0.25), "length",
-     "the radius of the tube, at most \"major_radius\""},
+     "the radius of the tube, from a millionth of \"major_radius\" to all of it"},
     trimmers_parameter,
 };
 constexpr std::string_view curve_kinds[] = {"ribbon", "tube"};

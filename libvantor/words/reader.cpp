@@ -29,22 +29,35 @@ std::size_t edit_distance(std::string_view a, std::string_view b) {
 std::string_view name_of(std::string_view word) { return word; }
 template <class Named> std::string_view name_of(const Named &entry) { return entry.name; }
 
-// " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".
-template <class Named> std::string suggestion(std::string_view wrong, std::span<const Named> known) {
+// The name that is probably meant: a slip of the pen away, one change in three letters or so; or one that begins like
+// that, or that it ends with. Null if there is none.
+template <class Named> const Named *nearest(std::string_view wrong, std::span<const Named> known) {
     // A longer word is nobody's slip of the pen; it is not worth comparing.
     constexpr std::size_t longest = 40;
+    if (wrong.size() > longest)
+        return nullptr;
     const Named *nearest = nullptr;
-    std::size_t least = std::min<std::size_t>(3, wrong.size());
+    std::size_t least = std::min<std::size_t>(3, wrong.size() / 3 + 1);
     for (const Named &entry : known) {
-        const bool starts_alike = wrong.size() >= 2 && name_of(entry).starts_with(wrong);
-        const std::size_t distance = wrong.size() > longest ? longest : edit_distance(wrong, name_of(entry));
-        if (distance < least || (starts_alike && !nearest)) {
+        const std::size_t distance = edit_distance(wrong, name_of(entry));
+        if (distance < least) {
             nearest = &entry;
-            least = std::min(distance, least);
+            least = distance;
         }
     }
-    if (nearest)
-        return joined({" (did you mean ", quoted(name_of(*nearest)), "?)"});
+    const auto is_part = [&](const Named &entry) {
+        const std::string_view name = name_of(entry);
+        return (wrong.size() >= 2 && name.starts_with(wrong)) || (name.size() >= 4 && wrong.ends_with(name));
+    };
+    if (const auto part = std::ranges::find_if(known, is_part); part != known.end() && (!nearest || least > 1))
+        nearest = &*part;
+    return nearest;
+}
+
+// " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".
+template <class Named> std::string suggestion(std::string_view wrong, std::span<const Named> known) {
+    if (const Named *meant = nearest(wrong, known))
+        return joined({" (did you mean ", quoted(name_of(*meant)), "?)"});
 
     std::string text = " (known:";
     for (const Named &entry : known) {
@@ -219,7 +232,9 @@ std::string complaint(const Parameter &parameter, const VtArgType &value, const 
     }
     if (is_inside && !(is_zero && range.excludes_zero_vector))
         return {};
-    return joined({"is ", text_of(value), ", which is out of range (", range.text, ")"});
+    const bool may_be_an_id = parameter.kind == ValueKind::Color && value.Tag() == VtArgTag::Long;
+    return joined({"is ", text_of(value), ", which is out of range (", range.text,
+                   may_be_an_id ? "; no pattern can stand here)" : ")"});
 }
 
 } // namespace
@@ -287,6 +302,20 @@ void Parameters::complain(std::string_view name, std::string_view text, const Ca
     report.diagnostic_at(find(name).item, joined({"parameter ", quoted(name), " ", text}));
 }
 
+void Parameters::complain_without(std::string_view other, std::initializer_list<std::string_view> names,
+                                  const CallReport &report) const {
+    for (const std::string_view name : names)
+        if (is_given(name) && !is_given(other))
+            complain(name, joined({"has no effect without ", quoted(other)}), report);
+}
+
+void Parameters::complain_beside(std::string_view other, std::initializer_list<std::string_view> names,
+                                 const CallReport &report) const {
+    for (const std::string_view name : names)
+        if (is_given(name) && is_given(other))
+            complain(name, joined({"has no effect beside ", quoted(other)}), report);
+}
+
 bool Parameters::is_complete() const {
     for (std::size_t i = 0; i < values.size(); ++i)
         if (type.parameters[i].presence == Presence::Required && !values[i].given)
@@ -305,6 +334,12 @@ const Type *find_type(EntityKind kind, const char *name, const CallReport &repor
 
 Parameters read_parameters(const Type &type, const VtArgList &list, const CallReport &report) {
     Parameters result(type);
+    // A parameter that something has been said about is not missing besides.
+    std::vector<bool> is_spoken_of(type.parameters.size());
+    const auto speak_of = [&](const Parameter *parameter) {
+        if (parameter)
+            is_spoken_of[static_cast<std::size_t>(parameter - type.parameters.data())] = true;
+    };
     const VtLong count = list.Count();
     for (VtLong i = 0; i < count; ++i) {
         const VtArgType &name_value = list.At(i);
@@ -319,11 +354,13 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
         const auto parameter = std::ranges::find(type.parameters, name, &Parameter::name);
         if (parameter == type.parameters.end()) {
             report.diagnostic_at(i, joined({"unknown parameter ", quoted(name), suggestion(name, type.parameters)}));
+            speak_of(nearest(name, type.parameters));
             ++i;
             continue;
         }
         const std::string called = joined({"parameter ", quoted(name)});
         if (value_at == count) {
+            speak_of(&*parameter);
             report.diagnostic_at(i, joined({called, " has no value (", name_of(parameter->kind), " is wanted)"}));
             break;
         }
@@ -331,12 +368,14 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
 
         const VtArgType &value = list.At(value_at);
         if (!is_kind(parameter->kind, value.Tag())) {
+            speak_of(&*parameter);
             report.diagnostic_at(value_at, joined({called, " is ", name_of(value.Tag()), " (", name_of(parameter->kind),
                                                    " is wanted)"}));
             continue;
         }
         const std::array<double, 3> numbers = numbers_of(value);
         if (const std::string wrong = complaint(*parameter, value, numbers); !wrong.empty()) {
+            speak_of(&*parameter);
             report.diagnostic_at(value_at, joined({called, " ", wrong}));
             continue;
         }
@@ -348,7 +387,7 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
 
     for (std::size_t i = 0; i < type.parameters.size(); ++i) {
         const Parameter &parameter = type.parameters[i];
-        if (parameter.presence == Presence::Required && !result.values[i].given)
+        if (parameter.presence == Presence::Required && !result.values[i].given && !is_spoken_of[i])
             report.diagnostic(joined({"parameter ", quoted(parameter.name), " is missing (", name_of(parameter.kind),
                                       ": ", parameter.meaning, ")"}));
     }

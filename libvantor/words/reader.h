@@ -7,6 +7,7 @@
 #include "renderer/vt_arg_list.h"
 
 #include <functional>
+#include <initializer_list>
 #include <type_traits>
 #include <vector>
 
@@ -50,6 +51,12 @@ class Parameters {
 
     /// Reports what is wrong with the value of a parameter that is given: "item <i>: parameter "<name>" <text>".
     void complain(std::string_view name, std::string_view text, const CallReport &report) const;
+
+    /// Likewise, of parameters that are given for nothing: without another, or beside it.
+    void complain_without(std::string_view other, std::initializer_list<std::string_view> names,
+                          const CallReport &report) const;
+    void complain_beside(std::string_view other, std::initializer_list<std::string_view> names,
+                         const CallReport &report) const;
 
     /// Whether every required parameter is given.
     bool is_complete() const;

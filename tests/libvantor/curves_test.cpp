@@ -202,20 +202,21 @@ TEST(Curves, BadInputIsOneLineEach) {
               head + "item 3: parameter \"counts\" leaves out curve 1 (with the step 1, 4, 5, 6 "
                      "... points come out even)\n");
     EXPECT_EQ(accepted(points, "radii", radii),
-              head +
-                  "item 3: parameter \"radii\" has unusable elements (a number up to 1e9 for each of the 9 points is "
-                  "wanted); \"radius\" counts instead\n");
+              head + "item 3: parameter \"radii\" has 1 element (one for each of the 9 points is "
+                     "wanted); \"radius\" counts instead\n");
+    for (int i = 0; i < 8; ++i)
+        radii.Add(i == 3 ? INFINITY : 1.0);
+    EXPECT_EQ(accepted(points, "radii", radii),
+              head + "item 3: parameter \"radii\" has unusable elements (numbers up to 1e9 are wanted); \"radius\" "
+                     "counts instead\n");
     EXPECT_EQ(accepted(unusable), head + "leaves out 1 segment (finite coordinates up to 1e9, some length and a radius "
                                          "above 0 are wanted)\n");
     EXPECT_EQ(refused(still), head +
                                   "leaves out 6 segments (finite coordinates up to 1e9, some length and a radius above "
-                                  "0 are wanted)\n" +
-                                  head + "the curves have no usable segment; nothing of them will be seen\n");
+                                  "0 are wanted)\n");
     EXPECT_EQ(refused(points, "basis", VtBezierBasis()),
-              head +
-                  "item 1: parameter \"points\" leaves out curve 0 (with the step 3, 4, 7, 10 "
-                  "... points come out even)\n" +
-                  head + "the curves have no usable segment; nothing of them will be seen\n");
+              head + "item 1: parameter \"points\" leaves out curve 0 (with the step 3, 4, 7, 10 "
+                     "... points come out even)\n");
     EXPECT_EQ(accepted(points, "kind", "wire"), head + "item 3: parameter \"kind\" is \"wire\", which is no known word "
                                                        "(known: \"ribbon\", \"tube\")\n");
 }

@@ -65,6 +65,12 @@ TEST(Diagnostics, Types) {
 TEST(Diagnostics, ParameterNames) {
     EXPECT_EQ(camera_errors("perspective", "position", zero, "fo", 45.0),
               "vantor: newCamera \"perspective\": item 2: unknown parameter \"fo\" (did you mean \"fov\"?)\n");
+    // What begins or ends like a name is nearer than what has some letters of it.
+    EXPECT_EQ(camera_errors("perspective", "pos", zero),
+              "vantor: newCamera \"perspective\": item 0: unknown parameter \"pos\" (did you mean \"position\"?)\n");
+    EXPECT_EQ(camera_errors("perspective", "camera_target", zero),
+              "vantor: newCamera \"perspective\": item 0: unknown parameter \"camera_target\" (did you mean "
+              "\"target\"?)\n");
     EXPECT_EQ(camera_errors("perspective", "lens", 45.0, "fov", 30),
               "vantor: newCamera \"perspective\": item 0: unknown parameter \"lens\" (known: \"position\", \"target\", "
               "\"up\", \"fov\", \"fov_axis\", \"aperture_radius\", \"focus_distance\")\n");
@@ -173,7 +179,7 @@ TEST(Diagnostics, Meshes) {
     EXPECT_EQ(errors({0, 1, 2, 0, 1}),
               "vantor: newObject \"mesh\": item 3: parameter \"triangles\" has 5 indices (three for each triangle are "
               "wanted); the rest is left out\n");
-    EXPECT_EQ(errors({}), "vantor: newObject \"mesh\": the mesh has no usable triangle; nothing of it will be seen\n");
+    EXPECT_EQ(errors({}), "vantor: newObject \"mesh\": the mesh has no triangle; nothing of it will be seen\n");
 
     scripted::Indices triangles;
     scripted::fill(triangles, {0, 1, 2});
@@ -192,14 +198,34 @@ TEST(Diagnostics, Meshes) {
               "wanted); it is left out\n");
 }
 
+TEST(Diagnostics, OneMistakeIsOneLine) {
+    const VtMatrix4 matrix;
+    scripted::Points points;
+    scripted::fill(points, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
+    // A required parameter that is given wrongly is not missing besides; one that is not named at all is.
+    EXPECT_EQ(object_errors("mesh", "points", matrix),
+              "vantor: newObject \"mesh\": item 1: parameter \"points\" is a matrix4 (vector3array is wanted)\n");
+    EXPECT_EQ(object_errors("mesh", "pionts", points),
+              "vantor: newObject \"mesh\": item 0: unknown parameter \"pionts\" (did you mean \"points\"?)\n");
+    EXPECT_EQ(object_errors("mesh"), "vantor: newObject \"mesh\": parameter \"points\" is missing (vector3array: the "
+                                     "corners of the faces)\n");
+    EXPECT_EQ(camera_errors("perspective", "focus_distance", 3.0),
+              "vantor: newCamera \"perspective\": item 1: parameter \"focus_distance\" has no effect without "
+              "\"aperture_radius\"\n");
+    Scene scene;
+    EXPECT_EQ(
+        errors_of([&] { scene.diffuse(8); }),
+        "vantor: newMaterial \"diffuse\": item 1: parameter \"reflectance\" is 8, which is out of range (0 to 1; no "
+        "pattern can stand here)\n");
+}
+
 TEST(Diagnostics, MeshWithoutPoints) {
     const scripted::Points none;
     scripted::Indices triangles;
     scripted::fill(triangles, {0, 1, 2});
     EXPECT_EQ(object_errors("mesh", "points", none, "triangles", triangles),
               "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out triangle 0 "
-              "(there are no points)\n"
-              "vantor: newObject \"mesh\": the mesh has no usable triangle; nothing of it will be seen\n");
+              "(there are no points)\n");
 }
 
 // An array whose growth has failed: the size is the new one all the same.

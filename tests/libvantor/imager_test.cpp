@@ -362,6 +362,19 @@ TEST(Imager, FilesOfOnePassShareTheFilterOfTheInnermost) {
     EXPECT_EQ(read("box.exr"), with_tent);
 }
 
+TEST(Imager, TheInnerOfTwoWithOneFileCounts) {
+    Scene scene;
+    build_sphere(scene);
+    scene.ImagerBegin(narrow_imager(scene, "twice.exr", "depth"));
+    scene.ImagerBegin(narrow_imager(scene, "twice.exr", "object_id"));
+    EXPECT_EQ(scripted::errors_of([&] { scene.Render(side, side, 1, 0, 0, 1, 1); }),
+              "vantor: render: \"" + scripted::path_of("twice.exr") +
+                  "\" is the file of two imagers (the inner one's picture counts)\n");
+    const Rgb middle = scripted::read_exr(scripted::path_of("twice.exr")).at(side / 2, side / 2);
+    EXPECT_EQ(middle[0], std::round(middle[0]));
+    EXPECT_GT(middle[0], 0);
+}
+
 TEST(Imager, FilterWidthsBlurAnEdgeSoFar) {
     // The left half shines: in the column of an edge's distance d, the light is the filter's share beyond d.
     Scene scene;
