@@ -39,13 +39,25 @@ struct Gathering::Departure {
     float density; // of the direction, per solid angle
 };
 
-Gathering::Departure Gathering::depart(std::uint32_t side, int sample, int samples) const {
-    const Sampler sampler = sampler_of(side, sample, samples);
-    const Hit from = patches.point_of(side / 2, sampler.pair(point_on_patch));
-    const Vec3 normal = from.geometric_normal * (side % 2 == 0 ? 1.0f : -1.0f);
-    const Vec3 local = warp::cosine_hemisphere(sampler.pair(direction));
-    const Vec3 towards = Frame(normal).world_from_local(local);
-    return {sampler, from, normal, {from.origin_towards(normal), towards}, warp::cosine_hemisphere_density(local.z)};
+std::vector<Gathering::Departure> Gathering::departures(std::uint32_t side, int first, int end, int samples) const {
+    std::vector<Sampler> samplers;
+    for (int sample = first; sample < end; ++sample)
+        samplers.push_back(sampler_of(side, sample, samples));
+    std::vector<Pair> points(samplers.size());
+    pairs_of(samplers, point_on_patch, points);
+    std::vector<Pair> directions(samplers.size());
+    pairs_of(samplers, direction, directions);
+
+    std::vector<Departure> all;
+    all.reserve(samplers.size());
+    for (std::size_t i = 0; i < samplers.size(); ++i) {
+        const Hit from = patches.point_of(side / 2, points[i]);
+        const Vec3 normal = from.geometric_normal * (side % 2 == 0 ? 1.0f : -1.0f);
+        const Vec3 local = warp::cosine_hemisphere(directions[i]);
+        const Ray ray{from.origin_towards(normal), Frame(normal).world_from_local(local)};
+        all.push_back({samplers[i], from, normal, ray, warp::cosine_hemisphere_density(local.z)});
+    }
+    return all;
 }
 
 // A side lies in the media around one of its points.
@@ -54,18 +66,15 @@ MediumStack Gathering::media_around(const Departure &departure) const {
 }
 
 void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
-    std::vector<Departure> departures;
+    const std::vector<Departure> starts = departures(side, first, end, ray_count);
     std::vector<Ray> rays;
-    departures.reserve(static_cast<std::size_t>(end - first));
-    rays.reserve(static_cast<std::size_t>(end - first));
-    for (int i = first; i < end; ++i) {
-        departures.push_back(depart(side, i, ray_count));
-        rays.push_back(departures.back().ray);
-    }
+    rays.reserve(starts.size());
+    for (const Departure &start : starts)
+        rays.push_back(start.ray);
     std::vector<Hit> hits(rays.size());
     world.tracer.nearest(rays, false, hits);
 
-    const MediumStack media = media_around(departures.front());
+    const MediumStack media = media_around(starts.front());
     const bool is_clear = media.innermost() == MediumStack::none;
     std::vector<Path> paths;
     for (std::size_t i = 0; i < rays.size(); ++i) {
@@ -80,8 +89,8 @@ void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
         }
         // What has no patches is left to the path tracer. The lights that the ray itself would find have been sampled:
         // a density of 0 leaves nothing to it.
-        Path path{rays[i], departures[i].sampler, media};
-        path.vertex = departures[i].from.point;
+        Path path{rays[i], starts[i].sampler, media};
+        path.vertex = starts[i].from.point;
         path.direction_density = 0;
         path.scatterings = 1;
         path.finds_lights = false;
@@ -101,11 +110,9 @@ SideLight Gathering::light_of(std::uint32_t side) const {
     std::vector<Color> gains;
     LightWays ways;
     std::vector<Path> paths;
-    MediumStack media;
-    for (int i = 0; i < light_samples; ++i) {
-        const Departure departure = depart(side, i, light_samples);
-        if (i == 0)
-            media = media_around(departure);
+    const std::vector<Departure> starts = departures(side, 0, light_samples, light_samples);
+    const MediumStack media = media_around(starts.front());
+    for (const Departure &departure : starts) {
         result.reflectance += Surface(departure.from, -departure.normal, world).albedo();
 
         const double choice = world.lights.has_choice() ? departure.sampler.single(light_choice) : 0.0;

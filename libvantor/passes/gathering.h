@@ -42,7 +42,8 @@ class Gathering {
   private:
     struct Departure;
 
-    Departure depart(std::uint32_t side, int sample, int samples) const;
+    // Of the samples from first on, and not from end on.
+    std::vector<Departure> departures(std::uint32_t side, int first, int end, int samples) const;
     MediumStack media_around(const Departure &departure) const;
 
     const World &world;
