@@ -209,6 +209,8 @@ void add_scattered_light(Path &path, const Medium &medium, Vec3 point, const Num
 // them: Kulla, Fajardo, "Importance Sampling Techniques for Path Tracing in Participating Media", 2012.
 void light_the_ray(Path &path, const Medium &medium, Vec3 light, float length, const Numbers &numbers,
                    const World &world, SampledLight &direct) {
+    if (is_black(medium.scattering))
+        return;
     const float nearest = dot(light - path.ray.origin, path.ray.direction);
     const Vec3 across = path.ray.origin + path.ray.direction * nearest - light;
     const float squared_height = dot(across, across);
