@@ -213,10 +213,8 @@ void light_the_ray(Path &path, const Medium &medium, Vec3 light, float length, c
         return;
     const float nearest = dot(light - path.ray.origin, path.ray.direction);
     const Vec3 across = path.ray.origin + path.ray.direction * nearest - light;
-    const float squared_height = dot(across, across);
-    const float height = std::sqrt(squared_height);
-    if (!(height > 0))
-        return;
+    // Whatever the height, the density fits the choice; a ray that goes through the light is one next to it.
+    const float height = std::max(vantor::length(across), clearance_of(light, std::fabs(nearest)));
     const float first = std::atan2(-nearest, height);
     const float last = std::atan2(length - nearest, height);
     const float number = numbers.sampler.pair(numbers.dimension + lit_distance).u;
@@ -224,7 +222,7 @@ void light_the_ray(Path &path, const Medium &medium, Vec3 light, float length, c
     const float distance = nearest + beyond;
     if (!(distance > 0 && distance < length))
         return;
-    const float inverse_density = (last - first) * (squared_height + beyond * beyond) / height;
+    const float inverse_density = (last - first) * (height * height + beyond * beyond) / height;
     const Color before = path.throughput;
     path.throughput *= medium.scattering * medium.transmittance(distance) * inverse_density;
     add_scattered_light(path, medium, path.ray.origin + path.ray.direction * distance, numbers, world, direct);

@@ -14,9 +14,11 @@ static_assert(sizeof(Color) == 3 * sizeof(float), "files are written straight fr
 
 std::string exr_file(const Picture &picture, float scale, const std::string &comment) {
     std::vector<Color> scaled;
-    if (scale != 1)
+    if (scale != 1) {
+        scaled.reserve(picture.pixels.size());
         for (const Color c : picture.pixels)
             scaled.push_back(c * scale);
+    }
 
     // The library wants bounds that include the last pixel.
     const PixelArea &window = picture.window;

@@ -49,9 +49,8 @@ template <class Named> const Named *nearest(std::string_view wrong, std::span<co
         const std::string_view name = name_of(entry);
         return (wrong.size() >= 2 && name.starts_with(wrong)) || (name.size() >= 4 && wrong.ends_with(name));
     };
-    if (const auto part = std::ranges::find_if(known, is_part); part != known.end() && (!nearest || least > 1))
-        nearest = &*part;
-    return nearest;
+    const auto part = std::ranges::find_if(known, is_part);
+    return nearest || part == known.end() ? nearest : &*part;
 }
 
 // " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".

@@ -44,9 +44,9 @@ Pair point_on(const FlatEmitter &emitter, Pair numbers) {
 float power(const FlatEmitter &emitter) { return pi * emitter.area * luminance(emitter.radiance); }
 
 // Of an ellipsoid roughly: the area of a sphere of the same volume.
-float power(const SphereEmitter &emitter) {
-    const float squared_radius = std::pow(std::fabs(emitter.world_from_unit->determinant), 2 / 3.0f);
-    return pi * 4 * pi * squared_radius * luminance(emitter.radiance);
+float power_of_sphere(const Affine &world_from_unit, Color radiance) {
+    const float squared_radius = std::pow(std::fabs(world_from_unit.determinant), 2 / 3.0f);
+    return pi * 4 * pi * squared_radius * luminance(radiance);
 }
 
 // One minus the cosine of the angle under which the unit sphere is seen, from a point outside it.
@@ -300,10 +300,10 @@ LightSet::Emitters LightSet::add_emitters(const Placement &placement, Color radi
         for (int i = 0; i < 3; ++i)
             unit_to_sphere[i][i] = sphere->radius;
         unit_to_sphere[3] = {sphere->center.x, sphere->center.y, sphere->center.z, 1.0};
-        SphereEmitter emitter{
-            std::make_unique<const Affine>(to_float(composed(unit_to_sphere, placement.world_from_object))), radiance};
-        const float its_power = power(emitter);
-        add(std::move(emitter), its_power);
+        auto world_from_unit =
+            std::make_unique<const Affine>(to_float(composed(unit_to_sphere, placement.world_from_object)));
+        const float power = power_of_sphere(*world_from_unit, radiance);
+        add(SphereEmitter{std::move(world_from_unit), radiance}, power);
         return one_for_all;
     } else if (const auto *disk = std::get_if<Disk>(&placement.object->shape)) {
         const FlatEmitter emitter = flat_emitter(map, *disk, radiance);

@@ -38,30 +38,35 @@ struct HitInObject {
     }
 };
 
+bool is_there(const Variation &variation, bool is_front) { return variation.is_two_sided || is_front; }
+
 } // namespace
 
 float opacity_at(const Hit &hit, Vec3 arriving, const World &world) {
     const Variation *variation = world.placements[hit.placement].material->variation.get();
     if (!variation)
         return 1;
-    if (!variation->is_two_sided && !is_at_front(hit, arriving))
+    if (!is_there(*variation, is_at_front(hit, arriving)))
         return 0;
     const NumberOrPattern &opacity = variation->opacity;
     return fraction(opacity.pattern ? vantor::evaluate(opacity, HitInObject(hit, world).at) : opacity.number);
 }
 
-void Surface::vary(const Hit &hit, Vec3 arriving, const World &world) {
-    opaque_share = opacity_at(hit, arriving, world);
+void Surface::vary(const Hit &hit, const World &world) {
     static const Variation none;
     const Placement &placement = world.placements[hit.placement];
     const Variation &variation = placement.material->variation ? *placement.material->variation : none;
+    opaque_share = is_there(variation, is_front) ? fraction(variation.opacity.number) : 0;
     const bool is_bent = variation.bump || variation.normal_map;
     const bool is_other = variation.color || variation.roughness || placement.object->has_colors;
-    if (opaque_share == 0 || !(is_bent || is_other))
+    if (opaque_share == 0 || !(is_bent || is_other || variation.opacity.pattern))
         return;
 
     const HitInObject in_object(hit, world);
     const PatternPoint &at = in_object.at;
+    opaque_share = fraction(vantor::evaluate(variation.opacity, at));
+    if (opaque_share == 0)
+        return;
     if (is_bent) {
         // About half of what a pixel sees, and beyond rounding.
         const float step = (0.5f * pixel_angle * hit.distance + hit.clearance) / in_object.scale;

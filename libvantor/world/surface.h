@@ -18,7 +18,7 @@ class Surface {
         : frame(hit.shading_normal), is_front(is_at_front(hit, arriving)), geometric_normal(hit.geometric_normal),
           scattering(&world.placements[hit.placement].material->scattering) {
         if (world.placements[hit.placement].varies())
-            vary(hit, arriving, world);
+            vary(hit, world);
         out = side_of(frame.local_from_world(-arriving), is_front);
     }
     Surface(const Surface &) = delete; // it may point into itself
@@ -58,7 +58,7 @@ class Surface {
 
   private:
     // What differs from point to point.
-    void vary(const Hit &hit, Vec3 arriving, const World &world);
+    void vary(const Hit &hit, const World &world);
 
     // Where the shading normal leans, part of each of its hemispheres lies on the other side of the surface.
     bool is_consistent(float z, Vec3 direction) const { return z * dot(geometric_normal, direction) > 0; }

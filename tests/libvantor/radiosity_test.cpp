@@ -318,6 +318,7 @@ template <class Work> void expect_prompt(std::chrono::milliseconds into_the_work
     for (int attempt = 0; attempt < 3 && late >= 250; ++attempt)
         late = static_cast<long>(lateness(into_the_work, work).count());
     EXPECT_LT(late, 250) << "after " << into_the_work.count() << " ms";
+    EXPECT_GE(late, 0) << "the work has ended before its interrupt, after " << into_the_work.count() << " ms";
 }
 
 TEST(Radiosity, InterruptStopsTheMakingOfPatches) {
@@ -325,7 +326,7 @@ TEST(Radiosity, InterruptStopsTheMakingOfPatches) {
     description.sheet(700);
     // A million triangles take some seconds: sizes, groups, corners, areas. First they all have patches of their own.
     for (const std::size_t budget : {1000000, 10000})
-        for (const int milliseconds : {20, 200, 400, 800, 1600})
+        for (const int milliseconds : {20, 200, 400})
             expect_prompt(std::chrono::milliseconds(milliseconds), [&] {
                 const vantor::Interrupt interrupt;
                 const vantor::Patches patches(description.registry.placements(), budget, interrupt);
@@ -351,7 +352,7 @@ TEST(Radiosity, InterruptedNothingIsKept) {
     const scripted::Pixels traced = scene.render(8, 8, 4);
     std::string errors;
     const auto late = lateness(std::chrono::milliseconds(500), [&] { errors = errors_of([&] { scene.Radiosity(); }); });
-    EXPECT_LT(late.count(), 1000);
+    EXPECT_LT(late.count(), 3000); // promptness is tested above
     EXPECT_EQ(errors, "vantor: radiosity: interrupted; nothing is kept\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.render(8, 8, 4).values, traced.values); }), "");
 }
