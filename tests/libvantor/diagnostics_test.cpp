@@ -219,6 +219,26 @@ TEST(Diagnostics, OneMistakeIsOneLine) {
         "pattern can stand here)\n");
 }
 
+TEST(Diagnostics, ValuesThatOthersMakeUseless) {
+    Scene scene;
+    scripted::List metal("metal", "gold", "k", 3.0);
+    EXPECT_EQ(errors_of([&] { scene.NewInterface("conductor", metal); }),
+              "vantor: newInterface \"conductor\": item 3: parameter \"k\" has no effect beside \"metal\"\n");
+    scripted::List custom("metal", "custom", "k", 3.0);
+    EXPECT_EQ(errors_of([&] { scene.NewInterface("conductor", custom); }), "");
+    scripted::List matt;
+    scripted::List flat("interface", static_cast<int>(scene.NewInterface("diffuse", matt)), "bump_height", 0.5);
+    EXPECT_EQ(errors_of([&] { scene.NewMaterial("surface", flat); }),
+              "vantor: newMaterial \"surface\": item 3: parameter \"bump_height\" has no effect without \"bump\"\n");
+    scripted::Points points;
+    scripted::fill(points, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
+    VtInstanceArray<double> radii;
+    for (int i = 0; i < 4; ++i)
+        radii.Add(0.1);
+    EXPECT_EQ(object_errors("curves", "points", points, "radii", radii, "radius", 0.2),
+              "vantor: newObject \"curves\": item 5: parameter \"radius\" has no effect beside \"radii\"\n");
+}
+
 TEST(Diagnostics, MeshWithoutPoints) {
     const scripted::Points none;
     scripted::Indices triangles;

@@ -74,9 +74,7 @@ const std::string &picture_of_a_sky() {
         scene.NewCamera("panorama", none);
         scene.light("sky", "sun", 0);
         const std::string name = scripted::path_of("sky.exr");
-        List list("name", name);
-        scene.ImagerBegin(scene.NewImager("file", list));
-        scene.Render(32, 16, 4, 0, 0, 1, 1);
+        scene.draw(name, 32, 16, 4);
         return name;
     }();
     return path;
@@ -388,10 +386,7 @@ std::string as_known(const TypeScene &type) {
 
     std::filesystem::create_directory("every_type");
     const std::string path = std::string("every_type/") + type.call + "_" + type.type + ".png";
-    List list("name", path);
-    scene.ImagerBegin(scene.NewImager("file", list));
-    scene.Render(5 * side, 5 * side, 4 * samples, 0, 0, 1, 1);
-    scene.ImagerEnd();
+    scene.draw(path, 5 * side, 5 * side, 4 * samples);
 
     std::array<char, 256> row{};
     std::snprintf(row.data(), row.size(), R"({"%s", "%s", {{%.5f, %.5f, %.5f}, {%.5f, %.5f, %.5f, %.5f}}, %.6f},)",

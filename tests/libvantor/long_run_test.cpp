@@ -50,9 +50,7 @@ const std::string &texture() {
         scene.light("environment");
         scene.AddObject(scene.object("sphere"));
         const std::string name = scripted::path_of("texture.png");
-        List list("name", name);
-        scene.ImagerBegin(scene.NewImager("file", list));
-        scene.Render(16, 16, 1, 0, 0, 1, 1);
+        scene.draw(name, 16, 16, 1);
         return name;
     }();
     return path;

@@ -157,13 +157,18 @@ class Scene : public VtLocalSceneProxy {
             {0, 1, 3, 0, 3, 2, 4, 6, 7, 4, 7, 5, 0, 4, 5, 0, 5, 1,
              2, 3, 7, 2, 7, 6, 0, 2, 6, 0, 6, 4, 1, 5, 7, 1, 7, 3});
     }
-    Pixels render(int width, int height, int samples, double x0 = 0, double y0 = 0, double x1 = 1, double y1 = 1) {
-        const std::string path = path_of("picture.exr");
-        std::filesystem::remove(path);
+    /// Into a file of that name, by an imager of its own.
+    void draw(const std::string &path, int width, int height, int samples, double x0 = 0, double y0 = 0, double x1 = 1,
+              double y1 = 1) {
         List list("name", path);
         ImagerBegin(NewImager("file", list));
         Render(width, height, samples, x0, y0, x1, y1);
         ImagerEnd();
+    }
+    Pixels render(int width, int height, int samples, double x0 = 0, double y0 = 0, double x1 = 1, double y1 = 1) {
+        const std::string path = path_of("picture.exr");
+        std::filesystem::remove(path);
+        draw(path, width, height, samples, x0, y0, x1, y1);
         return std::filesystem::exists(path) ? read_exr(path) : Pixels();
     }
 };
