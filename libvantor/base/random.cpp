@@ -8,12 +8,12 @@ namespace vantor {
 #if defined(__x86_64__) && !defined(VANTOR_SANITIZED)
 [[gnu::target_clones("arch=skylake-avx512", "avx2", "default")]]
 #endif
-void pairs_of(std::span<const Sampler> samplers, std::uint32_t dimension, std::span<Pair> result) {
+void get_2d_of(std::span<const Sampler> samplers, std::uint32_t dimension, std::span<Point2f> result) {
     const Sampler *const from = samplers.data();
-    Pair *const to = result.data();
+    Point2f *const to = result.data();
     const std::size_t count = samplers.size();
     for (std::size_t i = 0; i < count; ++i)
-        to[i] = from[i].pair(dimension);
+        to[i] = from[i].get_2d(dimension);
 }
 
 } // namespace vantor

@@ -8,7 +8,7 @@
 namespace vantor {
 
 /// A point of the unit square, each coordinate in [0, 1).
-struct Pair {
+struct Point2f {
     float u = 0;
     float v = 0;
 };
@@ -86,8 +86,8 @@ class Sampler {
         scrambling = (round << 12) ^ sobol::hash(seed);
     }
 
-    /// See pairs_of() for many at once.
-    Pair pair(std::uint32_t dimension) const {
+    /// See get_2d_of() for many at once.
+    Point2f get_2d(std::uint32_t dimension) const {
         const std::uint32_t seed = seed_of(dimension);
         const std::uint32_t index = shuffled(seed);
         return {sobol::unit_float(first(index, seed)), sobol::unit_float(second(index, seed))};
@@ -99,7 +99,7 @@ class Sampler {
     }
 
     /// With all 32 bits, for choices among very many.
-    double single(std::uint32_t dimension) const {
+    double get_1d(std::uint32_t dimension) const {
         const std::uint32_t seed = seed_of(dimension);
         return first(shuffled(seed), seed) * 0x1p-32;
     }
@@ -125,6 +125,6 @@ class Sampler {
 };
 
 /// The pairs of many samples in one dimension, in as many lanes as the processor has.
-void pairs_of(std::span<const Sampler> samplers, std::uint32_t dimension, std::span<Pair> result);
+void get_2d_of(std::span<const Sampler> samplers, std::uint32_t dimension, std::span<Point2f> result);
 
 } // namespace vantor

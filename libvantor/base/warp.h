@@ -1,4 +1,4 @@
-// Warps: the unit square onto shapes, with their densities.
+// Warps: the unit square onto shapes, with their pdfs.
 #pragma once
 
 #include "libvantor/base/numbers.h"
@@ -27,8 +27,8 @@ inline SineCosine sine_cosine_of_turn(float turn) {
     return {-2 * sine * cosine, 2 * sine * sine - 1};
 }
 
-/// Uniform on the unit disk: density 1/pi. The x and y of the result are used.
-inline Vec3 disk(Pair sample) {
+/// Uniform on the unit disk: pdf 1/pi. The x and y of the result are used.
+inline Vec3 disk(Point2f sample) {
     const SineCosine turn = sine_cosine_of_turn(sample.v);
     const float radius = std::sqrt(sample.u);
     return {radius * turn.cosine, radius * turn.sine, 0};
@@ -36,27 +36,27 @@ inline Vec3 disk(Pair sample) {
 
 /// Malley's method: uniform disk, lifted. Density cos(theta)/pi around +Z. Pharr, Jakob, Humphreys, "Physically Based
 /// Rendering", 4th ed., A.5.3.
-inline Vec3 cosine_hemisphere(Pair sample) {
+inline Vec3 cosine_hemisphere(Point2f sample) {
     const Vec3 d = disk(sample);
     return {d.x, d.y, std::sqrt(1 - sample.u)};
 }
-inline float cosine_hemisphere_density(float cosine) { return cosine * inverse_pi; }
+inline float cosine_hemisphere_pdf(float cosine) { return cosine * inverse_pi; }
 
 /// Directions around +Z whose 1 - cosine is at most `height`, 0 < height <= 2: a cap of the unit sphere, by uniform
 /// solid angle. The height is 1 - cos(cone angle), given so that small cones lose no digits.
-inline Vec3 cone(Pair sample, float height) {
+inline Vec3 cone(Point2f sample, float height) {
     // Archimedes: the area of a cap of the sphere goes with its height.
     const float drop = height * sample.u;
     const float radius = std::sqrt(drop * (2 - drop));
     const SineCosine turn = sine_cosine_of_turn(sample.v);
     return {radius * turn.cosine, radius * turn.sine, 1 - drop};
 }
-inline float cone_density(float height) { return 1 / (2 * pi * height); }
+inline float cone_pdf(float height) { return 1 / (2 * pi * height); }
 
-/// Barycentric coordinates, uniform on a triangle; density 1/area. The square is folded along its diagonal, which keeps
+/// Barycentric coordinates, uniform on a triangle; pdf 1/area. The square is folded along its diagonal, which keeps
 /// more neighbours together than the square root does (Heitz, "A Low-Distortion Map Between Triangle and Square",
 /// 2019).
-inline Pair triangle(Pair sample) {
+inline Point2f triangle(Point2f sample) {
     if (sample.v > sample.u)
         return {0.5f * sample.u, sample.v - 0.5f * sample.u};
     return {sample.u - 0.5f * sample.v, 0.5f * sample.v};

@@ -47,14 +47,14 @@ Color pixel_at(const Image &image, const Raster &level, int x, int y) {
     return {alpha, alpha, alpha};
 }
 
-Color nearest(const Image &image, const Raster &level, Pair place) {
-    return pixel_at(image, level, static_cast<int>(std::floor(place.u * static_cast<float>(level.width))),
-                    static_cast<int>(std::floor(place.v * static_cast<float>(level.height))));
+Color nearest(const Image &image, const Raster &level, Point2f uv) {
+    return pixel_at(image, level, static_cast<int>(std::floor(uv.u * static_cast<float>(level.width))),
+                    static_cast<int>(std::floor(uv.v * static_cast<float>(level.height))));
 }
 
-Color bilinear(const Image &image, const Raster &level, Pair place) {
-    const float x = place.u * static_cast<float>(level.width) - 0.5f;
-    const float y = place.v * static_cast<float>(level.height) - 0.5f;
+Color bilinear(const Image &image, const Raster &level, Point2f uv) {
+    const float x = uv.u * static_cast<float>(level.width) - 0.5f;
+    const float y = uv.v * static_cast<float>(level.height) - 0.5f;
     const int left = static_cast<int>(std::floor(x));
     const int above = static_cast<int>(std::floor(y));
     const float to_right = x - static_cast<float>(left);
@@ -64,32 +64,32 @@ Color bilinear(const Image &image, const Raster &level, Pair place) {
     return mixed(row(above), row(above + 1), y - static_cast<float>(above));
 }
 
-Color trilinear(const Image &image, Pair place, Pair footprint) {
+Color trilinear(const Image &image, Point2f uv, Point2f footprint) {
     const std::vector<Raster> &levels = image.texture->levels;
     const float pixels = std::max({1.0f, footprint.u * static_cast<float>(levels.front().width),
                                    footprint.v * static_cast<float>(levels.front().height)});
     const float level = std::min(std::log2(pixels), static_cast<float>(levels.size() - 1));
     const auto finer = static_cast<std::size_t>(level);
-    const Color color = bilinear(image, levels[finer], place);
+    const Color color = bilinear(image, levels[finer], uv);
     const float to_coarser = level - static_cast<float>(finer);
-    return to_coarser > 0 ? mixed(color, bilinear(image, levels[finer + 1], place), to_coarser) : color;
+    return to_coarser > 0 ? mixed(color, bilinear(image, levels[finer + 1], uv), to_coarser) : color;
 }
 
 } // namespace
 
 Color Image::evaluate(const PatternPoint &at) const {
     // Rows count from above.
-    const Pair place{brought_near(at.uv.u * scale.u + offset.u, wrap),
+    const Point2f uv{brought_near(at.uv.u * scale.u + offset.u, wrap),
                      brought_near(1 - (at.uv.v * scale.v + offset.v), wrap)};
     switch (filter) {
     case Filter::Nearest:
-        return nearest(*this, texture->levels.front(), place);
+        return nearest(*this, texture->levels.front(), uv);
     case Filter::Bilinear:
-        return bilinear(*this, texture->levels.front(), place);
+        return bilinear(*this, texture->levels.front(), uv);
     case Filter::Trilinear:
         break;
     }
-    return trilinear(*this, place, {at.footprint.u * std::fabs(scale.u), at.footprint.v * std::fabs(scale.v)});
+    return trilinear(*this, uv, {at.footprint.u * std::fabs(scale.u), at.footprint.v * std::fabs(scale.v)});
 }
 
 } // namespace vantor

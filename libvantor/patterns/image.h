@@ -21,8 +21,8 @@ struct Image {
     Wrap wrap;
     Filter filter;
     bool shows_alpha; ///< As a grey, in place of the colours.
-    Pair scale;       ///< How many pictures lie on a length of 1.
-    Pair offset;      ///< Added to the scaled coordinates.
+    Point2f scale;    ///< How many pictures lie on a length of 1.
+    Point2f offset;   ///< Added to the scaled coordinates.
 
     Color evaluate(const PatternPoint &at) const;
 };

@@ -11,9 +11,9 @@ struct Pattern;
 
 /// A point of a surface, as patterns see it.
 struct PatternPoint {
-    Pair uv;             ///< Texture coordinates, v upwards.
-    Vec3 point;          ///< In the object's space.
-    Pair footprint = {}; ///< How far u and v reach of what the pixel sees; 0 where nobody knows.
+    Point2f uv;             ///< Texture coordinates, v upwards.
+    Vec3 point;             ///< In the object's space.
+    Point2f footprint = {}; ///< How far u and v reach of what the pixel sees; 0 where nobody knows.
 };
 
 /// The colour of the pattern there, linear Rec. 709.

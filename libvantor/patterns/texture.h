@@ -1,7 +1,7 @@
 // Texture: a picture, and ever smaller copies of it.
 #pragma once
 
-#include "libvantor/pictures/raster.h"
+#include "libvantor/images/raster.h"
 
 namespace vantor {
 

@@ -27,17 +27,17 @@ struct Rough {
 };
 
 // Both directions lie above it.
-Scattered reflection(const Conductor &metal, const Rough &rough, Vec3 o, Vec3 i, Vec3 half) {
+BsdfValue reflection(const Conductor &metal, const Rough &rough, Vec3 o, Vec3 i, Vec3 half) {
     const float cosine = std::clamp(dot(o, half), 0.0f, 1.0f);
     const Color value = conductor_reflectance(cosine, metal.eta, metal.k) * rough.facets.reflection(o, i, half) +
                         rough.compensation.value(i.z);
-    return {metal.color * value, (1 - rough.compensation_choice) * rough.facets.reflection_density(o, half) +
-                                     rough.compensation_choice * warp::cosine_hemisphere_density(i.z)};
+    return {metal.color * value, (1 - rough.compensation_choice) * rough.facets.reflection_pdf(o, half) +
+                                     rough.compensation_choice * warp::cosine_hemisphere_pdf(i.z)};
 }
 
 } // namespace
 
-Scattered Conductor::evaluate(Vec3 out, Vec3 in) const {
+BsdfValue Conductor::evaluate(Vec3 out, Vec3 in) const {
     if (is_specular() || !(out.z * in.z > 0))
         return {};
     const float side = std::copysign(1.0f, out.z);
@@ -46,7 +46,7 @@ Scattered Conductor::evaluate(Vec3 out, Vec3 in) const {
     return reflection(*this, Rough(*this, o.z), o, i, normalized(o + i));
 }
 
-bool Conductor::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const {
+bool Conductor::sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const {
     if (out.z == 0)
         return false;
     const float side = std::copysign(1.0f, out.z);
@@ -67,9 +67,9 @@ bool Conductor::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &r
     }
     if (!(i.z > 0))
         return false;
-    const Scattered found = reflection(*this, rough, o, i, half);
-    result = {on_side(i, side), found.value * (i.z / found.density), found.density, false};
-    return found.density > 0;
+    const BsdfValue found = reflection(*this, rough, o, i, half);
+    result = {on_side(i, side), found.value * (i.z / found.pdf), found.pdf, false};
+    return found.pdf > 0;
 }
 
 Color Conductor::albedo() const { return color * conductor_reflectance(1, eta, k); }

@@ -19,7 +19,7 @@ Vec3 refracted(Vec3 direction, Vec3 normal, float cosine, float refracted_cosine
 
 } // namespace
 
-Scattered Dielectric::evaluate(Vec3 out, Vec3 in) const {
+BsdfValue Dielectric::evaluate(Vec3 out, Vec3 in) const {
     const float sides = out.z * in.z;
     if (is_specular() || sides == 0)
         return {};
@@ -34,7 +34,7 @@ Scattered Dielectric::evaluate(Vec3 out, Vec3 in) const {
         const Vec3 half = normalized(o + i);
         const float reflectance = refraction_of(dot(o, half), ratio).reflectance;
         const float value = reflectance * facets.reflection(o, i, half);
-        return {{value, value, value}, reflectance * facets.reflection_density(o, half)};
+        return {{value, value, value}, reflectance * facets.reflection_pdf(o, half)};
     }
 
     // Equation 16, with the normal turned up.
@@ -46,15 +46,15 @@ Scattered Dielectric::evaluate(Vec3 out, Vec3 in) const {
     if (!(out_cosine > 0 && in_cosine > 0))
         return {};
     const float refracts = 1 - refraction_of(out_cosine, ratio).reflectance;
-    // Equation 21; the square of the ratio, which the density has, is left out of the value as radiance wants it.
+    // Equation 21; the square of the ratio, which the pdf has, is left out of the value as radiance wants it.
     const float value = refracts * facets.distribution(half) * facets.visible(o) * facets.visible(i) * out_cosine *
                         in_cosine / (o.z * -i.z * square);
     // Equation 17.
-    const float density = refracts * facets.normal_density(o, half) * ratio * ratio * in_cosine / square;
-    return {color * value, density};
+    const float pdf = refracts * facets.normal_pdf(o, half) * ratio * ratio * in_cosine / square;
+    return {color * value, pdf};
 }
 
-bool Dielectric::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const {
+bool Dielectric::sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const {
     if (out.z == 0)
         return false;
     const float side = std::copysign(1.0f, out.z);
@@ -79,20 +79,18 @@ bool Dielectric::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &
         if (!(i.z > 0))
             return false;
         const float weight = facets.visible(o, i) / facets.visible(o);
-        result = {on_side(i, side),
-                  {weight, weight, weight},
-                  refraction.reflectance * facets.reflection_density(o, half),
-                  false};
+        result = {
+            on_side(i, side), {weight, weight, weight}, refraction.reflectance * facets.reflection_pdf(o, half), false};
         return true;
     }
     const Vec3 i = normalized(refracted(o, half, cosine, refraction.cosine, ratio));
     if (!(i.z < 0))
         return false;
     const Vec3 sum = o + i * ratio;
-    const float density = (1 - refraction.reflectance) * facets.normal_density(o, half) * ratio * ratio *
-                          refraction.cosine / dot(sum, sum);
-    result = {on_side(i, side), color * (facets.visible(i) * scale), density, false};
-    return density > 0;
+    const float pdf =
+        (1 - refraction.reflectance) * facets.normal_pdf(o, half) * ratio * ratio * refraction.cosine / dot(sum, sum);
+    result = {on_side(i, side), color * (facets.visible(i) * scale), pdf, false};
+    return pdf > 0;
 }
 
 Color Dielectric::albedo() const {

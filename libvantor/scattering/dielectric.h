@@ -1,7 +1,7 @@
 // Dielectric: a clear boundary, of glass or water, smooth or rough.
 #pragma once
 
-#include "libvantor/scattering/lobe.h"
+#include "libvantor/scattering/bsdf_sample.h"
 
 namespace vantor {
 
@@ -15,8 +15,8 @@ struct Dielectric {
     Color color{1, 1, 1}; ///< What the refracted light is multiplied by each time, 0 to 1.
     float alpha = 0;      ///< Roughness, squared; smooth below Ggx::least_alpha.
 
-    Scattered evaluate(Vec3 out, Vec3 in) const;
-    bool sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const;
+    BsdfValue evaluate(Vec3 out, Vec3 in) const;
+    bool sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const;
     Color albedo() const;
     bool is_specular() const;
     bool transmits() const { return true; }

@@ -1,7 +1,7 @@
 // Diffuse: the same radiance in all directions.
 #pragma once
 
-#include "libvantor/scattering/lobe.h"
+#include "libvantor/scattering/bsdf_sample.h"
 
 namespace vantor {
 
@@ -9,13 +9,13 @@ namespace vantor {
 struct Diffuse {
     Color reflectance; ///< The fraction of light that is reflected, 0 to 1.
 
-    Scattered evaluate(Vec3 out, Vec3 in) const {
+    BsdfValue evaluate(Vec3 out, Vec3 in) const {
         if (!(out.z * in.z > 0))
             return {};
-        return {reflectance * inverse_pi, warp::cosine_hemisphere_density(std::fabs(in.z))};
+        return {reflectance * inverse_pi, warp::cosine_hemisphere_pdf(std::fabs(in.z))};
     }
 
-    bool sample(Vec3 out, Pair numbers, float, ScatteringSample &result) const {
+    bool sample(Vec3 out, Point2f numbers, float, BsdfSample &result) const {
         const Vec3 above = warp::cosine_hemisphere(numbers);
         if (!(above.z > 0))
             return false;
@@ -23,7 +23,7 @@ struct Diffuse {
         // Member by member: a copy of the whole would wait for the writing of its parts.
         result.in = {above.x, above.y, side * above.z};
         result.weight = reflectance;
-        result.density = warp::cosine_hemisphere_density(above.z);
+        result.pdf = warp::cosine_hemisphere_pdf(above.z);
         result.is_specular = false;
         return true;
     }

@@ -8,45 +8,45 @@ namespace vantor {
 
 /// The same everywhere. Coefficients are per length, 0 or more; g is the mean cosine of scattering, between -1 and 1.
 struct Medium {
-    Color absorption;
-    Color scattering;
+    Color sigma_a;
+    Color sigma_s;
     float g = 0;
 
-    Color extinction() const { return absorption + scattering; }
+    Color sigma_t() const { return sigma_a + sigma_s; }
 
     /// The fraction of light that goes the distance unhindered (Beer-Lambert). The distance may be infinite.
     Color transmittance(float distance) const {
         const auto left = [&](float coefficient) { return coefficient > 0 ? std::exp(-coefficient * distance) : 1.0f; };
-        const Color sum = extinction();
+        const Color sum = sigma_t();
         return {left(sum.r), left(sum.g), left(sum.b)};
     }
 
     /// Where light is scattered next, or that it first goes the whole distance. Either way, weight is what it brings
-    /// over the density of the outcome.
+    /// over the pdf of the outcome.
     ///
-    /// One channel, by chance, says how far; the density is that of all three, so that no channel's weight exceeds 3
+    /// One channel, by chance, says how far; the pdf is that of all three, so that no channel's weight exceeds 3
     /// (the balance heuristic over channels: Wilkie et al., "Hero Wavelength Spectral Sampling", 2014).
-    struct Flight {
+    struct DistanceSample {
         bool is_scattered;
         float distance;
         Color weight;
     };
-    Flight fly(float distance, Pair numbers) const {
-        const Color sum = extinction();
+    DistanceSample sample_distance(float distance, Point2f numbers) const {
+        const Color sum = sigma_t();
         const float of_channel = numbers.v < 1 / 3.0f ? sum.r : numbers.v < 2 / 3.0f ? sum.g : sum.b;
         const float reached = of_channel > 0 ? -std::log1p(-numbers.u) / of_channel : INFINITY;
         if (reached < distance) {
             const Color left = transmittance(reached);
-            const Color densities = sum * left;
-            const float density = (densities.r + densities.g + densities.b) * (1 / 3.0f);
-            return {true, reached, density > 0 ? scattering * left * (1 / density) : Color{}};
+            const Color pdfs = sum * left;
+            const float pdf = (pdfs.r + pdfs.g + pdfs.b) * (1 / 3.0f);
+            return {true, reached, pdf > 0 ? sigma_s * left * (1 / pdf) : Color{}};
         }
         const Color left = transmittance(distance);
         const float chance = (left.r + left.g + left.b) * (1 / 3.0f);
         return {false, distance, chance > 0 ? left * (1 / chance) : Color{}};
     }
 
-    /// The phase function, per solid angle: value and density of sample_direction() at once. The cosine is that between
+    /// The phase function, per solid angle: value and pdf of sample_direction() at once. The cosine is that between
     /// the way before and after. Henyey, Greenstein, "Diffuse Radiation in the Galaxy", 1941.
     float phase(float cosine) const {
         const float square = 1 + g * g - 2 * g * cosine;
@@ -54,7 +54,7 @@ struct Medium {
     }
 
     /// The way after scattering.
-    Vec3 sample_direction(Vec3 before, Pair numbers) const {
+    Vec3 sample_direction(Vec3 before, Point2f numbers) const {
         float cosine = 1 - 2 * numbers.u;
         if (std::fabs(g) > 1e-3f) {
             const float root = (1 - g * g) / (1 + g - 2 * g * numbers.u);

@@ -44,16 +44,16 @@ class Ggx {
         return distribution(half) * visible(out, in) / (4 * out.z * in.z);
     }
 
-    /// The density of directions that are reflected at visible facets.
-    float reflection_density(Vec3 out, Vec3 half) const { return distribution(half) * visible(out) / (4 * out.z); }
+    /// The pdf of directions that are reflected at visible facets.
+    float reflection_pdf(Vec3 out, Vec3 half) const { return distribution(half) * visible(out) / (4 * out.z); }
 
-    /// The density of the normals of visible facets; they are turned to `out`.
-    float normal_density(Vec3 out, Vec3 normal) const {
+    /// The pdf of the normals of visible facets; they are turned to `out`.
+    float normal_pdf(Vec3 out, Vec3 normal) const {
         return distribution(normal) * visible(out) * dot(out, normal) / out.z;
     }
 
     /// The normal of a facet that `out` sees. Heitz, "Sampling the GGX Distribution of Visible Normals", JCGT 2018.
-    Vec3 sample_normal(Vec3 out, Pair numbers) const {
+    Vec3 sample_normal(Vec3 out, Point2f numbers) const {
         // The surface is stretched until its facets are those of a half sphere.
         const Vec3 seen_from = normalized({alpha * out.x, alpha * out.y, out.z});
         const float square = seen_from.x * seen_from.x + seen_from.y * seen_from.y;

@@ -30,10 +30,10 @@ struct Layers {
 bool is_smooth(const Plastic &plastic) { return plastic.alpha < Ggx::least_alpha; }
 
 // Both directions lie above it.
-Scattered evaluated(const Plastic &plastic, const Layers &layers, Vec3 o, Vec3 i) {
+BsdfValue evaluated(const Plastic &plastic, const Layers &layers, Vec3 o, Vec3 i) {
     const float enters = 1 - glossy_albedo(i.z, plastic.alpha).of(layers.r0);
-    Scattered found{layers.body * ((1 - layers.coat) * enters * inverse_pi / (1 - layers.mean_coat)),
-                    (1 - layers.coat_choice) * warp::cosine_hemisphere_density(i.z)};
+    BsdfValue found{layers.body * ((1 - layers.coat) * enters * inverse_pi / (1 - layers.mean_coat)),
+                    (1 - layers.coat_choice) * warp::cosine_hemisphere_pdf(i.z)};
     if (is_smooth(plastic))
         return found;
 
@@ -42,13 +42,13 @@ Scattered evaluated(const Plastic &plastic, const Layers &layers, Vec3 o, Vec3 i
     const float share = schlick_share(dot(o, half));
     const float value = (layers.r0 * (1 - share) + share) * facets.reflection(o, i, half);
     found.value += Color{value, value, value};
-    found.density += layers.coat_choice * facets.reflection_density(o, half);
+    found.pdf += layers.coat_choice * facets.reflection_pdf(o, half);
     return found;
 }
 
 } // namespace
 
-Scattered Plastic::evaluate(Vec3 out, Vec3 in) const {
+BsdfValue Plastic::evaluate(Vec3 out, Vec3 in) const {
     if (!(out.z * in.z > 0))
         return {};
     const float side = std::copysign(1.0f, out.z);
@@ -56,7 +56,7 @@ Scattered Plastic::evaluate(Vec3 out, Vec3 in) const {
     return evaluated(*this, Layers(*this, o.z), o, on_side(in, side));
 }
 
-bool Plastic::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const {
+bool Plastic::sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const {
     if (out.z == 0)
         return false;
     const float side = std::copysign(1.0f, out.z);
@@ -71,9 +71,9 @@ bool Plastic::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &res
     const Vec3 i = is_coat ? reflected(o, Ggx(alpha).sample_normal(o, numbers)) : warp::cosine_hemisphere(numbers);
     if (!(i.z > 0))
         return false;
-    const Scattered found = evaluated(*this, layers, o, i);
-    result = {on_side(i, side), found.value * (i.z / found.density), found.density, false};
-    return found.density > 0;
+    const BsdfValue found = evaluated(*this, layers, o, i);
+    result = {on_side(i, side), found.value * (i.z / found.pdf), found.pdf, false};
+    return found.pdf > 0;
 }
 
 Color Plastic::albedo() const {

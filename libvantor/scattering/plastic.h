@@ -1,7 +1,7 @@
 // Plastic: a diffuse body under a clear coat, smooth or rough.
 #pragma once
 
-#include "libvantor/scattering/lobe.h"
+#include "libvantor/scattering/bsdf_sample.h"
 
 namespace vantor {
 
@@ -21,8 +21,8 @@ struct Plastic {
     float ior = 1.5; ///< The index of refraction of the coat, above 1.
     float alpha = 0; ///< The coat's roughness, squared; smooth below Ggx::least_alpha.
 
-    Scattered evaluate(Vec3 out, Vec3 in) const;
-    bool sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const;
+    BsdfValue evaluate(Vec3 out, Vec3 in) const;
+    bool sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const;
     Color albedo() const;
     bool is_specular() const { return false; }
     bool transmits() const { return false; }

@@ -23,7 +23,7 @@ float integrated_sheen(float cosine) {
     float sum = 0;
     for (int i = 0; i < steps; ++i)
         for (int j = 0; j < steps; ++j) {
-            const Pair numbers{(static_cast<float>(i) + 0.5f) / steps, (static_cast<float>(j) + 0.5f) / steps};
+            const Point2f numbers{(static_cast<float>(i) + 0.5f) / steps, (static_cast<float>(j) + 0.5f) / steps};
             const Vec3 in = warp::cosine_hemisphere(numbers);
             sum += schlick_share(dot(in, normalized(out + in)));
         }
@@ -115,7 +115,7 @@ Dielectric glass_of(const Principled &p) {
 }
 
 // One side of it, above which both directions lie.
-Scattered reflection(const Principled &p, const Mixture &mixture, Vec3 o, Vec3 i) {
+BsdfValue reflection(const Principled &p, const Mixture &mixture, Vec3 o, Vec3 i) {
     const Layers in(p, mixture.body_r0, mixture.body_r90, i.z);
     const Vec3 half = normalized(o + i);
     const float half_cosine = std::min(dot(o, half), 1.0f);
@@ -124,8 +124,8 @@ Scattered reflection(const Principled &p, const Mixture &mixture, Vec3 o, Vec3 i
     const Ggx facets(facet_alpha(p.roughness));
     const Color reflectance = mixture.r0 * (1 - share) + Color{1, 1, 1} * (mixture.r90 * share);
     Color value = reflectance * facets.reflection(o, i, half) + mixture.metal.value(i.z) * p.metallic;
-    float density = mixture.facet_choice * facets.reflection_density(o, half) +
-                    mixture.diffuse_choice * warp::cosine_hemisphere_density(i.z);
+    float pdf = mixture.facet_choice * facets.reflection_pdf(o, half) +
+                mixture.diffuse_choice * warp::cosine_hemisphere_pdf(i.z);
 
     if (mixture.body > 0) {
         const float enters = mixture.body * (1 - mixture.out.gloss) * (1 - in.gloss) * mixture.entering;
@@ -141,34 +141,34 @@ Scattered reflection(const Principled &p, const Mixture &mixture, Vec3 o, Vec3 i
         const Ggx coat(facet_alpha(p.coat_roughness));
         const float coat_value = p.clearcoat * (coat_r0 * (1 - share) + share) * coat.reflection(o, i, half);
         value += Color{coat_value, coat_value, coat_value};
-        density += mixture.coat_choice * coat.reflection_density(o, half);
+        pdf += mixture.coat_choice * coat.reflection_pdf(o, half);
     }
-    return {value, density};
+    return {value, pdf};
 }
 
-Scattered evaluated(const Principled &p, const Mixture &mixture, Vec3 out, Vec3 in) {
+BsdfValue evaluated(const Principled &p, const Mixture &mixture, Vec3 out, Vec3 in) {
     const float side = std::copysign(1.0f, out.z);
-    Scattered found{};
+    BsdfValue found{};
     if (out.z * in.z > 0)
         found = reflection(p, mixture, on_side(out, side), on_side(in, side));
     if (mixture.glass > 0) {
-        const Scattered through = glass_of(p).evaluate(out, in);
+        const BsdfValue through = glass_of(p).evaluate(out, in);
         const Layers at_in(p, mixture.body_r0, mixture.body_r90, std::fabs(in.z));
         found.value += through.value * (mixture.glass * (1 - mixture.out.coat) * (1 - at_in.coat));
-        found.density += mixture.glass_choice * through.density;
+        found.pdf += mixture.glass_choice * through.pdf;
     }
     return found;
 }
 
 } // namespace
 
-Scattered Principled::evaluate(Vec3 out, Vec3 in) const {
+BsdfValue Principled::evaluate(Vec3 out, Vec3 in) const {
     if (out.z * in.z == 0)
         return {};
     return evaluated(*this, Mixture(*this, std::fabs(out.z)), out, in);
 }
 
-bool Principled::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const {
+bool Principled::sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const {
     if (out.z == 0)
         return false;
     const float side = std::copysign(1.0f, out.z);
@@ -193,10 +193,10 @@ bool Principled::sample(Vec3 out, Pair numbers, float choice, ScatteringSample &
             return false;
         in = on_side(above, side);
     }
-    const Scattered found = evaluated(*this, mixture, out, in);
-    if (!(found.density > 0))
+    const BsdfValue found = evaluated(*this, mixture, out, in);
+    if (!(found.pdf > 0))
         return false;
-    result = {in, found.value * (std::fabs(in.z) / found.density), found.density, false};
+    result = {in, found.value * (std::fabs(in.z) / found.pdf), found.pdf, false};
     return true;
 }
 

@@ -24,8 +24,8 @@ struct Principled {
     float transmission = 0;   ///< The share of glass in what is no metal.
     float ior = 1.5f;         ///< Of the glass inside over outside, 1.1 to 3.
 
-    Scattered evaluate(Vec3 out, Vec3 in) const;
-    bool sample(Vec3 out, Pair numbers, float choice, ScatteringSample &result) const;
+    BsdfValue evaluate(Vec3 out, Vec3 in) const;
+    bool sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const;
     Color albedo() const { return base_color; }
     bool is_specular() const { return false; }
     bool transmits() const { return metallic < 1 && transmission > 0; }

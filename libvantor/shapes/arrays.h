@@ -2,7 +2,7 @@
 #pragma once
 
 #include "libvantor/base/numbers.h"
-#include "libvantor/words/reader.h"
+#include "libvantor/parameters/reader.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 // Canonical: the spaces in which formulas describe round shapes, and rays in them.
 #pragma once
 
+#include "libvantor/parameters/reader.h"
 #include "libvantor/shapes/surface_parameters.h"
-#include "libvantor/words/reader.h"
 
 #include <array>
 #include <concepts>

@@ -75,7 +75,7 @@ double support(const Cone &cone, Double3 along) {
     return std::max(cone.base * across, along.y + cone.tip * across);
 }
 
-SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Pair, Vec3 point) {
+SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Point2f, Vec3 point) {
     const Double3 p = cone.map.point_back(Double3(point));
     double v = p.y;
     Double3 along_v = away_from_axis(p) * (cone.tip - cone.base) + Double3{0, 1, 0};

@@ -30,6 +30,6 @@ Crossings crossings(const Cone &cone, const CanonicalRay &ray);
 double support(const Cone &cone, Double3 along);
 
 /// u runs once around the axis; v from 0 at the base to 1 at the tip, and on caps from 0 at the rim to 1 at the centre.
-SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Pair, Vec3 point);
+SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Point2f, Vec3 point);
 
 } // namespace vantor

@@ -83,29 +83,29 @@ class Maker {
         const auto fraction = [&](std::size_t i) { return static_cast<float>(i) / static_cast<float>(segments); };
         for (std::size_t segment = 0; segment < segments; ++segment) {
             const std::size_t first = segment * static_cast<std::size_t>(spline.step);
-            std::array<VtVector3, 4> places;
+            std::array<VtVector3, 4> positions;
             std::array<double, 4> widths{};
             for (std::size_t i = 0; i < 4; ++i) {
-                places[i] = points[first + i];
+                positions[i] = points[first + i];
                 widths[i] = radii[first + i];
             }
-            add_segment(spline.bezier(places), spline.bezier(widths), {fraction(segment), fraction(segment + 1)});
+            add_segment(spline.bezier(positions), spline.bezier(widths), {fraction(segment), fraction(segment + 1)});
         }
     }
 
     std::size_t unusable = 0; // segments that were left out
 
   private:
-    void add_segment(const std::array<VtVector3, 4> &places, const std::array<double, 4> &widths,
+    void add_segment(const std::array<VtVector3, 4> &positions, const std::array<double, 4> &widths,
                      Curves::Stretch stretch) {
         std::array<Curves::ControlPoint, 4> points;
         bool is_good = true;
         bool has_length = false;
         float widest = 0;
         for (std::size_t i = 0; i < 4; ++i) {
-            points[i] = {to_float(places[i]), std::max(0.0f, static_cast<float>(widths[i]))};
-            is_good &= is_usable(points[i].place) && points[i].radius <= largest_reach;
-            has_length |= largest_coordinate(points[i].place - points[0].place) > 0;
+            points[i] = {to_float(positions[i]), std::max(0.0f, static_cast<float>(widths[i]))};
+            is_good &= is_usable(points[i].position) && points[i].radius <= largest_reach;
+            has_length |= largest_coordinate(points[i].position - points[0].position) > 0;
             widest = std::max(widest, points[i].radius);
         }
         if (!is_good || !has_length || !(widest > 0)) {
@@ -164,17 +164,17 @@ std::optional<Curves> make_curves(const Parameters &parameters, const CallReport
 float reach_of(const Curves &curves) {
     float reach = 0;
     for (const Curves::ControlPoint &p : curves.points)
-        reach = std::max(reach, largest_coordinate(p.place) + p.radius);
+        reach = std::max(reach, largest_coordinate(p.position) + p.radius);
     return reach;
 }
 
-SurfaceParameters parameters_at(const Curves &curves, std::uint32_t segment, Pair on_segment, Vec3) {
+SurfaceParameters parameters_at(const Curves &curves, std::uint32_t segment, Point2f on_segment, Vec3) {
     const auto [from, to] = curves.stretches[segment];
     const Curves::ControlPoint *p = &curves.points[curves.firsts[segment]];
     // The derivative of a Bezier curve: three times the quadratic one over the differences of its points.
     const float t = on_segment.u, s = 1 - t;
-    const Vec3 slope = 3 * ((p[1].place - p[0].place) * (s * s) + (p[2].place - p[1].place) * (2 * s * t) +
-                            (p[3].place - p[2].place) * (t * t));
+    const Vec3 slope = 3 * ((p[1].position - p[0].position) * (s * s) + (p[2].position - p[1].position) * (2 * s * t) +
+                            (p[3].position - p[2].position) * (t * t));
     return {{from + (to - from) * t, 0.5f * (1 + on_segment.v)}, slope * (1 / (to - from))};
 }
 

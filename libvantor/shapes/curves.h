@@ -15,7 +15,7 @@ namespace vantor {
 struct Curves {
     /// A place, and the radius there.
     struct ControlPoint {
-        Vec3 place;
+        Vec3 position;
         float radius;
     };
 
@@ -39,6 +39,6 @@ inline std::size_t primitives_of(const Curves &curves) { return curves.firsts.si
 
 /// u runs from 0 to 1 along the whole curve; v from 0 to 1 across a ribbon, and is 1/2 on a tube. Embree has -1 to 1
 /// across a ribbon, and 0 on a tube.
-SurfaceParameters parameters_at(const Curves &curves, std::uint32_t segment, Pair on_segment, Vec3 point);
+SurfaceParameters parameters_at(const Curves &curves, std::uint32_t segment, Point2f on_segment, Vec3 point);
 
 } // namespace vantor

@@ -29,7 +29,7 @@ Crossings crossings(const Disk &disk, const CanonicalRay &ray) {
 
 double support(const Disk &, Double3 along) { return std::hypot(along.x, along.z); }
 
-SurfaceParameters parameters_at(const Disk &disk, std::uint32_t, Pair, Vec3 point) {
+SurfaceParameters parameters_at(const Disk &disk, std::uint32_t, Point2f, Vec3 point) {
     const Double3 p = disk.map.point_back(Double3(point));
     return {{turn_of(p), static_cast<float>(1 - std::hypot(p.x, p.z))},
             to_float(disk.map.direction(along_turn(p))),

@@ -22,6 +22,6 @@ Crossings crossings(const Disk &disk, const CanonicalRay &ray);
 double support(const Disk &disk, Double3 along);
 
 /// u runs once around the normal; v from 0 at the rim to 1 at the centre, which a hole leaves out.
-SurfaceParameters parameters_at(const Disk &disk, std::uint32_t, Pair, Vec3 point);
+SurfaceParameters parameters_at(const Disk &disk, std::uint32_t, Point2f, Vec3 point);
 
 } // namespace vantor

@@ -159,14 +159,14 @@ bool is_whole_mesh(const Parameters &parameters, const CallReport &report) {
 
 } // namespace
 
-std::vector<Pair> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report) {
+std::vector<Point2f> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report) {
     const VtInstanceArray<VtVector2> &given = parameters.vector2_array("uvs");
     if (!has_for_each_point(points, "uvs", given.Size(), parameters, report))
         return {};
-    std::vector<Pair> uvs = copied(given, [](const VtVector2 &v) -> Pair {
+    std::vector<Point2f> uvs = copied(given, [](const VtVector2 &v) -> Point2f {
         return {static_cast<float>(v[0]), static_cast<float>(v[1])};
     });
-    const auto is_usable_pair = [](Pair p) {
+    const auto is_usable_pair = [](Point2f p) {
         return std::fabs(p.u) <= largest_reach && std::fabs(p.v) <= largest_reach;
     };
     if (std::ranges::all_of(uvs, is_usable_pair))
@@ -212,7 +212,7 @@ float reach_of(const TriangleMesh &mesh) {
     return reach;
 }
 
-SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle, Pair weights, Vec3) {
+SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle, Point2f weights, Vec3) {
     const TriangleMesh::Triangle &t = mesh.triangles[triangle];
     const Vec3 edge1 = mesh.points[t[1]] - mesh.points[t[0]];
     const Vec3 edge2 = mesh.points[t[2]] - mesh.points[t[0]];

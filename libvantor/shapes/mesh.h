@@ -18,7 +18,7 @@ struct TriangleMesh {
     std::vector<Vec3> points;
     std::vector<Triangle> triangles;
     std::vector<Vec3> normals; ///< One for each point, or none at all.
-    std::vector<Pair> uvs;     ///< One for each point, or none at all.
+    std::vector<Point2f> uvs;  ///< One for each point, or none at all.
     std::vector<Color> colors; ///< One for each point, or none at all.
 };
 
@@ -26,13 +26,13 @@ struct TriangleMesh {
 std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallReport &report);
 
 /// The parameter "uvs", one for each of so many points; nothing, after a diagnostic, if it cannot be used.
-std::vector<Pair> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report);
+std::vector<Point2f> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report);
 
 float reach_of(const TriangleMesh &mesh);
 inline bool has_colors(const TriangleMesh &mesh) { return !mesh.colors.empty(); }
 inline std::size_t primitives_of(const TriangleMesh &mesh) { return mesh.triangles.size(); }
 
 /// The triangle's second and third corner weigh u and v. Without uvs these are its (u, v), too.
-SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle, Pair weights, Vec3 point);
+SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle, Point2f weights, Vec3 point);
 
 } // namespace vantor

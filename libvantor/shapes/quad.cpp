@@ -84,7 +84,7 @@ float reach_of(const Quads &quads) {
     return reach;
 }
 
-SurfaceParameters parameters_at(const Quads &quads, std::uint32_t quad, Pair, Vec3 point) {
+SurfaceParameters parameters_at(const Quads &quads, std::uint32_t quad, Point2f, Vec3 point) {
     const Quads::Corners &c = quads.corners[quad];
     const Vec3 edge_u = c[1] - c[0];
     const Vec3 edge_v = c[3] - c[0];

@@ -25,6 +25,6 @@ float reach_of(const Quads &quads);
 inline std::size_t primitives_of(const Quads &quads) { return quads.corners.size(); }
 
 /// u and v run from 0 to 1 along the edges from the first corner.
-SurfaceParameters parameters_at(const Quads &quads, std::uint32_t quad, Pair, Vec3 point);
+SurfaceParameters parameters_at(const Quads &quads, std::uint32_t quad, Point2f, Vec3 point);
 
 } // namespace vantor

@@ -1,7 +1,7 @@
 // Shape: what can be placed, in its own space.
 #include "libvantor/shapes/shape.h"
 
-#include "libvantor/shapes/patches.h"
+#include "libvantor/shapes/bicubic_patches.h"
 #include "libvantor/shapes/subdivision.h"
 
 namespace vantor {
@@ -58,7 +58,7 @@ bool has_colors(const Shape &shape) {
     return mesh && has_colors(*mesh);
 }
 
-SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Pair on_primitive, Vec3 point) {
+SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Point2f on_primitive, Vec3 point) {
     return std::visit([&](const auto &kind) { return parameters_at(kind, primitive, on_primitive, point); }, shape);
 }
 

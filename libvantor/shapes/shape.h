@@ -25,6 +25,6 @@ std::size_t primitives_of(const Shape &shape);
 bool has_colors(const Shape &shape);
 
 /// At a point of the shape's surface: of that primitive, with Embree's coordinates on it.
-SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Pair on_primitive, Vec3 point);
+SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Point2f on_primitive, Vec3 point);
 
 } // namespace vantor

@@ -19,7 +19,7 @@ inline float reach_of(const Sphere &sphere) { return largest_coordinate(sphere.c
 constexpr std::size_t primitives_of(const Sphere &) { return 1; }
 
 /// u runs once around the Y axis, from 0 at +Z by +X; v from 0 at the lower pole to 1 at the upper.
-inline SurfaceParameters parameters_at(const Sphere &sphere, std::uint32_t, Pair, Vec3 point) {
+inline SurfaceParameters parameters_at(const Sphere &sphere, std::uint32_t, Point2f, Vec3 point) {
     const Vec3 from_center = point - sphere.center;
     const float around = std::atan2(from_center.x, from_center.z);
     const float height = std::clamp(from_center.y / sphere.radius, -1.0f, 1.0f);

@@ -1,7 +1,7 @@
 // Spline: families of cubic curves, each by its basis matrix and its step.
 #pragma once
 
-#include "libvantor/words/reader.h"
+#include "libvantor/parameters/reader.h"
 #include "renderer/vt_bases.h"
 
 #include <array>

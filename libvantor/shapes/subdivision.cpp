@@ -46,7 +46,7 @@ class Reader {
         if (parameters.choice("boundary") == "sharp")
             sharpen_border(polygons);
         if (parameters.is_given("uvs"))
-            for (const Pair &uv : read_uvs(t.vertices, parameters, report))
+            for (const Point2f &uv : read_uvs(t.vertices, parameters, report))
                 polygons.uvs.push_back({uv.u, uv.v, 0});
         return polygons;
     }

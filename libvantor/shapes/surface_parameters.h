@@ -8,7 +8,7 @@
 namespace vantor {
 
 struct SurfaceParameters {
-    Pair uv;              ///< Texture coordinates, v upwards.
+    Point2f uv;           ///< Texture coordinates, v upwards.
     Vec3 along_u;         ///< How the point moves with u, in the object's space; may be zero.
     Color color{1, 1, 1}; ///< Its own colour, where a mesh has colours.
     Vec3 along_v = {};    ///< How the point moves with v; zero where the shape does not tell.

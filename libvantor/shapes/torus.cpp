@@ -147,7 +147,7 @@ double support(const Torus &torus, Double3 along) {
     return std::hypot(along.x, along.z) + torus.tube * std::sqrt(dot(along, along));
 }
 
-SurfaceParameters parameters_at(const Torus &torus, std::uint32_t, Pair, Vec3 point) {
+SurfaceParameters parameters_at(const Torus &torus, std::uint32_t, Point2f, Vec3 point) {
     const Double3 p = torus.map.point_back(Double3(point));
     const auto around_tube = static_cast<float>(std::atan2(p.y, std::hypot(p.x, p.z) - 1)) * (0.5f * inverse_pi);
     const Double3 along_tube = away_from_axis(p) * -p.y + Double3{0, std::hypot(p.x, p.z) - 1, 0};

@@ -22,6 +22,6 @@ Crossings crossings(const Torus &torus, const CanonicalRay &ray);
 double support(const Torus &torus, Double3 along);
 
 /// u runs once around the axis; v once around the tube, from 0 on the outer side by the side that the axis points to.
-SurfaceParameters parameters_at(const Torus &torus, std::uint32_t, Pair, Vec3 point);
+SurfaceParameters parameters_at(const Torus &torus, std::uint32_t, Point2f, Vec3 point);
 
 } // namespace vantor

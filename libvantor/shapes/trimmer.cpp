@@ -109,7 +109,7 @@ std::optional<Trimmer> make_box_trimmer(const Parameters &parameters, const Call
 CurveTrimmer::CurveTrimmer(std::span<const VtVector2> corners, bool keeps_the_inside) : keeps_inside(keeps_the_inside) {
     std::vector<Piece> all;
     all.reserve(corners.size());
-    const auto pair_of = [](const VtVector2 &p) { return Pair{static_cast<float>(p[0]), static_cast<float>(p[1])}; };
+    const auto pair_of = [](const VtVector2 &p) { return Point2f{static_cast<float>(p[0]), static_cast<float>(p[1])}; };
     low_v = high_v = pair_of(corners[0]).v;
     for (std::size_t i = 0; i < corners.size(); ++i) {
         all.push_back({pair_of(corners[i]), pair_of(corners[(i + 1) % corners.size()])});
@@ -139,7 +139,7 @@ std::size_t CurveTrimmer::row_of(float v) const {
 }
 
 // Shimrat, "Algorithm 112: Position of point relative to polygon", 1962.
-bool CurveTrimmer::contains(Pair uv) const {
+bool CurveTrimmer::contains(Point2f uv) const {
     if (!(uv.v >= low_v && uv.v <= high_v))
         return false;
     const std::size_t row = row_of(uv.v);
@@ -165,7 +165,7 @@ std::optional<Trimmer> make_trimmer(const Type &type, const Parameters &paramete
     return PlaneTrimmer{to_float(parameters.vector("point")), to_float(normal)};
 }
 
-bool keeps(const Trimmer &trimmer, Pair uv, Vec3 point) {
+bool keeps(const Trimmer &trimmer, Point2f uv, Vec3 point) {
     return std::visit([&](const auto &kind) { return kind.keeps(uv, point); }, trimmer);
 }
 

@@ -17,16 +17,16 @@ class CurveTrimmer {
     /// There are three corners or more.
     CurveTrimmer(std::span<const VtVector2> corners, bool keeps_the_inside);
 
-    bool keeps(Pair uv, Vec3) const { return contains(uv) == keeps_inside; }
+    bool keeps(Point2f uv, Vec3) const { return contains(uv) == keeps_inside; }
 
   private:
     struct Piece {
-        Pair from;
-        Pair to;
+        Point2f from;
+        Point2f to;
     };
 
     // Whether a line from there towards greater u crosses the curve an odd number of times.
-    bool contains(Pair uv) const;
+    bool contains(Point2f uv) const;
 
     std::size_t row_of(float v) const;
 
@@ -43,7 +43,7 @@ struct PlaneTrimmer {
     Vec3 point;
     Vec3 normal;
 
-    bool keeps(Pair, Vec3 p) const { return dot(p - point, normal) <= 0; }
+    bool keeps(Point2f, Vec3 p) const { return dot(p - point, normal) <= 0; }
 };
 
 struct BoxTrimmer {
@@ -51,7 +51,7 @@ struct BoxTrimmer {
     Vec3 high;
     bool keeps_inside;
 
-    bool keeps(Pair, Vec3 p) const {
+    bool keeps(Point2f, Vec3 p) const {
         const bool is_inside =
             p.x >= low.x && p.x <= high.x && p.y >= low.y && p.y <= high.y && p.z >= low.z && p.z <= high.z;
         return is_inside == keeps_inside;
@@ -65,6 +65,6 @@ using Trimmer = std::variant<CurveTrimmer, PlaneTrimmer, BoxTrimmer>;
 std::optional<Trimmer> make_trimmer(const Type &type, const Parameters &parameters, const CallReport &report);
 
 /// Whether the point of a surface stays.
-bool keeps(const Trimmer &trimmer, Pair uv, Vec3 point);
+bool keeps(const Trimmer &trimmer, Point2f uv, Vec3 point);
 
 } // namespace vantor

@@ -13,7 +13,7 @@ MediumStack media_at(Vec3 point, const Tracer &tracer, std::span<const Placement
     Ray ray{point, direction};
     for (int i = 0; i < most_crossings; ++i) {
         Hit hit;
-        tracer.nearest({&ray, 1}, false, {&hit, 1});
+        tracer.intersect({&ray, 1}, false, {&hit, 1});
         if (!hit.exists)
             break;
         const int interior = placements[hit.placement].interior;

@@ -1,8 +1,8 @@
 // Media: in which bodies a point lies.
 #pragma once
 
-#include "libvantor/entities/registry.h"
-#include "libvantor/geometry/tracer.h"
+#include "libvantor/description/registry.h"
+#include "libvantor/embree/tracer.h"
 
 namespace vantor {
 

@@ -1,7 +1,7 @@
 // Surface: what a path meets at a hit.
 #include "libvantor/world/surface.h"
 
-#include "libvantor/world/relief.h"
+#include "libvantor/world/bump_mapping.h"
 
 namespace vantor {
 
@@ -15,7 +15,7 @@ Color fraction(Color color) { return {fraction(color.r), fraction(color.g), frac
 constexpr float pixel_angle = 1e-3f;
 
 // How far u and v reach of a length in the object's space.
-Pair footprint_of(float length_seen, const SurfaceParameters &parameters) {
+Point2f footprint_of(float length_seen, const SurfaceParameters &parameters) {
     const float in_u = length(parameters.along_u);
     const float in_v = length(parameters.along_v);
     return {in_u > 0 ? length_seen / in_u : 0.0f, in_v > 0 ? length_seen / in_v : 0.0f};
@@ -34,7 +34,7 @@ struct HitInObject {
         const Shape &shape = world.placements[hit.placement].object->shape;
         parameters = parameters_at(shape, hit.primitive, hit.on_primitive, point);
         const bool has_uv = std::isfinite(parameters.uv.u + parameters.uv.v);
-        at = {has_uv ? parameters.uv : Pair(), point, footprint_of(pixel_angle * hit.distance / scale, parameters)};
+        at = {has_uv ? parameters.uv : Point2f(), point, footprint_of(pixel_angle * hit.distance / scale, parameters)};
     }
 };
 
@@ -70,13 +70,13 @@ void Surface::vary(const Hit &hit, const World &world) {
     if (is_bent) {
         // About half of what a pixel sees, and beyond rounding.
         const float step = (0.5f * pixel_angle * hit.distance + hit.clearance) / in_object.scale;
-        const ReliefPoint relief{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
+        const BumpPoint relief{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
         frame = Frame(bent_normal(relief, variation, hit.shading_normal));
     }
     if (!is_other)
         return;
-    varied = *scattering;
-    scattering = &*varied;
+    varied = *bsdf;
+    bsdf = &*varied;
     if (variation.color)
         set_color(*varied, fraction(vantor::evaluate(*variation.color, at)));
     if (placement.object->has_colors)

@@ -1,7 +1,7 @@
 // Surface: what a path meets at a hit.
 #pragma once
 
-#include "libvantor/geometry/hit.h"
+#include "libvantor/embree/hit.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {
@@ -16,7 +16,7 @@ class Surface {
   public:
     Surface(const Hit &hit, Vec3 arriving, const World &world)
         : frame(hit.shading_normal), is_front(is_at_front(hit, arriving)), geometric_normal(hit.geometric_normal),
-          scattering(&world.placements[hit.placement].material->scattering) {
+          bsdf(&world.placements[hit.placement].material->bsdf) {
         if (world.placements[hit.placement].varies())
             vary(hit, world);
         out = side_of(frame.local_from_world(-arriving), is_front);
@@ -26,20 +26,20 @@ class Surface {
 
     bool arrives_at_front() const { return is_front; }
     Vec3 shading_normal() const { return frame.z; } ///< On the front; bent where the material has bumps.
-    bool is_specular() const { return vantor::is_specular(*scattering); }
-    bool is_diffuse() const { return std::holds_alternative<Diffuse>(*scattering); }
+    bool is_specular() const { return vantor::is_specular(*bsdf); }
+    bool is_diffuse() const { return std::holds_alternative<Diffuse>(*bsdf); }
 
     /// As opacity_at().
     float opacity() const { return opaque_share; }
 
-    Color albedo() const { return vantor::albedo(*scattering); }
+    Color albedo() const { return vantor::albedo(*bsdf); }
 
     /// How much of the light from that direction goes back along the path, with the cosine of its direction.
-    Scattered evaluate(Vec3 to_light) const {
+    BsdfValue evaluate(Vec3 to_light) const {
         const Vec3 in = frame.local_from_world(to_light);
         if (!is_consistent(in.z, to_light))
             return {};
-        Scattered found = vantor::evaluate(*scattering, out, in);
+        BsdfValue found = vantor::evaluate(*bsdf, out, in);
         found.value = found.value * std::fabs(in.z);
         return found;
     }
@@ -48,8 +48,8 @@ class Surface {
     bool is_crossed(Vec3 direction) const { return (dot(geometric_normal, direction) > 0) != is_front; }
 
     /// A direction to go on, in world space; false if there is none.
-    bool sample(Pair numbers, float choice, ScatteringSample &result) const {
-        if (!vantor::sample(*scattering, out, numbers, choice, result))
+    bool sample(Point2f numbers, float choice, BsdfSample &result) const {
+        if (!vantor::sample(*bsdf, out, numbers, choice, result))
             return false;
         const float z = result.in.z;
         result.in = frame.world_from_local(result.in);
@@ -75,8 +75,8 @@ class Surface {
     bool is_front;
     Vec3 out;
     Vec3 geometric_normal;
-    const Scattering *scattering;
-    std::optional<Scattering> varied; // what it points to where the material has a variation
+    const Bsdf *bsdf;
+    std::optional<Bsdf> varied; // what it points to where the material has a variation
     float opaque_share = 1;
 };
 

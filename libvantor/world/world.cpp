@@ -21,7 +21,7 @@ std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt
     }
     // The stack of a camera without media around is empty, which saves the search.
     const Camera camera = registry.camera() ? *registry.camera() : Camera(PanoramaCamera{});
-    const MediumStack camera_media = has_media ? media_at(camera.place(), *tracer, placements) : MediumStack();
+    const MediumStack camera_media = has_media ? media_at(camera.position(), *tracer, placements) : MediumStack();
     return World{camera,          std::move(*tracer), std::move(lights), placements,          registry.media(),
                  std::move(maps), has_media,          is_opaque,         registry.settings(), camera_media};
 }

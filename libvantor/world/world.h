@@ -2,8 +2,8 @@
 #pragma once
 
 #include "libvantor/base/interrupt.h"
-#include "libvantor/geometry/tracer.h"
-#include "libvantor/world/light_set.h"
+#include "libvantor/embree/tracer.h"
+#include "libvantor/lights/light_set.h"
 #include "libvantor/world/media.h"
 
 namespace vantor {
@@ -16,7 +16,7 @@ struct World {
     LightSet lights;
     std::span<const Placement> placements;
     std::span<const Medium> media; ///< What MediumStack has indexes of.
-    std::vector<Affine> maps;      ///< Of the placements, but for their places; empty if no surface varies.
+    std::vector<Affine> maps;      ///< Of the placements, but for their instances; empty if no surface varies.
     bool has_media;
     bool is_opaque; ///< No surface lets light pass straight through.
     Settings settings;
@@ -27,7 +27,7 @@ struct World {
     /// How an object stands of which a ray has hit a surface that varies.
     Affine map_at(const Hit &hit) const {
         const Placement &placement = placements[hit.placement];
-        return placement.places ? placement.map(hit.place) : maps[hit.placement];
+        return placement.instances ? placement.map(hit.instance) : maps[hit.placement];
     }
 
     /// The medium that counts where there is one.

@@ -1,5 +1,5 @@
 // Cameras: their rays against closed forms, and what lenses leave sharp.
-#include "libvantor/entities/camera.h"
+#include "libvantor/description/camera.h"
 
 #include "tests/libvantor/scripted_scene.h"
 
@@ -11,7 +11,7 @@ using scripted::List;
 using scripted::Scene;
 using vantor::Camera;
 using vantor::normalized;
-using vantor::Pair;
+using vantor::Point2f;
 using vantor::Ray;
 using vantor::Vec3;
 
@@ -49,7 +49,7 @@ const VtVector3 target(-4, 2, 3);
 TEST(Camera, PerspectiveRaysGoThroughThePicture) {
     const Camera plain = camera("perspective", identity(), "position", position, "target", target, "fov", 90.0);
     EXPECT_FALSE(plain.has_lens());
-    expect_near(plain.place(), {1, 2, 3}, 0);
+    expect_near(plain.position(), {1, 2, 3}, 0);
     expect_near(ray(plain, 0, 0).origin, {1, 2, 3}, 0);
     expect_near(ray(plain, 100, 50).direction, {-1, 0, 0});
     expect_near(ray(plain, 0, 0).direction, normalized({-1, 1, 2}));
@@ -85,14 +85,14 @@ TEST(Camera, AllRaysOfALensMeetOnTheSharpPlane) {
                                "aperture_radius", 0.25, "focus_distance", 4.0);
     EXPECT_TRUE(lens.has_lens());
     const Vec3 ahead{-1, 0, 0};
-    const Vec3 place = lens.place();
-    for (const Pair picture : {Pair{100, 50}, Pair{0, 0}, Pair{180, 70}}) {
+    const Vec3 place = lens.position();
+    for (const Point2f picture : {Point2f{100, 50}, Point2f{0, 0}, Point2f{180, 70}}) {
         // Where the pinhole's ray meets the plane at distance 4: half the picture's height is 4 there.
         const Vec3 sharp =
             place + ahead * 4 + Vec3{0, (50 - picture.v) / 50 * 4, 0} + Vec3{0, 0, (100 - picture.u) / 50 * 4};
         float widest = 0;
         for (int i = 0; i < 64; ++i) {
-            const Pair numbers{static_cast<float>(i % 8) / 8, static_cast<float>(i / 8) / 8};
+            const Point2f numbers{static_cast<float>(i % 8) / 8, static_cast<float>(i / 8) / 8};
             const Ray r = lens.ray(picture.u, picture.v, 200, 100, numbers);
             EXPECT_NEAR(length(r.direction), 1, 1e-6);
             EXPECT_NEAR(dot(r.origin - place, ahead), 0, 1e-6);
@@ -110,7 +110,7 @@ TEST(Camera, TheSharpPlaneGoesThroughTheTarget) {
     const auto meeting_depth = [](const Camera &lens) {
         // The two rays of opposite points of the lens, on the axis.
         const Ray r = lens.ray(100, 50, 200, 100, {0.5f, 0});
-        const Vec3 aside = r.origin - lens.place();
+        const Vec3 aside = r.origin - lens.position();
         return -dot(aside, aside) / dot(aside, r.direction) * -r.direction.z;
     };
     const VtVector3 below(0, 0, -7);
@@ -124,8 +124,8 @@ TEST(Camera, TheSharpPlaneGoesThroughTheTarget) {
 TEST(Camera, OrthographicRaysAreParallel) {
     const Camera flat = camera("orthographic", identity(), "position", position, "target", target, "height", 3.0);
     EXPECT_FALSE(flat.has_lens());
-    expect_near(flat.place(), {1, 2, 3}, 0);
-    for (const Pair picture : {Pair{0, 0}, Pair{200, 0}, Pair{100, 50}, Pair{50, 100}}) {
+    expect_near(flat.position(), {1, 2, 3}, 0);
+    for (const Point2f picture : {Point2f{0, 0}, Point2f{200, 0}, Point2f{100, 50}, Point2f{50, 100}}) {
         const Ray r = ray(flat, picture.u, picture.v);
         expect_near(r.direction, {-1, 0, 0});
         expect_near(r.origin, {1, 2 + 1.5f - 3 * picture.v / 100, 3 + 3 - 3 * picture.u / 100});
@@ -135,7 +135,7 @@ TEST(Camera, OrthographicRaysAreParallel) {
 TEST(Camera, PanoramaGoesRoundToTheRight) {
     const Camera round = camera("panorama", identity(), "position", position, "target", target);
     EXPECT_FALSE(round.has_lens());
-    expect_near(round.place(), {1, 2, 3}, 0);
+    expect_near(round.position(), {1, 2, 3}, 0);
     expect_near(ray(round, 100, 50).origin, {1, 2, 3}, 0);
     expect_near(ray(round, 100, 50).direction, {-1, 0, 0});
     expect_near(ray(round, 150, 50).direction, {0, 0, -1}); // a quarter turn to the right
@@ -160,9 +160,9 @@ TEST(Camera, TakesTheTransform) {
     transform[3][2] = -20;
     const vantor::Affine map = vantor::to_float(transform);
     const auto check = [&](const Camera &plain, const Camera &moved) {
-        expect_near(moved.place(), map.point(plain.place()), 1e-5f);
-        for (const Pair picture : {Pair{100, 50}, Pair{0, 0}, Pair{30, 80}, Pair{190, 10}})
-            for (const Pair lens : {Pair{0, 0}, Pair{0.5f, 0.1f}, Pair{0.9f, 0.6f}}) {
+        expect_near(moved.position(), map.point(plain.position()), 1e-5f);
+        for (const Point2f picture : {Point2f{100, 50}, Point2f{0, 0}, Point2f{30, 80}, Point2f{190, 10}})
+            for (const Point2f lens : {Point2f{0, 0}, Point2f{0.5f, 0.1f}, Point2f{0.9f, 0.6f}}) {
                 const Ray a = plain.ray(picture.u, picture.v, 200, 100, lens);
                 const Ray b = moved.ray(picture.u, picture.v, 200, 100, lens);
                 expect_near(b.origin, map.point(a.origin), 1e-5f);

@@ -1,4 +1,4 @@
-// Chi-square: whether sampled directions follow a density over the sphere.
+// Chi-square: whether sampled directions follow a pdf over the sphere.
 #pragma once
 
 #include "libvantor/base/numbers.h"
@@ -67,8 +67,8 @@ double integral(const Function &function, const Cell &cell = {}, double toleranc
 /// The sphere in cells of about the same probability.
 class Bins {
   public:
-    /// A cell is split while it holds more of the density than the limit.
-    template <class Density> Bins(const Density &density, double limit) : nodes(1) { split(density, 0, limit, 0); }
+    /// A cell is split while it holds more of the pdf than the limit.
+    template <class Density> Bins(const Density &pdf, double limit) : nodes(1) { split(pdf, 0, limit, 0); }
 
     double probability() const {
         double sum = 0;
@@ -92,7 +92,7 @@ class Bins {
         ++bins[nodes[node].bin].count;
     }
 
-    /// The probability that chance alone makes the counts differ as much from the density as they do, where `total`
+    /// The probability that chance alone makes the counts differ as much from the pdf as they do, where `total`
     /// directions were tried and those that were not counted are one more cell. Cells of which fewer than 5 are
     /// expected are taken together.
     double p_value(double total) const {
@@ -139,18 +139,18 @@ class Bins {
         std::size_t bin = 0;
     };
 
-    template <class Density> void split(const Density &density, std::size_t node, double limit, int depth) {
+    template <class Density> void split(const Density &pdf, std::size_t node, double limit, int depth) {
         constexpr int shallowest = 3;
         constexpr int deepest = 9;
         const Cell cell = nodes[node].cell;
-        const double probability = depth < shallowest ? 1 : integral(density, cell, 1e-4, 4);
+        const double probability = depth < shallowest ? 1 : integral(pdf, cell, 1e-4, 4);
         if (probability > limit && depth < deepest) {
             const std::size_t first = nodes.size();
             nodes[node].first_child = first;
             for (const Cell &quarter : cell.quarters())
                 nodes.push_back({quarter});
             for (std::size_t i = 0; i < 4; ++i)
-                split(density, first + i, limit, depth + 1);
+                split(pdf, first + i, limit, depth + 1);
             return;
         }
         nodes[node].bin = bins.size();

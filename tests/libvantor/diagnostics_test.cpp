@@ -457,10 +457,10 @@ TEST(Diagnostics, TooSmall) {
                                  "from 1e-8 up are possible); it is left out\n";
     EXPECT_EQ(errors_of([&] { scene.AddObject(scene.object("sphere")); }), expected);
     scene.TransformEnd();
-    VtInstanceArray<VtTransform> places;
-    places.Add(small);
+    VtInstanceArray<VtTransform> instances;
+    instances.Add(small);
     EXPECT_EQ(errors_of([&] {
-                  scene.AddObject(scene.object("instances", "object", scene.object("sphere"), "places", places));
+                  scene.AddObject(scene.object("instances", "object", scene.object("sphere"), "places", instances));
               }),
               expected);
 }

@@ -131,7 +131,7 @@ TEST(DirectLight, LightsAtTheOriginDoNotHideThemselves) {
 }
 
 TEST(DirectLight, TinyLightsFarAwayShine) {
-    // The densities of their directions are so large that their squares are beyond floats.
+    // The pdfs of their directions are so large that their squares are beyond floats.
     const auto lit_by = [](auto add) {
         Scene scene;
         add_floor(scene);

@@ -1,5 +1,5 @@
 // The distribution of a grid: where its points fall, against the weights.
-#include "libvantor/world/distribution.h"
+#include "libvantor/lights/distribution.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -7,9 +7,9 @@
 namespace {
 
 using vantor::Distribution;
-using vantor::Pair;
+using vantor::Point2f;
 
-Pair numbers(std::mt19937 &random) {
+Point2f numbers(std::mt19937 &random) {
     const auto number = [&] { return vantor::sobol::unit_float(static_cast<std::uint32_t>(random())); };
     const float u = number();
     return {u, number()};

@@ -1,7 +1,7 @@
 // A small picture with every type of the vocabulary, and whether it is as bright as it was, where it was.
 #include "tests/libvantor/scripted_scene.h"
 
-#include "libvantor/words/vocabulary.h"
+#include "libvantor/parameters/vocabulary.h"
 #include "renderer/vt_bases.h"
 
 #include <algorithm>
@@ -129,13 +129,13 @@ void curves(Scene &scene) {
 void instances(Scene &scene) {
     look(scene);
     floor_and_light(scene);
-    VtInstanceArray<VtTransform> places;
+    VtInstanceArray<VtTransform> instances;
     for (int i = 0; i < 3; ++i) {
         VtTransform place;
         place.Translation({i - 1.0, 0.4, 0.5 * i});
-        places.Add(place);
+        instances.Add(place);
     }
-    add(scene, "instances", "object", scene.object("sphere", "radius", 0.4), "places", places);
+    add(scene, "instances", "object", scene.object("sphere", "radius", 0.4), "places", instances);
 }
 
 template <class... Values> void trimmed(Scene &scene, const char *type, const Values &...values) {

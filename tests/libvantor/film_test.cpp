@@ -1,25 +1,25 @@
 // The film: from samples to a pixel; and the filters under which samples are spread.
-#include "libvantor/passes/film.h"
+#include "libvantor/film/film.h"
 
 #include "libvantor/base/warp.h"
-#include "libvantor/passes/filter.h"
+#include "libvantor/film/filter.h"
 
 #include <gtest/gtest.h>
 #include <limits>
 
 namespace {
 
+using vantor::Aov;
 using vantor::Color;
 using vantor::Filter;
 using vantor::FilterSampler;
 using vantor::PixelFilm;
-using vantor::What;
 
 TEST(Film, MeanOfManyEqualSamplesIsTheirValue) {
     PixelFilm film;
     for (int i = 0; i < 1 << 20; ++i)
         film.add({0.1f, 0.7f, 1000.1f});
-    const Color mean = film.value(What::Color);
+    const Color mean = film.value(Aov::Color);
     EXPECT_FLOAT_EQ(mean.r, 0.1f);
     EXPECT_FLOAT_EQ(mean.g, 0.7f);
     EXPECT_FLOAT_EQ(mean.b, 1000.1f);
@@ -29,7 +29,7 @@ TEST(Film, LargeSamplesDoNotOverflowTheirSum) {
     PixelFilm film;
     for (int i = 0; i < 4; ++i)
         film.add({3e38f, 0, 0});
-    EXPECT_FLOAT_EQ(film.value(What::Color).r, 3e38f);
+    EXPECT_FLOAT_EQ(film.value(Aov::Color).r, 3e38f);
 }
 
 TEST(Film, SampleThatIsNotFiniteCountsAsBlack) {
@@ -38,7 +38,7 @@ TEST(Film, SampleThatIsNotFiniteCountsAsBlack) {
     film.add({1, std::numeric_limits<float>::quiet_NaN(), 1});
     film.add({std::numeric_limits<float>::infinity(), 1, 1});
     film.add({3, 2, 1});
-    const Color mean = film.value(What::Color);
+    const Color mean = film.value(Aov::Color);
     EXPECT_EQ(mean.r, 1);
     EXPECT_EQ(mean.g, 1);
     EXPECT_EQ(mean.b, 1);
@@ -47,44 +47,44 @@ TEST(Film, SampleThatIsNotFiniteCountsAsBlack) {
 TEST(Film, VarianceIsThatOfTheMean) {
     PixelFilm film;
     film.add({1, 5, 7});
-    EXPECT_EQ(film.value(What::Variance).r, 0); // nothing is known yet
+    EXPECT_EQ(film.value(Aov::Variance).r, 0); // nothing is known yet
     film.add({2, 5, 7});
     film.add({6, 5, 7});
     // Around the mean 3: (4 + 1 + 9) / 2 = 7 is the variance of a sample, a third of it that of the mean.
-    EXPECT_FLOAT_EQ(film.value(What::Variance).r, 7.0f / 3);
-    EXPECT_EQ(film.value(What::Variance).g, 0);
-    EXPECT_EQ(film.value(What::Variance).b, 0);
+    EXPECT_FLOAT_EQ(film.value(Aov::Variance).r, 7.0f / 3);
+    EXPECT_EQ(film.value(Aov::Variance).g, 0);
+    EXPECT_EQ(film.value(Aov::Variance).b, 0);
 }
 
 TEST(Film, FeaturesAreMeansOverWhatIsHit) {
     PixelFilm film;
     film.add({});
-    film.add_features({{}, true, {0.5f, 0.25f, 1}, {0, 0, 1}, {1, 2, 3}, 10, 7});
+    film.add_aovs({{}, true, {0.5f, 0.25f, 1}, {0, 0, 1}, {1, 2, 3}, 10, 7});
     film.add({});
-    film.add_features({{}, true, {0.5f, 0.75f, 0}, {1, 0, 0}, {3, 2, 1}, 20, 8});
+    film.add_aovs({{}, true, {0.5f, 0.75f, 0}, {1, 0, 0}, {3, 2, 1}, 20, 8});
     for (int i = 0; i < 2; ++i) {
         film.add({});
-        film.add_features({});
+        film.add_aovs({});
     }
-    const Color albedo = film.value(What::Albedo);
+    const Color albedo = film.value(Aov::Albedo);
     EXPECT_FLOAT_EQ(albedo.r, 0.25f);
     EXPECT_FLOAT_EQ(albedo.g, 0.25f);
     EXPECT_FLOAT_EQ(albedo.b, 0.25f);
-    EXPECT_FLOAT_EQ(film.value(What::Normal).r, std::sqrt(0.5f));
-    EXPECT_FLOAT_EQ(film.value(What::Normal).b, std::sqrt(0.5f));
-    EXPECT_FLOAT_EQ(film.value(What::Position).r, 2);
-    EXPECT_FLOAT_EQ(film.value(What::Depth).g, 15);
-    EXPECT_EQ(film.value(What::ObjectId).r, 7);
+    EXPECT_FLOAT_EQ(film.value(Aov::Normal).r, std::sqrt(0.5f));
+    EXPECT_FLOAT_EQ(film.value(Aov::Normal).b, std::sqrt(0.5f));
+    EXPECT_FLOAT_EQ(film.value(Aov::Position).r, 2);
+    EXPECT_FLOAT_EQ(film.value(Aov::Depth).g, 15);
+    EXPECT_EQ(film.value(Aov::ObjectId).r, 7);
 }
 
 TEST(Film, PixelThatHitsNothingHasFeaturesOfZero) {
     PixelFilm film;
     film.add({1, 1, 1});
-    film.add_features({});
-    for (const What what : {What::Albedo, What::Normal, What::Depth, What::Position, What::ObjectId}) {
-        EXPECT_EQ(film.value(what).r, 0);
-        EXPECT_EQ(film.value(what).g, 0);
-        EXPECT_EQ(film.value(what).b, 0);
+    film.add_aovs({});
+    for (const Aov aov : {Aov::Albedo, Aov::Normal, Aov::Depth, Aov::Position, Aov::ObjectId}) {
+        EXPECT_EQ(film.value(aov).r, 0);
+        EXPECT_EQ(film.value(aov).g, 0);
+        EXPECT_EQ(film.value(aov).b, 0);
     }
 }
 
@@ -95,7 +95,7 @@ TEST(Filters, TheDefaultIsATentOfTwoPixels) {
     const FilterSampler sampler{Filter()};
     for (const float number : {0.0f, 0.1f, 0.25f, 0.5f, 0.9f})
         EXPECT_EQ(sampler.offset(number), vantor::warp::tent(number));
-    const vantor::Pair place = sampler.position(3, 7, {0.5f, 0.125f});
+    const vantor::Point2f place = sampler.position(3, 7, {0.5f, 0.125f});
     EXPECT_EQ(place.u, 3.5f);
     EXPECT_EQ(place.v, 7.0f);
 }

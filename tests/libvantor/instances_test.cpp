@@ -1,4 +1,4 @@
-// Instances: one object at many places, against the same objects added one by one.
+// Instances: one object at many instances, against the same objects added one by one.
 #include "scripted_scene.h"
 
 #include <algorithm>
@@ -11,9 +11,9 @@ using scripted::Pixels;
 using scripted::Scene;
 using Transforms = VtInstanceArray<VtTransform>;
 
-// Eight places in a ring: turned, stretched, sheared, and every other one mirrored.
+// Eight instances in a ring: turned, stretched, sheared, and every other one mirrored.
 std::vector<VtTransform> ring() {
-    std::vector<VtTransform> places;
+    std::vector<VtTransform> instances;
     for (int i = 0; i < 8; ++i) {
         VtTransform place;
         place.RotationAroundAxis({0, 0, 0}, {1, 2, 3}, 70.0 * i);
@@ -25,14 +25,14 @@ std::vector<VtTransform> ring() {
         for (int c = 0; c < 3; ++c)
             place[2][c] *= 0.5;
         place[3] = {1.5 * std::cos(turn), 1.5 * std::sin(turn), 0.2 * i, 1};
-        places.push_back(place);
+        instances.push_back(place);
     }
-    return places;
+    return instances;
 }
 
-VtLong instances_of(Scene &scene, VtLong object, const std::vector<VtTransform> &places) {
+VtLong instances_of(Scene &scene, VtLong object, const std::vector<VtTransform> &instances) {
     Transforms array;
-    for (const VtTransform &place : places)
+    for (const VtTransform &place : instances)
         array.Add(place);
     return scene.object("instances", "object", object, "places", array);
 }
@@ -45,7 +45,7 @@ VtTransform outer() {
     return transform;
 }
 
-// A picture of an object at all places, either way, with a pattern in the object's space on it.
+// A picture of an object at all instances, either way, with a pattern in the object's space on it.
 Pixels picture(const std::function<VtLong(Scene &)> &make, bool by_instances, bool shines) {
     Scene scene;
     scene.camera({0, 0, 8}, {0, 0, 0}, 35);
@@ -144,15 +144,16 @@ TEST(Instances, UnusablePlacesAreLeftOutInOneLine) {
         scripted::errors_of([&] {
             id = instances_of(scene, sphere, {good, VtTransform(), broken, far});
         }),
-        "vantor: newObject \"instances\": item 3: parameter \"places\" leaves out 3 transforms, the first of them "
+        "vantor: newObject \"instances\": item 3: parameter \"instances\" leaves out 3 transforms, the first of them "
         "1, which is all zeros, as a new transform is (identity() and the other operations set it)\n");
     scene.LightBegin();
     scene.AddObject(id);
     scene.LightEnd();
     EXPECT_EQ(scene.render(8, 8, 1).at(4, 4)[1], 1);
 
-    const auto line_of = [&](const std::vector<VtTransform> &places, VtLong object) {
-        const std::string errors = scripted::errors_of([&] { scene.AddObject(instances_of(scene, object, places)); });
+    const auto line_of = [&](const std::vector<VtTransform> &instances, VtLong object) {
+        const std::string errors =
+            scripted::errors_of([&] { scene.AddObject(instances_of(scene, object, instances)); });
         EXPECT_EQ(std::ranges::count(errors, '\n'), 1) << errors;
         return errors;
     };

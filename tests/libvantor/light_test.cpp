@@ -1,6 +1,6 @@
 // Spots, disks in the sky, environments and skies, against closed forms.
-#include "libvantor/entities/sky.h"
-#include "libvantor/world/environment.h"
+#include "libvantor/description/sky.h"
+#include "libvantor/lights/environment.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <ImfChannelList.h>
@@ -198,7 +198,7 @@ TEST(Environment, DensityIntegratesToOneAndSamplesFollowIt) {
                 const double radius = std::sqrt(1 - height * height);
                 const Vec3 direction{static_cast<float>(radius * std::cos(turn)), static_cast<float>(height),
                                      static_cast<float>(radius * std::sin(turn))};
-                const double share = light.seen(direction).density * 4 * pi / (bins * steps * bins * steps);
+                const double share = light.seen(direction).pdf * 4 * pi / (bins * steps * bins * steps);
                 expected[static_cast<std::size_t>(i / steps * bins + j / steps)] += share;
                 total += share;
             }
@@ -210,13 +210,13 @@ TEST(Environment, DensityIntegratesToOneAndSamplesFollowIt) {
         std::mt19937 random(1);
         const auto number = [&] { return vantor::sobol::unit_float(static_cast<std::uint32_t>(random())); };
         for (int i = 0; i < draws; ++i) {
-            float density = 0;
+            float pdf = 0;
             const float u = number();
-            const Vec3 direction = light.sample({u, number()}, density);
+            const Vec3 direction = light.sample({u, number()}, pdf);
             ASSERT_NEAR(length(direction), 1, 1e-5);
             // All but those on an edge, to rounding.
             if (i % 100 == 0) {
-                EXPECT_NEAR(density, light.seen(direction).density, 1e-3 * density);
+                EXPECT_NEAR(pdf, light.seen(direction).pdf, 1e-3 * pdf);
             }
             const int row = std::min(static_cast<int>((1 - direction.y) / 2 * bins), bins - 1);
             const double turn = std::atan2(direction.z, direction.x) / (2 * pi);
@@ -247,7 +247,7 @@ TEST(Environment, NoDirectionThatShinesIsNeverDrawn) {
                                  static_cast<float>(std::cos(polar)),
                                  static_cast<float>(std::sin(polar) * std::sin(turn))};
             if (light.radiance(direction).g > 0) {
-                EXPECT_GT(light.seen(direction).density, 0) << i << " " << j;
+                EXPECT_GT(light.seen(direction).pdf, 0) << i << " " << j;
             }
         }
     // pi / 4 across and pi / 8 down, by the sines of the three rows that it reaches into.
@@ -258,7 +258,7 @@ TEST(Environment, NoDirectionThatShinesIsNeverDrawn) {
 TEST(Environment, BlackOnesHaveNoDensity) {
     const Environment light(environment(2, 2, [](int, int) { return Color(); }));
     EXPECT_TRUE(light.is_black());
-    EXPECT_EQ(light.seen({0, 1, 0}).density, 0);
+    EXPECT_EQ(light.seen({0, 1, 0}).pdf, 0);
 }
 
 TEST(Environment, ConstantOneHasPiTimesItsRadiance) {
@@ -351,7 +351,7 @@ TEST(Environment, APanoramaOfItIsItself) {
     scene.light("environment", "name", path);
     const Pixels pixels = scene.render(64, 32, 256);
     // Between the middles of the pixels at the edge, the picture is linear and the filter symmetric. The mean of 256
-    // stratified places in a tent of 2 pixels, half a pixel of the environment, varies by less than 0.01.
+    // stratified instances in a tent of 2 pixels, half a pixel of the environment, varies by less than 0.01.
     for (int y = 4; y < 28; ++y)
         for (int x = 4; x < 60; ++x) {
             EXPECT_NEAR(pixels.at(x, y)[0], (x + 0.5) / 4 - 0.5, 0.02);

@@ -1,5 +1,5 @@
 // Materials: what their surfaces do with patterns.
-#include "libvantor/pictures/formats.h"
+#include "libvantor/images/formats.h"
 
 #include "tests/libvantor/scripted_scene.h"
 

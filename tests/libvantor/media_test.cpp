@@ -8,7 +8,7 @@ using scripted::List;
 using scripted::Scene;
 using vantor::Medium;
 using vantor::MediumStack;
-using vantor::Pair;
+using vantor::Point2f;
 using vantor::Vec3;
 
 constexpr int side = 512; // of a grid of numbers, taken at the middles
@@ -16,7 +16,7 @@ constexpr int side = 512; // of a grid of numbers, taken at the middles
 template <class Work> void for_each_pair(Work work) {
     for (int i = 0; i < side; ++i)
         for (int j = 0; j < side; ++j)
-            work(Pair{(static_cast<float>(i) + 0.5f) / side, (static_cast<float>(j) + 0.5f) / side});
+            work(Point2f{(static_cast<float>(i) + 0.5f) / side, (static_cast<float>(j) + 0.5f) / side});
 }
 
 TEST(Medium, PhaseIsADensityWithTheMeanCosineG) {
@@ -27,9 +27,9 @@ TEST(Medium, PhaseIsADensityWithTheMeanCosineG) {
         constexpr int steps = 20000; // the midpoint rule over the cosine
         for (int i = 0; i < steps; ++i) {
             const double cosine = -1 + 2 * (i + 0.5) / steps;
-            const double density = 2 * M_PI * medium.phase(static_cast<float>(cosine)) * 2 / steps;
-            sum += density;
-            mean += density * cosine;
+            const double pdf = 2 * M_PI * medium.phase(static_cast<float>(cosine)) * 2 / steps;
+            sum += pdf;
+            mean += pdf * cosine;
         }
         EXPECT_NEAR(sum, 1, 1e-3) << g;
         EXPECT_NEAR(mean, g, 1e-3) << g;
@@ -42,7 +42,7 @@ TEST(Medium, DirectionsFollowThePhase) {
         const Medium medium{{}, {1, 1, 1}, g};
         constexpr int bins = 16; // of equal steps of the cosine
         std::array<double, bins> found{};
-        for_each_pair([&](Pair numbers) {
+        for_each_pair([&](Point2f numbers) {
             const float cosine = dot(before, medium.sample_direction(before, numbers));
             found[static_cast<std::size_t>(std::min(bins - 1, static_cast<int>((cosine + 1) / 2 * bins)))] += 1;
         });
@@ -64,8 +64,8 @@ TEST(Medium, FlightsBringTheTransmittanceAndTheScatteredFraction) {
     constexpr float distance = 1.5f;
     vantor::Color through;
     vantor::Color scattered;
-    for_each_pair([&](Pair numbers) {
-        const Medium::Flight flight = medium.fly(distance, numbers);
+    for_each_pair([&](Point2f numbers) {
+        const Medium::DistanceSample flight = medium.sample_distance(distance, numbers);
         (flight.is_scattered ? scattered : through) += flight.weight * (1.0f / (side * side));
         EXPECT_LE(vantor::largest_component(flight.weight), 3.0001f);
     });

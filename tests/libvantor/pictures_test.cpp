@@ -2,7 +2,7 @@
 #include "tests/libvantor/picture_readers.h"
 #include "tests/libvantor/scripted_scene.h"
 
-#include "libvantor/pictures/files.h"
+#include "libvantor/images/files.h"
 
 #include <algorithm>
 #include <csignal>

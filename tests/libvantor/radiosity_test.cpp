@@ -1,5 +1,5 @@
 // Radiosity: form factors and balances that are known in closed form, and pictures made with the pass's result.
-#include "libvantor/passes/radiosity.h"
+#include "libvantor/radiosity/radiosity.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <chrono>

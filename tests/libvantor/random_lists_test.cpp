@@ -1,7 +1,7 @@
 // Random scenes out of the whole vocabulary: nothing crashes, every complaint is one line, every picture is sound.
 #include "tests/libvantor/scripted_scene.h"
 
-#include "libvantor/words/vocabulary.h"
+#include "libvantor/parameters/vocabulary.h"
 
 #include <algorithm>
 #include <climits>

@@ -8,15 +8,15 @@
 
 namespace {
 
-using vantor::Pair;
+using vantor::Point2f;
 using vantor::Sampler;
 
 // Of 2^m points of a (0, m, 2)-net every elementary interval of area 2^-m has exactly one: the defining property of the
 // first two Sobol dimensions, which shuffling and scrambling keep.
-void expect_net(const std::vector<Pair> &points, int m) {
+void expect_net(const std::vector<Point2f> &points, int m) {
     for (int split = 0; split <= m; ++split) {
         std::set<std::pair<int, int>> cells;
-        for (const Pair &p : points)
+        for (const Point2f &p : points)
             cells.insert({static_cast<int>(p.u * static_cast<float>(1 << split)),
                           static_cast<int>(p.v * static_cast<float>(1 << (m - split)))});
         EXPECT_EQ(cells.size(), points.size()) << "intervals of 2^-" << split << " by 2^-" << m - split;
@@ -26,31 +26,31 @@ void expect_net(const std::vector<Pair> &points, int m) {
 TEST(Random, SamplesOfAPixelAreANet) {
     for (const std::uint32_t dimension : {0u, 1u, 7u, 100u})
         for (const std::uint32_t x : {0u, 3u, 500u, 65535u}) {
-            std::vector<Pair> points;
+            std::vector<Point2f> points;
             for (std::uint32_t s = 0; s < 64; ++s)
-                points.push_back(Sampler(x, 17, s, 64).pair(dimension));
+                points.push_back(Sampler(x, 17, s, 64).get_2d(dimension));
             expect_net(points, 6);
         }
 }
 
 TEST(Random, PixelsOfABlockAreANetTogether) {
-    std::vector<Pair> points;
+    std::vector<Point2f> points;
     for (std::uint32_t y = 0; y < 4; ++y)
         for (std::uint32_t x = 0; x < 4; ++x)
             for (std::uint32_t s = 0; s < 4; ++s)
-                points.push_back(Sampler(40 + x, 20 + y, s, 4).pair(3));
+                points.push_back(Sampler(40 + x, 20 + y, s, 4).get_2d(3));
     expect_net(points, 6);
 }
 
 TEST(Random, NumbersLieInTheUnitInterval) {
     for (std::uint32_t s = 0; s < 4096; ++s) {
         const Sampler sampler(65535, 65535, s, 4096);
-        for (const float number : {sampler.pair(5).u, sampler.pair(5).v, sampler.unstratified(5)}) {
+        for (const float number : {sampler.get_2d(5).u, sampler.get_2d(5).v, sampler.unstratified(5)}) {
             EXPECT_GE(number, 0);
             EXPECT_LT(number, 1);
         }
-        EXPECT_GE(sampler.single(6), 0);
-        EXPECT_LT(sampler.single(6), 1);
+        EXPECT_GE(sampler.get_1d(6), 0);
+        EXPECT_LT(sampler.get_1d(6), 1);
     }
 }
 
@@ -63,9 +63,9 @@ TEST(Random, DimensionsAreUncorrelated) {
             double sums[3] = {};
             for (std::uint32_t s = 0; s < count; ++s) {
                 const Sampler sampler(11, 12, s, count);
-                sums[0] += sampler.pair(a).u * sampler.pair(b).u;
-                sums[1] += sampler.pair(a).u * sampler.pair(b).v;
-                sums[2] += sampler.pair(a).v * sampler.unstratified(b);
+                sums[0] += sampler.get_2d(a).u * sampler.get_2d(b).u;
+                sums[1] += sampler.get_2d(a).u * sampler.get_2d(b).v;
+                sums[2] += sampler.get_2d(a).v * sampler.unstratified(b);
             }
             for (const double sum : sums)
                 EXPECT_NEAR(sum / count, 0.25, tolerance) << "dimensions " << a << " and " << b;
@@ -76,11 +76,11 @@ TEST(Random, ManyAtOnceAreTheSameNumbers) {
     std::vector<Sampler> samplers;
     for (std::uint32_t i = 0; i < 37; ++i) // whole lanes, and a rest
         samplers.emplace_back(i * 77, i * 1234, i, 64);
-    std::vector<vantor::Pair> pairs(samplers.size());
-    vantor::pairs_of(samplers, 12, pairs);
+    std::vector<vantor::Point2f> pairs(samplers.size());
+    vantor::get_2d_of(samplers, 12, pairs);
     for (std::size_t i = 0; i < samplers.size(); ++i) {
-        EXPECT_EQ(pairs[i].u, samplers[i].pair(12).u);
-        EXPECT_EQ(pairs[i].v, samplers[i].pair(12).v);
+        EXPECT_EQ(pairs[i].u, samplers[i].get_2d(12).u);
+        EXPECT_EQ(pairs[i].v, samplers[i].get_2d(12).v);
     }
 }
 

@@ -1,7 +1,7 @@
 // Reading pictures: what good files hold, and what becomes of bad ones.
-#include "libvantor/pictures/reading.h"
+#include "libvantor/images/reading.h"
 
-#include "libvantor/pictures/formats.h"
+#include "libvantor/images/formats.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <ImfChannelList.h>

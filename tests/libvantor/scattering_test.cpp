@@ -1,5 +1,5 @@
-// The ways of scattering, each by itself: energy, densities, reciprocity, limits.
-#include "libvantor/scattering/scattering.h"
+// The ways of scattering, each by itself: energy, pdfs, reciprocity, limits.
+#include "libvantor/scattering/bsdf.h"
 
 #include "libvantor/scattering/energy_compensation.h"
 #include "libvantor/scattering/fresnel.h"
@@ -17,12 +17,12 @@ using namespace vantor;
 
 struct Case {
     std::string name;
-    Scattering scattering;
+    Bsdf bsdf;
 };
 
-Scattering rough(Scattering scattering, float roughness) {
-    set_roughness(scattering, roughness);
-    return scattering;
+Bsdf rough(Bsdf bsdf, float roughness) {
+    set_roughness(bsdf, roughness);
+    return bsdf;
 }
 
 constexpr Color white{1, 1, 1};
@@ -83,7 +83,7 @@ const Case layered_cases[] = {
                               .ior = 1.8f}},
 };
 
-// All whose directions have a density, most or all of them.
+// All whose directions have a pdf, most or all of them.
 std::vector<Case> spread_cases() {
     std::vector<Case> cases(std::begin(rough_cases), std::end(rough_cases));
     cases.insert(cases.end(), std::begin(layered_cases), std::end(layered_cases));
@@ -102,7 +102,7 @@ std::vector<Vec3> ways_out() {
 class Numbers {
   public:
     float one() { return sobol::unit_float(static_cast<std::uint32_t>(engine())); }
-    Pair pair() {
+    Point2f get_2d() {
         const float u = one();
         return {u, one()};
     }
@@ -112,13 +112,13 @@ class Numbers {
 };
 
 // What radiance is divided by to be power: it holds the squared ratio of the indices of the two sides.
-double radiance_scale(const Scattering &scattering, Vec3 out, Vec3 in) {
+double radiance_scale(const Bsdf &bsdf, Vec3 out, Vec3 in) {
     if (out.z * in.z > 0)
         return 1;
     double ior = 1;
-    if (const auto *dielectric = std::get_if<Dielectric>(&scattering))
+    if (const auto *dielectric = std::get_if<Dielectric>(&bsdf))
         ior = dielectric->ior;
-    if (const auto *principled = std::get_if<Principled>(&scattering))
+    if (const auto *principled = std::get_if<Principled>(&bsdf))
         ior = principled->ior;
     return out.z > 0 ? 1 / (ior * ior) : ior * ior;
 }
@@ -145,42 +145,42 @@ class Sums {
 };
 
 // The fraction of light, as power, that is scattered of light that comes from everywhere alike.
-Mean sampled_albedo(const Scattering &scattering, Vec3 out, int count, bool with_specular = true) {
+Mean sampled_albedo(const Bsdf &bsdf, Vec3 out, int count, bool with_specular = true) {
     Numbers numbers;
     Sums sums;
     for (int n = 0; n < count; ++n) {
-        ScatteringSample found;
-        const Pair pair = numbers.pair();
-        if (!sample(scattering, out, pair, numbers.one(), found) || (found.is_specular && !with_specular))
+        BsdfSample found;
+        const Point2f pair = numbers.get_2d();
+        if (!sample(bsdf, out, pair, numbers.one(), found) || (found.is_specular && !with_specular))
             continue;
-        sums.add(found.weight.g / radiance_scale(scattering, out, found.in));
+        sums.add(found.weight.g / radiance_scale(bsdf, out, found.in));
     }
     return sums.mean(count);
 }
 
-TEST(Scattering, SmoothBoundariesLoseNothing) {
+TEST(Bsdf, SmoothBoundariesLoseNothing) {
     for (const Case &c : smooth_cases) {
-        if (std::holds_alternative<Conductor>(c.scattering) && c.name != "mirror")
+        if (std::holds_alternative<Conductor>(c.bsdf) && c.name != "mirror")
             continue;
         for (const Vec3 out : ways_out())
-            EXPECT_NEAR(sampled_albedo(c.scattering, out, 1000).value, 1, 1e-5) << c.name << ", z " << out.z;
+            EXPECT_NEAR(sampled_albedo(c.bsdf, out, 1000).value, 1, 1e-5) << c.name << ", z " << out.z;
     }
 }
 
-TEST(Scattering, NothingScattersMoreThanArrives) {
+TEST(Bsdf, NothingScattersMoreThanArrives) {
     // What keeps all of it does so by the table of albedos, which is exact to 0.002.
     for (const Case &c : spread_cases())
         for (const Vec3 out : ways_out()) {
-            const Mean albedo = sampled_albedo(c.scattering, out, 4000);
+            const Mean albedo = sampled_albedo(c.bsdf, out, 4000);
             EXPECT_LT(albedo.value, 1.002 + 4 * albedo.error) << c.name << ", z " << out.z;
         }
 }
 
-TEST(Scattering, RoughMetalLosesNothing) {
+TEST(Bsdf, RoughMetalLosesNothing) {
     const Conductor dense{{1, 1, 1}, {1e4f, 1e4f, 1e4f}};
     const Principled metallic{.base_color = white, .metallic = 1};
     for (const float roughness : {0.04f, 0.1f, 0.2f, 0.35f, 0.5f, 0.75f, 1.0f})
-        for (const Scattering &metal : {Scattering(ideal_metal), Scattering(dense), Scattering(metallic)})
+        for (const Bsdf &metal : {Bsdf(ideal_metal), Bsdf(dense), Bsdf(metallic)})
             for (const double cosine : {1.0, 0.95, 0.5, 0.15, 0.05, -0.7, -0.25}) {
                 const Mean albedo =
                     sampled_albedo(rough(metal, roughness), chi_square::direction_at(cosine, 0.4), 4000);
@@ -191,11 +191,11 @@ TEST(Scattering, RoughMetalLosesNothing) {
             }
 }
 
-TEST(Scattering, RoughMetalColorsLightAtEveryFacet) {
+TEST(Bsdf, RoughMetalColorsLightAtEveryFacet) {
     // The light that meets several facets has more of a metal's colour, so that the whole has, too.
     const Vec3 out = chi_square::direction_at(0.7, 1);
     const auto share_of_blue = [&](float roughness) {
-        const Scattering metal = rough(gold, roughness);
+        const Bsdf metal = rough(gold, roughness);
         const auto channel = [&](float Color::*c) {
             return chi_square::integral([&](Vec3 in) { return evaluate(metal, out, in).value.*c * std::fabs(in.z); },
                                         {}, 1e-4);
@@ -205,7 +205,7 @@ TEST(Scattering, RoughMetalColorsLightAtEveryFacet) {
     EXPECT_LT(share_of_blue(1), share_of_blue(0.3f) - 0.02);
 }
 
-TEST(Scattering, RoughGlassLosesWhatMeetsSeveralFacets) {
+TEST(Bsdf, RoughGlassLosesWhatMeetsSeveralFacets) {
     // The most that single scattering loses: at a roughness of 0.2 (alpha 0.04) 5 %, at 0.5 20 %, at 1 70 %.
     const auto lowest = [](float roughness) { return roughness < 0.3f ? 0.95 : roughness < 0.6f ? 0.8 : 0.3; };
     for (const float roughness : {0.1f, 0.2f, 0.5f, 1.0f})
@@ -216,7 +216,7 @@ TEST(Scattering, RoughGlassLosesWhatMeetsSeveralFacets) {
         }
 }
 
-TEST(Scattering, WhitePlasticLosesNothing) {
+TEST(Bsdf, WhitePlasticLosesNothing) {
     // But for rough coats what meets several facets; the table of albedos is exact to 0.002.
     for (const float roughness : {0.0f, 0.1f, 0.3f, 0.6f, 1.0f})
         for (const float ior : {1.1f, 1.5f, 2.5f})
@@ -226,13 +226,13 @@ TEST(Scattering, WhitePlasticLosesNothing) {
             }
 }
 
-TEST(Scattering, PrincipledIsNearlyAsBrightAsItsBase) {
+TEST(Bsdf, PrincipledIsNearlyAsBrightAsItsBase) {
     // The layers take from each other for both directions, which leaves a little too little.
     const Mean albedo = sampled_albedo(Principled{.base_color = white}, chi_square::direction_at(0.7, 0), 10000);
     EXPECT_GT(albedo.value, 0.8);
 }
 
-TEST(Scattering, PrincipledNeverExceedsWhatArrives) {
+TEST(Bsdf, PrincipledNeverExceedsWhatArrives) {
     for (const float roughness : {0.0f, 0.25f, 0.5f, 1.0f})
         for (const float specular : {0.0f, 0.25f, 1.0f})
             for (const float extra : {0.0f, 1.0f}) // sheen and a coat
@@ -249,16 +249,16 @@ TEST(Scattering, PrincipledNeverExceedsWhatArrives) {
                 }
 }
 
-TEST(Scattering, SamplesFollowTheDensity) {
+TEST(Bsdf, SamplesFollowTheDensity) {
     constexpr int count = 10000;
     const auto expect_likely = [](const Case &c, Vec3 out) {
-        chi_square::Bins bins([&](Vec3 in) { return evaluate(c.scattering, out, in).density; }, 0.04);
+        chi_square::Bins bins([&](Vec3 in) { return evaluate(c.bsdf, out, in).pdf; }, 0.04);
         EXPECT_LT(bins.probability(), 1.001) << c.name << ", z " << out.z;
         Numbers numbers;
         for (int n = 0; n < count; ++n) {
-            ScatteringSample found;
-            const Pair pair = numbers.pair();
-            if (sample(c.scattering, out, pair, numbers.one(), found) && !found.is_specular)
+            BsdfSample found;
+            const Point2f pair = numbers.get_2d();
+            if (sample(c.bsdf, out, pair, numbers.one(), found) && !found.is_specular)
                 bins.count(found.in);
         }
         EXPECT_GT(bins.p_value(count), 1e-4) << c.name << ", z " << out.z;
@@ -271,90 +271,89 @@ TEST(Scattering, SamplesFollowTheDensity) {
             expect_likely(c, chi_square::direction_at(cosine, 2));
 }
 
-TEST(Scattering, SamplesWeighValueTimesCosineOverDensity) {
+TEST(Bsdf, SamplesWeighValueTimesCosineOverDensity) {
     for (const Case &c : spread_cases())
         for (const Vec3 out : ways_out()) {
             Numbers numbers;
             for (int n = 0; n < 200; ++n) {
-                ScatteringSample found;
-                const Pair pair = numbers.pair();
-                if (!sample(c.scattering, out, pair, numbers.one(), found) || found.is_specular)
+                BsdfSample found;
+                const Point2f pair = numbers.get_2d();
+                if (!sample(c.bsdf, out, pair, numbers.one(), found) || found.is_specular)
                     continue;
                 EXPECT_NEAR(length(found.in), 1, 1e-5);
                 // Directions next to the surface have few digits left.
                 if (std::fabs(found.in.z) < 0.01f)
                     continue;
-                const Scattered scattered = evaluate(c.scattering, out, found.in);
+                const BsdfValue scattered = evaluate(c.bsdf, out, found.in);
                 const std::string where = c.name + ", z " + std::to_string(out.z);
-                ASSERT_NEAR(found.density / scattered.density, 1, 0.01) << where << " to " << found.in.z;
+                ASSERT_NEAR(found.pdf / scattered.pdf, 1, 0.01) << where << " to " << found.in.z;
                 for (const float Color::*channel : {&Color::r, &Color::g, &Color::b})
-                    ASSERT_NEAR(scattered.value.*channel * std::fabs(found.in.z) / scattered.density,
-                                found.weight.*channel, 0.01 * found.weight.*channel + 1e-5)
+                    ASSERT_NEAR(scattered.value.*channel * std::fabs(found.in.z) / scattered.pdf, found.weight.*channel,
+                                0.01 * found.weight.*channel + 1e-5)
                         << where << " to " << found.in.z;
             }
         }
 }
 
-TEST(Scattering, WeighsAsMuchAsTheIntegral) {
+TEST(Bsdf, WeighsAsMuchAsTheIntegral) {
     // The same albedo from the values as from the samples.
     for (const Case &c : spread_cases())
         for (const Vec3 out : {chi_square::direction_at(0.6, 1), chi_square::direction_at(-0.3, 2)}) {
-            const Mean albedo = sampled_albedo(c.scattering, out, 10000, false);
+            const Mean albedo = sampled_albedo(c.bsdf, out, 10000, false);
             const double wanted = chi_square::integral(
                 [&](Vec3 in) {
-                    return evaluate(c.scattering, out, in).value.g * std::fabs(in.z) /
-                           radiance_scale(c.scattering, out, in);
+                    return evaluate(c.bsdf, out, in).value.g * std::fabs(in.z) / radiance_scale(c.bsdf, out, in);
                 },
                 {}, 1e-3);
             EXPECT_NEAR(albedo.value, wanted, 4 * albedo.error + 2e-3) << c.name << ", z " << out.z;
         }
 }
 
-TEST(Scattering, IsReciprocal) {
+TEST(Bsdf, IsReciprocal) {
     for (const Case &c : spread_cases()) {
         Numbers numbers;
         for (int n = 0; n < 300; ++n) {
             const Vec3 a = chi_square::direction_at(2 * numbers.one() - 1, 6.28 * numbers.one());
             const Vec3 b = chi_square::direction_at(2 * numbers.one() - 1, 6.28 * numbers.one());
-            const double there = evaluate(c.scattering, a, b).value.g / std::sqrt(radiance_scale(c.scattering, a, b));
-            const double back = evaluate(c.scattering, b, a).value.g / std::sqrt(radiance_scale(c.scattering, b, a));
+            const double there = evaluate(c.bsdf, a, b).value.g / std::sqrt(radiance_scale(c.bsdf, a, b));
+            const double back = evaluate(c.bsdf, b, a).value.g / std::sqrt(radiance_scale(c.bsdf, b, a));
             EXPECT_NEAR(there, back, 1e-3 * there + 1e-6) << c.name << ": " << a.z << " and " << b.z;
         }
     }
 }
 
-TEST(Scattering, SpecularWaysAreNeverMetByChance) {
+TEST(Bsdf, SpecularWaysAreNeverMetByChance) {
     for (const Case &c : smooth_cases) {
-        EXPECT_TRUE(is_specular(c.scattering)) << c.name;
-        ScatteringSample found;
+        EXPECT_TRUE(is_specular(c.bsdf)) << c.name;
+        BsdfSample found;
         const Vec3 out = chi_square::direction_at(0.6, 1);
-        ASSERT_TRUE(sample(c.scattering, out, {0.3f, 0.3f}, 0.5f, found));
+        ASSERT_TRUE(sample(c.bsdf, out, {0.3f, 0.3f}, 0.5f, found));
         EXPECT_TRUE(found.is_specular);
-        EXPECT_EQ(evaluate(c.scattering, out, found.in).density, 0);
+        EXPECT_EQ(evaluate(c.bsdf, out, found.in).pdf, 0);
     }
     for (const Case &c : rough_cases)
-        EXPECT_FALSE(is_specular(c.scattering)) << c.name;
+        EXPECT_FALSE(is_specular(c.bsdf)) << c.name;
 }
 
-TEST(Scattering, RoughnessNextToNothingIsNone) {
+TEST(Bsdf, RoughnessNextToNothingIsNone) {
     EXPECT_TRUE(is_specular(rough(glass, 0.03f)));
     EXPECT_FALSE(is_specular(rough(glass, 0.04f)));
     EXPECT_TRUE(is_specular(rough(gold, 0.03f)));
     EXPECT_FALSE(is_specular(rough(gold, 0.04f)));
 }
 
-TEST(Scattering, TakesAnotherColor) {
+TEST(Bsdf, TakesAnotherColor) {
     for (const Case &c : spread_cases()) {
-        Scattering red = c.scattering;
+        Bsdf red = c.bsdf;
         set_color(red, {1, 0, 0});
-        Scattering black = c.scattering;
+        Bsdf black = c.bsdf;
         set_color(black, {0, 0, 0});
         EXPECT_GT(albedo(red).r, albedo(black).r + 0.05f) << c.name;
         EXPECT_EQ(albedo(red).g, albedo(black).g) << c.name;
     }
 }
 
-TEST(Scattering, TellsWhetherLightComesThrough) {
+TEST(Bsdf, TellsWhetherLightComesThrough) {
     EXPECT_FALSE(transmits(Diffuse{white}));
     EXPECT_FALSE(transmits(gold));
     EXPECT_FALSE(transmits(Plastic{white}));
@@ -365,9 +364,8 @@ TEST(Scattering, TellsWhetherLightComesThrough) {
     // And so it is.
     for (const Case &c : spread_cases())
         for (const Vec3 out : ways_out()) {
-            const float through =
-                evaluate(c.scattering, out, chi_square::direction_at(out.z > 0 ? -0.9 : 0.9, 1)).density;
-            EXPECT_TRUE(transmits(c.scattering) ? through >= 0 : through == 0) << c.name;
+            const float through = evaluate(c.bsdf, out, chi_square::direction_at(out.z > 0 ? -0.9 : 0.9, 1)).pdf;
+            EXPECT_TRUE(transmits(c.bsdf) ? through >= 0 : through == 0) << c.name;
         }
 }
 
@@ -410,19 +408,19 @@ TEST(Fresnel, AConductorThatAbsorbsNothingIsADielectric) {
             }
 }
 
-TEST(Scattering, RefractsBySnellsLaw) {
+TEST(Bsdf, RefractsBySnellsLaw) {
     const float cosine = 0.6f; // sine 0.8
-    ScatteringSample found;
-    ASSERT_TRUE(sample(Scattering(glass), {0.8f, 0, cosine}, {}, 0.9f, found));
+    BsdfSample found;
+    ASSERT_TRUE(sample(Bsdf(glass), {0.8f, 0, cosine}, {}, 0.9f, found));
     EXPECT_NEAR(found.in.x, -0.8 / 1.5, 1e-6);
     EXPECT_LT(found.in.z, 0);
     EXPECT_NEAR(found.weight.g, 1 / (1.5 * 1.5), 1e-6);
-    ASSERT_TRUE(sample(Scattering(glass), found.in, {}, 0.9f, found));
+    ASSERT_TRUE(sample(Bsdf(glass), found.in, {}, 0.9f, found));
     EXPECT_NEAR(found.in.x, 0.8, 1e-6);
     EXPECT_NEAR(found.in.z, 0.6, 1e-6);
     EXPECT_NEAR(found.weight.g, 1.5 * 1.5, 1e-5);
     // Beyond the critical angle, all is reflected.
-    ASSERT_TRUE(sample(Scattering(glass), {0.8f, 0, -cosine}, {}, 0.999f, found));
+    ASSERT_TRUE(sample(Bsdf(glass), {0.8f, 0, -cosine}, {}, 0.999f, found));
     EXPECT_NEAR(found.in.x, -0.8, 1e-6);
     EXPECT_NEAR(found.in.z, -0.6, 1e-6);
     EXPECT_EQ(found.weight.g, 1);
@@ -434,7 +432,7 @@ Mean sampled_facets(float alpha, Vec3 out, int count) {
     Numbers numbers;
     Sums sums;
     for (int n = 0; n < count; ++n) {
-        const Vec3 in = reflected(out, facets.sample_normal(out, numbers.pair()));
+        const Vec3 in = reflected(out, facets.sample_normal(out, numbers.get_2d()));
         sums.add(in.z > 0 ? facets.visible(out, in) / facets.visible(out) : 0.0f);
     }
     return sums.mean(count);
@@ -494,7 +492,7 @@ TEST(Microfacet, FacetsCoverTheSurface) {
             const double seen = chi_square::integral(
                 [&](Vec3 normal) {
                     const float turned = dot(out, normal);
-                    return normal.z > 0 && turned > 0 ? facets.normal_density(out, normal) : 0.0f;
+                    return normal.z > 0 && turned > 0 ? facets.normal_pdf(out, normal) : 0.0f;
                 },
                 {}, 1e-4);
             EXPECT_NEAR(seen, 1, 2e-3) << "alpha " << alpha << ", cosine " << cosine;

@@ -257,12 +257,12 @@ VtLong tessellated(Scene &scene, const std::function<Double3(double u, double v)
 }
 
 TEST(Shapes, ShadeLikeTheirMeshesUnderAnyTransform) {
-    VtTransform places[2];
-    places[0].RotationAroundX(35);
-    places[1].Identity();
-    places[1][0] = {-1.3, 0.2, 0.1, 0}; // mirrored and sheared
-    places[1][1] = {0.6, 0.7, -0.3, 0};
-    places[1][3] = {0.1, -0.2, 0.3, 1};
+    VtTransform instances[2];
+    instances[0].RotationAroundX(35);
+    instances[1].Identity();
+    instances[1][0] = {-1.3, 0.2, 0.1, 0}; // mirrored and sheared
+    instances[1][1] = {0.6, 0.7, -0.3, 0};
+    instances[1][3] = {0.1, -0.2, 0.3, 1};
     const auto mean = [](const VtTransform &place, const std::function<VtLong(Scene &)> &make) {
         Scene scene;
         scripted::List camera("position", VtVector3(0, 0, 9), "target", VtVector3(0, 0, 0), "height", 4.0);
@@ -278,7 +278,7 @@ TEST(Shapes, ShadeLikeTheirMeshesUnderAnyTransform) {
     const CanonicalMap unit_map({0, 0, 0}, {0, 1, 0}, 1);
     const Torus torus{unit_map, 0.25};
     const Cone cone{unit_map, 0.9, 0.2, false};
-    for (const VtTransform &place : places) {
+    for (const VtTransform &place : instances) {
         // Light goes on inside of the open ones and around the ring: all normals, all sides and all shadows count. The
         // mesh's facets and the noise of the bounces make less than 0.4 %.
         const double ring = mean(place, [](Scene &scene) { return scene.object("torus"); });

@@ -1,8 +1,8 @@
 // Textures: what they show where, and how files become textures.
-#include "libvantor/entities/texture.h"
+#include "libvantor/description/texture.h"
+#include "libvantor/images/formats.h"
+#include "libvantor/images/reading.h"
 #include "libvantor/patterns/image.h"
-#include "libvantor/pictures/formats.h"
-#include "libvantor/pictures/reading.h"
 
 #include "tests/libvantor/scripted_scene.h"
 
@@ -31,7 +31,7 @@ Image image_of(Raster raster, Filter filter, Wrap wrap = Wrap::Repeat) {
     return {std::make_shared<const Texture>(std::move(raster)), wrap, filter, false, {1, 1}, {0, 0}};
 }
 
-float value_at(const Image &image, float u, float v, Pair footprint = {}) {
+float value_at(const Image &image, float u, float v, Point2f footprint = {}) {
     return image.evaluate({{u, v}, {}, footprint}).g;
 }
 

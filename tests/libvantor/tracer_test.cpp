@@ -1,7 +1,7 @@
 // Tracer: what rays meet, where floats are at their limits.
 #include "libvantor/base/interrupt.h"
-#include "libvantor/entities/registry.h"
-#include "libvantor/geometry/tracer.h"
+#include "libvantor/description/registry.h"
+#include "libvantor/embree/tracer.h"
 
 #include <deque>
 #include <gtest/gtest.h>
@@ -17,18 +17,18 @@ VtTransform scaling(double factor) {
     return m;
 }
 
-/// Shapes in their places, without a script.
+/// Shapes in their instances, without a script.
 class Stage {
   public:
     void add(Shape shape, const VtTransform &world_from_object) {
         objects.push_back({1, std::move(shape), 0, false});
         placements.push_back({&objects.back(), world_from_object, &material, -1, -1, nullptr});
     }
-    void add_places(Shape shape, const std::vector<VtTransform> &places) {
+    void add_places(Shape shape, const std::vector<VtTransform> &instances) {
         add(std::move(shape), identity());
-        for (const VtTransform &place : places)
-            objects.back().places.emplace_back(place);
-        placements.back().places = &objects.back().places;
+        for (const VtTransform &place : instances)
+            objects.back().instances.emplace_back(place);
+        placements.back().instances = &objects.back().instances;
     }
     // By a trimmer that leaves all of it.
     void add_trimmed(Shape shape, const VtTransform &world_from_object) {
@@ -74,7 +74,7 @@ TEST(Tracer, TrianglesOfAnySizeAreMet) {
             const float x = static_cast<float>(scale) * (-0.9f + 0.0018f * static_cast<float>(i));
             const Ray ray{{x, 0.3f * x, static_cast<float>(scale)}, {0, 0, -1}};
             Hit hit;
-            tracer.nearest({&ray, 1}, false, {&hit, 1});
+            tracer.intersect({&ray, 1}, false, {&hit, 1});
             missed += !hit.exists || hit.placement != 0 || !(hit.geometric_normal.z > 0.999f) ? 1 : 0;
         }
         EXPECT_EQ(missed, 0) << scale;
@@ -92,14 +92,14 @@ double shadowed_part(const Tracer &tracer, Vec3 from, Vec3 towards, float width)
             const Vec3 end = towards + frame.x * across(i) + frame.y * across(j);
             const Ray ray{from, normalized(end - from)};
             Hit hit;
-            tracer.nearest({&ray, 1}, false, {&hit, 1});
+            tracer.intersect({&ray, 1}, false, {&hit, 1});
             if (!hit.exists)
                 continue;
             ++hits;
             const Vec3 start = hit.origin_towards(-ray.direction);
             const Segment way{start, from - start, 1};
             char is_blocked;
-            tracer.blocked({&way, 1}, {&is_blocked, 1});
+            tracer.occluded({&way, 1}, {&is_blocked, 1});
             shadowed += is_blocked;
         }
     EXPECT_GT(hits, 500);
@@ -122,8 +122,8 @@ Curves curve_at(Vec3 middle, bool is_tube) {
 }
 
 TEST(Tracer, ObjectsFarFromTheirOriginDoNotShadowThemselves) {
-    // Their places bring them back to the world's origin: its coordinates are small, and those of the rays that Embree
-    // traces are not.
+    // Their instances bring them back to the world's origin: its coordinates are small, and those of the rays that
+    // Embree traces are not.
     const Vec3 middle{1e4f / 3, 100.0f / 3, -200.0f / 3};
     const VtVector3 scales[] = {{1e-3, 1e-3, 1e-3}, {1, 1, 1}, {1e3, 1e3, 1e3}, {1, 3, 0.2}};
     for (const VtVector3 &scale : scales)
@@ -167,7 +167,7 @@ TEST(Tracer, FlatInstancesAreClearAtTheirOwnSize) {
     const Tracer tracer = stage.tracer();
     const Ray ray{{6, 0, 5}, normalized({-5, 0, -5})};
     Hit hit;
-    tracer.nearest({&ray, 1}, false, {&hit, 1});
+    tracer.intersect({&ray, 1}, false, {&hit, 1});
     ASSERT_TRUE(hit.exists);
     EXPECT_GE(hit.clearance, clearance_of(hit.point, hit.distance));
     EXPECT_LT(hit.clearance, 2 * clearance_of(hit.point, hit.distance));
@@ -225,7 +225,7 @@ TEST(Tracer, BodiesWithMediaHaveNoGaps) {
             rays.push_back({from, normalized(to - from)});
         }
         std::vector<Hit> hits(rays.size());
-        tracer.nearest(rays, false, hits);
+        tracer.intersect(rays, false, hits);
         // Next to a corner one may find its way still.
         EXPECT_LE(std::ranges::count_if(hits, [](const Hit &hit) { return !hit.exists; }), 2) << is_instance;
     }

@@ -190,15 +190,15 @@ TEST(Trimmers, AllOfAListHaveToKeepAPoint) {
 TEST(Trimmers, GoWithTheObjectIntoItsPlaces) {
     // Two halves side by side, one of them upside down; each half as large.
     const double area = covered([](Scene &scene) {
-        VtInstanceArray<VtTransform> places;
+        VtInstanceArray<VtTransform> instances;
         for (const double scale : {0.5, -0.5}) {
             VtTransform place;
             place.Scaling({0.5, scale, 0.5});
             place[3] = {scale, 0, 0, 1};
-            places.Add(place);
+            instances.Add(place);
         }
         const VtLong half = scene.object("sphere", "trimmers", trimmer(scene, "plane"));
-        return scene.object("instances", "object", half, "places", places);
+        return scene.object("instances", "object", half, "places", instances);
     });
     EXPECT_NEAR(area, 2 * pi / 8, 2 * tolerance);
 }

@@ -2,7 +2,7 @@
 #include "tests/libvantor/vocabulary_page.h"
 
 #include "libvantor/base/report.h"
-#include "libvantor/words/vocabulary.h"
+#include "libvantor/parameters/vocabulary.h"
 
 #include <fstream>
 #include <iterator>

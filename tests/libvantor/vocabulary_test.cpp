@@ -1,7 +1,7 @@
 // The vocabulary: its tables are sound, and the page that documents them is theirs.
 #include "tests/libvantor/vocabulary_page.h"
 
-#include "libvantor/words/reader.h"
+#include "libvantor/parameters/reader.h"
 
 #include <gtest/gtest.h>
 #include <set>

@@ -1,4 +1,4 @@
-// The warps: where their points fall, against their densities.
+// The warps: where their points fall, against their pdfs.
 #include "libvantor/base/warp.h"
 
 #include "libvantor/scattering/diffuse.h"
@@ -9,22 +9,22 @@
 
 namespace {
 
-using vantor::Pair;
+using vantor::Point2f;
 using vantor::Vec3;
 
 constexpr int side = 8;
 constexpr int sample_count = 200000;
 
 // Pearson's chi-square of samples that are to fill all cells of a grid alike, where place() flattens a sample to the
-// unit square so that a uniform density is wanted there.
-template <class Place> double chi_square(Place place) {
+// unit square so that a uniform pdf is wanted there.
+template <class Instance> double chi_square(Instance place) {
     std::mt19937 random(1);
     std::vector<int> counts(side * side);
     for (int i = 0; i < sample_count; ++i) {
         // Independent numbers, as the test supposes; the sampler's are better than that.
         const auto number = [&] { return vantor::sobol::unit_float(static_cast<std::uint32_t>(random())); };
         const float u = number();
-        const auto [x, y] = place(Pair{u, number()});
+        const auto [x, y] = place(Point2f{u, number()});
         EXPECT_TRUE(x >= 0 && x <= 1 && y >= 0 && y <= 1) << x << " " << y;
         const int column = std::min(static_cast<int>(x * side), side - 1);
         const int row = std::min(static_cast<int>(y * side), side - 1);
@@ -43,7 +43,7 @@ constexpr double highest = 112;
 float turn_of(Vec3 d) { return std::atan2(d.y, d.x) / (2 * vantor::pi) + 0.5f; }
 
 TEST(Warp, DiskIsUniform) {
-    EXPECT_LT(chi_square([](Pair p) {
+    EXPECT_LT(chi_square([](Point2f p) {
                   const Vec3 d = vantor::warp::disk(p);
                   return std::pair{d.x * d.x + d.y * d.y, turn_of(d)};
               }),
@@ -52,7 +52,7 @@ TEST(Warp, DiskIsUniform) {
 
 TEST(Warp, CosineHemisphereFollowsTheCosine) {
     // The share of directions within an angle of the normal is its squared sine.
-    EXPECT_LT(chi_square([](Pair p) {
+    EXPECT_LT(chi_square([](Point2f p) {
                   const Vec3 d = vantor::warp::cosine_hemisphere(p);
                   EXPECT_NEAR(length(d), 1, 1e-6);
                   return std::pair{1 - d.z * d.z, turn_of(d)};
@@ -62,7 +62,7 @@ TEST(Warp, CosineHemisphereFollowsTheCosine) {
 
 TEST(Warp, ConeIsUniformOverItsSolidAngle) {
     for (const float height : {1e-3f, 0.5f, 2.0f})
-        EXPECT_LT(chi_square([=](Pair p) {
+        EXPECT_LT(chi_square([=](Point2f p) {
                       const Vec3 d = vantor::warp::cone(p, height);
                       EXPECT_NEAR(length(d), 1, 1e-6);
                       // From the radius, as 1 - z has few digits in a narrow cone.
@@ -74,8 +74,8 @@ TEST(Warp, ConeIsUniformOverItsSolidAngle) {
 
 TEST(Warp, TriangleIsUniform) {
     // The triangle u + v <= 1, flattened: the corner at u = 1 has the share (1 - u)^2 beyond u.
-    EXPECT_LT(chi_square([](Pair p) {
-                  const Pair b = vantor::warp::triangle(p);
+    EXPECT_LT(chi_square([](Point2f p) {
+                  const Point2f b = vantor::warp::triangle(p);
                   EXPECT_LE(b.u + b.v, 1 + 1e-6f);
                   return std::pair{(1 - b.u) * (1 - b.u), std::min(b.v / (1 - b.u), 1.0f)};
               }),
@@ -84,7 +84,7 @@ TEST(Warp, TriangleIsUniform) {
 
 TEST(Warp, TentHasItsShape) {
     // The distribution function of the tent.
-    EXPECT_LT(chi_square([](Pair p) {
+    EXPECT_LT(chi_square([](Point2f p) {
                   const auto share = [](float x) { return x < 0 ? (1 + x) * (1 + x) / 2 : 1 - (1 - x) * (1 - x) / 2; };
                   return std::pair{share(vantor::warp::tent(p.u)), share(vantor::warp::tent(p.v))};
               }),
@@ -100,20 +100,20 @@ TEST(Warp, SineAndCosineAreRight) {
     }
 }
 
-TEST(Scattering, DensityIntegratesToOneAndEnergyIsTheReflectance) {
+TEST(Bsdf, DensityIntegratesToOneAndEnergyIsTheReflectance) {
     // The midpoint rule over the cosine, around the normal: 2 pi f(cosine) d(cosine).
     const vantor::Diffuse reflection{{0.2f, 0.5f, 0.9f}};
     const vantor::Vec3 out{0, 0, 1};
-    double density = 0;
+    double pdf = 0;
     double reflected = 0;
     constexpr int steps = 1000;
     for (int i = 0; i < steps; ++i) {
         const float cosine = (static_cast<float>(i) + 0.5f) / steps;
         const vantor::Vec3 in{std::sqrt(1 - cosine * cosine), 0, cosine};
-        density += 2 * M_PI * reflection.evaluate(out, in).density / steps;
+        pdf += 2 * M_PI * reflection.evaluate(out, in).pdf / steps;
         reflected += 2 * M_PI * reflection.evaluate(out, in).value.g * cosine / steps;
     }
-    EXPECT_NEAR(density, 1, 1e-6);
+    EXPECT_NEAR(pdf, 1, 1e-6);
     EXPECT_NEAR(reflected, 0.5, 1e-6);
 }
 

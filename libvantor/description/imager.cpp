@@ -1,0 +1,74 @@
+// Imager: where a picture goes, what it shows, and how it is made.
+#include "libvantor/description/imager.h"
+
+#include <cmath>
+
+namespace vantor {
+
+namespace {
+
+Display display_of(std::string_view word) {
+    return word == "linear" ? Display::Linear : word == "filmic" ? Display::Filmic : Display::Srgb;
+}
+
+Aov aov_of(std::string_view word) {
+    constexpr std::pair<std::string_view, Aov> known[] = {{"albedo", Aov::Albedo},      {"normal", Aov::Normal},
+                                                          {"depth", Aov::Depth},        {"position", Aov::Position},
+                                                          {"object_id", Aov::ObjectId}, {"variance", Aov::Variance}};
+    for (const auto &[name, what] : known)
+        if (name == word)
+            return what;
+    return Aov::Color;
+}
+
+// The widths are those at which the filters look about equally sharp.
+Filter filter_of(const Parameters &parameters) {
+    const std::string_view word = parameters.choice("filter");
+    Filter filter;
+    if (word == "box")
+        filter = {Filter::Kind::Box, 1};
+    else if (word == "gaussian")
+        filter = {Filter::Kind::Gaussian, 3};
+    else if (word == "blackman_harris")
+        filter = {Filter::Kind::BlackmanHarris, 4};
+    if (parameters.is_given("filter_width"))
+        filter.width = static_cast<float>(parameters.number("filter_width"));
+    return filter;
+}
+
+std::optional<FileImager> make_file_imager(const Parameters &parameters, const CallReport &report) {
+    const std::string path = parameters.text("name");
+    if (!has_known_format(path)) {
+        parameters.complain(
+            "name",
+            joined({quoted(path), " has no known ending (", known_endings, " are known); nothing will be written"}),
+            report);
+        return {};
+    }
+    const Aov aov = aov_of(parameters.choice("what"));
+    for (const std::string_view name : {"exposure", "display"})
+        if (aov != Aov::Color && parameters.is_given(name))
+            parameters.complain(name, R"(has an effect on "color" only)", report);
+    if (aov == Aov::Color && holds_floats(path) && parameters.is_given("display"))
+        parameters.complain("display", "has no effect on an .exr file, which is linear", report);
+    return FileImager{path,
+                      aov,
+                      static_cast<float>(std::exp2(parameters.number("exposure"))),
+                      display_of(parameters.choice("display")),
+                      filter_of(parameters),
+                      parameters.is_given("filter") || parameters.is_given("filter_width")};
+}
+
+} // namespace
+
+std::optional<Imager> make_imager(const Type &type, const Parameters &parameters, const CallReport &report) {
+    if (type.name == "settings")
+        return Settings{static_cast<std::uint32_t>(parameters.integer("seed")),
+                        static_cast<int>(parameters.integer("max_depth")),
+                        static_cast<float>(parameters.number("clamp")), parameters.is_on("final_gather")};
+    if (std::optional<FileImager> file = make_file_imager(parameters, report))
+        return std::move(*file);
+    return {};
+}
+
+} // namespace vantor

@@ -1,0 +1,58 @@
+// Imager: where a picture goes, what it shows, and how it is made.
+#pragma once
+
+#include "libvantor/images/files.h"
+#include "libvantor/parameters/reader.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace vantor {
+
+/// What a picture shows of each pixel. All but the object and the variance are filtered like the colour.
+enum class Aov {
+    Color,    ///< The radiance that arrives.
+    Albedo,   ///< The colour of the surface.
+    Normal,   ///< The shading normal in the world, on the side that is seen.
+    Depth,    ///< How far the surface is from where the ray starts.
+    Position, ///< Of the surface in the world.
+    ObjectId, ///< Of the first sample.
+    Variance, ///< Of the colour: how far off its mean over the samples is likely to be, squared.
+};
+inline constexpr std::size_t aov_count = 7;
+
+/// How samples are spread around the middle of a pixel.
+struct Filter {
+    enum class Kind { Tent, Box, Gaussian, BlackmanHarris };
+
+    Kind kind = Kind::Tent;
+    float width = 2; ///< From edge to edge, in pixels.
+
+    bool operator==(const Filter &) const = default;
+};
+
+struct FileImager {
+    std::string path; ///< Its ending is that of a known format.
+    Aov aov;
+    float scale;     ///< What the colour is multiplied by.
+    Display display; ///< How 8 bits are made of the colour.
+    Filter filter;
+    bool asks_for_filter; ///< Whether the script says anything about it.
+};
+
+/// How a pass is made.
+struct Settings {
+    std::uint32_t seed = 0; ///< Other numbers for every sample.
+    int max_bounces = 1000; ///< How often the direction of a path changes at most.
+    float clamp = 0;        ///< The radiance that one sample of indirect light has at most; 0 is no limit.
+    bool gathers = false;   ///< After radiosity: the first diffuse surface scatters light itself.
+};
+
+using Imager = std::variant<FileImager, Settings>;
+
+/// Nothing, after a diagnostic, if a file's path names no format.
+std::optional<Imager> make_imager(const Type &type, const Parameters &parameters, const CallReport &report);
+
+} // namespace vantor

@@ -1,0 +1,162 @@
+// Light: what shines, as the script described it.
+#include "libvantor/description/light.h"
+
+#include "libvantor/description/sky.h"
+#include "libvantor/images/reading.h"
+
+#include <numbers>
+
+namespace vantor {
+
+namespace {
+
+double radians(double degrees) { return degrees * std::numbers::pi / 180; }
+
+// One minus the cosine, without its loss of digits.
+double one_minus_cosine(double angle) {
+    const double sine = std::sin(0.5 * angle);
+    return 2 * sine * sine;
+}
+
+DistantLight distant_light(const VtVector3 &to_light, double diameter, Color irradiance, const VtTransform &transform) {
+    // Below this, floats do not tell the disk's directions apart.
+    constexpr double least_diameter = 1e-3;
+    VtVector3 in_world = transformed_direction(to_light, transform);
+    in_world.Normalize();
+    const double height = diameter < least_diameter ? 0.0 : one_minus_cosine(radians(0.5 * diameter));
+    return {to_float(in_world), static_cast<float>(height), irradiance};
+}
+
+DistantLight make_distant(const Parameters &parameters, const VtTransform &transform) {
+    const VtVector3 travels = parameters.vector("direction");
+    return distant_light({-travels[0], -travels[1], -travels[2]}, parameters.number("angle"),
+                         parameters.color("irradiance"), transform);
+}
+
+// What a transform does to directions has no size.
+Affine of_directions(const VtTransform &transform) {
+    VtTransform unmoved = transform;
+    for (int c = 0; c < 3; ++c)
+        unmoved[3][c] = 0;
+    const double size = std::cbrt(std::fabs(to_float(unmoved).determinant));
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 3; ++c)
+            unmoved[r][c] /= size;
+    return to_float(unmoved);
+}
+
+EnvironmentLight environment_of(Raster picture, Color scale, const VtTransform &transform) {
+    picture.alpha = {}; // nobody asks for it
+    return {std::make_shared<const Raster>(std::move(picture)), scale, of_directions(transform)};
+}
+
+// Values that are no radiance become 0. How many there were.
+long remove_unusable(std::vector<Color> &pixels) {
+    // Far beyond any light, and sums of as many as a picture may have stay finite.
+    constexpr float most = 1e18f;
+    long count = 0;
+    for (Color &c : pixels) {
+        bool is_good = true;
+        for (float *value : {&c.r, &c.g, &c.b})
+            if (!(*value >= 0 && *value <= most)) {
+                *value = 0;
+                is_good = false;
+            }
+        count += is_good ? 0 : 1;
+    }
+    return count;
+}
+
+EnvironmentLight make_environment(const Parameters &parameters, const VtTransform &transform,
+                                  const CallReport &report) {
+    const Color radiance = parameters.color("radiance");
+    const Raster constant{1, 1, {{1, 1, 1}}, {}};
+    if (!parameters.is_given("name"))
+        return environment_of(constant, radiance, transform);
+
+    const std::string path = parameters.text("name");
+    ReadPicture read = read_picture(path);
+    if (!read.raster) {
+        parameters.complain(
+            "name", joined({"is ", quoted(path), ", which cannot be read: ", read.why_not, " (the light is black)"}),
+            report);
+        return environment_of(constant, {}, transform);
+    }
+    if (const long count = remove_unusable(read.raster->pixels); count > 0)
+        parameters.complain("name",
+                            joined({"has ", counted(count, "pixel"),
+                                    " with values that are no radiance (0 to 1e18 are; they count as 0)"}),
+                            report);
+    return environment_of(std::move(*read.raster), radiance, transform);
+}
+
+SkyLight make_sky(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
+    VtVector3 to_sun = parameters.vector("sun_direction");
+    to_sun.Normalize();
+    bool has_sun = parameters.is_on("sun");
+    if (to_sun[1] < 0) {
+        parameters.complain("sun_direction", "is below the horizon (the sky is that of sunset, without the sun)",
+                            report);
+        has_sun = false;
+        to_sun[1] = 0;
+        // Straight below, any point of the horizon will do.
+        to_sun = to_sun.Length() > 0 ? to_sun : VtVector3(0, 0, -1);
+        to_sun.Normalize();
+    }
+    const SkyModel model(to_sun, parameters.number("turbidity"));
+    const auto scale = static_cast<float>(parameters.number("scale"));
+    SkyLight light{environment_of(sky_picture(model, to_sun, has_sun, parameters.color("ground_albedo")),
+                                  {scale, scale, scale}, transform),
+                   {}};
+    if (has_sun)
+        light.sun = distant_light(to_sun, sun_diameter, model.sun_irradiance() * scale, transform);
+    return light;
+}
+
+SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
+    const VtVector3 position = parameters.vector("position");
+    VtVector3 axis = parameters.vector("direction");
+    if (parameters.is_given("target")) {
+        const VtVector3 target = parameters.vector("target");
+        const VtVector3 to_target = difference(target, position);
+        if (to_target.Length() > 0)
+            axis = to_target;
+        else
+            parameters.complain("target", "is the light's position (\"direction\" counts)", report);
+        parameters.complain_beside("target", {"direction"}, report);
+    }
+    axis = transformed_direction(axis, transform);
+    axis.Normalize();
+
+    const double cutoff = parameters.number("cutoff_angle");
+    double beam = parameters.is_given("beam_width") ? parameters.number("beam_width") : 0.75 * cutoff;
+    if (beam > cutoff) {
+        parameters.complain(
+            "beam_width",
+            joined({"is ", text_of(beam), ", more than the cutoff_angle ", text_of(cutoff), " (which counts)"}),
+            report);
+        beam = cutoff;
+    }
+    return {to_float(transformed_point(position, transform)), to_float(axis), parameters.color("intensity"),
+            static_cast<float>(one_minus_cosine(radians(beam))), static_cast<float>(one_minus_cosine(radians(cutoff)))};
+}
+
+} // namespace
+
+Light make_light(const Type &type, const Parameters &parameters, const VtTransform &transform,
+                 const CallReport &report) {
+    if (type.name == "area")
+        return {AreaLight{parameters.color("radiance")}};
+    if (type.name == "distant")
+        return {make_distant(parameters, transform)};
+    if (type.name == "environment")
+        return {make_environment(parameters, transform, report)};
+    if (type.name == "sky")
+        return {make_sky(parameters, transform, report)};
+    if (type.name == "spot")
+        return {make_spot(parameters, transform, report)};
+    const VtVector3 position = transformed_point(parameters.vector("position"), transform);
+    return {PointLight{to_float(position), parameters.color("intensity")}};
+}
+
+} // namespace vantor

@@ -1,0 +1,158 @@
+// Pattern: what varies over surfaces, as the script described it.
+#include "libvantor/description/pattern.h"
+
+#include <cmath>
+
+namespace vantor {
+
+namespace {
+
+Vec3 factors_in(const Parameters &parameters, std::string_view name) { return to_float(parameters.vector(name)); }
+
+PatternSpace space_in(const Parameters &parameters) {
+    return parameters.choice("space") == "uv" ? PatternSpace::Uv : PatternSpace::Object;
+}
+
+Checker make_checker(const Parameters &parameters, const PatternFinder &find) {
+    return {color_or_pattern(parameters, "a", find), color_or_pattern(parameters, "b", find), space_in(parameters),
+            factors_in(parameters, "scale")};
+}
+
+Image make_image(const Parameters &parameters, TextureFile &file) {
+    const std::string_view space = parameters.choice("color_space");
+    const std::string_view wrap = parameters.choice("wrap");
+    const std::string_view filter = parameters.choice("filter");
+    const Vec3 scale = factors_in(parameters, "scale");
+    const Vec3 offset = to_float(parameters.vector("offset"));
+    return {file.texture(space == "srgb"     ? ColorSpace::Srgb
+                         : space == "linear" ? ColorSpace::Linear
+                                             : ColorSpace::AsFile),
+            wrap == "clamp"    ? Image::Wrap::Clamp
+            : wrap == "mirror" ? Image::Wrap::Mirror
+            : wrap == "black"  ? Image::Wrap::Black
+                               : Image::Wrap::Repeat,
+            filter == "nearest"     ? Image::Filter::Nearest
+            : filter == "trilinear" ? Image::Filter::Trilinear
+                                    : Image::Filter::Bilinear,
+            parameters.choice("channel") == "alpha",
+            {scale.x, scale.y},
+            {offset.x, offset.y}};
+}
+
+Noise make_noise(const Parameters &parameters, const PatternFinder &find) {
+    return {color_or_pattern(parameters, "a", find),
+            color_or_pattern(parameters, "b", find),
+            space_in(parameters),
+            factors_in(parameters, "scale"),
+            parameters.integer("octaves"),
+            static_cast<float>(parameters.number("lacunarity")),
+            static_cast<float>(parameters.number("gain"))};
+}
+
+Mix make_mix(const Parameters &parameters, const PatternFinder &find) {
+    const std::string_view mode = parameters.choice("mode");
+    return {color_or_pattern(parameters, "a", find), color_or_pattern(parameters, "b", find),
+            number_or_pattern(parameters, "amount", find),
+            mode == "multiply" ? Mix::Mode::Multiply
+            : mode == "add"    ? Mix::Mode::Add
+                               : Mix::Mode::Mix};
+}
+
+// The positions of so many colours: those that are given, if they can be used, or even ones from 0 to 1.
+std::vector<float> positions_in(const Parameters &parameters, std::size_t count, const CallReport &report) {
+    std::vector<float> positions;
+    if (parameters.is_given("positions")) {
+        positions = copied(parameters.double_array("positions"), [](double p) { return static_cast<float>(p); });
+        const auto is_usable = [](float p) { return std::fabs(p) <= 1e9f; };
+        if (positions.size() == count && std::ranges::all_of(positions, is_usable) && std::ranges::is_sorted(positions))
+            return positions;
+        parameters.complain("positions",
+                            joined({"is left out (", std::to_string(count),
+                                    " numbers are wanted, one for each colour, none below the one before)"}),
+                            report);
+        positions.clear();
+    }
+    const float steps = static_cast<float>(std::max<std::size_t>(count, 2) - 1);
+    for (std::size_t i = 0; i < count; ++i)
+        positions.push_back(static_cast<float>(i) / steps);
+    return positions;
+}
+
+std::optional<Gradient> make_gradient(const Parameters &parameters, const CallReport &report) {
+    const std::vector<Color> colors = copied(parameters.vector3_array("colors"), to_color);
+    const auto is_usable = [](Color c) {
+        return c.r >= 0 && c.g >= 0 && c.b >= 0 && largest_component(c) <= 1e18f && is_finite(c);
+    };
+    if (colors.empty() || !std::ranges::all_of(colors, is_usable)) {
+        parameters.complain("colors", "has no or unusable elements (colours, 0 or more, are wanted)", report);
+        return {};
+    }
+
+    const std::vector<float> positions = positions_in(parameters, colors.size(), report);
+    Gradient gradient{
+        {}, space_in(parameters), to_float(parameters.vector("origin")), to_float(parameters.vector("direction"))};
+    for (std::size_t i = 0; i < colors.size(); ++i)
+        gradient.stops.push_back({positions[i], colors[i]});
+    return gradient;
+}
+
+// How many patterns a kind is made of, each use counted.
+int parts_of(const Pattern *used) { return used ? used->parts : 0; }
+int parts_of(const Checker &checker) { return 1 + parts_of(checker.a.pattern) + parts_of(checker.b.pattern); }
+int parts_of(const Gradient &) { return 1; }
+int parts_of(const Image &) { return 1; }
+int parts_of(const Mix &mix) {
+    return 1 + parts_of(mix.a.pattern) + parts_of(mix.b.pattern) + parts_of(mix.amount.pattern);
+}
+int parts_of(const Noise &noise) { return 1 + parts_of(noise.a.pattern) + parts_of(noise.b.pattern); }
+
+template <class Kind> std::optional<Pattern> as_pattern(Kind kind, const CallReport &report) {
+    const int parts = parts_of(kind);
+    if (parts > most_parts) {
+        report.diagnostic(
+            joined({"the pattern is made of ", std::to_string(parts), " patterns, counting each use (up to ",
+                    std::to_string(most_parts), " are possible); it is left out"}));
+        return {};
+    }
+    return Pattern{std::move(kind), parts};
+}
+
+} // namespace
+
+const Pattern *pattern_in(const Parameters &parameters, std::string_view name, const PatternFinder &find) {
+    return parameters.is_pattern(name) ? find(name) : nullptr;
+}
+
+ColorOrPattern color_or_pattern(const Parameters &parameters, std::string_view name, const PatternFinder &find) {
+    const bool is_pattern = parameters.is_pattern(name);
+    return {to_color(is_pattern ? parameters.fallback(name) : parameters.vector(name)),
+            pattern_in(parameters, name, find)};
+}
+
+NumberOrPattern number_or_pattern(const Parameters &parameters, std::string_view name, const PatternFinder &find) {
+    const bool is_pattern = parameters.is_pattern(name);
+    return {static_cast<float>(is_pattern ? parameters.fallback(name)[0] : parameters.number(name)),
+            pattern_in(parameters, name, find)};
+}
+
+std::optional<Pattern> make_pattern(const Type &type, const Parameters &parameters, const PatternFinder &find,
+                                    const TextureFinder &find_texture, const CallReport &report) {
+    if (type.name == "checker")
+        return as_pattern(make_checker(parameters, find), report);
+    if (type.name == "mix")
+        return as_pattern(make_mix(parameters, find), report);
+    if (type.name == "noise")
+        return as_pattern(make_noise(parameters, find), report);
+    if (type.name == "image") {
+        TextureFile *file = find_texture("texture");
+        if (!file)
+            return {};
+        return as_pattern(make_image(parameters, *file), report);
+    }
+    std::optional<Gradient> gradient = make_gradient(parameters, report);
+    if (!gradient)
+        return {};
+    return as_pattern(std::move(*gradient), report);
+}
+
+} // namespace vantor

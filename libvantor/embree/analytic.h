@@ -1,0 +1,98 @@
+// Analytic: shapes of a few formulas, as Embree's user geometries.
+#pragma once
+
+#include "libvantor/description/object.h"
+#include "libvantor/embree/embree.h"
+#include "libvantor/shapes/canonical.h"
+
+#include <cmath>
+#include <limits>
+
+namespace vantor {
+
+/// What the callbacks get to see of a shape; has to outlive the geometry.
+template <Analytic Kind> struct PlacedShape {
+    const Kind *kind;
+    CanonicalMap map;      ///< From canonical space to that of the geometry's scene.
+    const Object *trimmed; ///< The object, if it is trimmed; the scene's space is its own then. Else null.
+};
+
+namespace callbacks {
+
+// The first crossing within the ray's reach, if there is one.
+template <Analytic Kind>
+bool find(const PlacedShape<Kind> &placed, RTCRayN *rays, unsigned n, unsigned i, Crossing &found) {
+    const Vec3 origin{RTCRayN_org_x(rays, n, i), RTCRayN_org_y(rays, n, i), RTCRayN_org_z(rays, n, i)};
+    const Vec3 direction{RTCRayN_dir_x(rays, n, i), RTCRayN_dir_y(rays, n, i), RTCRayN_dir_z(rays, n, i)};
+    for (const Crossing &crossing : crossings(*placed.kind, placed.map.ray_back(origin, direction))) {
+        // As Embree will see it.
+        const auto t = static_cast<float>(crossing.t);
+        if (t > RTCRayN_tnear(rays, n, i) && t <= RTCRayN_tfar(rays, n, i) &&
+            (!placed.trimmed || placed.trimmed->keeps(crossing.part, {}, origin + direction * t))) {
+            found = crossing;
+            return true;
+        }
+    }
+    return false;
+}
+
+// Formulas and Embree round differently, so the box has some padding; a flat shape's as well.
+inline RTCBounds padded(const std::array<Double3, 2> &box) {
+    const Vec3 low = to_float(box[0]);
+    const Vec3 high = to_float(box[1]);
+    const float padding = 1e-6f * std::max(largest_coordinate(low), largest_coordinate(high));
+    return {low.x - padding,  low.y - padding,  low.z - padding,  0,
+            high.x + padding, high.y + padding, high.z + padding, 0};
+}
+
+template <Analytic Kind> void bounds(const RTCBoundsFunctionArguments *arguments) {
+    const auto &placed = *static_cast<const PlacedShape<Kind> *>(arguments->geometryUserPtr);
+    *arguments->bounds_o = padded(bounds_of(*placed.kind, placed.map));
+}
+
+template <Analytic Kind> void intersect(const RTCIntersectFunctionNArguments *arguments) {
+    const auto &placed = *static_cast<const PlacedShape<Kind> *>(arguments->geometryUserPtr);
+    const unsigned n = arguments->N;
+    RTCRayN *rays = RTCRayHitN_RayN(arguments->rayhit, n);
+    RTCHitN *hits = RTCRayHitN_HitN(arguments->rayhit, n);
+    for (unsigned i = 0; i < n; ++i) {
+        Crossing crossing;
+        if (arguments->valid[i] == 0 || !find(placed, rays, n, i, crossing))
+            continue;
+        // In floats, the square of a normal of another length might overflow.
+        const Vec3 normal = to_float(unit(placed.map.normal(crossing.normal)));
+        RTCRayN_tfar(rays, n, i) = static_cast<float>(crossing.t);
+        RTCHitN_Ng_x(hits, n, i) = normal.x;
+        RTCHitN_Ng_y(hits, n, i) = normal.y;
+        RTCHitN_Ng_z(hits, n, i) = normal.z;
+        RTCHitN_u(hits, n, i) = 0;
+        RTCHitN_v(hits, n, i) = 0;
+        RTCHitN_primID(hits, n, i) = crossing.part;
+        RTCHitN_geomID(hits, n, i) = arguments->geomID;
+        RTCHitN_instID(hits, n, i, 0) = arguments->context->instID[0];
+    }
+}
+
+template <Analytic Kind> void occlude(const RTCOccludedFunctionNArguments *arguments) {
+    const auto &placed = *static_cast<const PlacedShape<Kind> *>(arguments->geometryUserPtr);
+    for (unsigned i = 0; i < arguments->N; ++i) {
+        Crossing crossing;
+        // Embree marks a blocked way by a negative end.
+        if (arguments->valid[i] != 0 && find(placed, arguments->ray, arguments->N, i, crossing))
+            RTCRayN_tfar(arguments->ray, arguments->N, i) = -std::numeric_limits<float>::infinity();
+    }
+}
+
+} // namespace callbacks
+
+/// Makes the user geometry the shape.
+template <Analytic Kind> void set_callbacks(RTCGeometry geometry, const PlacedShape<Kind> &placed) {
+    rtcSetGeometryUserPrimitiveCount(geometry, 1);
+    // Embree's parameter has no const, but nothing writes.
+    rtcSetGeometryUserData(geometry, const_cast<PlacedShape<Kind> *>(&placed));
+    rtcSetGeometryBoundsFunction(geometry, callbacks::bounds<Kind>, nullptr);
+    rtcSetGeometryIntersectFunction(geometry, callbacks::intersect<Kind>);
+    rtcSetGeometryOccludedFunction(geometry, callbacks::occlude<Kind>);
+}
+
+} // namespace vantor

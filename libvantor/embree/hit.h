@@ -1,0 +1,48 @@
+// Hit: where a ray meets a surface; and what can be asked of the tracer besides.
+#pragma once
+
+#include "libvantor/base/numbers.h"
+#include "libvantor/base/random.h"
+
+#include <cstdint>
+
+namespace vantor {
+
+/// The way from a point to from + reach * direction. The direction has any length.
+struct Segment {
+    Vec3 from;
+    Vec3 direction;
+    float reach;
+};
+
+/// Whether Embree can follow a ray: with assertions it ends the process at one that is not finite, or that reaches
+/// 1.8e18 anywhere, also in the space of an object whose scale is 1e-8. Both lengths may be 5e9, which is beyond all
+/// corners of the world. One sum is tested instead of six numbers, which is quicker.
+inline bool is_traceable(Vec3 from, Vec3 direction) { return dot(from, from) + dot(direction, direction) <= 2.5e19f; }
+
+struct Hit {
+    bool exists;    ///< Whether the ray meets anything; the rest is meaningless otherwise.
+    float distance; ///< From the ray's origin.
+    Vec3 point;
+    Vec3 geometric_normal; ///< Unit length, on the front side of the surface.
+    Vec3 shading_normal;   ///< Unit length, on the same side; interpolated where a mesh has normals.
+    float clearance;       ///< How far from the point the rounding of its coordinates may reach.
+    std::uint32_t placement;
+    std::uint32_t instance;  ///< Which of the placement's instances, where it has any; 0 otherwise.
+    std::uint32_t primitive; ///< A triangle or parallelogram of the object.
+    Point2f on_primitive;    ///< Embree's coordinates of the point on it.
+
+    /// Where a ray starts that leaves towards the direction: off the surface, so that it does not hit it again.
+    Vec3 origin_towards(Vec3 direction) const {
+        return point + geometric_normal * std::copysign(clearance, dot(geometric_normal, direction));
+    }
+};
+
+/// The rounding error of lengths. Some thirty units in the last place, of which tracing needs a few: larger loses
+/// contact shadows, smaller lets surfaces shadow themselves.
+inline constexpr float rounding = 4e-6f;
+
+/// The rounding error of a point that was computed at that distance from a ray's origin.
+inline float clearance_of(Vec3 point, float distance) { return rounding * (largest_coordinate(point) + distance); }
+
+} // namespace vantor

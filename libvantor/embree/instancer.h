@@ -1,0 +1,132 @@
+// Instancer: many instances of one object, as one of Embree's user geometries.
+#pragma once
+
+#include "libvantor/description/instance.h"
+#include "libvantor/embree/embree.h"
+
+#include <limits>
+#include <vector>
+
+namespace vantor {
+
+/// What the callbacks get to see; has to outlive the geometry. A place takes 48 bytes here and some 90 in Embree.
+struct Instancer {
+    /// Back from a place.
+    struct Inverse {
+        Linear linear;
+        Vec3 offset; ///< Of the map from the object.
+
+        /// Of normals, from the object: the transposed inverse.
+        Linear normals() const { return transposed(linear); }
+    };
+
+    RTCScene scene; ///< Of the object.
+    Vec3 low;       ///< The corners of a box around it.
+    Vec3 high;
+    const std::vector<Instance> *instances;
+    VtTransform world_from_object;
+    std::vector<Inverse> inverses{}; ///< Of each place.
+};
+
+namespace callbacks {
+
+// A box around the box of the object. Places without a usable inverse have no bounds; Embree then leaves them out.
+inline void bounds_of_instance(const RTCBoundsFunctionArguments *arguments) {
+    const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
+    const Instancer::Inverse &inverse = instancer.inverses[arguments->primID];
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    const Linear &back = inverse.linear;
+    if (!is_finite(back.row0 + back.row1 + back.row2)) {
+        *arguments->bounds_o = {infinity, infinity, infinity, 0, -infinity, -infinity, -infinity, 0};
+        return;
+    }
+    const Affine map =
+        to_float(composed((*instancer.instances)[arguments->primID].transform(), instancer.world_from_object));
+    const Vec3 middle = map.point((instancer.low + instancer.high) * 0.5f);
+    const Vec3 half = (instancer.high - instancer.low) * 0.5f;
+    const auto [x, y, z] = map.linear;
+    const auto extent = [&](float a, float b, float c) {
+        return std::fabs(a) * half.x + std::fabs(b) * half.y + std::fabs(c) * half.z;
+    };
+    Vec3 reach{extent(x.x, y.x, z.x), extent(x.y, y.y, z.y), extent(x.z, y.z, z.z)};
+    // Rays are rounded on their way into the object.
+    const float padding = 2e-6f * (largest_coordinate(middle) + largest_coordinate(reach));
+    reach = reach + Vec3{padding, padding, padding};
+    const Vec3 low = middle - reach;
+    const Vec3 high = middle + reach;
+    *arguments->bounds_o = {low.x, low.y, low.z, 0, high.x, high.y, high.z, 0};
+}
+
+inline RTCRay ray_into(const Instancer::Inverse &inverse, RTCRayN *rays, unsigned n, unsigned i) {
+    const Vec3 origin = inverse.linear(
+        Vec3{RTCRayN_org_x(rays, n, i), RTCRayN_org_y(rays, n, i), RTCRayN_org_z(rays, n, i)} - inverse.offset);
+    const Vec3 direction =
+        inverse.linear({RTCRayN_dir_x(rays, n, i), RTCRayN_dir_y(rays, n, i), RTCRayN_dir_z(rays, n, i)});
+    RTCRay ray;
+    ray.org_x = origin.x;
+    ray.org_y = origin.y;
+    ray.org_z = origin.z;
+    ray.tnear = RTCRayN_tnear(rays, n, i);
+    ray.dir_x = direction.x;
+    ray.dir_y = direction.y;
+    ray.dir_z = direction.z;
+    ray.time = 0;
+    ray.tfar = RTCRayN_tfar(rays, n, i);
+    ray.mask = ~0u;
+    ray.id = 0;
+    ray.flags = 0;
+    return ray;
+}
+
+// A hit has the place where others have the geometry, and the geometry where others have the instance.
+inline void intersect_place(const RTCIntersectFunctionNArguments *arguments) {
+    const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
+    const unsigned n = arguments->N;
+    RTCRayN *rays = RTCRayHitN_RayN(arguments->rayhit, n);
+    RTCHitN *hits = RTCRayHitN_HitN(arguments->rayhit, n);
+    for (unsigned i = 0; i < n; ++i) {
+        if (arguments->valid[i] == 0)
+            continue;
+        RTCRayHit inner{};
+        inner.ray = ray_into(instancer.inverses[arguments->primID], rays, n, i);
+        inner.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+        inner.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
+        intersect_within(instancer.scene, arguments->context, inner);
+        if (inner.hit.geomID == RTC_INVALID_GEOMETRY_ID)
+            continue;
+        RTCRayN_tfar(rays, n, i) = inner.ray.tfar;
+        RTCHitN_Ng_x(hits, n, i) = inner.hit.Ng_x;
+        RTCHitN_Ng_y(hits, n, i) = inner.hit.Ng_y;
+        RTCHitN_Ng_z(hits, n, i) = inner.hit.Ng_z;
+        RTCHitN_u(hits, n, i) = inner.hit.u;
+        RTCHitN_v(hits, n, i) = inner.hit.v;
+        RTCHitN_primID(hits, n, i) = inner.hit.primID;
+        RTCHitN_geomID(hits, n, i) = arguments->primID;
+        RTCHitN_instID(hits, n, i, 0) = arguments->geomID;
+    }
+}
+
+inline void occlude_place(const RTCOccludedFunctionNArguments *arguments) {
+    const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
+    for (unsigned i = 0; i < arguments->N; ++i) {
+        if (arguments->valid[i] == 0)
+            continue;
+        RTCRay inner = ray_into(instancer.inverses[arguments->primID], arguments->ray, arguments->N, i);
+        occlude_within(instancer.scene, arguments->context, inner);
+        if (inner.tfar < 0)
+            RTCRayN_tfar(arguments->ray, arguments->N, i) = -std::numeric_limits<float>::infinity();
+    }
+}
+
+} // namespace callbacks
+
+/// Makes the user geometry the object at all its instances, whose bounds are asked for when the scene is committed.
+inline void set_callbacks(RTCGeometry geometry, Instancer &instancer) {
+    rtcSetGeometryUserPrimitiveCount(geometry, static_cast<unsigned>(instancer.inverses.size()));
+    rtcSetGeometryUserData(geometry, &instancer);
+    rtcSetGeometryBoundsFunction(geometry, callbacks::bounds_of_instance, nullptr);
+    rtcSetGeometryIntersectFunction(geometry, callbacks::intersect_place);
+    rtcSetGeometryOccludedFunction(geometry, callbacks::occlude_place);
+}
+
+} // namespace vantor

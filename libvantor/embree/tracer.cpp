@@ -1,0 +1,230 @@
+// Tracer: rays against everything that is placed.
+#include "libvantor/embree/tracer.h"
+
+#include "libvantor/embree/builder.h"
+#include "libvantor/embree/embree.h"
+#include "libvantor/embree/instancer.h"
+
+#include <limits>
+#include <type_traits>
+
+namespace vantor {
+
+namespace {
+
+constexpr float infinity = std::numeric_limits<float>::infinity();
+
+// Rays go to Embree in packets, as wide as the processor takes at once: 16, or else 8. Narrower ones are not worth it.
+template <class Rays> constexpr std::size_t width_of = std::extent_v<decltype(Rays::tfar)>;
+
+template <class Rays> void set_ray(Rays &packet, std::size_t lane, Vec3 from, Vec3 direction, float reach) {
+    packet.org_x[lane] = from.x;
+    packet.org_y[lane] = from.y;
+    packet.org_z[lane] = from.z;
+    packet.dir_x[lane] = direction.x;
+    packet.dir_y[lane] = direction.y;
+    packet.dir_z[lane] = direction.z;
+    packet.tnear[lane] = 0;
+    packet.tfar[lane] = reach;
+    packet.time[lane] = 0;
+    packet.mask[lane] = ~0u;
+    packet.id[lane] = 0;
+    packet.flags[lane] = 0;
+}
+
+// Which lanes of a packet are in use: -1 if so, 0 if not. Embree wants it aligned like the packet.
+template <std::size_t width> struct alignas(4 * width) Mask {
+    int lanes[width];
+
+    explicit Mask(std::size_t used) {
+        for (std::size_t i = 0; i < width; ++i)
+            lanes[i] = i < used ? -1 : 0;
+    }
+};
+
+// Whether Embree's normal follows the order of corners.
+struct HasWinding {
+    template <class Kind> bool operator()(const Kind &) const { return true; }
+    bool operator()(const Sphere &) const { return false; }
+    template <Analytic Kind> bool operator()(const Kind &) const { return false; }
+};
+
+Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float u, float v) {
+    const TriangleMesh::Triangle &corners = mesh.triangles[triangle];
+    return mesh.normals[corners[0]] * (1 - u - v) + mesh.normals[corners[1]] * u + mesh.normals[corners[2]] * v;
+}
+
+// Of a ribbon that is turned towards the ray: across the tangent, in the plane of both. Tangents go by the map of
+// directions, which is, but for its scale, that of the cofactors of the map of normals. The turn is one in the world;
+// the normal is the one in the object that is mapped to it.
+Vec3 facing_normal(const Linear &normals, Vec3 tangent, Vec3 direction) {
+    const Linear directions{cross(normals.row1, normals.row2), cross(normals.row2, normals.row0),
+                            cross(normals.row0, normals.row1)};
+    const Vec3 any_length = directions(tangent);
+    const Vec3 along = any_length * (1 / largest_coordinate(any_length));
+    const Vec3 facing = along * dot(along, direction) - direction * dot(along, along);
+    return Vec3{dot(directions.row0, facing), dot(directions.row1, facing), dot(directions.row2, facing)} *
+           (1 / dot(directions.row0, normals.row0));
+}
+
+Vec3 sizes(Vec3 v) { return {std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)}; }
+
+// Rays meet an instance in the space of its object, where coordinates may be far larger than in the world: how far
+// along the normal of a hit, in the world, their rounding may reach. The normal is given in the object, and as it is
+// mapped.
+float clearance_in_object(const Linear &normals, Vec3 offset, const Ray &ray, Vec3 point, Vec3 normal, Vec3 mapped) {
+    const Vec3 from = sizes(ray.origin - offset);
+    const Vec3 to = sizes(point - offset);
+    const Vec3 reach{std::max(from.x, to.x), std::max(from.y, to.y), std::max(from.z, to.z)};
+    // The map of normals is the transposed one of points back into the object: what is summed there for each
+    // coordinate.
+    const Vec3 in_object{dot(sizes(normals.row0), reach), dot(sizes(normals.row1), reach),
+                         dot(sizes(normals.row2), reach)};
+    const float size = largest_coordinate(mapped);
+    return rounding * dot(sizes(normal), in_object) / (size * length(mapped * (1 / size)));
+}
+
+} // namespace
+
+std::optional<Tracer> Tracer::build(std::span<const Placement> placements, const Interrupt &interrupt) {
+    std::unique_ptr<const BuiltScene> scene = build_scene(placements, interrupt);
+    if (!scene)
+        return {};
+    return Tracer(std::move(scene), placements);
+}
+
+Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placement> placements)
+    : built(std::move(scene)),
+      has_wide_packets(rtcGetDeviceProperty(built->device.get(), RTC_DEVICE_PROPERTY_NATIVE_RAY16_SUPPORTED) != 0) {
+    decodings.reserve(placements.size());
+    for (std::size_t i = 0; i < placements.size(); ++i) {
+        const Placement &placement = placements[i];
+        const Affine world_from_object = to_float(placement.world_from_object);
+        const auto *mesh = std::get_if<TriangleMesh>(&placement.object->shape);
+        const auto *curves = std::get_if<Curves>(&placement.object->shape);
+        const bool is_instance = built->is_instance[i];
+        const bool has_winding = std::visit(HasWinding(), placement.object->shape);
+        const bool is_turned = !is_instance && has_winding && world_from_object.determinant < 0;
+        decodings.push_back({mesh && !mesh->normals.empty() ? mesh : nullptr, world_from_object.normals,
+                             world_from_object.offset, is_turned ? -1.0f : 1.0f, is_instance,
+                             curves && !curves->are_tubes, built->instancer[i],
+                             std::visit([](const auto &kind) { return halvings_of<std::decay_t<decltype(kind)>>; },
+                                        placement.object->shape)});
+    }
+}
+
+Tracer::~Tracer() = default;
+Tracer::Tracer(Tracer &&) noexcept = default;
+
+template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t lane, const Ray &ray) const {
+    Hit hit;
+    hit.exists = packet.hit.geomID[lane] != RTC_INVALID_GEOMETRY_ID;
+    if (!hit.exists)
+        return hit;
+    const float distance = packet.ray.tfar[lane];
+    hit.distance = distance;
+    const unsigned instance = packet.hit.instID[0][lane];
+    hit.placement = instance != RTC_INVALID_GEOMETRY_ID ? instance : packet.hit.geomID[lane];
+    hit.point = ray.origin + ray.direction * distance;
+    hit.clearance = clearance_of(hit.point, distance);
+
+    // Embree's normal follows the winding and has any length.
+    const Decoding &decoding = decodings[hit.placement];
+    hit.primitive = packet.hit.primID[lane] >> decoding.halvings;
+    hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
+    Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
+    hit.instance = decoding.instancer ? packet.hit.geomID[lane] : 0;
+    const Instancer::Inverse *inverse = decoding.instancer ? &decoding.instancer->inverses[hit.instance] : nullptr;
+    if (decoding.is_instance) {
+        const Linear normals = inverse ? inverse->normals() : decoding.normals;
+        const Vec3 in_object = decoding.faces_rays ? facing_normal(normals, normal, ray.direction) : normal;
+        normal = normals(in_object);
+        const Vec3 offset = inverse ? inverse->offset : decoding.offset;
+        hit.clearance += clearance_in_object(normals, offset, ray, hit.point, in_object, normal);
+    }
+    if (!has_direction(normal)) {
+        // Twice the area of a triangle: of one that a transform has made tiny or huge, floats cannot hold the square.
+        normal = normal * (1 / largest_coordinate(normal));
+        // What has shrunk to nothing has no side.
+        if (!has_direction(normal)) {
+            hit.exists = false;
+            return hit;
+        }
+    }
+    hit.geometric_normal = normal * (decoding.front / length(normal));
+    hit.shading_normal = hit.geometric_normal;
+
+    if (decoding.smooth) {
+        const Linear normals = inverse ? inverse->normals() : decoding.normals;
+        const Vec3 smooth =
+            normals(interpolated_normal(*decoding.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
+        // Opposite normals at the corners may cancel; the flat normal then stands.
+        if (has_direction(smooth))
+            hit.shading_normal = normalized(smooth) * std::copysign(1.0f, dot(smooth, hit.geometric_normal));
+    }
+    return hit;
+}
+
+void Tracer::intersect(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
+    if (has_wide_packets)
+        intersect_in_packets<RTCRayHit16>(rays, are_coherent, hits);
+    else
+        intersect_in_packets<RTCRayHit8>(rays, are_coherent, hits);
+}
+
+template <class Packet>
+void Tracer::intersect_in_packets(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
+    constexpr std::size_t width = width_of<decltype(Packet::ray)>;
+    RayQuery query(are_coherent);
+
+    // Lanes that are not in use are looked at all the same, so they hold numbers.
+    Packet packet{};
+    for (std::size_t first = 0; first < rays.size(); first += width) {
+        const std::size_t used = std::min(width, rays.size() - first);
+        for (std::size_t lane = 0; lane < used; ++lane) {
+            set_ray(packet.ray, lane, rays[first + lane].origin, rays[first + lane].direction, infinity);
+            packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
+            packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
+        }
+        query.intersect(Mask<width>(used).lanes, built->top.get(), packet);
+        for (std::size_t lane = 0; lane < used; ++lane)
+            hits[first + lane] = decoded(packet, lane, rays[first + lane]);
+    }
+}
+
+void Tracer::occluded(std::span<const Segment> ways, std::span<char> are_occluded) const {
+    if (has_wide_packets)
+        occluded_in_packets<RTCRay16>(ways, are_occluded);
+    else
+        occluded_in_packets<RTCRay8>(ways, are_occluded);
+}
+
+template <class Packet>
+void Tracer::occluded_in_packets(std::span<const Segment> ways, std::span<char> are_occluded) const {
+    constexpr std::size_t width = width_of<Packet>;
+    RayQuery query(false);
+
+    Packet packet{};
+    for (std::size_t first = 0; first < ways.size(); first += width) {
+        const std::size_t used = std::min(width, ways.size() - first);
+        for (std::size_t lane = 0; lane < used; ++lane) {
+            const Segment &way = ways[first + lane];
+            set_ray(packet, lane, way.from, way.direction, way.reach);
+        }
+        query.occlude(Mask<width>(used).lanes, built->top.get(), packet);
+        // Embree marks a blocked way by a negative end.
+        for (std::size_t lane = 0; lane < used; ++lane)
+            are_occluded[first + lane] = packet.tfar[lane] < 0 ? 1 : 0;
+    }
+}
+
+float Tracer::radius() const {
+    RTCBounds bounds;
+    rtcGetSceneBounds(built->top.get(), &bounds);
+    const Vec3 diagonal{bounds.upper_x - bounds.lower_x, bounds.upper_y - bounds.lower_y,
+                        bounds.upper_z - bounds.lower_z};
+    // The bounds of an empty scene are inside out.
+    return diagonal.x >= 0 ? 0.5f * length(diagonal) : 0.0f;
+}
+
+} // namespace vantor

@@ -1,0 +1,49 @@
+// OpenEXR files, by its library.
+#include "libvantor/images/formats.h"
+
+#include <ImfChannelList.h>
+#include <ImfFrameBuffer.h>
+#include <ImfHeader.h>
+#include <ImfStandardAttributes.h>
+#include <ImfStdIO.h>
+#include <ImfTiledOutputFile.h>
+
+namespace vantor {
+
+static_assert(sizeof(Color) == 3 * sizeof(float), "files are written straight from the pixels");
+
+std::string exr_file(const Picture &picture, float scale, const std::string &comment) {
+    std::vector<Color> scaled;
+    if (scale != 1) {
+        scaled.reserve(picture.pixels.size());
+        for (const Color c : picture.pixels)
+            scaled.push_back(c * scale);
+    }
+
+    // The library wants bounds that include the last pixel.
+    const PixelArea &window = picture.window;
+    const Imath::Box2i display({0, 0}, {picture.full_width - 1, picture.full_height - 1});
+    const Imath::Box2i data({window.x0, window.y0}, {window.x1 - 1, window.y1 - 1});
+    Imf::Header header(display, data);
+    header.compression() = Imf::ZIP_COMPRESSION;
+    header.setTileDescription(Imf::TileDescription(64, 64, Imf::ONE_LEVEL));
+    Imf::addComments(header, comment);
+
+    const char *names[] = {"R", "G", "B"};
+    const float *values = &(scale != 1 ? scaled : picture.pixels)[0].r;
+    Imf::FrameBuffer frame;
+    for (int i = 0; i < 3; ++i) {
+        header.channels().insert(names[i], Imf::Channel(Imf::FLOAT));
+        frame.insert(names[i], Imf::Slice::Make(Imf::FLOAT, values + i, data, sizeof(Color),
+                                                sizeof(Color) * static_cast<std::size_t>(window.width())));
+    }
+    Imf::StdOSStream stream;
+    {
+        Imf::TiledOutputFile file(stream, header, 0);
+        file.setFrameBuffer(frame);
+        file.writeTiles(0, file.numXTiles() - 1, 0, file.numYTiles() - 1);
+    }
+    return stream.str();
+}
+
+} // namespace vantor

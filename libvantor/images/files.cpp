@@ -1,0 +1,183 @@
+// Picture files: which format a path means, and writing them whole or not at all.
+#include "libvantor/images/files.h"
+
+#include "libvantor/base/report.h"
+#include "libvantor/images/formats.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace vantor {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+enum class Format { Unknown, Png, Jpeg, Tiff, Exr };
+
+Format format_of(const std::string &path) {
+    std::string ending = fs::path(path).extension().string();
+    for (char &c : ending)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    constexpr std::pair<std::string_view, Format> endings[] = {{".png", Format::Png},   {".jpg", Format::Jpeg},
+                                                               {".jpeg", Format::Jpeg}, {".tif", Format::Tiff},
+                                                               {".tiff", Format::Tiff}, {".exr", Format::Exr}};
+    for (const auto &[known, format] : endings)
+        if (ending == known)
+            return format;
+    return Format::Unknown;
+}
+
+[[noreturn]] void throw_errno(int number) { throw std::system_error(number, std::generic_category()); }
+
+// A symbolic link stays one: the file that it names is replaced, or made if there is none yet.
+fs::path resolved(const std::string &path) {
+    constexpr int most_links = 40; // As many as Linux follows.
+    fs::path target = path;
+    for (int links = 0; links < most_links; ++links) {
+        std::error_code failed;
+        if (!fs::is_symlink(target, failed))
+            return target;
+        target = target.parent_path() / fs::read_symlink(target);
+    }
+    throw_errno(ELOOP);
+}
+
+// A new file of a name of its own beside the target, removed again unless it replaces the target. Beside it, because a
+// rename is one step only within a file system.
+class TemporaryFile {
+  public:
+    explicit TemporaryFile(fs::path final_path) : target(std::move(final_path)) {
+        static std::atomic<unsigned> number = 0;
+        constexpr mode_t everything = 0777;
+        struct stat replaced;
+        const bool replaces = stat(target.c_str(), &replaced) == 0;
+        const mode_t mode = replaces ? replaced.st_mode & everything : 0666;
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            // Hidden, and with the process in its name, so that processes do not meet. Short, as the target's own name
+            // may be as long as a name can be.
+            fs::path candidate = target;
+            candidate.replace_filename(joined({".vantor.", std::to_string(getpid()), ".", std::to_string(number++)}));
+            descriptor = open(candidate.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode);
+            if (descriptor >= 0) {
+                name = std::move(candidate);
+                // What the process's mask took away. Not every file system has modes; it then keeps the few it has.
+                if (replaces)
+                    static_cast<void>(fchmod(descriptor, mode));
+                return;
+            }
+            if (errno != EEXIST)
+                throw_errno(errno);
+        }
+        throw_errno(EEXIST);
+    }
+    ~TemporaryFile() {
+        if (descriptor >= 0)
+            close(descriptor);
+        if (!name.empty())
+            unlink(name.c_str());
+    }
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+
+    void write(std::string_view bytes) {
+        while (!bytes.empty()) {
+            const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+            if (count >= 0)
+                bytes.remove_prefix(static_cast<std::size_t>(count));
+            else if (errno != EINTR)
+                throw_errno(errno);
+        }
+    }
+
+    void replace_target() {
+        // Some file systems tell only now that there was no room.
+        if (close(std::exchange(descriptor, -1)) != 0)
+            throw_errno(errno);
+        if (std::rename(name.c_str(), target.c_str()) != 0)
+            throw_errno(errno);
+        name.clear();
+    }
+
+  private:
+    fs::path target;
+    fs::path name;
+    int descriptor = -1;
+};
+
+// The values as they are shown, in 8 bits.
+BytePicture bytes_of(const Picture &picture, float scale, Display display) {
+    BytePicture result{picture.window.width(), picture.window.height(), {}};
+    result.bytes.reserve(3 * picture.pixels.size());
+    for (const Color &c : picture.pixels)
+        for (const float value : {c.r, c.g, c.b})
+            result.bytes.push_back(shown(value * scale, display));
+    return result;
+}
+
+std::string file_of(const Picture &picture, const FileForm &form, Format format) {
+    if (format == Format::Exr)
+        return exr_file(picture, form.scale, form.comment);
+    const BytePicture bytes = bytes_of(picture, form.scale, form.display);
+    switch (format) {
+    case Format::Jpeg:
+        return jpeg_file(bytes, form.comment);
+    case Format::Tiff:
+        return tiff_file(bytes, form.comment);
+    default:
+        return png_file(bytes, form.comment);
+    }
+}
+
+} // namespace
+
+bool has_known_format(const std::string &path) { return format_of(path) != Format::Unknown; }
+bool holds_floats(const std::string &path) { return format_of(path) == Format::Exr; }
+
+std::string why_unwritable(const std::string &path, int width, int height) {
+    if (format_of(path) == Format::Jpeg && std::max(width, height) > largest_jpeg_side)
+        return joined({"a JPEG file has at most ", std::to_string(largest_jpeg_side), " pixels a side"});
+    try {
+        const fs::path target = resolved(path);
+        struct stat found;
+        if (stat(target.c_str(), &found) == 0) {
+            if (S_ISDIR(found.st_mode))
+                return std::strerror(EISDIR);
+            if (!S_ISREG(found.st_mode))
+                return "Not a regular file";
+            if (access(target.c_str(), W_OK) != 0)
+                return std::strerror(errno);
+        } else if (errno != ENOENT) {
+            return std::strerror(errno);
+        }
+        const TemporaryFile trial(target);
+        return {};
+    } catch (const std::system_error &error) {
+        return error.code().message();
+    }
+}
+
+std::string write_picture(const Picture &picture, const FileForm &form, const std::string &path) {
+    try {
+        const std::string bytes = file_of(picture, form, format_of(path));
+        TemporaryFile file(resolved(path));
+        file.write(bytes);
+        file.replace_target();
+        return {};
+    } catch (const std::system_error &error) {
+        return error.code().message();
+    } catch (const std::exception &error) {
+        return error.what();
+    }
+}
+
+} // namespace vantor

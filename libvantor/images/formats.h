@@ -1,0 +1,46 @@
+// Formats: pixels as the bytes of a file, each format by its own library.
+#pragma once
+
+#include "libvantor/images/picture.h"
+
+#include <string>
+
+namespace vantor {
+
+/// Three bytes a pixel, row after row from the top.
+struct BytePicture {
+    int width;
+    int height;
+    std::vector<std::uint8_t> bytes;
+};
+
+// The whole file, in memory: libraries write their last bytes when a file is closed, and not all of them tell whether
+// that failed. The comment is ASCII. What goes wrong is thrown as a std::exception.
+
+/// Deflated, with the comment as the text "Comment".
+std::string png_file(const BytePicture &picture, const std::string &comment);
+
+/// Quality 95, the colours in full resolution.
+std::string jpeg_file(const BytePicture &picture, const std::string &comment);
+
+/// Deflated, with the comment as the image's description.
+std::string tiff_file(const BytePicture &picture, const std::string &comment);
+
+/// Floats in tiles of 64 x 64, deflated, every value multiplied by the scale. The display window is the whole picture,
+/// the data window the picture's window; the comment is the attribute "comments".
+std::string exr_file(const Picture &picture, float scale, const std::string &comment);
+
+/// The largest width and height that a JPEG file can have.
+inline constexpr int largest_jpeg_side = 65500;
+
+/// For the callbacks of C libraries, through which nothing may be thrown: false if there is no memory.
+inline bool append(std::string &file, const void *bytes, std::size_t count) noexcept {
+    try {
+        file.append(static_cast<const char *>(bytes), count);
+        return true;
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
+} // namespace vantor

@@ -1,0 +1,120 @@
+// Reading JPEG files, by libjpeg.
+#include "libvantor/images/readers.h"
+
+#include <cerrno>
+#include <csetjmp>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+#include <system_error>
+#include <vector>
+
+// After <cstdio>, whose types they use without including it.
+#include <jpeglib.h>
+
+#include <jerror.h>
+
+namespace vantor {
+
+namespace {
+
+// A JPEG file that is being read. As the library leaves a failure by longjmp, its functions are called where no object
+// has to be destroyed on the way.
+class JpegReader {
+  public:
+    explicit JpegReader(const std::string &path) : file(std::fopen(path.c_str(), "rb")) {
+        if (!file)
+            throw std::system_error(errno, std::generic_category());
+        info.client_data = this;
+        info.err = jpeg_std_error(&errors);
+        errors.error_exit = on_error;
+        errors.emit_message = on_message;
+    }
+    ~JpegReader() {
+        jpeg_destroy_decompress(&info);
+        std::fclose(file);
+    }
+    JpegReader(const JpegReader &) = delete;
+    JpegReader &operator=(const JpegReader &) = delete;
+
+    void read_header() {
+        if (!try_header())
+            throw std::runtime_error(message);
+    }
+    void begin() {
+        if (!try_begin())
+            throw std::runtime_error(message);
+    }
+    void read_row(std::vector<JSAMPLE> &row) {
+        if (!try_row(row.data()))
+            throw std::runtime_error(message);
+    }
+    JDIMENSION width() const { return info.image_width; }
+    JDIMENSION height() const { return info.image_height; }
+
+  private:
+    bool try_header() {
+        if (setjmp(back) != 0)
+            return false;
+        jpeg_create_decompress(&info);
+        jpeg_stdio_src(&info, file);
+        jpeg_read_header(&info, TRUE);
+        info.out_color_space = JCS_RGB;
+        return true;
+    }
+    bool try_begin() {
+        if (setjmp(back) != 0)
+            return false;
+        jpeg_start_decompress(&info);
+        return true;
+    }
+    bool try_row(JSAMPROW row) {
+        if (setjmp(back) != 0)
+            return false;
+        jpeg_read_scanlines(&info, &row, 1);
+        return true;
+    }
+    [[noreturn]] static void on_error(jpeg_common_struct *info) {
+        auto *reader = static_cast<JpegReader *>(info->client_data);
+        info->err->format_message(info, reader->message);
+        std::longjmp(reader->back, 1);
+    }
+    // What else is wrong with a file leaves a picture; the library would go on with grey where a file ends too soon.
+    static void on_message(jpeg_common_struct *info, int) {
+        if (info->err->msg_code == JWRN_JPEG_EOF)
+            on_error(info);
+    }
+
+    std::FILE *file;
+    jpeg_decompress_struct info{};
+    jpeg_error_mgr errors{};
+    std::jmp_buf back{};
+    char message[JMSG_LENGTH_MAX] = {};
+};
+
+} // namespace
+
+Raster read_jpeg(const std::string &path, long file_size) {
+    const auto reader = std::make_unique<JpegReader>(path);
+    reader->read_header();
+    const long width = reader->width();
+    const long height = reader->height();
+    check_size(width, height);
+    // A bit for each block of 8 x 8 pixels is little even for arithmetic coding.
+    if (width * height / 64 / 64 > file_size)
+        refuse_as_too_short();
+
+    reader->begin();
+    const std::array<float, 256> &decoded = linear_bytes();
+    Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}, true};
+    raster.pixels.reserve(static_cast<std::size_t>(width * height));
+    std::vector<JSAMPLE> row(3 * static_cast<std::size_t>(width));
+    for (long y = 0; y < height; ++y) {
+        reader->read_row(row);
+        for (std::size_t i = 0; i < row.size(); i += 3)
+            raster.pixels.push_back({decoded[row[i]], decoded[row[i + 1]], decoded[row[i + 2]]});
+    }
+    return raster;
+}
+
+} // namespace vantor

@@ -1,0 +1,27 @@
+// Readers: each format's part of reading pictures. They throw what is wrong with a file.
+#pragma once
+
+#include "libvantor/images/raster.h"
+
+#include <string>
+
+namespace vantor {
+
+/// Throws unless it is a size that a picture may have.
+void check_size(long width, long height);
+
+/// For files whose picture takes more than they can hold, however well it is compressed.
+[[noreturn]] void refuse_as_too_short();
+
+/// Adds a pixel, and its alpha if the picture has any.
+inline void append(Raster &raster, bool has_alpha, Color color, float alpha) {
+    raster.pixels.push_back(color);
+    if (has_alpha)
+        raster.alpha.push_back(alpha);
+}
+
+Raster read_exr(const std::string &path, long file_size);
+Raster read_jpeg(const std::string &path, long file_size);
+Raster read_png(const std::string &path, long file_size);
+
+} // namespace vantor

@@ -1,0 +1,77 @@
+// Reading pictures: PNG, JPEG and OpenEXR files, told apart by their first bytes.
+#include "libvantor/images/reading.h"
+
+#include "libvantor/base/report.h"
+#include "libvantor/images/readers.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace vantor {
+
+void check_size(long width, long height) {
+    constexpr long most_pixels = 1L << 28;
+    if (width < 1 || height < 1)
+        throw std::runtime_error("the picture has no pixels");
+    if (width > most_pixels || height > most_pixels || width * height > most_pixels)
+        throw std::runtime_error(joined({"the picture has more than ", std::to_string(most_pixels), " pixels"}));
+}
+
+void refuse_as_too_short() { throw std::runtime_error("the file is too short for its picture"); }
+
+namespace {
+
+// The size of a regular file. Anything else may never come to an end.
+long size_of(const std::string &path) {
+    struct stat found;
+    if (stat(path.c_str(), &found) != 0)
+        throw std::system_error(errno, std::generic_category());
+    if (!S_ISREG(found.st_mode))
+        throw std::runtime_error(S_ISDIR(found.st_mode) ? std::strerror(EISDIR) : "Not a regular file");
+    return found.st_size;
+}
+
+Raster read(const std::string &path) {
+    const long file_size = size_of(path);
+    char start[8] = {};
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw std::system_error(errno, std::generic_category());
+    file.read(start, sizeof start);
+    const std::string_view signature(start, sizeof start);
+    if (signature == "\x89PNG\r\n\x1a\n")
+        return read_png(path, file_size);
+    if (signature.starts_with("\xff\xd8\xff"))
+        return read_jpeg(path, file_size);
+    if (signature.starts_with("\x76\x2f\x31\x01"))
+        return read_exr(path, file_size);
+    throw std::runtime_error("it is no PNG, JPEG or OpenEXR file");
+}
+
+// Libraries' texts may have several lines.
+std::string one_line(std::string text) {
+    for (char &c : text)
+        if (c == '\n' || c == '\r')
+            c = ' ';
+    return text;
+}
+
+} // namespace
+
+ReadPicture read_picture(const std::string &path) {
+    try {
+        return {read(path), {}};
+    } catch (const std::system_error &error) {
+        return {{}, error.code().message()};
+    } catch (const std::bad_alloc &) {
+        return {{}, "there is not enough memory for it"};
+    } catch (const std::exception &error) {
+        return {{}, one_line(error.what())};
+    }
+}
+
+} // namespace vantor

@@ -1,0 +1,87 @@
+// Shadow rays: how much of the sampled light arrives.
+#include "libvantor/integrators/shadow_rays.h"
+
+#include "libvantor/world/surface.h"
+
+namespace vantor {
+
+namespace {
+
+// Behind opaque surfaces there is no light, and before them no other medium: the question is whether there is one.
+void transmit_in_one_step(const ShadowRays &ways, const World &world, std::vector<Color> &fractions) {
+    std::vector<char> are_occluded(ways.size());
+    world.tracer.occluded(ways.segments, are_occluded);
+    for (std::size_t i = 0; i < ways.size(); ++i) {
+        if (are_occluded[i]) {
+            fractions[i] = {};
+        } else if (ways.media[i].innermost() != MediumStack::none) {
+            const Segment &way = ways.segments[i];
+            fractions[i] = world.media_of(ways.media[i]).transmittance(way.reach * length(way.direction));
+        }
+    }
+}
+
+// A way that is being gone, surface by surface.
+struct Walk {
+    std::size_t way;
+    Ray ray;
+    float left; // of the distance
+    MediumStack media;
+};
+
+// One step: to the next surface and through it, or to the end. True if the walk goes on.
+bool go_on(Walk &walk, const Hit &hit, const World &world, Color &fraction) {
+    const bool arrives = !hit.exists || hit.distance >= walk.left;
+    if (walk.media.innermost() != MediumStack::none)
+        fraction *= world.media_of(walk.media).transmittance(arrives ? walk.left : hit.distance);
+    if (arrives)
+        return false;
+    fraction = fraction * (1 - opacity_at(hit, walk.ray.direction, world));
+    if (is_black(fraction))
+        return false;
+    cross_surface(walk.media, world.placements[hit.placement], hit, walk.ray.direction);
+    walk.ray.origin = hit.origin_towards(walk.ray.direction);
+    walk.left -= hit.distance;
+    return true;
+}
+
+} // namespace
+
+void transmit(const ShadowRays &ways, const World &world, std::vector<Color> &fractions) {
+    fractions.assign(ways.size(), {1, 1, 1});
+    if (world.is_opaque) {
+        transmit_in_one_step(ways, world, fractions);
+        return;
+    }
+
+    std::vector<Walk> walks;
+    walks.reserve(ways.size());
+    for (std::size_t i = 0; i < ways.size(); ++i) {
+        const Segment &segment = ways.segments[i];
+        const float stretch = length(segment.direction);
+        if (!(stretch >= std::numeric_limits<float>::min())) // a light that touches the point
+            continue;
+        walks.push_back({i, {segment.from, segment.direction * (1 / stretch)}, segment.reach * stretch, ways.media[i]});
+    }
+    // More surfaces than this one behind the other are as good as opaque.
+    constexpr int most_surfaces = 1000;
+    std::vector<Ray> rays(walks.size());
+    std::vector<Hit> hits(walks.size());
+    for (int step = 0; !walks.empty(); ++step) {
+        for (std::size_t i = 0; i < walks.size(); ++i)
+            rays[i] = walks[i].ray;
+        world.tracer.intersect(std::span(rays).first(walks.size()), false, hits);
+        std::size_t still_going = 0;
+        for (std::size_t i = 0; i < walks.size(); ++i)
+            if (go_on(walks[i], hits[i], world, fractions[walks[i].way]))
+                walks[still_going++] = walks[i];
+        walks.resize(still_going);
+        if (step == most_surfaces) {
+            for (const Walk &walk : walks)
+                fractions[walk.way] = {};
+            return;
+        }
+    }
+}
+
+} // namespace vantor

@@ -1,0 +1,52 @@
+// Imagers: their types and parameters.
+#include "libvantor/parameters/ranges.h"
+#include "libvantor/parameters/tables.h"
+
+namespace vantor {
+
+using namespace words;
+
+namespace {
+
+constexpr std::string_view displays[] = {"srgb", "linear", "filmic"};
+constexpr std::string_view filters[] = {"tent", "box", "gaussian", "blackman_harris"};
+constexpr std::string_view whats[] = {"color", "albedo", "normal", "depth", "position", "object_id", "variance"};
+
+constexpr Range seeds{.low = 0.0, .high = 2147483647.0, .text = "0 to 2147483647"};
+constexpr Range bounces{.low = 1.0, .high = 1000.0, .text = "1 to 1000"};
+constexpr Range filter_widths{.low = 0.01, .high = 64.0, .text = "0.01 to 64"};
+
+constexpr Parameter file_parameters[] = {
+    {"name", ValueKind::Text, any, Presence::Required, none, "",
+     "the picture's path; it ends in .png, .jpg, .jpeg, .tif, .tiff or .exr"},
+    {"what", ValueKind::Choice, any, Presence::Default, none, "", "what the picture shows of each pixel", whats},
+    {"exposure", ValueKind::Number, stops, Presence::Default, value(0), "stops",
+     "the colour is multiplied by 2^exposure"},
+    {"display", ValueKind::Choice, any, Presence::Default, none, "",
+     "how 8 bits are made of light: by the sRGB curve, as it is, or with its highlights compressed first as film does",
+     displays},
+    {"filter", ValueKind::Choice, any, Presence::Default, none, "", "how samples are spread around a pixel's middle",
+     filters},
+    {"filter_width", ValueKind::Number, filter_widths, Presence::Optional, none, "pixels",
+     "the filter from edge to edge; left out, tent 2, box 1, gaussian 3, blackman_harris 4"},
+};
+constexpr Parameter settings_parameters[] = {
+    {"seed", ValueKind::Integer, seeds, Presence::Default, value(0, 0, 0), "",
+     "another seed gives the same picture with other noise"},
+    {"max_depth", ValueKind::Integer, bounces, Presence::Default, value(1000, 1000, 1000), "",
+     "how often light is scattered at most on its way to the camera; 1 is direct light"},
+    {"clamp", ValueKind::Number, not_negative, Presence::Default, value(0), "radiance",
+     "the most that one sample of indirect light counts; 0 is no limit"},
+    {"final_gather", ValueKind::Switch, off_or_on, Presence::Default, value(0), "",
+     "after radiosity(): the first diffuse surface gathers its light with rays, and only those are told the result"},
+};
+constexpr Type imagers_table[] = {
+    {"file", "Writes the picture to a file: .exr floats, linear; all others 8 bits a channel.", file_parameters},
+    {"settings", "Writes nothing; says how pictures are made while its block is open.", settings_parameters},
+};
+
+} // namespace
+
+std::span<const Type> words::imager_types() { return imagers_table; }
+
+} // namespace vantor

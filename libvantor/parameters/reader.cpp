@@ -1,0 +1,396 @@
+// The reader: a parameter list against the table of its type.
+#include "libvantor/parameters/reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+namespace vantor {
+
+namespace {
+
+// The number of single-character changes that turn one word into the other (Levenshtein 1966).
+std::size_t edit_distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row[b.size()];
+}
+
+std::string_view name_of(std::string_view word) { return word; }
+template <class Named> std::string_view name_of(const Named &entry) { return entry.name; }
+
+// The name that is probably meant: a slip of the pen away, one change in three letters or so; or one that begins like
+// that, or that it ends with. Null if there is none.
+template <class Named> const Named *nearest(std::string_view wrong, std::span<const Named> known) {
+    // A longer word is nobody's slip of the pen; it is not worth comparing.
+    constexpr std::size_t longest = 40;
+    if (wrong.size() > longest)
+        return nullptr;
+    const Named *nearest = nullptr;
+    std::size_t least = std::min<std::size_t>(3, wrong.size() / 3 + 1);
+    for (const Named &entry : known) {
+        const std::size_t distance = edit_distance(wrong, name_of(entry));
+        if (distance < least) {
+            nearest = &entry;
+            least = distance;
+        }
+    }
+    const auto is_part = [&](const Named &entry) {
+        const std::string_view name = name_of(entry);
+        return (wrong.size() >= 2 && name.starts_with(wrong)) || (name.size() >= 4 && wrong.ends_with(name));
+    };
+    const auto part = std::ranges::find_if(known, is_part);
+    return nearest || part == known.end() ? nearest : &*part;
+}
+
+// " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".
+template <class Named> std::string suggestion(std::string_view wrong, std::span<const Named> known) {
+    if (const Named *meant = nearest(wrong, known))
+        return joined({" (did you mean ", quoted(name_of(*meant)), "?)"});
+
+    std::string text = " (known:";
+    for (const Named &entry : known) {
+        text += &entry == known.data() ? " " : ", ";
+        text += quoted(name_of(entry));
+    }
+    text += ')';
+    return text;
+}
+
+std::string_view name_of(VtArgTag tag) {
+    switch (tag) {
+    case VtArgTag::Long:
+        return "an integer";
+    case VtArgTag::Double:
+        return "a number";
+    case VtArgTag::Text:
+        return "a text";
+    case VtArgTag::Vector2:
+        return "a vector2";
+    case VtArgTag::Vector3:
+        return "a vector3";
+    case VtArgTag::Vector4:
+        return "a vector4";
+    case VtArgTag::Matrix2:
+        return "a matrix2";
+    case VtArgTag::Matrix3:
+        return "a matrix3";
+    case VtArgTag::Matrix4:
+        return "a matrix4";
+    case VtArgTag::Transform:
+        return "a transform";
+    case VtArgTag::LongArray:
+        return "an intarray";
+    case VtArgTag::DoubleArray:
+        return "a floatarray";
+    case VtArgTag::Vector2Array:
+        return "a vector2array";
+    case VtArgTag::Vector3Array:
+        return "a vector3array";
+    case VtArgTag::Vector4Array:
+        return "a vector4array";
+    case VtArgTag::Matrix2Array:
+        return "a matrix2array";
+    case VtArgTag::Matrix3Array:
+        return "a matrix3array";
+    case VtArgTag::Matrix4Array:
+        return "a matrix4array";
+    case VtArgTag::TransformArray:
+        return "a transformarray";
+    }
+    return "a value of an unknown kind";
+}
+
+bool is_kind(ValueKind kind, VtArgTag tag) {
+    const bool is_number = tag == VtArgTag::Long || tag == VtArgTag::Double;
+    switch (kind) {
+    case ValueKind::Number:
+    case ValueKind::NumberOrPattern:
+        return is_number;
+    case ValueKind::Integer:
+    case ValueKind::Switch:
+    case ValueKind::InterfaceId:
+    case ValueKind::ObjectId:
+    case ValueKind::PatternId:
+    case ValueKind::TextureId:
+        return tag == VtArgTag::Long;
+    case ValueKind::Color:
+    case ValueKind::ColorOrPattern:
+        return is_number || tag == VtArgTag::Vector3;
+    case ValueKind::Vector2:
+        return tag == VtArgTag::Vector2;
+    case ValueKind::Vector3:
+        return tag == VtArgTag::Vector3;
+    case ValueKind::Scale:
+        return is_number || tag == VtArgTag::Vector2 || tag == VtArgTag::Vector3;
+    case ValueKind::Text:
+    case ValueKind::Choice:
+        return tag == VtArgTag::Text;
+    case ValueKind::TrimmerIds:
+        return tag == VtArgTag::Long || tag == VtArgTag::LongArray;
+    case ValueKind::Matrix4:
+        return tag == VtArgTag::Matrix4;
+    case ValueKind::LongArray:
+        return tag == VtArgTag::LongArray;
+    case ValueKind::DoubleArray:
+        return tag == VtArgTag::DoubleArray;
+    case ValueKind::Vector2Array:
+        return tag == VtArgTag::Vector2Array;
+    case ValueKind::Vector3Array:
+        return tag == VtArgTag::Vector3Array;
+    case ValueKind::TransformArray:
+        return tag == VtArgTag::TransformArray;
+    }
+    return false;
+}
+
+// Whether the range speaks of a value of that kind: it is numbers, and no pattern's id.
+bool has_range(ValueKind kind, VtArgTag tag) {
+    switch (kind) {
+    case ValueKind::Number:
+    case ValueKind::Integer:
+    case ValueKind::Switch:
+    case ValueKind::Color:
+    case ValueKind::Vector2:
+    case ValueKind::Vector3:
+    case ValueKind::Scale:
+        return true;
+    case ValueKind::NumberOrPattern:
+    case ValueKind::ColorOrPattern:
+        return tag != VtArgTag::Long;
+    default:
+        return false;
+    }
+}
+
+// The numbers of a value: itself, three times, or the components. Other kinds have none.
+std::array<double, 3> numbers_of(const VtArgType &value) {
+    switch (value.Tag()) {
+    case VtArgTag::Long: {
+        const double n = value.Long();
+        return {n, n, n};
+    }
+    case VtArgTag::Double: {
+        const double n = value.Double();
+        return {n, n, n};
+    }
+    case VtArgTag::Vector2: {
+        const VtVector2 &v = value.Vector2();
+        return {v[0], v[1], v[0]}; // no third component to be out of range
+    }
+    case VtArgTag::Vector3: {
+        const VtVector3 &v = value.Vector3();
+        return {v[0], v[1], v[2]};
+    }
+    default:
+        return {};
+    }
+}
+
+std::string text_of(const VtArgType &value) {
+    if (value.Tag() == VtArgTag::Long)
+        return std::to_string(value.Long());
+    if (value.Tag() == VtArgTag::Double)
+        return vantor::text_of(value.Double());
+    const std::array<double, 3> n = numbers_of(value);
+    const std::string third = value.Tag() == VtArgTag::Vector3 ? joined({", ", vantor::text_of(n[2])}) : std::string();
+    return joined({"(", vantor::text_of(n[0]), ", ", vantor::text_of(n[1]), third, ")"});
+}
+
+// What is wrong with the numbers of a parameter; empty if nothing is.
+std::string complaint(const Parameter &parameter, const VtArgType &value, const std::array<double, 3> &numbers) {
+    if (parameter.kind == ValueKind::Choice) {
+        const std::string_view word = value.Text();
+        if (std::ranges::find(parameter.choices, word) != parameter.choices.end())
+            return {};
+        return joined({"is ", quoted(word), ", which is no known word", suggestion(word, parameter.choices)});
+    }
+    if (!has_range(parameter.kind, value.Tag()))
+        return {};
+
+    const Range &range = parameter.range;
+    bool is_inside = true;
+    bool is_zero = true;
+    for (const double n : numbers) {
+        // Rendering computes in floats; beyond this, squares overflow.
+        constexpr double largest = 1e18;
+        if (!(std::fabs(n) <= largest))
+            return joined({"is ", text_of(value), ", which is not usable (finite numbers up to 1e18 are)"});
+        is_inside &= n >= range.low && n <= range.high;
+        is_zero &= std::fabs(n) < 1e-9;
+    }
+    if (is_inside && !(is_zero && range.excludes_zero_vector))
+        return {};
+    const bool may_be_an_id = parameter.kind == ValueKind::Color && value.Tag() == VtArgTag::Long;
+    return joined({"is ", text_of(value), ", which is out of range (", range.text,
+                   may_be_an_id ? "; no pattern can stand here)" : ")"});
+}
+
+} // namespace
+
+Parameters::Parameters(const Type &of_type) : type(of_type) {
+    values.reserve(type.parameters.size());
+    for (const Parameter &parameter : type.parameters)
+        values.push_back({nullptr, -1, parameter.fallback});
+}
+
+const Parameters::Value &Parameters::find(std::string_view name) const {
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (type.parameters[i].name == name)
+            return values[i];
+    throw std::logic_error("no such parameter in the table: " + std::string(name));
+}
+
+const Parameter &Parameters::parameter_of(const Value &value) const {
+    return type.parameters[static_cast<std::size_t>(&value - values.data())];
+}
+
+VtVector3 Parameters::vector(std::string_view name) const {
+    const std::array<double, 3> &n = find(name).numbers;
+    return {n[0], n[1], n[2]};
+}
+
+VtVector3 Parameters::fallback(std::string_view name) const {
+    const std::array<double, 3> &n = parameter_of(find(name)).fallback;
+    return {n[0], n[1], n[2]};
+}
+
+std::string_view Parameters::choice(std::string_view name) const {
+    const Value &value = find(name);
+    return value.given ? std::string_view(value.given->Text()) : parameter_of(value).choices.front();
+}
+
+std::vector<VtLong> Parameters::ids(std::string_view name) const {
+    const VtArgType &given = *find(name).given;
+    if (given.Tag() == VtArgTag::Long)
+        return {given.Long()};
+    return copied(given.LongArray());
+}
+
+bool Parameters::knows(std::string_view name) const {
+    return std::ranges::find(type.parameters, name, &Parameter::name) != type.parameters.end();
+}
+
+const VtInstanceArray<double> &Parameters::double_array(std::string_view name) const {
+    return find(name).given->DoubleArray();
+}
+
+const VtInstanceArray<VtTransform> &Parameters::transform_array(std::string_view name) const {
+    return find(name).given->TransformArray();
+}
+
+const VtInstanceArray<VtVector2> &Parameters::vector2_array(std::string_view name) const {
+    return find(name).given->Vector2Array();
+}
+
+const VtInstanceArray<VtVector3> &Parameters::vector3_array(std::string_view name) const {
+    return find(name).given->Vector3Array();
+}
+
+void Parameters::complain(std::string_view name, std::string_view text, const CallReport &report) const {
+    report.diagnostic_at(find(name).item, joined({"parameter ", quoted(name), " ", text}));
+}
+
+void Parameters::complain_without(std::string_view other, std::initializer_list<std::string_view> names,
+                                  const CallReport &report) const {
+    for (const std::string_view name : names)
+        if (is_given(name) && !is_given(other))
+            complain(name, joined({"has no effect without ", quoted(other)}), report);
+}
+
+void Parameters::complain_beside(std::string_view other, std::initializer_list<std::string_view> names,
+                                 const CallReport &report) const {
+    for (const std::string_view name : names)
+        if (is_given(name) && is_given(other))
+            complain(name, joined({"has no effect beside ", quoted(other)}), report);
+}
+
+bool Parameters::is_complete() const {
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (type.parameters[i].presence == Presence::Required && !values[i].given)
+            return false;
+    return true;
+}
+
+const Type *find_type(EntityKind kind, const char *name, const CallReport &report) {
+    const EntityWords &words = names_of(kind);
+    for (const Type &type : words.types)
+        if (name && type.name == name)
+            return &type;
+    report.diagnostic(joined({name ? "unknown type" : "no type given", suggestion(name ? name : "", words.types)}));
+    return nullptr;
+}
+
+Parameters read_parameters(const Type &type, const VtArgList &list, const CallReport &report) {
+    Parameters result(type);
+    // A parameter that something has been said about is not missing besides.
+    std::vector<bool> is_spoken_of(type.parameters.size());
+    const auto speak_of = [&](const Parameter *parameter) {
+        if (parameter)
+            is_spoken_of[static_cast<std::size_t>(parameter - type.parameters.data())] = true;
+    };
+    const VtLong count = list.Count();
+    for (VtLong i = 0; i < count; ++i) {
+        const VtArgType &name_value = list.At(i);
+        if (name_value.Tag() != VtArgTag::Text) {
+            report.diagnostic_at(i, joined({name_of(name_value.Tag()), " where a parameter name should be"}));
+            continue;
+        }
+
+        // A name; whatever follows is its value, even if the name is unknown.
+        const std::string_view name = name_value.Text();
+        const VtLong value_at = i + 1;
+        const auto parameter = std::ranges::find(type.parameters, name, &Parameter::name);
+        if (parameter == type.parameters.end()) {
+            report.diagnostic_at(i, joined({"unknown parameter ", quoted(name), suggestion(name, type.parameters)}));
+            speak_of(nearest(name, type.parameters));
+            ++i;
+            continue;
+        }
+        const std::string called = joined({"parameter ", quoted(name)});
+        if (value_at == count) {
+            speak_of(&*parameter);
+            report.diagnostic_at(i, joined({called, " has no value (", name_of(parameter->kind), " is wanted)"}));
+            break;
+        }
+        ++i;
+
+        const VtArgType &value = list.At(value_at);
+        if (!is_kind(parameter->kind, value.Tag())) {
+            speak_of(&*parameter);
+            report.diagnostic_at(value_at, joined({called, " is ", name_of(value.Tag()), " (", name_of(parameter->kind),
+                                                   " is wanted)"}));
+            continue;
+        }
+        const std::array<double, 3> numbers = numbers_of(value);
+        if (const std::string wrong = complaint(*parameter, value, numbers); !wrong.empty()) {
+            speak_of(&*parameter);
+            report.diagnostic_at(value_at, joined({called, " ", wrong}));
+            continue;
+        }
+        Parameters::Value &place = result.values[static_cast<std::size_t>(parameter - type.parameters.begin())];
+        if (place.given)
+            report.diagnostic_at(value_at, joined({called, " is given twice (the later value counts)"}));
+        place = {&value, value_at, numbers};
+    }
+
+    for (std::size_t i = 0; i < type.parameters.size(); ++i) {
+        const Parameter &parameter = type.parameters[i];
+        if (parameter.presence == Presence::Required && !result.values[i].given && !is_spoken_of[i])
+            report.diagnostic(joined({"parameter ", quoted(parameter.name), " is missing (", name_of(parameter.kind),
+                                      ": ", parameter.meaning, ")"}));
+    }
+    return result;
+}
+
+} // namespace vantor

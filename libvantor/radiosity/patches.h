@@ -1,0 +1,100 @@
+// Patches: the diffuse surfaces of a scene in small pieces, and the lattice on which light is interpolated.
+#pragma once
+
+#include "libvantor/base/interrupt.h"
+#include "libvantor/description/registry.h"
+#include "libvantor/embree/hit.h"
+
+#include <span>
+
+namespace vantor {
+
+/// Pieces of about equal area, each of one placement. Constant once made; the placements' objects have to outlive it.
+///
+/// A primitive is a panel: a parallelogram or sphere in columns and rows, a triangle in n^2 equal triangles. Triangles
+/// that are smaller than a patch have one cell and share a patch with their neighbours that face about alike. The
+/// corners of the cells are the lattice. Where the points of neighbouring panels of one placement agree, and their
+/// normals nearly do, they are one vertex, so that what is interpolated between the vertices has no seams.
+///
+/// Only opaque, purely diffuse placements of triangles, parallelograms and spheres have patches; and if the budget is
+/// too small for all placements to have one for each primitive or direction, the least of them go without.
+class Patches {
+  public:
+    static constexpr std::uint32_t none = ~0u;
+
+    /// About as many patches as the budget says, 1 or more. Interrupted, they are incomplete and of no use.
+    Patches(std::span<const Placement> placements, std::size_t budget, const Interrupt &interrupt);
+
+    std::size_t size() const { return all.size(); }
+    float area(std::uint32_t patch) const { return all[patch].area; }
+    std::uint32_t placement(std::uint32_t patch) const { return all[patch].placement; }
+
+    /// A point of a patch: two numbers make a uniform one. As if a ray had met it.
+    Hit point_of(std::uint32_t patch, Point2f numbers) const;
+
+    /// The patch that was hit; `none` if the surface has no patches.
+    std::uint32_t patch_at(const Hit &hit) const;
+
+    /// What to interpolate there: the vertices, and their weights, which are 0 or more and add up to 1.
+    struct Interpolation {
+        std::array<std::uint32_t, 4> vertices;
+        std::array<float, 4> weights;
+    };
+
+    /// False if the surface has no patches.
+    bool interpolation_at(const Hit &hit, Interpolation &result) const;
+
+    /// From a value of each patch to one of each vertex: the mean of the patches around it, by area. Where patches are
+    /// groups of triangles, the means are spread as far as the groups are wide. Interrupted, they are of no use.
+    std::vector<Color> at_vertices(std::span<const Color> of_patches, const Interrupt &interrupt) const;
+
+  private:
+    class Maker;
+    class Sizes;
+
+    struct Patch {
+        std::uint32_t placement;
+        std::uint32_t first_facet;
+        std::uint32_t facet_count;
+        float area;
+    };
+    // A cell of a panel: what patches consist of.
+    struct Facet {
+        std::uint32_t panel;
+        std::uint32_t cell;
+        float area_up_to; // of the patch's facets, this one included
+    };
+    struct Panel {
+        std::uint32_t first_patch; // of its first cell; the cells' patches follow each other
+        std::uint32_t first_corner;
+        std::uint16_t columns; // a triangle's n in both
+        std::uint16_t rows;
+        bool is_grouped;
+    };
+    struct Surface {
+        const Shape *shape;
+        Affine world_from_object;
+        std::uint32_t first_panel = none;
+    };
+    // Where a point lies in a panel: its cell, and the cell's corners in the panel's lattice.
+    struct Footing {
+        std::uint32_t cell;
+        std::array<std::uint32_t, 4> corners;
+        std::array<float, 4> weights;
+    };
+
+    static Footing footing_in_grid(const Panel &panel, Point2f uv);
+    static Footing footing_in_triangle(const Panel &panel, Point2f uv);
+    static Footing footing(const Panel &panel, bool is_triangle, Point2f uv);
+    bool footing_at(const Hit &hit, const Panel *&panel, Footing &result) const;
+
+    std::vector<Patch> all;
+    std::vector<Facet> facets;
+    std::vector<Panel> panels;
+    std::vector<Surface> surfaces;      // of the placements
+    std::vector<std::uint32_t> corners; // of the panels' lattices: vertices
+    std::size_t vertices = 0;
+    int spreading_rounds = 0;
+};
+
+} // namespace vantor

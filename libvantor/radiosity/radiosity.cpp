@@ -1,0 +1,181 @@
+// Radiosity: the exchange of light between diffuse surfaces, before any picture is made. Goral, Torrance, Greenberg,
+// Battaile, "Modeling the Interaction of Light Between Diffuse Surfaces", 1984.
+//
+// The patches gather indirect light only. Direct light, which is where shadows have their edges, is sampled anew when a
+// picture is made: the first of two passes as in Jensen, "Global Illumination Using Photon Maps", 1996, and the other
+// way to treat small lights, gathering them by chance, would take many times the rays for the same error.
+#include "libvantor/radiosity/radiosity.h"
+
+#include "libvantor/base/tiles.h"
+
+#include <unistd.h>
+
+namespace vantor {
+
+namespace {
+
+constexpr VtLong most_patches = 1000000;
+
+// More rays for each patch, or more patches for the same rays, make no better picture of a room than this.
+constexpr int most_rays_of_side = 256;
+// Of all sides together; it bounds time and memory.
+constexpr std::size_t most_rays = std::size_t{1} << 26;
+// The rays that find out whether any light comes to a side.
+constexpr int probing_rays = 32;
+
+constexpr float wanted_residual = 1e-4f;
+constexpr int most_sweeps = 500;
+
+// The sides to which light comes, directly or not, as far as their rows tell.
+std::vector<char> reached_by_light(const Exchange &exchange, const Interrupt &interrupt) {
+    const std::size_t count = exchange.rows.size();
+    std::vector<char> are_reached(count);
+    for (std::size_t i = 0; i < count; ++i)
+        are_reached[i] = !is_black(exchange.lights[i].direct) || !is_black(exchange.rows[i].followed) ? 1 : 0;
+    for (bool has_changed = true; has_changed;) {
+        has_changed = false;
+        for (std::size_t i = 0; i < count && !interrupt.requested(); ++i) {
+            if (are_reached[i])
+                continue;
+            const bool is_reached = std::ranges::any_of(exchange.rows[i].seen, [&](std::uint32_t seen) {
+                return are_reached[seen] && !is_black(exchange.lights[seen].reflectance);
+            });
+            are_reached[i] = is_reached ? 1 : 0;
+            has_changed |= are_reached[i] != 0;
+        }
+    }
+    return are_reached;
+}
+
+} // namespace
+
+int rays_of_side(std::size_t side_count) {
+    const std::size_t affordable = most_rays / std::max<std::size_t>(side_count, 1);
+    int rays = most_rays_of_side;
+    while (rays > probing_rays && static_cast<std::size_t>(rays) > affordable)
+        rays /= 2;
+    return rays;
+}
+
+Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt) {
+    Exchange exchange{std::vector<Row>(side_count), std::vector<SideLight>(side_count)};
+    for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end && !interrupt.requested(); ++i) {
+            const auto side = static_cast<std::uint32_t>(i);
+            exchange.lights[i] = gathering.light_of(side);
+            gathering.see(side, 0, probing_rays, exchange.rows[i]);
+        }
+    });
+    if (interrupt.requested())
+        return exchange;
+
+    // The insides of closed bodies, and what lies in the dark otherwise, need no more.
+    const std::vector<char> are_reached = reached_by_light(exchange, interrupt);
+    for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end && !interrupt.requested(); ++i)
+            if (are_reached[i] && gathering.rays() > probing_rays)
+                gathering.see(static_cast<std::uint32_t>(i), probing_rays, gathering.rays(), exchange.rows[i]);
+    });
+    return exchange;
+}
+
+// Sweeps of Gauss and Seidel: each side takes what the others have by now. As every surface absorbs some light, and
+// rows add up to 1 at most, every sweep shrinks the error by the largest reflectance at least, usually to half: a dozen
+// sweeps over a few million numbers, for which a library of linear algebra has nothing better. (Cohen, Wallace, 5.3.)
+// They go in the order of the sides, on one thread, so that the result does not depend on the threads.
+Balance balance_of(std::span<const Row> rows, std::span<const SideLight> lights, const Interrupt &interrupt) {
+    Balance balance;
+    balance.indirect.resize(rows.size());
+    std::vector<Color> radiosities(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        radiosities[i] = lights[i].reflectance * lights[i].direct;
+
+    do {
+        float largest = 0;
+        float largest_change = 0;
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (i % 4096 == 0 && interrupt.requested())
+                return balance;
+            const Row &row = rows[i];
+            Color sum = row.followed;
+            for (const std::uint32_t seen : row.seen)
+                sum += radiosities[seen];
+            const Color indirect = row.rays > 0 ? sum * (1 / static_cast<float>(row.rays)) : Color{};
+            const Color radiosity = lights[i].reflectance * (lights[i].direct + indirect);
+            const Color before = radiosities[i];
+            largest = std::max(largest, largest_component(radiosity));
+            largest_change = std::max({largest_change, std::fabs(radiosity.r - before.r),
+                                       std::fabs(radiosity.g - before.g), std::fabs(radiosity.b - before.b)});
+            radiosities[i] = radiosity;
+            balance.indirect[i] = indirect;
+        }
+        balance.residual = largest > 0 ? largest_change / largest : 0.0f;
+    } while (++balance.sweeps < most_sweeps && balance.residual > wanted_residual);
+    return balance;
+}
+
+Radiosity::Radiosity(VtLong patches)
+    : asked_for(patches), budget(static_cast<std::size_t>(std::clamp<VtLong>(patches, 1, most_patches))) {}
+
+void Radiosity::pass(const Registry &registry, Report &report) {
+    light.reset();
+    const CallReport call(report, "radiosity");
+    registry.report_open_blocks(call);
+    if (asked_for != static_cast<VtLong>(budget))
+        call.diagnostic(joined({"the scene was made for ", std::to_string(asked_for), " patches (1 to ",
+                                std::to_string(most_patches), " are wanted); ", std::to_string(budget), " counts"}));
+    const Interrupt interrupt;
+    solve(registry, report, interrupt);
+    if (interrupt.requested()) {
+        light.reset();
+        report.note("radiosity: interrupted; nothing is kept");
+    }
+}
+
+void Radiosity::solve(const Registry &registry, const Report &report, const Interrupt &interrupt) {
+    std::optional<World> world = freeze(registry, interrupt);
+    if (!world)
+        return;
+    // Those of the script are for pictures.
+    world->settings = Settings();
+    const auto patches = std::make_shared<const Patches>(registry.placements(), budget, interrupt);
+    if (interrupt.requested())
+        return;
+    if (patches->size() == 0) {
+        report.note("radiosity: there is nothing to do (opaque diffuse meshes, quads, boxes and spheres have patches)");
+        return;
+    }
+    const std::size_t side_count = 2 * patches->size();
+    const Gathering gathering(*world, *patches, rays_of_side(side_count));
+    const Exchange exchange = gather_all(gathering, side_count, interrupt);
+    const Balance balance = balance_of(exchange.rows, exchange.lights, interrupt);
+    if (interrupt.requested())
+        return;
+
+    std::vector<Color> fronts;
+    std::vector<Color> backs;
+    long rays = 0;
+    for (std::size_t side = 0; side < side_count; side += 2) {
+        fronts.push_back(balance.indirect[side]);
+        backs.push_back(balance.indirect[side + 1]);
+        rays += exchange.rows[side].rays + exchange.rows[side + 1].rays;
+    }
+    light.emplace(patches, fronts, backs, interrupt);
+    change = registry.change();
+    if (isatty(STDERR_FILENO) == 1 && !interrupt.requested())
+        report.note(joined({"radiosity: ", std::to_string(patches->size()), " patches, ", std::to_string(rays),
+                            " rays, ", std::to_string(balance.sweeps), " sweeps to a residual of ",
+                            text_of(static_cast<double>(balance.residual))}));
+}
+
+const PatchIrradiance *Radiosity::result(const Registry &registry, const Report &report) const {
+    if (!light)
+        return nullptr;
+    if (registry.change() == change)
+        return &*light;
+    report.note("render: the scene has changed since radiosity(), whose result is not used (radiosity() makes a new "
+                "one)");
+    return nullptr;
+}
+
+} // namespace vantor
