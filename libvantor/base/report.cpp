@@ -26,7 +26,7 @@ Report::Report() {
         mode = Mode::Strict;
     else if (!name.empty() && name != "warn")
         print_line(
-            joined({"VANTOR_DIAGNOSTICS is ", quoted(name), " (silent, warn and strict are known); warn is used"}));
+            joined({"VANTOR_DIAGNOSTICS is ", in_quotes(name), " (silent, warn and strict are known); warn is used"}));
 }
 
 void Report::diagnostic(std::string_view text) {
@@ -42,7 +42,7 @@ void Report::note(std::string_view text) const {
 
 CallReport::CallReport(Report &all, std::string_view call, const char *type) : CallReport(all, call) {
     if (type)
-        prefix = joined({call, " ", quoted(type)});
+        prefix = joined({call, " ", in_quotes(type)});
 }
 
 void CallReport::diagnostic(std::string_view text) const { report.diagnostic(joined({prefix, ": ", text})); }
@@ -69,7 +69,7 @@ std::string joined(std::initializer_list<std::string_view> parts) {
     return result;
 }
 
-std::string quoted(std::string_view text) {
+std::string in_quotes(std::string_view text) {
     constexpr std::size_t longest = 60;
     std::string result = "\"";
     for (const char c : text.substr(0, longest)) {

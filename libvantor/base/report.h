@@ -62,8 +62,9 @@ std::string counted(long count, std::string_view noun);
 /// "leaves out point 3", or "leaves out 2 points, the first of them 3".
 std::string left_out(std::size_t count, std::string_view noun, std::size_t first);
 
-/// A text of the script in double quotes, fit for one line: control characters become "?", long texts are cut.
-std::string quoted(std::string_view text);
+/// A text of the script in double quotes, fit for one line: control characters become "?", long texts are cut. Not
+/// named "quoted": called with a std::string, that name finds std::quoted, too, once a header brings it in.
+std::string in_quotes(std::string_view text);
 
 /// A number in its shortest form, independent of the locale.
 std::string text_of(double number);

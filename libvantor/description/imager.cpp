@@ -41,7 +41,7 @@ std::optional<FileImager> make_file_imager(const Parameters &parameters, const C
     if (!has_known_format(path)) {
         parameters.complain(
             "name",
-            joined({quoted(path), " has no known ending (", known_endings, " are known); nothing will be written"}),
+            joined({in_quotes(path), " has no known ending (", known_endings, " are known); nothing will be written"}),
             report);
         return {};
     }

@@ -78,7 +78,7 @@ EnvironmentLight make_environment(const Parameters &parameters, const VtTransfor
     ReadPicture read = read_picture(path);
     if (!read.raster) {
         parameters.complain(
-            "name", joined({"is ", quoted(path), ", which cannot be read: ", read.why_not, " (the light is black)"}),
+            "name", joined({"is ", in_quotes(path), ", which cannot be read: ", read.why_not, " (the light is black)"}),
             report);
         return environment_of(constant, {}, transform);
     }

@@ -69,7 +69,7 @@ std::vector<FileImager> writable_imagers(const Registry &registry, const PixelAr
     std::erase_if(imagers, [&](const FileImager &imager) {
         const std::string why = why_unwritable(imager.path, window.width(), window.height());
         if (!why.empty())
-            call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
+            call.diagnostic(joined({"cannot write ", in_quotes(imager.path), ": ", why}));
         return !why.empty();
     });
     // From the outermost to the innermost: of the same file, the last would be left.
@@ -77,7 +77,7 @@ std::vector<FileImager> writable_imagers(const Registry &registry, const PixelAr
     for (FileImager &imager : imagers) {
         if (std::erase_if(written, [&](const FileImager &before) { return before.path == imager.path; }) > 0)
             call.diagnostic(
-                joined({quoted(imager.path), " is the file of two imagers (the inner one's picture counts)"}));
+                joined({in_quotes(imager.path), " is the file of two imagers (the inner one's picture counts)"}));
         written.push_back(std::move(imager));
     }
     return written;
@@ -248,8 +248,9 @@ Filter common_filter(const std::vector<FileImager> &imagers, const CallReport &c
     const Filter filter = imagers.back().filter;
     for (const FileImager &imager : imagers)
         if (imager.asks_for_filter && imager.filter != filter)
-            call.diagnostic(joined({quoted(imager.path), " asks for another filter than ", quoted(imagers.back().path),
-                                    ", whose filter counts (all files of one pass share the innermost one's)"}));
+            call.diagnostic(
+                joined({in_quotes(imager.path), " asks for another filter than ", in_quotes(imagers.back().path),
+                        ", whose filter counts (all files of one pass share the innermost one's)"}));
     return filter;
 }
 
@@ -297,9 +298,9 @@ void write_files(const std::vector<FileImager> &imagers, const Result &result, c
     for (const FileImager &imager : imagers) {
         const std::string why = write_file(imager, *result.of(imager.aov), comment);
         if (!why.empty())
-            call.diagnostic(joined({"cannot write ", quoted(imager.path), ": ", why}));
+            call.diagnostic(joined({"cannot write ", in_quotes(imager.path), ": ", why}));
         else if (!result.is_whole())
-            report.note(joined({"render: interrupted; ", share_text(result), " are in ", quoted(imager.path)}));
+            report.note(joined({"render: interrupted; ", share_text(result), " are in ", in_quotes(imager.path)}));
     }
 }
 

@@ -56,12 +56,12 @@ template <class Named> const Named *nearest(std::string_view wrong, std::span<co
 // " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".
 template <class Named> std::string suggestion(std::string_view wrong, std::span<const Named> known) {
     if (const Named *meant = nearest(wrong, known))
-        return joined({" (did you mean ", quoted(name_of(*meant)), "?)"});
+        return joined({" (did you mean ", in_quotes(name_of(*meant)), "?)"});
 
     std::string text = " (known:";
     for (const Named &entry : known) {
         text += &entry == known.data() ? " " : ", ";
-        text += quoted(name_of(entry));
+        text += in_quotes(name_of(entry));
     }
     text += ')';
     return text;
@@ -213,7 +213,7 @@ std::string complaint(const Parameter &parameter, const VtArgType &value, const 
         const std::string_view word = value.Text();
         if (std::ranges::find(parameter.choices, word) != parameter.choices.end())
             return {};
-        return joined({"is ", quoted(word), ", which is no known word", suggestion(word, parameter.choices)});
+        return joined({"is ", in_quotes(word), ", which is no known word", suggestion(word, parameter.choices)});
     }
     if (!has_range(parameter.kind, value.Tag()))
         return {};
@@ -298,21 +298,21 @@ const VtInstanceArray<VtVector3> &Parameters::vector3_array(std::string_view nam
 }
 
 void Parameters::complain(std::string_view name, std::string_view text, const CallReport &report) const {
-    report.diagnostic_at(find(name).item, joined({"parameter ", quoted(name), " ", text}));
+    report.diagnostic_at(find(name).item, joined({"parameter ", in_quotes(name), " ", text}));
 }
 
 void Parameters::complain_without(std::string_view other, std::initializer_list<std::string_view> names,
                                   const CallReport &report) const {
     for (const std::string_view name : names)
         if (is_given(name) && !is_given(other))
-            complain(name, joined({"has no effect without ", quoted(other)}), report);
+            complain(name, joined({"has no effect without ", in_quotes(other)}), report);
 }
 
 void Parameters::complain_beside(std::string_view other, std::initializer_list<std::string_view> names,
                                  const CallReport &report) const {
     for (const std::string_view name : names)
         if (is_given(name) && is_given(other))
-            complain(name, joined({"has no effect beside ", quoted(other)}), report);
+            complain(name, joined({"has no effect beside ", in_quotes(other)}), report);
 }
 
 bool Parameters::is_complete() const {
@@ -352,12 +352,12 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
         const VtLong value_at = i + 1;
         const auto parameter = std::ranges::find(type.parameters, name, &Parameter::name);
         if (parameter == type.parameters.end()) {
-            report.diagnostic_at(i, joined({"unknown parameter ", quoted(name), suggestion(name, type.parameters)}));
+            report.diagnostic_at(i, joined({"unknown parameter ", in_quotes(name), suggestion(name, type.parameters)}));
             speak_of(nearest(name, type.parameters));
             ++i;
             continue;
         }
-        const std::string called = joined({"parameter ", quoted(name)});
+        const std::string called = joined({"parameter ", in_quotes(name)});
         if (value_at == count) {
             speak_of(&*parameter);
             report.diagnostic_at(i, joined({called, " has no value (", name_of(parameter->kind), " is wanted)"}));
@@ -387,7 +387,7 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
     for (std::size_t i = 0; i < type.parameters.size(); ++i) {
         const Parameter &parameter = type.parameters[i];
         if (parameter.presence == Presence::Required && !result.values[i].given && !is_spoken_of[i])
-            report.diagnostic(joined({"parameter ", quoted(parameter.name), " is missing (", name_of(parameter.kind),
+            report.diagnostic(joined({"parameter ", in_quotes(parameter.name), " is missing (", name_of(parameter.kind),
                                       ": ", parameter.meaning, ")"}));
     }
     return result;

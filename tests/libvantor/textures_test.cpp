@@ -227,7 +227,7 @@ TEST(NewTexture, SaysWhatCannotBeRead) {
     write(path_of("bad.png"), "no picture");
     const std::string path = path_of("bad.png");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(path.c_str()), 1); }),
-              "vantor: newTexture " + vantor::quoted(path) +
+              "vantor: newTexture " + vantor::in_quotes(path) +
                   ": cannot read the picture: it is no PNG, JPEG or OpenEXR file; it is grey\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(nullptr), 2); }),
               "vantor: newTexture: no picture file is named\n");

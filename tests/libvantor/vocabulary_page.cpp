@@ -17,7 +17,7 @@ using vantor::ValueKind;
 std::string value_of(const vantor::Parameter &parameter) {
     std::string words;
     for (const std::string_view choice : parameter.choices)
-        words += joined({words.empty() ? "one of " : ", ", vantor::quoted(choice)});
+        words += joined({words.empty() ? "one of " : ", ", vantor::in_quotes(choice)});
     return words.empty() ? std::string(vantor::name_of(parameter.kind)) : words;
 }
 
@@ -27,7 +27,7 @@ std::string default_of(const vantor::Parameter &parameter) {
     if (parameter.presence == vantor::Presence::Optional)
         return "none";
     if (parameter.kind == ValueKind::Choice)
-        return vantor::quoted(parameter.choices.front());
+        return vantor::in_quotes(parameter.choices.front());
     const auto &n = parameter.fallback;
     const std::string first = vantor::text_of(n[0]);
     const std::string second = vantor::text_of(n[1]);
