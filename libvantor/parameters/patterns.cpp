@@ -70,7 +70,7 @@ constexpr Parameter mix_parameters[] = {
 constexpr Parameter noise_parameters[] = {
     with_meaning(a_parameter, "the colour where the noise is least"),
     with_meaning(b_parameter, "the colour where it is greatest"),
-    with_meaning(scale_parameter, "how many aovs of the coarsest octave lie on a length of 1"),
+    with_meaning(scale_parameter, "how many features of the coarsest octave lie on a length of 1"),
     {"octaves", ValueKind::Integer, octave_count, Presence::Default, value(4, 4, 4), "",
      "how many noises are summed, each finer and weaker than the one before"},
     {"lacunarity", ValueKind::Number, lacunarity, Presence::Default, value(2, 2, 2), "", "how much finer"},

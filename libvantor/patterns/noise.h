@@ -13,7 +13,7 @@ struct Noise {
     ColorOrPattern a; ///< Where the noise is -1.
     ColorOrPattern b; ///< Where it is 1; mixed in between.
     PatternSpace space;
-    Vec3 scale;       ///< How many aovs of the first octave lie on a length of 1.
+    Vec3 scale;       ///< How many features of the first octave lie on a length of 1.
     int octaves;      ///< At least 1.
     float lacunarity; ///< How much finer each octave is than the one before.
     float gain;       ///< How much weaker.

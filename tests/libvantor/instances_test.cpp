@@ -144,7 +144,7 @@ TEST(Instances, UnusablePlacesAreLeftOutInOneLine) {
         scripted::errors_of([&] {
             id = instances_of(scene, sphere, {good, VtTransform(), broken, far});
         }),
-        "vantor: newObject \"instances\": item 3: parameter \"instances\" leaves out 3 transforms, the first of them "
+        "vantor: newObject \"instances\": item 3: parameter \"places\" leaves out 3 transforms, the first of them "
         "1, which is all zeros, as a new transform is (identity() and the other operations set it)\n");
     scene.LightBegin();
     scene.AddObject(id);
