@@ -137,11 +137,15 @@ void VtLocalSceneProxy::TransformEnd() {
 }
 
 void VtLocalSceneProxy::Radiosity() {
-    enter(record, "radiosity", [](Scene &scene) { scene.radiosity.pass(scene.registry, scene.report); });
+    enter(record, "radiosity", [](Scene &scene) {
+        scene.report.print_counts();
+        scene.radiosity.pass(scene.registry, scene.report);
+    });
 }
 void VtLocalSceneProxy::Render(VtLong width, VtLong height, VtLong samples, double x0, double y0, double x1,
                                double y1) {
     enter(record, "render", [=](Scene &scene) {
+        scene.report.print_counts();
         vantor::render({width, height, samples, x0, y0, x1, y1}, scene.registry,
                        scene.radiosity.result(scene.registry, scene.report), scene.report);
     });

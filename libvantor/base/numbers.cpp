@@ -72,7 +72,7 @@ const char *why_unusable(const VtTransform &m) {
         for (int c = 0; c < 4; ++c) {
             // Beyond this, floats overflow when areas are squared.
             if (!(std::fabs(m[r][c]) <= 1e9))
-                return "has entries that are not usable (finite numbers up to 1e9 are)";
+                return "has unusable entries (expected finite numbers up to 1e9)";
             is_zero &= m[r][c] == 0.0;
         }
     if (is_zero)

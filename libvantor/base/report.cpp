@@ -1,6 +1,7 @@
 // Report: what is wrong with a scene, one line each on the standard error stream.
 #include "libvantor/base/report.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -9,9 +10,29 @@ namespace vantor {
 
 namespace {
 
+// How many bytes of the text are one UTF-8 character that may be shown; 0 if it does not begin with one.
+std::size_t shown_character(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char first = byte(0);
+    if (first < 0x80)
+        return first >= 0x20 && first != 0x7f ? 1 : 0;
+    const std::size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
+    if (first < 0xc2 || first > 0xf4 || text.size() < length)
+        return 0;
+    for (std::size_t i = 1; i < length; ++i)
+        if ((byte(i) & 0xc0) != 0x80)
+            return 0;
+    const unsigned char second = byte(1);
+    const bool is_control = first == 0xc2 && second < 0xa0;
+    const bool is_overlong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
+    const bool is_surrogate = first == 0xed && second >= 0xa0;
+    const bool is_beyond_unicode = first == 0xf4 && second >= 0x90;
+    return is_control || is_overlong || is_surrogate || is_beyond_unicode ? 0 : length;
+}
+
 // One call, so that lines of several processes on one terminal do not mix.
 void print_line(std::string_view text) {
-    const std::string line = joined({"vantor: ", text, "\n"});
+    const std::string line = joined({"vantor: ", printable(text), "\n"});
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
@@ -31,8 +52,42 @@ Report::Report() {
 
 void Report::diagnostic(std::string_view text) {
     ++count;
-    if (mode != Mode::Silent)
-        print_line(text);
+    if (mode == Mode::Silent)
+        return;
+    const auto now = std::chrono::steady_clock::now();
+    const auto known = std::ranges::find(recent, text, &Recent::text);
+    long repeats = 0;
+    if (known != recent.end()) {
+        if (now - known->printed < std::chrono::seconds(1)) {
+            ++known->repeats;
+            return;
+        }
+        repeats = known->repeats;
+        recent.erase(known);
+    }
+    // Enough for the mistakes of one loop; comparing with more would cost more than printing.
+    constexpr std::size_t most_recent = 16;
+    if (recent.size() == most_recent) {
+        print_count(recent.front());
+        recent.erase(recent.begin());
+    }
+    recent.push_back({std::string(text), now});
+    print_line(repeats == 0 ? std::string(text) : joined({text, " (and ", counted(repeats, "time"), " before)"}));
+}
+
+void Report::print_count(const Recent &line) {
+    if (line.repeats > 0)
+        print_line(joined({line.text, " (", counted(line.repeats, "more time"), ")"}));
+}
+
+void Report::print_counts() noexcept {
+    try {
+        for (const Recent &line : recent)
+            print_count(line);
+        recent.clear();
+    } catch (...) {
+        report_out_of_memory("repeated diagnostics are not counted");
+    }
 }
 
 void Report::note(std::string_view text) const {
@@ -69,13 +124,24 @@ std::string joined(std::initializer_list<std::string_view> parts) {
     return result;
 }
 
+std::string printable(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t length = shown_character(text);
+        if (length > 0)
+            result += text.substr(0, length);
+        else
+            result += text[0] == '\n' || text[0] == '\r' || text[0] == '\t' ? ' ' : '?';
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return result;
+}
+
 std::string in_quotes(std::string_view text) {
     constexpr std::size_t longest = 60;
     std::string result = "\"";
-    for (const char c : text.substr(0, longest)) {
-        const auto byte = static_cast<unsigned char>(c);
-        result += byte < 0x20 || byte == 0x7f ? '?' : c;
-    }
+    result += text.substr(0, longest);
     if (text.size() > longest) {
         // Not in the middle of a UTF-8 sequence; bytes that are none may leave nothing but the quote.
         while (result.size() > 1 && (static_cast<unsigned char>(text[result.size() - 1]) & 0xc0) == 0x80)

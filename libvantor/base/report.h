@@ -1,9 +1,11 @@
 // Report: what is wrong with a scene, one line each on the standard error stream.
 #pragma once
 
+#include <chrono>
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vantor {
 
@@ -12,9 +14,15 @@ namespace vantor {
 ///     silent   nothing is printed
 ///     warn     every diagnostic is printed (the default)
 ///     strict   likewise, and after the first one no render pass writes a picture
+///
+/// A diagnostic that comes again within a second is counted instead of printed: a mistake in a loop is one line and a
+/// count. print_counts() says the counts that are left; a scene's end does, too.
 class Report {
   public:
     Report();
+    ~Report() { print_counts(); }
+    Report(const Report &) = delete;
+    Report &operator=(const Report &) = delete;
 
     /// A mistake in the scene. Printed as "vantor: <text>".
     void diagnostic(std::string_view text);
@@ -26,11 +34,24 @@ class Report {
     bool refuses_pictures() const { return mode == Mode::Strict && count > 0; }
     long diagnostics() const { return count; }
 
+    /// Prints how often each line would have come again.
+    void print_counts() noexcept;
+
   private:
     enum class Mode { Silent, Warn, Strict };
 
+    // A line that was printed lately.
+    struct Recent {
+        std::string text;
+        std::chrono::steady_clock::time_point printed;
+        long repeats = 0; // since then
+    };
+
+    static void print_count(const Recent &line);
+
     Mode mode = Mode::Warn;
     long count = 0;
+    std::vector<Recent> recent; // oldest first
 };
 
 /// The diagnostics of one call: each begins with the call, and the type if the call has one.
@@ -62,7 +83,11 @@ std::string counted(long count, std::string_view noun);
 /// "leaves out point 3", or "leaves out 2 points, the first of them 3".
 std::string left_out(std::size_t count, std::string_view noun, std::size_t first);
 
-/// A text of the script in double quotes, fit for one line: control characters become "?", long texts are cut. Not
+/// The text fit for a terminal's line: line breaks and tabs become spaces; other control characters, and bytes that are
+/// no UTF-8, "?". Every line is printed so, whatever it quotes.
+std::string printable(std::string_view text);
+
+/// A text of the script in double quotes; long ones are cut. Not
 /// named "quoted": called with a std::string, that name finds std::quoted, too, once a header brings it in.
 std::string in_quotes(std::string_view text);
 

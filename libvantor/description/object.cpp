@@ -17,7 +17,7 @@ std::optional<Object> make_instances(VtLong id, const Object &prototype, const P
                                      const CallReport &report) {
     if (prototype.prototype) {
         parameters.complain("object",
-                            "has instances itself (an object of any other type is wanted); nothing of them "
+                            "has instances itself (expected an object of any other type); nothing of them "
                             "will be seen",
                             report);
         return {};

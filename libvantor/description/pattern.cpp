@@ -67,8 +67,8 @@ std::vector<float> positions_in(const Parameters &parameters, std::size_t count,
         if (positions.size() == count && std::ranges::all_of(positions, is_usable) && std::ranges::is_sorted(positions))
             return positions;
         parameters.complain("positions",
-                            joined({"is left out (", std::to_string(count),
-                                    " numbers are wanted, one for each colour, none below the one before)"}),
+                            joined({"is left out (expected ", std::to_string(count),
+                                    " numbers, one for each colour, none below the one before)"}),
                             report);
         positions.clear();
     }
@@ -84,7 +84,7 @@ std::optional<Gradient> make_gradient(const Parameters &parameters, const CallRe
         return c.r >= 0 && c.g >= 0 && c.b >= 0 && largest_component(c) <= 1e18f && is_finite(c);
     };
     if (colors.empty() || !std::ranges::all_of(colors, is_usable)) {
-        parameters.complain("colors", "has no or unusable elements (colours, 0 or more, are wanted)", report);
+        parameters.complain("colors", "has no or unusable elements (expected colours, 0 or more)", report);
         return {};
     }
 

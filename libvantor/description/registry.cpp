@@ -157,7 +157,7 @@ const Pattern *Registry::find_pattern(const Parameters &parameters, std::string_
         const std::string number = std::to_string(id);
         const bool may_be_a_number = parameters.kind(name) != ValueKind::PatternId;
         const std::string hint = may_be_a_number ? joined({"; a number has a decimal point: ", number, ".0"}) : "";
-        parameters.complain(name, joined({"is ", number, ", but ", why, " (the id of a pattern is wanted", hint, ")"}),
+        parameters.complain(name, joined({"is ", number, ", but ", why, " (expected the id of a pattern", hint, ")"}),
                             call);
         return nullptr;
     }
@@ -176,7 +176,7 @@ std::string Registry::why_wrong(VtLong id, EntityKind kind) const {
 
 int Registry::find(VtLong id, EntityKind kind, const CallReport &call) const {
     if (const std::string why = why_wrong(id, kind); !why.empty()) {
-        call.diagnostic(joined({why, " (the id of ", names_of(kind).noun, " is wanted)"}));
+        call.diagnostic(joined({why, " (expected the id of ", names_of(kind).noun, ")"}));
         return -1;
     }
     return entries.at(id).index;
@@ -186,8 +186,7 @@ int Registry::find(VtLong id, EntityKind kind, const Parameters &parameters, std
                    const CallReport &call) const {
     if (const std::string why = why_wrong(id, kind); !why.empty()) {
         parameters.complain(
-            name,
-            joined({"is ", std::to_string(id), ", but ", why, " (the id of ", names_of(kind).noun, " is wanted)"}),
+            name, joined({"is ", std::to_string(id), ", but ", why, " (expected the id of ", names_of(kind).noun, ")"}),
             call);
         return -1;
     }

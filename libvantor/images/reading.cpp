@@ -52,14 +52,6 @@ Raster read(const std::string &path) {
     throw std::runtime_error("it is no PNG, JPEG or OpenEXR file");
 }
 
-// Libraries' texts may have several lines.
-std::string one_line(std::string text) {
-    for (char &c : text)
-        if (c == '\n' || c == '\r')
-            c = ' ';
-    return text;
-}
-
 } // namespace
 
 ReadPicture read_picture(const std::string &path) {
@@ -70,7 +62,7 @@ ReadPicture read_picture(const std::string &path) {
     } catch (const std::bad_alloc &) {
         return {{}, "there is not enough memory for it"};
     } catch (const std::exception &error) {
-        return {{}, one_line(error.what())};
+        return {{}, error.what()};
     }
 }
 

@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -55,6 +55,6 @@ constexpr Type cameras_table[] = {
 
 } // namespace
 
-std::span<const Type> words::camera_types() { return cameras_table; }
+std::span<const Type> tables::camera_types() { return cameras_table; }
 
 } // namespace vantor

@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -47,6 +47,6 @@ constexpr Type imagers_table[] = {
 
 } // namespace
 
-std::span<const Type> words::imager_types() { return imagers_table; }
+std::span<const Type> tables::imager_types() { return imagers_table; }
 
 } // namespace vantor

@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -80,7 +80,7 @@ constexpr Type interfaces_table[] = {
 
 } // namespace
 
-std::span<const Type> words::interface_types() { return interfaces_table; }
-std::span<const Parameter> words::diffuse_words() { return diffuse_parameters; }
+std::span<const Type> tables::interface_types() { return interfaces_table; }
+std::span<const Parameter> tables::diffuse_words() { return diffuse_parameters; }
 
 } // namespace vantor

@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -29,6 +29,6 @@ constexpr Type interiors_table[] = {
 
 } // namespace
 
-std::span<const Type> words::interior_types() { return interiors_table; }
+std::span<const Type> tables::interior_types() { return interiors_table; }
 
 } // namespace vantor

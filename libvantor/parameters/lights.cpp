@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -65,6 +65,6 @@ constexpr Type lights_table[] = {
 
 } // namespace
 
-std::span<const Type> words::light_types() { return lights_table; }
+std::span<const Type> tables::light_types() { return lights_table; }
 
 } // namespace vantor

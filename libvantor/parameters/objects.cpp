@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -166,6 +166,6 @@ constexpr Type objects_table[] = {
 
 } // namespace
 
-std::span<const Type> words::object_types() { return objects_table; }
+std::span<const Type> tables::object_types() { return objects_table; }
 
 } // namespace vantor

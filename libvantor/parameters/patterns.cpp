@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -88,6 +88,6 @@ constexpr Type patterns_table[] = {
 
 } // namespace
 
-std::span<const Type> words::pattern_types() { return patterns_table; }
+std::span<const Type> tables::pattern_types() { return patterns_table; }
 
 } // namespace vantor

@@ -3,7 +3,7 @@
 
 #include "libvantor/parameters/vocabulary.h"
 
-namespace vantor::words {
+namespace vantor::tables {
 
 inline constexpr Range any{};
 inline constexpr Range not_negative{.low = 0.0, .text = "0 or more"};
@@ -36,4 +36,4 @@ inline constexpr std::array<double, 3> none{};
 /// A default: of a number, or of a vector or colour.
 constexpr std::array<double, 3> value(double x, double y = 0, double z = 0) { return {x, y, z}; }
 
-} // namespace vantor::words
+} // namespace vantor::tables

@@ -67,6 +67,14 @@ template <class Named> std::string suggestion(std::string_view wrong, std::span<
     return text;
 }
 
+// "an integer", "a vector3"; "0 or 1" takes no article.
+std::string with_article(std::string_view noun) {
+    const char first = noun.front();
+    if (first >= '0' && first <= '9')
+        return std::string(noun);
+    return joined({std::string_view("aeiou").find(first) == std::string_view::npos ? "a " : "an ", noun});
+}
+
 std::string_view name_of(VtArgTag tag) {
     switch (tag) {
     case VtArgTag::Long:
@@ -74,7 +82,7 @@ std::string_view name_of(VtArgTag tag) {
     case VtArgTag::Double:
         return "a number";
     case VtArgTag::Text:
-        return "a text";
+        return "a string";
     case VtArgTag::Vector2:
         return "a vector2";
     case VtArgTag::Vector3:
@@ -207,13 +215,13 @@ std::string text_of(const VtArgType &value) {
     return joined({"(", vantor::text_of(n[0]), ", ", vantor::text_of(n[1]), third, ")"});
 }
 
-// What is wrong with the numbers of a parameter; empty if nothing is.
+// What is wrong with the value of a parameter, as it follows the name; empty if nothing is.
 std::string complaint(const Parameter &parameter, const VtArgType &value, const std::array<double, 3> &numbers) {
     if (parameter.kind == ValueKind::Choice) {
         const std::string_view word = value.Text();
         if (std::ranges::find(parameter.choices, word) != parameter.choices.end())
             return {};
-        return joined({"is ", in_quotes(word), ", which is no known word", suggestion(word, parameter.choices)});
+        return joined({": unknown word ", in_quotes(word), suggestion(word, parameter.choices)});
     }
     if (!has_range(parameter.kind, value.Tag()))
         return {};
@@ -225,15 +233,15 @@ std::string complaint(const Parameter &parameter, const VtArgType &value, const 
         // Rendering computes in floats; beyond this, squares overflow.
         constexpr double largest = 1e18;
         if (!(std::fabs(n) <= largest))
-            return joined({"is ", text_of(value), ", which is not usable (finite numbers up to 1e18 are)"});
+            return joined({" is out of range: expected finite numbers up to 1e18, got ", text_of(value)});
         is_inside &= n >= range.low && n <= range.high;
         is_zero &= std::fabs(n) < 1e-9;
     }
     if (is_inside && !(is_zero && range.excludes_zero_vector))
         return {};
     const bool may_be_an_id = parameter.kind == ValueKind::Color && value.Tag() == VtArgTag::Long;
-    return joined({"is ", text_of(value), ", which is out of range (", range.text,
-                   may_be_an_id ? "; no pattern can stand here)" : ")"});
+    return joined({" is out of range: expected ", range.text, ", got ", text_of(value),
+                   may_be_an_id ? " (no pattern can stand here)" : ""});
 }
 
 } // namespace
@@ -323,11 +331,11 @@ bool Parameters::is_complete() const {
 }
 
 const Type *find_type(EntityKind kind, const char *name, const CallReport &report) {
-    const EntityWords &words = names_of(kind);
-    for (const Type &type : words.types)
+    const EntityNames &names = names_of(kind);
+    for (const Type &type : names.types)
         if (name && type.name == name)
             return &type;
-    report.diagnostic(joined({name ? "unknown type" : "no type given", suggestion(name ? name : "", words.types)}));
+    report.diagnostic(joined({name ? "unknown type" : "no type given", suggestion(name ? name : "", names.types)}));
     return nullptr;
 }
 
@@ -343,7 +351,7 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
     for (VtLong i = 0; i < count; ++i) {
         const VtArgType &name_value = list.At(i);
         if (name_value.Tag() != VtArgTag::Text) {
-            report.diagnostic_at(i, joined({name_of(name_value.Tag()), " where a parameter name should be"}));
+            report.diagnostic_at(i, joined({"expected a parameter name, got ", name_of(name_value.Tag())}));
             continue;
         }
 
@@ -360,7 +368,8 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
         const std::string called = joined({"parameter ", in_quotes(name)});
         if (value_at == count) {
             speak_of(&*parameter);
-            report.diagnostic_at(i, joined({called, " has no value (", name_of(parameter->kind), " is wanted)"}));
+            report.diagnostic_at(
+                i, joined({called, " has no value (expected ", with_article(name_of(parameter->kind)), ")"}));
             break;
         }
         ++i;
@@ -368,14 +377,14 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
         const VtArgType &value = list.At(value_at);
         if (!is_kind(parameter->kind, value.Tag())) {
             speak_of(&*parameter);
-            report.diagnostic_at(value_at, joined({called, " is ", name_of(value.Tag()), " (", name_of(parameter->kind),
-                                                   " is wanted)"}));
+            report.diagnostic_at(value_at, joined({called, " expects ", with_article(name_of(parameter->kind)),
+                                                   ", got ", name_of(value.Tag())}));
             continue;
         }
         const std::array<double, 3> numbers = numbers_of(value);
         if (const std::string wrong = complaint(*parameter, value, numbers); !wrong.empty()) {
             speak_of(&*parameter);
-            report.diagnostic_at(value_at, joined({called, " ", wrong}));
+            report.diagnostic_at(value_at, joined({called, wrong}));
             continue;
         }
         Parameters::Value &place = result.values[static_cast<std::size_t>(parameter - type.parameters.begin())];
@@ -387,8 +396,8 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
     for (std::size_t i = 0; i < type.parameters.size(); ++i) {
         const Parameter &parameter = type.parameters[i];
         if (parameter.presence == Presence::Required && !result.values[i].given && !is_spoken_of[i])
-            report.diagnostic(joined({"parameter ", in_quotes(parameter.name), " is missing (", name_of(parameter.kind),
-                                      ": ", parameter.meaning, ")"}));
+            report.diagnostic(joined({"parameter ", in_quotes(parameter.name), " is missing (expected ",
+                                      with_article(name_of(parameter.kind)), ": ", parameter.meaning, ")"}));
     }
     return result;
 }

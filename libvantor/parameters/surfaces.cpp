@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -28,7 +28,7 @@ constexpr Parameter surface_parameters[] = {
 
 } // namespace
 
-std::span<const Type> words::material_types() {
+std::span<const Type> tables::material_types() {
     static const Type table[] = {
         {"diffuse", "A surface with a diffuse interface, in one step.", diffuse_words()},
         {"surface", "A surface with an interface of its own.", surface_parameters},

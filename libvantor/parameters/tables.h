@@ -3,7 +3,7 @@
 
 #include "libvantor/parameters/vocabulary.h"
 
-namespace vantor::words {
+namespace vantor::tables {
 
 std::span<const Type> camera_types();
 std::span<const Type> imager_types();
@@ -18,4 +18,4 @@ std::span<const Type> trimmer_types();
 /// Of the diffuse interface, and of the material that is one.
 std::span<const Parameter> diffuse_words();
 
-} // namespace vantor::words
+} // namespace vantor::tables

@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-using namespace words;
+using namespace tables;
 
 namespace {
 
@@ -39,6 +39,6 @@ constexpr Type trimmers_table[] = {
 
 } // namespace
 
-std::span<const Type> words::trimmer_types() { return trimmers_table; }
+std::span<const Type> tables::trimmer_types() { return trimmers_table; }
 
 } // namespace vantor

@@ -8,27 +8,27 @@ namespace vantor {
 namespace {
 
 // Made at the first use: the tables stand in other files, whose order at start is nobody's.
-std::span<const EntityWords> all_words() {
-    static const EntityWords words[] = {
-        {EntityKind::Camera, "newCamera", "a camera", words::camera_types()},
-        {EntityKind::Imager, "newImager", "an imager", words::imager_types()},
-        {EntityKind::Interface, "newInterface", "an interface", words::interface_types()},
-        {EntityKind::Interior, "newInterior", "an interior", words::interior_types()},
-        {EntityKind::Light, "newLight", "a light", words::light_types()},
-        {EntityKind::Material, "newMaterial", "a material", words::material_types()},
-        {EntityKind::Object, "newObject", "an object", words::object_types()},
-        {EntityKind::Pattern, "newPattern", "a pattern", words::pattern_types()},
+std::span<const EntityNames> all_tables() {
+    static const EntityNames names[] = {
+        {EntityKind::Camera, "newCamera", "a camera", tables::camera_types()},
+        {EntityKind::Imager, "newImager", "an imager", tables::imager_types()},
+        {EntityKind::Interface, "newInterface", "an interface", tables::interface_types()},
+        {EntityKind::Interior, "newInterior", "an interior", tables::interior_types()},
+        {EntityKind::Light, "newLight", "a light", tables::light_types()},
+        {EntityKind::Material, "newMaterial", "a material", tables::material_types()},
+        {EntityKind::Object, "newObject", "an object", tables::object_types()},
+        {EntityKind::Pattern, "newPattern", "a pattern", tables::pattern_types()},
         {EntityKind::Texture, "newTexture", "a texture", {}},
-        {EntityKind::Trimmer, "newTrimmer", "a trimmer", words::trimmer_types()},
+        {EntityKind::Trimmer, "newTrimmer", "a trimmer", tables::trimmer_types()},
     };
-    return words;
+    return names;
 }
 
 } // namespace
 
-std::span<const EntityWords> vocabulary() { return all_words(); }
+std::span<const EntityNames> vocabulary() { return all_tables(); }
 
-const EntityWords &names_of(EntityKind kind) { return all_words()[static_cast<int>(kind)]; }
+const EntityNames &names_of(EntityKind kind) { return all_tables()[static_cast<int>(kind)]; }
 
 std::string_view name_of(ValueKind kind) {
     switch (kind) {
@@ -48,7 +48,7 @@ std::string_view name_of(ValueKind kind) {
         return "number, vector2 or vector3";
     case ValueKind::Text:
     case ValueKind::Choice:
-        return "text";
+        return "string";
     case ValueKind::InterfaceId:
         return "interface id (integer)";
     case ValueKind::ObjectId:

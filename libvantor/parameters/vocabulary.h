@@ -70,7 +70,7 @@ struct Type {
 };
 
 /// All types of one kind of entity.
-struct EntityWords {
+struct EntityNames {
     EntityKind kind;
     std::string_view call; ///< As a script writes it: "newCamera".
     std::string_view noun; ///< With its article: "a camera".
@@ -78,8 +78,8 @@ struct EntityWords {
 };
 
 /// One entry for each EntityKind, in its order.
-std::span<const EntityWords> vocabulary();
-const EntityWords &names_of(EntityKind kind);
+std::span<const EntityNames> vocabulary();
+const EntityNames &names_of(EntityKind kind);
 
 /// "number", "colour", "vector3", "text", "interface id", "intarray" ...
 std::string_view name_of(ValueKind kind);

@@ -122,8 +122,8 @@ void Radiosity::pass(const Registry &registry, Report &report) {
     const CallReport call(report, "radiosity");
     registry.report_open_blocks(call);
     if (asked_for != static_cast<VtLong>(budget))
-        call.diagnostic(joined({"the scene was made for ", std::to_string(asked_for), " patches (1 to ",
-                                std::to_string(most_patches), " are wanted); ", std::to_string(budget), " counts"}));
+        call.diagnostic(joined({"the scene was made for ", std::to_string(asked_for), " patches (expected 1 to ",
+                                std::to_string(most_patches), "); ", std::to_string(budget), " counts"}));
     const Interrupt interrupt;
     solve(registry, report, interrupt);
     if (interrupt.requested()) {

@@ -187,17 +187,18 @@ std::optional<TriangleMesh> make_patches(const Parameters &parameters, const Cal
     std::vector<VtVector3> points = copied(given);
     const auto columns = static_cast<std::size_t>(parameters.integer("columns"));
     if (points.size() % columns != 0) {
-        parameters.complain("points",
-                            joined({"has ", counted(static_cast<long>(points.size()), "element"), " (whole rows of ",
-                                    std::to_string(columns), " are wanted); nothing of the patches will be seen"}),
-                            report);
+        parameters.complain(
+            "points",
+            joined({"has ", counted(static_cast<long>(points.size()), "element"), " (expected whole rows of ",
+                    std::to_string(columns), "); nothing of the patches will be seen"}),
+            report);
         return {};
     }
     const auto unusable = std::ranges::find_if_not(points, [](const VtVector3 &p) { return is_usable(to_float(p)); });
     if (unusable != points.end()) {
         parameters.complain("points",
                             joined({"has an unusable element ", std::to_string(unusable - points.begin()),
-                                    " (finite coordinates up to 1e9 are wanted); nothing of the patches will be seen"}),
+                                    " (expected finite coordinates up to 1e9); nothing of the patches will be seen"}),
                             report);
         return {};
     }
@@ -215,7 +216,7 @@ std::optional<TriangleMesh> make_patches(const Parameters &parameters, const Cal
         report.diagnostic(
             joined({"the patches make ", std::to_string(patches), " times ", std::to_string(2 * divisions * divisions),
                     " triangles, more than ", std::to_string(most_triangles),
-                    "; fewer \"divisions\" are wanted, and nothing of the patches will be seen"}));
+                    " (expected fewer \"divisions\"); nothing of the patches will be seen"}));
         return {};
     }
     TriangleMesh mesh = tessellated(Grid(std::move(points), *u, *v), *u, *v, divisions);

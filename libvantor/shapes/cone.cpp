@@ -10,7 +10,7 @@ std::optional<Cone> cone_between(const Parameters &parameters, double base, doub
     const VtVector3 to = parameters.vector("to");
     const VtVector3 axis{to[0] - from[0], to[1] - from[1], to[2] - from[2]};
     if (!(axis.Length() >= 1e-9)) {
-        report.diagnostic("\"from\" and \"to\" are the same point (two ends of an axis are wanted); nothing of it will "
+        report.diagnostic("\"from\" and \"to\" are the same point (expected two ends of an axis); nothing of it will "
                           "be seen");
         return {};
     }

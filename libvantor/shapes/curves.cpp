@@ -30,8 +30,8 @@ std::optional<std::vector<std::size_t>> counts_of(const Parameters &parameters, 
     if (sum == point_count)
         return counts;
     parameters.complain("counts",
-                        joined({"adds up to ", std::to_string(sum), " points (as many as there are, ",
-                                std::to_string(point_count), ", are wanted); nothing of the curves will be seen"}),
+                        joined({"adds up to ", std::to_string(sum), " points (expected as many as there are, ",
+                                std::to_string(point_count), "); nothing of the curves will be seen"}),
                         report);
     return {};
 }
@@ -65,9 +65,9 @@ std::vector<double> radii_of(const Parameters &parameters, std::size_t point_cou
         }
         const std::string wrong =
             radii.size() == point_count
-                ? "has unusable elements (numbers up to 1e9 are wanted)"
-                : joined({"has ", counted(static_cast<long>(radii.size()), "element"), " (one for each of the ",
-                          std::to_string(point_count), " points is wanted)"});
+                ? "has unusable elements (expected numbers up to 1e9)"
+                : joined({"has ", counted(static_cast<long>(radii.size()), "element"),
+                          " (expected one for each of the ", std::to_string(point_count), " points)"});
         parameters.complain("radii", joined({wrong, "; \"radius\" counts instead"}), report);
     }
     return even_radii(parameters.number("radius"), spline, counts);
@@ -151,8 +151,7 @@ std::optional<Curves> make_curves(const Parameters &parameters, const CallReport
                             report);
     if (maker.unusable > 0)
         report.diagnostic(joined({"leaves out ", counted(static_cast<long>(maker.unusable), "segment"),
-                                  " (finite coordinates up to 1e9, some length and a radius above 0 are "
-                                  "wanted)"}));
+                                  " (expected finite coordinates up to 1e9, some length and a radius above 0)"}));
     if (curves.firsts.empty()) {
         if (odd == 0 && maker.unusable == 0)
             report.diagnostic("there is no curve; nothing will be seen");

@@ -69,8 +69,8 @@ void add_faces(TriangleMesh &mesh, std::string_view name, const Parameters &para
     if (count % corners != 0)
         parameters.complain(
             name,
-            joined({"has ", std::to_string(count), " indices (", is_triangles ? "three" : "four", " for each ",
-                    is_triangles ? "triangle" : "quad", " are wanted); the rest is left out"}),
+            joined({"has ", std::to_string(count), " indices (expected ", is_triangles ? "three" : "four", " for each ",
+                    is_triangles ? "triangle" : "quad", "); the rest is left out"}),
             report);
 
     Faults outside;
@@ -101,9 +101,9 @@ void add_faces(TriangleMesh &mesh, std::string_view name, const Parameters &para
     report_faults(outside, name,
                   mesh.points.empty()
                       ? "there are no points"
-                      : joined({"indices from 0 to ", std::to_string(mesh.points.size() - 1), " are wanted"}));
-    report_faults(unusable, "points", "finite coordinates up to 1e9 are wanted");
-    report_faults(flat, name, "corners that span an area are wanted");
+                      : joined({"expected indices from 0 to ", std::to_string(mesh.points.size() - 1)}));
+    report_faults(unusable, "points", "expected finite coordinates up to 1e9");
+    report_faults(flat, name, "expected corners that span an area");
 }
 
 // Normals, texture coordinates and colours go with the points: whether there is one for each.
@@ -112,8 +112,8 @@ bool has_for_each_point(std::size_t points, std::string_view name, VtLong count,
     const bool is_good = static_cast<std::size_t>(count) == points;
     if (!is_good)
         parameters.complain(name,
-                            joined({"has ", counted(count, "element"), " (one for each of the ", std::to_string(points),
-                                    " points is wanted); it is left out"}),
+                            joined({"has ", counted(count, "element"), " (expected one for each of the ",
+                                    std::to_string(points), " points); it is left out"}),
                             report);
     return is_good;
 }
@@ -122,7 +122,7 @@ void add_normals(TriangleMesh &mesh, const Parameters &parameters, const CallRep
     std::vector<Vec3> normals = floats_of(parameters.vector3_array("normals"));
     const bool are_usable = std::ranges::all_of(normals, has_direction);
     if (!are_usable)
-        parameters.complain("normals", "has zero or unusable vectors (directions are wanted); it is left out", report);
+        parameters.complain("normals", "has zero or unusable vectors (expected directions); it is left out", report);
     else if (has_for_each_point(mesh.points.size(), "normals", static_cast<VtLong>(normals.size()), parameters, report))
         mesh.normals = std::move(normals);
 }
@@ -132,7 +132,7 @@ void add_colors(TriangleMesh &mesh, const Parameters &parameters, const CallRepo
     const bool are_usable =
         std::ranges::all_of(colors, [](Vec3 c) { return is_usable(c) && c.x >= 0 && c.y >= 0 && c.z >= 0; });
     if (!are_usable)
-        parameters.complain("colors", "has unusable elements (components from 0 to 1e9 are wanted); it is left out",
+        parameters.complain("colors", "has unusable elements (expected components from 0 to 1e9); it is left out",
                             report);
     else if (has_for_each_point(mesh.points.size(), "colors", static_cast<VtLong>(colors.size()), parameters, report))
         std::ranges::transform(colors, std::back_inserter(mesh.colors), [](Vec3 c) { return Color{c.x, c.y, c.z}; });
@@ -171,8 +171,7 @@ std::vector<Point2f> read_uvs(std::size_t points, const Parameters &parameters, 
     };
     if (std::ranges::all_of(uvs, is_usable_pair))
         return uvs;
-    parameters.complain("uvs", "has unusable elements (finite coordinates up to 1e9 are wanted); it is left out",
-                        report);
+    parameters.complain("uvs", "has unusable elements (expected finite coordinates up to 1e9); it is left out", report);
     return {};
 }
 

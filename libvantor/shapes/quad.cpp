@@ -23,7 +23,7 @@ std::optional<QuadOrMesh> make_quad(const Parameters &parameters, const CallRepo
         if (given.Size() != 4) {
             parameters.complain("corners",
                                 joined({"has ", counted(given.Size(), "element"),
-                                        " (four are wanted); nothing of the quad will be seen"}),
+                                        " (expected four); nothing of the quad will be seen"}),
                                 report);
             return {};
         }

@@ -116,7 +116,7 @@ inline VtMatrix4 basis_of(const Parameters &parameters, std::string_view name, c
     for (int r = 0; r < 4; ++r)
         for (int c = 0; c < 4; ++c)
             if (!(std::fabs(basis[r][c]) <= 1e9)) {
-                parameters.complain(name, "has unusable elements (finite numbers up to 1e9 are wanted); it is left out",
+                parameters.complain(name, "has unusable elements (expected finite numbers up to 1e9); it is left out",
                                     report);
                 return fallback;
             }

@@ -64,23 +64,22 @@ class Reader {
             if (index_count % 4 == 0)
                 return std::vector<VtLong>(index_count / 4, 4);
             refuse("indices", {"has ", counted(static_cast<long>(index_count), "element"),
-                               " (without \"counts\" all faces are quads: four for each are "
-                               "wanted)"});
+                               " (expected four for each face, as all are quads without \"counts\")"});
             return {};
         }
         std::vector<VtLong> counts = copied(parameters.long_array("counts"));
         const auto wrong = std::ranges::find_if(counts, [](VtLong n) { return n < 3; });
         if (wrong != counts.end()) {
             refuse("counts", {"has ", std::to_string(*wrong), " as element ", std::to_string(wrong - counts.begin()),
-                              " (3 or more corners are wanted)"});
+                              " (expected 3 or more corners)"});
             return {};
         }
         std::size_t sum = 0;
         for (const VtLong n : counts)
             sum += static_cast<std::size_t>(n);
         if (sum != index_count) {
-            refuse("counts", {"adds up to ", std::to_string(sum), " corners (as many as there are indices, ", given,
-                              ", are wanted)"});
+            refuse("counts", {"adds up to ", std::to_string(sum), " corners (expected as many as there are indices, ",
+                              given, ")"});
             return {};
         }
         return counts;
@@ -93,7 +92,7 @@ class Reader {
             return false;
         const auto levels = static_cast<std::size_t>(parameters.integer("levels"));
         if (indices.size() > most_triangles >> (2 * levels - 1)) {
-            refuse("levels", {"makes more than ", std::to_string(most_triangles), " triangles (fewer are wanted)"});
+            refuse("levels", {"makes more than ", std::to_string(most_triangles), " triangles (expected fewer)"});
             return false;
         }
 
@@ -130,12 +129,11 @@ class Reader {
 
     void report_faults(std::size_t outside, std::size_t unusable, std::size_t repeated, std::size_t first,
                        std::size_t vertices) const {
-        const std::string known = vertices == 0
-                                      ? "there are no points"
-                                      : joined({"indices from 0 to ", std::to_string(vertices - 1), " are wanted"});
+        const std::string known = vertices == 0 ? "there are no points"
+                                                : joined({"expected indices from 0 to ", std::to_string(vertices - 1)});
         const std::string why = outside > 0    ? known
-                                : unusable > 0 ? std::string("finite coordinates up to 1e9 are wanted")
-                                               : std::string("corners in a row that differ are wanted");
+                                : unusable > 0 ? std::string("expected finite coordinates up to 1e9")
+                                               : std::string("expected corners that differ from the next one");
         parameters.complain("indices", joined({left_out(outside + unusable + repeated, "face", first), " (", why, ")"}),
                             report);
     }
@@ -157,7 +155,7 @@ class Reader {
         const std::size_t count = points.size() / 2;
         if (points.size() % 2 != 0) {
             parameters.complain("crease_edges",
-                                "has an odd number of indices (two for each edge are wanted); it is left out", report);
+                                "has an odd number of indices (expected two for each edge); it is left out", report);
             return;
         }
         std::vector<float> weights(count, infinitely_sharp);
@@ -165,14 +163,14 @@ class Reader {
             const std::vector<float> given =
                 copied(parameters.double_array("crease_weights"), [](double w) { return static_cast<float>(w); });
             if (given.size() != count)
-                parameters.complain(
-                    "crease_weights",
-                    joined({"has ", counted(static_cast<long>(given.size()), "element"), " (one for each of the ",
-                            std::to_string(count), " crease edges is wanted); it is left out"}),
-                    report);
-            else if (!std::ranges::all_of(given, [](float weight) { return weight >= 0; }))
                 parameters.complain("crease_weights",
-                                    "has unusable elements (numbers from 0 are wanted); it is left out", report);
+                                    joined({"has ", counted(static_cast<long>(given.size()), "element"),
+                                            " (expected one for each of the ", std::to_string(count),
+                                            " crease edges); it is left out"}),
+                                    report);
+            else if (!std::ranges::all_of(given, [](float weight) { return weight >= 0; }))
+                parameters.complain("crease_weights", "has unusable elements (expected numbers from 0); it is left out",
+                                    report);
             else
                 weights = given;
         }
@@ -189,7 +187,7 @@ class Reader {
         }
         if (missing > 0)
             parameters.complain("crease_edges",
-                                joined({left_out(missing, "edge", first_missing), " (edges of faces are wanted)"}),
+                                joined({left_out(missing, "edge", first_missing), " (expected edges of faces)"}),
                                 report);
     }
 
@@ -206,8 +204,8 @@ class Reader {
         }
         if (missing > 0)
             parameters.complain("corner_points",
-                                joined({left_out(missing, "element", first_missing), " (indices from 0 to ",
-                                        std::to_string(polygons.corners.size() - 1), " are wanted)"}),
+                                joined({left_out(missing, "element", first_missing), " (expected indices from 0 to ",
+                                        std::to_string(polygons.corners.size() - 1), ")"}),
                                 report);
     }
 

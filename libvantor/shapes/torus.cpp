@@ -101,7 +101,7 @@ std::optional<Torus> make_torus(const Parameters &parameters, const CallReport &
     // A thinner tube has too few of the digits of its distance from the axis.
     if (!(minor <= major && minor >= 1e-6 * major)) {
         report.diagnostic(
-            "\"minor_radius\" is wanted between a millionth of \"major_radius\" and all of it; nothing of "
+            "\"minor_radius\" is out of range: expected a millionth of \"major_radius\" to all of it; nothing of "
             "the torus will be seen");
         return {};
     }

@@ -64,8 +64,8 @@ std::optional<Trimmer> make_curve(const Parameters &parameters, const CallReport
     const auto is_near = [](double value) { return std::fabs(value) <= largest_reach; };
     if (static_cast<long>(points.size()) != given.Size() ||
         !std::ranges::all_of(points, [&](const VtVector2 &p) { return is_near(p[0]) && is_near(p[1]); })) {
-        parameters.complain("points",
-                            "has unusable elements (finite coordinates up to 1e9 are wanted); it cuts nothing", report);
+        parameters.complain("points", "has unusable elements (expected finite coordinates up to 1e9); it cuts nothing",
+                            report);
         return {};
     }
 

@@ -155,8 +155,9 @@ TEST(Relief, APatternsIdIsWanted) {
     scene.NewInterface("diffuse", interface);
     List list("interface", 1, "bump", 1);
     EXPECT_EQ(errors_of([&] { scene.NewMaterial("surface", list); }),
-              "vantor: newMaterial \"surface\": item 3: parameter \"bump\" is 1, but id 1 is an interface (the id of a "
-              "pattern is wanted)\n");
+              "vantor: newMaterial \"surface\": item 3: parameter \"bump\" is 1, but id 1 is an interface (expected "
+              "the id of a "
+              "pattern)\n");
 }
 
 } // namespace

@@ -193,27 +193,27 @@ TEST(Curves, BadInputIsOneLineEach) {
     const auto accepted = [&](const Points &given, const auto &...values) {
         return scripted::errors_of([&] { EXPECT_TRUE(made<Curves>("curves", "points", given, values...)); });
     };
-    EXPECT_EQ(refused(points, "counts", few), head +
-                                                  "item 3: parameter \"counts\" adds up to 8 points (as many as there "
-                                                  "are, 9, are wanted); nothing of the curves will be seen\n");
+    EXPECT_EQ(refused(points, "counts", few),
+              head + "item 3: parameter \"counts\" adds up to 8 points (expected as many as there "
+                     "are, 9); nothing of the curves will be seen\n");
     EXPECT_EQ(accepted(points, "counts", odd), head + "item 3: parameter \"counts\" leaves out 2 curves, the first of "
                                                       "them 1 (with the step 1, 4, 5, 6 ... points come out even)\n");
     EXPECT_EQ(accepted(points, "counts", negative),
               head + "item 3: parameter \"counts\" leaves out curve 1 (with the step 1, 4, 5, 6 "
                      "... points come out even)\n");
-    EXPECT_EQ(accepted(points, "radii", radii),
-              head + "item 3: parameter \"radii\" has 1 element (one for each of the 9 points is "
-                     "wanted); \"radius\" counts instead\n");
+    EXPECT_EQ(accepted(points, "radii", radii), head + "item 3: parameter \"radii\" has 1 element (expected one for "
+                                                       "each of the 9 points); \"radius\" counts instead\n");
     for (int i = 0; i < 8; ++i)
         radii.Add(i == 3 ? INFINITY : 1.0);
     EXPECT_EQ(accepted(points, "radii", radii),
-              head + "item 3: parameter \"radii\" has unusable elements (numbers up to 1e9 are wanted); \"radius\" "
+              head + "item 3: parameter \"radii\" has unusable elements (expected numbers up to 1e9); \"radius\" "
                      "counts instead\n");
-    EXPECT_EQ(accepted(unusable), head + "leaves out 1 segment (finite coordinates up to 1e9, some length and a radius "
-                                         "above 0 are wanted)\n");
-    EXPECT_EQ(refused(still), head +
-                                  "leaves out 6 segments (finite coordinates up to 1e9, some length and a radius above "
-                                  "0 are wanted)\n");
+    EXPECT_EQ(accepted(unusable),
+              head + "leaves out 1 segment (expected finite coordinates up to 1e9, some length and a radius "
+                     "above 0)\n");
+    EXPECT_EQ(refused(still),
+              head + "leaves out 6 segments (expected finite coordinates up to 1e9, some length and a radius above "
+                     "0)\n");
     EXPECT_EQ(refused(points, "basis", VtBezierBasis()),
               head + "item 1: parameter \"points\" leaves out curve 0 (with the step 3, 4, 7, 10 "
                      "... points come out even)\n");

@@ -78,19 +78,19 @@ TEST(Diagnostics, ParameterNames) {
               "vantor: newCamera \"perspective\": item 0: an integer where a parameter name should be\n"
               "vantor: newCamera \"perspective\": item 3: a vector3 where a parameter name should be\n");
     EXPECT_EQ(camera_errors("perspective", "fov"),
-              "vantor: newCamera \"perspective\": item 0: parameter \"fov\" has no value (number is wanted)\n");
+              "vantor: newCamera \"perspective\": item 0: parameter \"fov\" has no value (expected number)\n");
     EXPECT_EQ(camera_errors("perspective", "fov", 30, "fov", 40),
               "vantor: newCamera \"perspective\": item 3: parameter \"fov\" is given twice (the later value counts)\n");
 }
 
 TEST(Diagnostics, ParameterValues) {
     EXPECT_EQ(camera_errors("perspective", "fov", zero),
-              "vantor: newCamera \"perspective\": item 1: parameter \"fov\" is a vector3 (number is wanted)\n");
+              "vantor: newCamera \"perspective\": item 1: parameter \"fov\" is a vector3 (expected number)\n");
     EXPECT_EQ(light_errors("point", "position", 1.0),
-              "vantor: newLight \"point\": item 1: parameter \"position\" is a number (vector3 is wanted)\n");
+              "vantor: newLight \"point\": item 1: parameter \"position\" is a number (expected vector3)\n");
     EXPECT_EQ(light_errors("point", "intensity", "bright"),
-              "vantor: newLight \"point\": item 1: parameter \"intensity\" is a text (colour (vector3 or number) is "
-              "wanted)\n");
+              "vantor: newLight \"point\": item 1: parameter \"intensity\" is a text (expected colour (vector3 or "
+              "number))\n");
     EXPECT_EQ(camera_errors("perspective", "fov", 190.0),
               "vantor: newCamera \"perspective\": item 1: parameter \"fov\" is 190, which is out of range (0.001 to "
               "179)\n");
@@ -169,16 +169,15 @@ TEST(Diagnostics, Meshes) {
     EXPECT_EQ(errors({0, 1, 2}), "");
     EXPECT_EQ(errors({0, 1, 2, 0, 1, 5, 0, 1, -1}),
               "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out 2 triangles, the first of them 1 "
-              "(indices from 0 to 4 are wanted)\n");
+              "(expected indices from 0 to 4)\n");
     EXPECT_EQ(errors({0, 1, 2, 0, 1, 3}),
               "vantor: newObject \"mesh\": item 1: parameter \"points\" leaves out triangle 1 "
-              "(finite coordinates up to 1e9 are wanted)\n");
+              "(expected finite coordinates up to 1e9)\n");
     EXPECT_EQ(errors({0, 1, 4, 0, 1, 2}),
               "vantor: newObject \"mesh\": item 3: parameter \"triangles\" leaves out triangle 0 "
-              "(corners that span an area are wanted)\n");
-    EXPECT_EQ(errors({0, 1, 2, 0, 1}),
-              "vantor: newObject \"mesh\": item 3: parameter \"triangles\" has 5 indices (three for each triangle are "
-              "wanted); the rest is left out\n");
+              "(expected corners that span an area)\n");
+    EXPECT_EQ(errors({0, 1, 2, 0, 1}), "vantor: newObject \"mesh\": item 3: parameter \"triangles\" has 5 indices "
+                                       "(expected three for each triangle); the rest is left out\n");
     EXPECT_EQ(errors({}), "vantor: newObject \"mesh\": the mesh has no triangle; nothing of it will be seen\n");
 
     scripted::Indices triangles;
@@ -186,16 +185,15 @@ TEST(Diagnostics, Meshes) {
     scripted::Points normals;
     scripted::fill(normals, {{0, 0, 1}, {0, 0, 1}});
     VtInstanceArray<VtVector2> uvs;
-    EXPECT_EQ(
-        object_errors("mesh", "points", points, "triangles", triangles, "normals", normals, "uvs", uvs),
-        "vantor: newObject \"mesh\": item 5: parameter \"normals\" has 2 elements (one for each of the 5 points is "
-        "wanted); it is left out\n"
-        "vantor: newObject \"mesh\": item 7: parameter \"uvs\" has 0 elements (one for each of the 5 points is "
-        "wanted); it is left out\n");
+    EXPECT_EQ(object_errors("mesh", "points", points, "triangles", triangles, "normals", normals, "uvs", uvs),
+              "vantor: newObject \"mesh\": item 5: parameter \"normals\" has 2 elements (expected one for each of the "
+              "5 points); it is left out\n"
+              "vantor: newObject \"mesh\": item 7: parameter \"uvs\" has 0 elements (expected one for each of the 5 "
+              "points); it is left out\n");
     scripted::fill(normals, {{0, 0, 1}, {0, 0, 0}, {0, 0, 1}});
     EXPECT_EQ(object_errors("mesh", "points", points, "triangles", triangles, "normals", normals),
-              "vantor: newObject \"mesh\": item 5: parameter \"normals\" has zero or unusable vectors (directions are "
-              "wanted); it is left out\n");
+              "vantor: newObject \"mesh\": item 5: parameter \"normals\" has zero or unusable vectors (expected "
+              "directions); it is left out\n");
 }
 
 TEST(Diagnostics, OneMistakeIsOneLine) {
@@ -204,7 +202,7 @@ TEST(Diagnostics, OneMistakeIsOneLine) {
     scripted::fill(points, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
     // A required parameter that is given wrongly is not missing besides; one that is not named at all is.
     EXPECT_EQ(object_errors("mesh", "points", matrix),
-              "vantor: newObject \"mesh\": item 1: parameter \"points\" is a matrix4 (vector3array is wanted)\n");
+              "vantor: newObject \"mesh\": item 1: parameter \"points\" is a matrix4 (expected vector3array)\n");
     EXPECT_EQ(object_errors("mesh", "pionts", points),
               "vantor: newObject \"mesh\": item 0: unknown parameter \"pionts\" (did you mean \"points\"?)\n");
     EXPECT_EQ(object_errors("mesh"), "vantor: newObject \"mesh\": parameter \"points\" is missing (vector3array: the "
@@ -306,7 +304,7 @@ TEST(Diagnostics, OtherShapes) {
     scripted::Points three;
     scripted::fill(three, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
     EXPECT_EQ(object_errors("quad", "corners", three),
-              "vantor: newObject \"quad\": item 1: parameter \"corners\" has 3 elements (four are wanted); nothing of "
+              "vantor: newObject \"quad\": item 1: parameter \"corners\" has 3 elements (expected four); nothing of "
               "the quad will be seen\n");
     scripted::Points four;
     scripted::fill(four, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
@@ -333,24 +331,24 @@ TEST(Diagnostics, Ids) {
     Scene scene;
     const VtLong light = scene.light("point");
     EXPECT_EQ(errors_of([&] { scene.AddObject(77); }),
-              "vantor: addObject: no entity has the id 77 (the id of an object is wanted)\n");
+              "vantor: addObject: no entity has the id 77 (expected the id of an object)\n");
     EXPECT_EQ(errors_of([&] { scene.AddObject(light); }),
-              "vantor: addObject: id 1 is a light (the id of an object is wanted)\n");
+              "vantor: addObject: id 1 is a light (expected the id of an object)\n");
     EXPECT_EQ(errors_of([&] { scene.MaterialBegin(0); }),
-              "vantor: materialBegin: no entity has the id 0 (the id of a material is wanted)\n");
+              "vantor: materialBegin: no entity has the id 0 (expected the id of a material)\n");
     EXPECT_EQ(errors_of([&] { scene.ImagerBegin(-1); }),
-              "vantor: imagerBegin: no entity has the id -1 (the id of an imager is wanted)\n");
+              "vantor: imagerBegin: no entity has the id -1 (expected the id of an imager)\n");
     EXPECT_EQ(errors_of([&] { scene.InteriorBegin(light); }),
-              "vantor: interiorBegin: id 1 is a light (the id of an interior is wanted)\n");
+              "vantor: interiorBegin: id 1 is a light (expected the id of an interior)\n");
     EXPECT_EQ(errors_of([&] { scene.LightOn(5); }),
-              "vantor: lightOn: no entity has the id 5 (the id of a light is wanted)\n");
+              "vantor: lightOn: no entity has the id 5 (expected the id of a light)\n");
     EXPECT_EQ(errors_of([&] { scene.LightOff(5); }),
-              "vantor: lightOff: no entity has the id 5 (the id of a light is wanted)\n");
+              "vantor: lightOff: no entity has the id 5 (expected the id of a light)\n");
     List list("interface", light);
-    EXPECT_EQ(
-        errors_of([&] { scene.NewMaterial("surface", list); }),
-        "vantor: newMaterial \"surface\": item 1: parameter \"interface\" is 1, but id 1 is a light (the id of an "
-        "interface is wanted)\n");
+    EXPECT_EQ(errors_of([&] { scene.NewMaterial("surface", list); }),
+              "vantor: newMaterial \"surface\": item 1: parameter \"interface\" is 1, but id 1 is a light (expected "
+              "the id of an "
+              "interface)\n");
 }
 
 TEST(Diagnostics, AnEntityOfUnknownTypeIsReportedOnce) {
@@ -533,8 +531,8 @@ TEST(Diagnostics, StrictRefusesPicturesAfterTheFirst) {
                   scene.AddObject(7);
                   scene.AddObject(8);
               }),
-              "vantor: addObject: no entity has the id 7 (the id of an object is wanted)\n"
-              "vantor: addObject: no entity has the id 8 (the id of an object is wanted)\n");
+              "vantor: addObject: no entity has the id 7 (expected the id of an object)\n"
+              "vantor: addObject: no entity has the id 8 (expected the id of an object)\n");
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(errors_of([&] { EXPECT_TRUE(scene.render(4, 4, 1).values.empty()); }),
                   "vantor: render: no picture is written: 2 diagnostics so far, and VANTOR_DIAGNOSTICS is strict\n");
@@ -550,8 +548,9 @@ TEST(Diagnostics, NothingNamesItself) {
     Scene scene;
     List list("a", 1);
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("checker", list), 1); }),
-              "vantor: newPattern \"checker\": item 1: parameter \"a\" is 1, but no entity has the id 1 (the id of a "
-              "pattern is wanted; a number has a decimal point: 1.0)\n");
+              "vantor: newPattern \"checker\": item 1: parameter \"a\" is 1, but no entity has the id 1 (expected the "
+              "id of a "
+              "pattern; a number has a decimal point: 1.0)\n");
 }
 
 } // namespace

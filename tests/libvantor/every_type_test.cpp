@@ -395,7 +395,7 @@ std::string as_known(const TypeScene &type) {
     return "the picture in " + path + " has " + row.data();
 }
 
-bool is(const char *call, const char *type, const vantor::EntityWords &words, const vantor::Type &of_words) {
+bool is(const char *call, const char *type, const vantor::EntityNames &words, const vantor::Type &of_words) {
     return words.call == call && of_words.name == type;
 }
 
@@ -421,7 +421,7 @@ void expect_known_means(const TypeScene &type, const Known &expected) {
 int failures() { return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count(); }
 
 TEST(EveryType, LooksAsItDid) {
-    for (const vantor::EntityWords &words : vantor::vocabulary())
+    for (const vantor::EntityNames &words : vantor::vocabulary())
         for (const vantor::Type &type : words.types) {
             SCOPED_TRACE(testing::Message() << words.call << " \"" << type.name << '"');
             const auto is_it = [&](const auto &entry) { return is(entry.call, entry.type, words, type); };

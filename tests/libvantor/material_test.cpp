@@ -197,10 +197,11 @@ TEST(Material, WrongIdsAreReportedAndTheInterfacesOwnValuesStand) {
     Square scene;
     EXPECT_EQ(
         errors_of([&] { scene.add(scene.surface("color", 1, "roughness", 99)); }),
-        "vantor: newMaterial \"surface\": item 3: parameter \"color\" is 1, but id 1 is a camera (the id of a "
-        "pattern is wanted; a number has a decimal point: 1.0)\n"
-        "vantor: newMaterial \"surface\": item 5: parameter \"roughness\" is 99, but no entity has the id 99 (the "
-        "id of a pattern is wanted; a number has a decimal point: 99.0)\n");
+        "vantor: newMaterial \"surface\": item 3: parameter \"color\" is 1, but id 1 is a camera (expected the id of a "
+        "pattern; a number has a decimal point: 1.0)\n"
+        "vantor: newMaterial \"surface\": item 5: parameter \"roughness\" is 99, but no entity has the id 99 (expected "
+        "the "
+        "id of a pattern; a number has a decimal point: 99.0)\n");
     expect_color(scene.render(4, 4, 1), {0.5f, 0.5f, 0.5f});
 }
 

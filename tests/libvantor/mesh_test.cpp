@@ -117,16 +117,17 @@ TEST(Mesh, BadInputIsOneLineEach) {
     const auto line_of = [&](const auto &...values) {
         return scripted::errors_of([&] { EXPECT_TRUE(made<TriangleMesh>("mesh", "points", points, values...)); });
     };
-    EXPECT_EQ(line_of("quads", odd), head + "item 3: parameter \"quads\" has 5 indices (four for each quad are "
-                                            "wanted); the rest is left out\n");
+    EXPECT_EQ(line_of("quads", odd),
+              head + "item 3: parameter \"quads\" has 5 indices (expected four for each quad); the rest is left out\n");
     EXPECT_EQ(line_of("quads", wild), head + "item 3: parameter \"quads\" leaves out 2 quads, the first of them 1 "
-                                             "(indices from 0 to 3 are wanted)\n");
+                                             "(expected indices from 0 to 3)\n");
     EXPECT_EQ(line_of("quads", flat), head + "item 3: parameter \"quads\" leaves out quad 1 "
-                                             "(corners that span an area are wanted)\n");
-    EXPECT_EQ(line_of("quads", quad, "colors", few), head + "item 5: parameter \"colors\" has 1 element (one for each "
-                                                            "of the 4 points is wanted); it is left out\n");
+                                             "(expected corners that span an area)\n");
+    EXPECT_EQ(line_of("quads", quad, "colors", few),
+              head + "item 5: parameter \"colors\" has 1 element (expected one for each "
+                     "of the 4 points); it is left out\n");
     EXPECT_EQ(line_of("quads", quad, "colors", negative),
-              head + "item 5: parameter \"colors\" has unusable elements (components from 0 to 1e9 are wanted); it is "
+              head + "item 5: parameter \"colors\" has unusable elements (expected components from 0 to 1e9); it is "
                      "left out\n");
     EXPECT_EQ(scripted::errors_of([&] { EXPECT_FALSE(made<TriangleMesh>("mesh", "points", points)); }),
               head + "neither \"triangles\" nor \"quads\" is given (an intarray: three or four indices of points, from "

@@ -194,9 +194,9 @@ TEST(Patches, BadInputIsOneLineEach) {
         return scripted::errors_of([&] { EXPECT_FALSE(made<TriangleMesh>("patches", values...)); });
     };
     const std::string head = "vantor: newObject \"patches\": ";
-    EXPECT_EQ(line_of("points", points, "columns", 6), head +
-                                                           "item 1: parameter \"points\" has 20 elements (whole rows "
-                                                           "of 6 are wanted); nothing of the patches will be seen\n");
+    EXPECT_EQ(line_of("points", points, "columns", 6),
+              head + "item 1: parameter \"points\" has 20 elements (expected whole rows "
+                     "of 6); nothing of the patches will be seen\n");
     EXPECT_EQ(line_of("points", points, "columns", 5),
               head + "item 3: parameter \"columns\" makes rows of 5 points (with the step 3, 4, 7, 10 ... come out "
                      "even); nothing of the patches will be seen\n");
@@ -204,8 +204,8 @@ TEST(Patches, BadInputIsOneLineEach) {
               head + "item 1: parameter \"points\" makes columns of 5 points (with the step 3, 4, 7, 10 ... come out "
                      "even); nothing of the patches will be seen\n");
     EXPECT_EQ(line_of("points", unusable, "columns", 4),
-              head + "item 1: parameter \"points\" has an unusable element 7 (finite coordinates up to 1e9 are "
-                     "wanted); nothing of the patches will be seen\n");
+              head + "item 1: parameter \"points\" has an unusable element 7 (expected finite coordinates up to 1e9); "
+                     "nothing of the patches will be seen\n");
     EXPECT_EQ(line_of("points", flat, "columns", 4),
               head + "the patches have no usable area; nothing of them will be seen\n");
     EXPECT_EQ(line_of("points", Points(), "columns", 4),
@@ -219,7 +219,7 @@ TEST(Patches, BadInputIsOneLineEach) {
     scripted::fill(good, wavy_grid(4, 4));
     EXPECT_EQ(scripted::errors_of(
                   [&] { EXPECT_TRUE(made<TriangleMesh>("patches", "points", good, "columns", 4, "basis", broken)); }),
-              head + "item 5: parameter \"basis\" has unusable elements (finite numbers up to 1e9 are wanted); it is "
+              head + "item 5: parameter \"basis\" has unusable elements (expected finite numbers up to 1e9); it is "
                      "left out\n");
 }
 

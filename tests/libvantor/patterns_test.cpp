@@ -181,11 +181,12 @@ TEST(Patterns, AnIntegerIsAPatternsId) {
     Scene scene;
     scene.camera({0, 0, 1}, {0, 0, 0}, 60);
     EXPECT_EQ(errors_of([&] { pattern(scene, "checker", List("a", 1)); }),
-              "vantor: newPattern \"checker\": item 1: parameter \"a\" is 1, but id 1 is a camera (the id of a pattern "
-              "is wanted; a number has a decimal point: 1.0)\n");
+              "vantor: newPattern \"checker\": item 1: parameter \"a\" is 1, but id 1 is a camera (expected the id of "
+              "a pattern; a number has a decimal point: 1.0)\n");
     EXPECT_EQ(errors_of([&] { pattern(scene, "mix", List("amount", 0)); }),
-              "vantor: newPattern \"mix\": item 1: parameter \"amount\" is 0, but no entity has the id 0 (the id of a "
-              "pattern is wanted; a number has a decimal point: 0.0)\n");
+              "vantor: newPattern \"mix\": item 1: parameter \"amount\" is 0, but no entity has the id 0 (expected the "
+              "id of a "
+              "pattern; a number has a decimal point: 0.0)\n");
     EXPECT_EQ(errors_of([&] { pattern(scene, "mix", List("a", 2, "amount", 0.0)); }), "");
 }
 
@@ -196,12 +197,12 @@ TEST(Patterns, GradientsThatCannotBeUsedAreReported) {
     VtInstanceArray<double> falling;
     falling.Add(1.0);
     falling.Add(0.0);
-    EXPECT_EQ(
-        errors_of([&] { pattern(scene, "gradient", List("colors", none)); }),
-        "vantor: newPattern \"gradient\": item 1: parameter \"colors\" has no or unusable elements (colours, 0 or "
-        "more, are wanted)\n");
+    EXPECT_EQ(errors_of([&] { pattern(scene, "gradient", List("colors", none)); }),
+              "vantor: newPattern \"gradient\": item 1: parameter \"colors\" has no or unusable elements (expected "
+              "colours, 0 or "
+              "more)\n");
     EXPECT_EQ(errors_of([&] { pattern(scene, "gradient", List("colors", colors, "positions", falling)); }),
-              "vantor: newPattern \"gradient\": item 3: parameter \"positions\" is left out (2 numbers are wanted, one "
+              "vantor: newPattern \"gradient\": item 3: parameter \"positions\" is left out (expected 2 numbers, one "
               "for each colour, none below the one before)\n");
 }
 

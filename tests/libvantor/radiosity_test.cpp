@@ -277,7 +277,7 @@ TEST(Radiosity, AnyBudgetWorks) {
         describe_room(scene, true);
         const double traced = scene.render(12, 12, 256).mean();
         const std::string wrong = "vantor: radiosity: the scene was made for " + std::to_string(budget) +
-                                  " patches (1 to 1000000 are wanted); 1 counts\n";
+                                  " patches (expected 1 to 1000000); 1 counts\n";
         EXPECT_EQ(errors_of([&] { scene.Radiosity(); }), budget < 1 ? wrong : "");
         // A wall of one patch has no shadows of indirect light; the mean is still about right.
         EXPECT_NEAR(scene.render(12, 12, 64).mean(), traced, 0.1 * traced) << "budget " << budget;

@@ -417,7 +417,7 @@ TEST(RandomLists, NothingCrashesAndEveryTypeIsMade) {
         Author author(seed, readable, writable);
         expect_complaints(scripted::errors_of([&] {
             while (lists < 10000 * static_cast<int>(seed + 1) / static_cast<int>(scenes)) {
-                for (const vantor::EntityWords &words : vantor::vocabulary()) {
+                for (const vantor::EntityNames &words : vantor::vocabulary()) {
                     for (const Type &type : words.types) {
                         const off_t before = errors_so_far();
                         author.create(words.kind, type);
@@ -434,7 +434,7 @@ TEST(RandomLists, NothingCrashesAndEveryTypeIsMade) {
             author.expect_sound_pictures();
         }));
     }
-    for (const vantor::EntityWords &words : vantor::vocabulary())
+    for (const vantor::EntityNames &words : vantor::vocabulary())
         for (const Type &type : words.types)
             EXPECT_TRUE(made.contains(std::string(words.call) + " " + std::string(type.name)))
                 << words.call << " \"" << type.name << "\" was never made without a complaint";

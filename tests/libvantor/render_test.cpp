@@ -91,7 +91,7 @@ TEST(Render, ScenesAreIndependent) {
     EXPECT_GT(full.render(8, 8, 1).mean(), 0);
     // Ids of one scene mean nothing in the other.
     EXPECT_EQ(scripted::errors_of([&] { empty.AddObject(3); }),
-              "vantor: addObject: no entity has the id 3 (the id of an object is wanted)\n");
+              "vantor: addObject: no entity has the id 3 (expected the id of an object)\n");
 }
 
 TEST(Render, DirectLightAgreesWithMoreSamples) {

@@ -235,46 +235,49 @@ TEST(Subdivision, BadInputIsOneLineEach) {
     const auto accepted = [&](const std::vector<VtLong> &indices, const auto &...values) {
         return scripted::errors_of([&] { EXPECT_TRUE(subdivided(cube_points, indices, values...)); });
     };
-    EXPECT_EQ(refused({0, 1, 2}), head +
-                                      "item 3: parameter \"indices\" has 3 elements (without \"counts\" all faces are "
-                                      "quads: four for each are wanted)" +
-                                      unseen);
-    EXPECT_EQ(refused(cube_indices, "counts", few), head +
-                                                        "item 5: parameter \"counts\" adds up to 8 corners (as many "
-                                                        "as there are indices, 24, are wanted)" +
-                                                        unseen);
+    EXPECT_EQ(refused({0, 1, 2}),
+              head +
+                  "item 3: parameter \"indices\" has 3 elements (expected without \"counts\" all faces are "
+                  "quads: four for each)" +
+                  unseen);
+    EXPECT_EQ(refused(cube_indices, "counts", few),
+              head +
+                  "item 5: parameter \"counts\" adds up to 8 corners (expected as many "
+                  "as there are indices, 24)" +
+                  unseen);
     EXPECT_EQ(refused(cube_indices, "counts", small),
-              head + "item 5: parameter \"counts\" has 2 as element 5 (3 or more corners are wanted)" + unseen);
-    EXPECT_EQ(refused({0, 1, 2, 8}), head + "item 3: parameter \"indices\" leaves out face 0 (indices from 0 to 7 are "
-                                            "wanted)\n");
-    EXPECT_EQ(accepted({0, 1, 2, 3, 4, 5, 5, 6, 4, -5, 6, 7}),
-              head + "item 3: parameter \"indices\" leaves out 2 faces, the first of them 1 (indices from 0 to 7 are "
-                     "wanted)\n");
+              head + "item 5: parameter \"counts\" has 2 as element 5 (expected 3 or more corners)" + unseen);
+    EXPECT_EQ(refused({0, 1, 2, 8}),
+              head + "item 3: parameter \"indices\" leaves out face 0 (expected indices from 0 to 7)\n");
+    EXPECT_EQ(
+        accepted({0, 1, 2, 3, 4, 5, 5, 6, 4, -5, 6, 7}),
+        head +
+            "item 3: parameter \"indices\" leaves out 2 faces, the first of them 1 (expected indices from 0 to 7)\n");
     EXPECT_EQ(accepted({0, 1, 2, 3, 4, 5, 5, 6}),
-              head + "item 3: parameter \"indices\" leaves out face 1 (corners in a row that "
-                     "differ are wanted)\n");
-    EXPECT_EQ(refused({0, 1, 2, 0}), head + "item 3: parameter \"indices\" leaves out face 0 (corners in a row that "
-                                            "differ are wanted)\n");
+              head + "item 3: parameter \"indices\" leaves out face 1 (expected corners in a row that "
+                     "differ)\n");
+    EXPECT_EQ(refused({0, 1, 2, 0}),
+              head + "item 3: parameter \"indices\" leaves out face 0 (expected corners in a row that "
+                     "differ)\n");
     EXPECT_EQ(accepted(cube_indices, "crease_edges", odd),
-              head +
-                  "item 5: parameter \"crease_edges\" has an odd number of indices (two for each edge are wanted); it "
-                  "is left out\n");
-    EXPECT_EQ(accepted(cube_indices, "crease_edges", strange),
-              head + "item 5: parameter \"crease_edges\" leaves out 2 edges, the first of them 1 (edges of faces are "
-                     "wanted)\n");
-    EXPECT_EQ(accepted(cube_indices, "crease_edges", strange, "crease_weights", weights),
-              head +
-                  "item 7: parameter \"crease_weights\" has 1 element (one for each of the 3 "
-                  "crease edges is wanted); it is left out\n" +
-                  head +
-                  "item 5: parameter \"crease_edges\" leaves out 2 edges, the first of them 1 (edges of faces "
-                  "are wanted)\n");
+              head + "item 5: parameter \"crease_edges\" has an odd number of indices (expected two for each edge); it "
+                     "is left out\n");
+    EXPECT_EQ(
+        accepted(cube_indices, "crease_edges", strange),
+        head +
+            "item 5: parameter \"crease_edges\" leaves out 2 edges, the first of them 1 (expected edges of faces)\n");
+    EXPECT_EQ(
+        accepted(cube_indices, "crease_edges", strange, "crease_weights", weights),
+        head +
+            "item 7: parameter \"crease_weights\" has 1 element (expected one for each of the 3 "
+            "crease edges); it is left out\n" +
+            head +
+            "item 5: parameter \"crease_edges\" leaves out 2 edges, the first of them 1 (expected edges of faces)\n");
     EXPECT_EQ(accepted(cube_indices, "crease_weights", weights),
               head + "item 5: parameter \"crease_weights\" has no effect without \"crease_edges\"\n");
     EXPECT_EQ(accepted(cube_indices, "corner_points", wild),
-              head +
-                  "item 5: parameter \"corner_points\" leaves out 2 elements, the first of them 1 (indices from 0 to 7 "
-                  "are wanted)\n");
+              head + "item 5: parameter \"corner_points\" leaves out 2 elements, the first of them 1 (expected indices "
+                     "from 0 to 7)\n");
     EXPECT_EQ(accepted(cube_indices, "counts", counts), "");
     EXPECT_EQ(scripted::errors_of([&] {
                   EXPECT_FALSE(subdivided({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}}, {0, 1, 2, 3}));

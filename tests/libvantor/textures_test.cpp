@@ -234,9 +234,10 @@ TEST(NewTexture, SaysWhatCannotBeRead) {
     List grey("texture", 1);
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("image", grey), 3); }), "");
     List pattern("texture", 3);
-    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewPattern("image", pattern), 4); }),
-              "vantor: newPattern \"image\": item 1: parameter \"texture\" is 3, but id 3 is a pattern (the id of a "
-              "texture is wanted)\n");
+    EXPECT_EQ(
+        errors_of([&] { EXPECT_EQ(scene.NewPattern("image", pattern), 4); }),
+        "vantor: newPattern \"image\": item 1: parameter \"texture\" is 3, but id 3 is a pattern (expected the id of a "
+        "texture)\n");
 }
 
 } // namespace

@@ -40,7 +40,7 @@ std::string default_of(const vantor::Parameter &parameter) {
 
 std::string tables() {
     std::string page;
-    for (const vantor::EntityWords &words : vantor::vocabulary()) {
+    for (const vantor::EntityNames &words : vantor::vocabulary()) {
         page += joined({"\n## `", words.call, "`\n"});
         if (words.kind == vantor::EntityKind::Texture)
             page += "\nTakes the path of a picture file: PNG, JPEG or OpenEXR.\n";

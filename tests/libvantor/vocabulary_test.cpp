@@ -37,7 +37,7 @@ TEST(Vocabulary, EntriesStandInTheOrderOfTheirKinds) {
 }
 
 TEST(Vocabulary, NamesAreUniqueAndDefaultsInRange) {
-    for (const EntityWords &words : vocabulary()) {
+    for (const EntityNames &words : vocabulary()) {
         std::set<std::string_view> types;
         for (const Type &type : words.types) {
             EXPECT_TRUE(types.insert(type.name).second) << type.name;

@@ -163,7 +163,7 @@ class EmbeddedRendererTest(unittest.TestCase):
                 'vantor: newCamera "perspective": item 2: unknown parameter "tarqet" '
                 '(did you mean "target"?)',
                 'vantor: newLight "point": item 1: parameter "intensity" is a text '
-                "(colour (vector3 or number) is wanted)",
+                "(expected colour (vector3 or number))",
                 'vantor: newObject "spere": unknown type (did you mean "sphere"?)',
             ],
         )
