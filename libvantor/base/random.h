@@ -1,6 +1,8 @@
 // Sample numbers: Owen-scrambled Sobol points as a pure function of pixel, sample and dimension.
 #pragma once
 
+#include "libvantor/base/bits.h"
+
 #include <bit>
 #include <cstdint>
 #include <span>
@@ -22,13 +24,6 @@ constexpr std::uint32_t hash(std::uint32_t x) {
     x ^= x >> 15;
     x *= 0x846ca68bu;
     return x ^ (x >> 16);
-}
-
-constexpr std::uint32_t reversed(std::uint32_t x) {
-    x = __builtin_bswap32(x);
-    x = ((x >> 4) & 0x0f0f0f0fu) | ((x & 0x0f0f0f0fu) << 4);
-    x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
-    return ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
 }
 
 /// Owen's nested uniform scrambling, as a hash in which every bit depends on the lower ones only; it therefore works on
@@ -54,14 +49,6 @@ constexpr std::uint32_t second_dimension_reversed(std::uint32_t index) {
 /// The top 24 bits as a float in [0, 1); all of them are exact.
 constexpr float unit_float(std::uint32_t x) { return static_cast<float>(x >> 8) * 0x1p-24f; }
 
-/// The bits of a 16-bit number, moved to the even places.
-constexpr std::uint32_t spread(std::uint32_t x) {
-    x = (x | (x << 8)) & 0x00ff00ffu;
-    x = (x | (x << 4)) & 0x0f0f0f0fu;
-    x = (x | (x << 2)) & 0x33333333u;
-    return (x | (x << 1)) & 0x55555555u;
-}
-
 } // namespace sobol
 
 /// The numbers of one sample of one pixel. There is no state, so neither the order of samples nor that of threads
@@ -78,9 +65,9 @@ class Sampler {
 
     /// 0 <= x, y < 65536; 0 <= sample < samples. Every seed has a scrambling of its own.
     Sampler(std::uint32_t x, std::uint32_t y, std::uint32_t sample, std::uint32_t samples, std::uint32_t seed = 0) {
-        const std::uint64_t pixel = sobol::spread(x) | (sobol::spread(y) << 1);
+        const std::uint64_t pixel = morton_code(x, y);
         const std::uint64_t index = (pixel << std::bit_width(samples - 1)) | sample;
-        reversed_index = sobol::reversed(static_cast<std::uint32_t>(index));
+        reversed_index = reversed_bits(static_cast<std::uint32_t>(index));
         // The sequence has 2^32 points. Pictures that need more start again, with another scrambling.
         const auto round = static_cast<std::uint32_t>(index >> 32);
         scrambling = (round << 12) ^ sobol::hash(seed);
@@ -108,16 +95,16 @@ class Sampler {
     std::uint32_t seed_of(std::uint32_t dimension) const { return sobol::hash(scrambling ^ (dimension + 1)); }
 
     std::uint32_t shuffled(std::uint32_t seed) const {
-        return sobol::reversed(sobol::scrambled_reversed(reversed_index, seed));
+        return reversed_bits(sobol::scrambled_reversed(reversed_index, seed));
     }
 
     // The first Sobol dimension is the index with its digits reversed, so reversed again it is the index itself.
     static std::uint32_t first(std::uint32_t index, std::uint32_t seed) {
-        return sobol::reversed(sobol::scrambled_reversed(index, seed * 0x9e3779b1u));
+        return reversed_bits(sobol::scrambled_reversed(index, seed * 0x9e3779b1u));
     }
     static std::uint32_t second(std::uint32_t index, std::uint32_t seed) {
         const std::uint32_t point = sobol::second_dimension_reversed(index);
-        return sobol::reversed(sobol::scrambled_reversed(point, seed * 0x85ebca77u));
+        return reversed_bits(sobol::scrambled_reversed(point, seed * 0x85ebca77u));
     }
 
     std::uint32_t reversed_index;

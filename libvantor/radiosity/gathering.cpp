@@ -14,15 +14,8 @@ enum Dimension : std::uint32_t { point_on_patch, direction, light_point, light_c
 // A side's direct light is only seen by others, each of which sees many sides: it needs no more.
 constexpr int light_samples = 16;
 
-// The number's even bits: the opposite of what Sampler does with a pixel, so that the sides count in their order.
-std::uint32_t even_bits(std::uint32_t x) {
-    x &= 0x55555555u;
-    x = (x | (x >> 1)) & 0x33333333u;
-    x = (x | (x >> 2)) & 0x0f0f0f0fu;
-    x = (x | (x >> 4)) & 0x00ff00ffu;
-    return (x | (x >> 8)) & 0x0000ffffu;
-}
-
+// The pixel whose Morton code is the side's number: sides that follow each other take consecutive stretches of the
+// sequence, as neighbouring pixels do.
 Sampler sampler_of(std::uint32_t side, int sample, int samples) {
     return {even_bits(side), even_bits(side >> 1), static_cast<std::uint32_t>(sample),
             static_cast<std::uint32_t>(samples)};

@@ -1,6 +1,7 @@
 // Patch maker: divides the surfaces of a scene into patches, and joins the corners of their cells.
 #include "libvantor/radiosity/patch_maker.h"
 
+#include "libvantor/base/bits.h"
 #include "libvantor/radiosity/patch_points.h"
 
 #include <numbers>
@@ -13,16 +14,10 @@ namespace {
 // Flat pieces whose normals differ by more than about 37 degrees have an edge between them.
 constexpr float least_cosine = 0.8f;
 
-// Spreads three times ten bits to every third place.
-std::uint32_t morton(Vec3 unit) {
-    const auto spread = [](float part) {
-        auto x = static_cast<std::uint32_t>(std::clamp(part, 0.0f, 1.0f) * 1023);
-        x = (x | (x << 16)) & 0x030000ffu;
-        x = (x | (x << 8)) & 0x0300f00fu;
-        x = (x | (x << 4)) & 0x030c30c3u;
-        return (x | (x << 2)) & 0x09249249u;
-    };
-    return spread(unit.x) | (spread(unit.y) << 1) | (spread(unit.z) << 2);
+// Of a point of the unit cube.
+std::uint32_t morton_code_of(Vec3 unit) {
+    const auto ten_bits = [](float part) { return static_cast<std::uint32_t>(std::clamp(part, 0.0f, 1.0f) * 1023); };
+    return morton_code(ten_bits(unit.x), ten_bits(unit.y), ten_bits(unit.z));
 }
 
 // Leaves the elements in any order if it is interrupted.
@@ -145,7 +140,7 @@ void Patches::Maker::add_groups(std::uint32_t placement, std::vector<std::uint32
             return;
         const PatchPoint middle = point_in_world(*surface.shape, map, triangle, {1 / 3.0f, 1 / 3.0f});
         const std::uint64_t facing = facing_of(middle.normal);
-        members.push_back({facing << 32 | morton((middle.point - low) * scale), triangle});
+        members.push_back({facing << 32 | morton_code_of((middle.point - low) * scale), triangle});
     }
     sort(members, interrupt,
          [](Member a, Member b) { return a.key != b.key ? a.key < b.key : a.triangle < b.triangle; });

@@ -84,4 +84,30 @@ TEST(Random, ManyAtOnceAreTheSameNumbers) {
     }
 }
 
+TEST(Bits, ReversedTwiceAreTheSame) {
+    EXPECT_EQ(vantor::reversed_bits(1), 0x80000000u);
+    EXPECT_EQ(vantor::reversed_bits(0x0000f001u), 0x800f0000u);
+    for (std::uint32_t i = 0; i < 1000; ++i)
+        EXPECT_EQ(vantor::reversed_bits(vantor::reversed_bits(i * 0x9e3779b1u)), i * 0x9e3779b1u);
+}
+
+TEST(Bits, MortonCodesInterleaveTheBitsOfCoordinates) {
+    EXPECT_EQ(vantor::morton_code(0xffff, 0), 0x55555555u);
+    EXPECT_EQ(vantor::morton_code(0, 0xffff), 0xaaaaaaaau);
+    EXPECT_EQ(vantor::morton_code(0b101, 0b011), 0b011011u);
+    EXPECT_EQ(vantor::morton_code(1023, 0, 0), 0x09249249u);
+    EXPECT_EQ(vantor::morton_code(0, 1023, 1023), 0x36db6db6u);
+    EXPECT_EQ(vantor::morton_code(0b10, 0b01, 0b11), 0b101110u);
+}
+
+TEST(Bits, EvenBitsTakeMortonCodesApart) {
+    for (std::uint32_t i = 0; i < 1000; ++i) {
+        const std::uint32_t x = i * 7919 & 0xffff;
+        const std::uint32_t y = i * 104729 & 0xffff;
+        const std::uint32_t code = vantor::morton_code(x, y);
+        EXPECT_EQ(vantor::even_bits(code), x);
+        EXPECT_EQ(vantor::even_bits(code >> 1), y);
+    }
+}
+
 } // namespace
