@@ -1,4 +1,4 @@
-// What the module itself does with transforms: composition and inversion.
+// Inversion of transforms, as the module does it.
 #include "algebra/vt_transform_algebra.h"
 
 #include <cmath>
@@ -31,14 +31,6 @@ void set_column_from_minus(VtTransform &adjugate, int column, const VtVector4 &r
 }
 
 } // namespace
-
-VtTransform Compose(const VtTransform &a, const VtTransform &b) {
-    VtTransform product;
-    for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j)
-            product[i][j] = a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j] + a[i][3] * b[3][j];
-    return product;
-}
 
 VtTransform Invert(const VtTransform &a) {
     constexpr double singular_below = 1e-6;

@@ -1,11 +1,16 @@
 // VtTransform: the operations that this library defines. Points are rows, angles are in degrees.
 #include "algebra/vt_transform.h"
 
+#include "libvantor/base/numbers.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
 namespace {
+
+using vantor::cross;
+using vantor::dot;
 
 struct Angle {
     double cosine;
@@ -29,12 +34,6 @@ Angle angle_of(double degrees) {
     default:
         return {s + 0.0, 0.0 - c};
     }
-}
-
-double dot(const VtVector3 &a, const VtVector3 &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
-VtVector3 cross(const VtVector3 &a, const VtVector3 &b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
 // Unit length, for tiny and huge vectors too: scaled by the largest component before anything is squared. False for

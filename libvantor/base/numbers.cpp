@@ -7,8 +7,6 @@ namespace {
 
 VtVector3 row_of(const VtTransform &m, int r) { return {m[r][0], m[r][1], m[r][2]}; }
 
-double dot(const VtVector3 &a, const VtVector3 &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
 VtVector3 divided(const VtVector3 &v, double by) { return {v[0] / by, v[1] / by, v[2] / by}; }
 
 double determinant_of(const VtTransform &m) { return dot(row_of(m, 0), cross(row_of(m, 1), row_of(m, 2))); }
@@ -16,10 +14,6 @@ double determinant_of(const VtTransform &m) { return dot(row_of(m, 0), cross(row
 } // namespace
 
 VtVector3 difference(const VtVector3 &a, const VtVector3 &b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-
-VtVector3 cross(const VtVector3 &a, const VtVector3 &b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
 
 Color to_color(const VtVector3 &components) {
     const Vec3 c = to_float(components);
@@ -99,15 +93,6 @@ VtTransform identity() {
     VtTransform result;
     for (int i = 0; i < 4; ++i)
         result[i][i] = 1.0;
-    return result;
-}
-
-VtTransform composed(const VtTransform &first, const VtTransform &then) {
-    VtTransform result;
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c)
-            for (int k = 0; k < 4; ++k)
-                result[r][c] += first[r][k] * then[k][c];
     return result;
 }
 

@@ -1,7 +1,7 @@
 // Float vectors, frames and affine maps: what rendering computes with; and the one door from the script's doubles.
 #pragma once
 
-#include "algebra/vt_transform.h"
+#include "algebra/vt_transform_algebra.h"
 #include "libvantor/base/color.h"
 
 #include <algorithm>
@@ -109,11 +109,11 @@ const char *why_unusable(const VtTransform &transform);
 
 // What little is computed in the script's doubles.
 VtVector3 difference(const VtVector3 &a, const VtVector3 &b);
-VtVector3 cross(const VtVector3 &a, const VtVector3 &b);
+constexpr double dot(const VtVector3 &a, const VtVector3 &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+constexpr VtVector3 cross(const VtVector3 &a, const VtVector3 &b) {
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
 VtTransform identity();
-
-/// First the one, then the other.
-VtTransform composed(const VtTransform &first, const VtTransform &then);
 VtVector3 transformed_point(const VtVector3 &p, const VtTransform &transform);
 VtVector3 transformed_direction(const VtVector3 &d, const VtTransform &transform);
 

@@ -262,7 +262,7 @@ void Registry::add_object(VtLong id) {
 
 void Registry::begin_transform(const VtTransform &transform) {
     const TransformBlock outer = transforms.empty() ? TransformBlock{identity(), true} : transforms.back();
-    TransformBlock inner{composed(transform, outer.world_from_local), outer.is_usable};
+    TransformBlock inner{Compose(transform, outer.world_from_local), outer.is_usable};
     if (outer.is_usable) {
         // First the script's own value, about which a message can say most.
         const char *why = why_unusable(transform);

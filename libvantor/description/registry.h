@@ -28,8 +28,7 @@ struct Placement {
 
     /// The maps of one of its instances, or of all of it.
     Affine map(std::uint32_t instance) const {
-        return to_float(instances ? composed((*instances)[instance].transform(), world_from_object)
-                                  : world_from_object);
+        return to_float(instances ? Compose((*instances)[instance].transform(), world_from_object) : world_from_object);
     }
 };
 

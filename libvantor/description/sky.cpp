@@ -19,8 +19,6 @@ Color rgb_of(double luminance, double x, double y) {
             channel(0.0557 * big_x - 0.2040 * luminance + 1.0570 * big_z)};
 }
 
-double dot(const VtVector3 &a, const VtVector3 &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
 // The matrices of the paper's appendix A.2: [T^2 T 1] M [s^3 s^2 s 1].
 double chromaticity(const double (&m)[3][4], double turbidity, double s) {
     const double rows[3] = {turbidity * turbidity, turbidity, 1};

@@ -41,7 +41,7 @@ inline void bounds_of_instance(const RTCBoundsFunctionArguments *arguments) {
         return;
     }
     const Affine map =
-        to_float(composed((*instancer.instances)[arguments->primID].transform(), instancer.world_from_object));
+        to_float(Compose((*instancer.instances)[arguments->primID].transform(), instancer.world_from_object));
     const Vec3 middle = map.point((instancer.low + instancer.high) * 0.5f);
     const Vec3 half = (instancer.high - instancer.low) * 0.5f;
     const auto [x, y, z] = map.linear;

@@ -301,7 +301,7 @@ LightSet::Emitters LightSet::add_emitters(const Placement &placement, Color radi
             unit_to_sphere[i][i] = sphere->radius;
         unit_to_sphere[3] = {sphere->center.x, sphere->center.y, sphere->center.z, 1.0};
         auto world_from_unit =
-            std::make_unique<const Affine>(to_float(composed(unit_to_sphere, placement.world_from_object)));
+            std::make_unique<const Affine>(to_float(Compose(unit_to_sphere, placement.world_from_object)));
         const float power = power_of_sphere(*world_from_unit, radiance);
         add(SphereEmitter{std::move(world_from_unit), radiance}, power);
         return one_for_all;

@@ -134,7 +134,7 @@ TEST(Tracer, ObjectsFarFromTheirOriginDoNotShadowThemselves) {
                 scaled.Scaling(scale);
                 VtTransform turned;
                 turned.RotationAroundAxis({0, 0, 0}, {1, 2, 3}, turn);
-                VtTransform place = composed(scaled, turned);
+                VtTransform place = Compose(scaled, turned);
                 const VtVector3 to = transformed_point({middle.x, middle.y, middle.z}, place);
                 place[3] = {-to[0], -to[1], -to[2], 1};
 
