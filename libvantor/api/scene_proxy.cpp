@@ -19,6 +19,7 @@ struct Scene {
 
     Report report;
     Registry registry{report};
+    vantor::WorldCache worlds;
     Radiosity radiosity;
 };
 
@@ -139,14 +140,14 @@ void VtLocalSceneProxy::TransformEnd() {
 void VtLocalSceneProxy::Radiosity() {
     enter(record, "radiosity", [](Scene &scene) {
         scene.report.print_counts();
-        scene.radiosity.pass(scene.registry, scene.report);
+        scene.radiosity.pass(scene.registry, scene.worlds, scene.report);
     });
 }
 void VtLocalSceneProxy::Render(VtLong width, VtLong height, VtLong samples, double x0, double y0, double x1,
                                double y1) {
     enter(record, "render", [=](Scene &scene) {
         scene.report.print_counts();
-        vantor::render({width, height, samples, x0, y0, x1, y1}, scene.registry,
+        vantor::render({width, height, samples, x0, y0, x1, y1}, scene.registry, scene.worlds,
                        scene.radiosity.result(scene.registry, scene.report), scene.report);
     });
 }

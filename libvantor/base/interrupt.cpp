@@ -11,6 +11,11 @@ namespace {
 std::atomic<bool> was_requested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler writes it");
 
+// What a test injects.
+std::atomic<bool> counts_polls = false;
+std::atomic<long> poll_count = 0;
+std::atomic<long> interrupted_poll = 0;
+
 struct sigaction previous;
 bool is_installed = false;
 
@@ -49,6 +54,20 @@ Interrupt::~Interrupt() {
         std::raise(SIGINT);
 }
 
-bool Interrupt::requested() const { return was_requested.load(std::memory_order_relaxed); }
+bool Interrupt::requested() const {
+    if (counts_polls.load(std::memory_order_relaxed) && ++poll_count == interrupted_poll)
+        std::raise(SIGINT);
+    return was_requested.load(std::memory_order_relaxed);
+}
+
+InterruptAtPoll::InterruptAtPoll(long number) {
+    poll_count = 0;
+    interrupted_poll = number;
+    counts_polls = true;
+}
+
+InterruptAtPoll::~InterruptAtPoll() { counts_polls = false; }
+
+long InterruptAtPoll::polls() const { return poll_count; }
 
 } // namespace vantor

@@ -3,6 +3,10 @@
 
 namespace vantor {
 
+/// Thrown out of work that is of no use unless it is finished. No std::exception: whoever handles errors does not take
+/// it for one.
+struct Interrupted {};
+
 /// While it lives, SIGINT is noted and then passed on to the handler that was there before, so that a script sees its
 /// KeyboardInterrupt when the pass is over. Afterwards the old handler is back. Where SIGINT was ignored it still is.
 /// Where it had the default action, the action follows when the scope ends.
@@ -15,8 +19,29 @@ class Interrupt {
     Interrupt(const Interrupt &) = delete;
     Interrupt &operator=(const Interrupt &) = delete;
 
-    /// Whether SIGINT came since the scope began. Any thread, at the price of a memory read.
+    /// Whether SIGINT came since the scope began. For work whose finished part is kept. Any thread, at the price of two
+    /// memory reads.
     bool requested() const;
+
+    /// Throws Interrupted if SIGINT came since the scope began. For work that is kept as a whole or not at all.
+    void check() const {
+        if (requested())
+            throw Interrupted();
+    }
+};
+
+/// For tests, in place of a clock: while it lives, SIGINT is raised in the middle of the work, by the call of
+/// Interrupt::requested() with that number, counted from 1. One at a time in a process.
+class InterruptAtPoll {
+  public:
+    /// With 0, calls are only counted.
+    explicit InterruptAtPoll(long number);
+    ~InterruptAtPoll();
+    InterruptAtPoll(const InterruptAtPoll &) = delete;
+    InterruptAtPoll &operator=(const InterruptAtPoll &) = delete;
+
+    /// How many calls there have been.
+    long polls() const;
 };
 
 } // namespace vantor

@@ -35,8 +35,8 @@ void for_each_stretch(std::size_t count, const Interrupt &interrupt,
     tbb::parallel_for(
         tbb::blocked_range<std::size_t>(0, count, longest),
         [&](const tbb::blocked_range<std::size_t> &range) {
-            if (!interrupt.requested())
-                work(range.begin(), range.end());
+            interrupt.check();
+            work(range.begin(), range.end());
         },
         tbb::simple_partitioner());
 }

@@ -22,12 +22,12 @@ struct PixelArea {
 };
 
 /// Calls work for every tile of the area, on as many threads as there are; each tile once, in no particular order.
-/// Begins no further tile once an interrupt is requested.
+/// Once an interrupt is requested it begins no further tile and returns: what is finished can be kept.
 void for_each_tile(const PixelArea &area, const Interrupt &interrupt,
                    const std::function<void(const PixelArea &)> &work);
 
-/// Calls work for stretches of the numbers from 0 to count, on as many threads as there are. Stops early, with
-/// stretches left out, once an interrupt is requested.
+/// Calls work for stretches of the numbers from 0 to count, on as many threads as there are. Throws Interrupted once an
+/// interrupt is requested; work may throw it, too.
 void for_each_stretch(std::size_t count, const Interrupt &interrupt,
                       const std::function<void(std::size_t first, std::size_t end)> &work);
 

@@ -67,7 +67,7 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
             break;
         if (type->name != "area" && !is_placeable())
             break;
-        ++changes;
+        ++light_changes;
         const int index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
         if (all_lights.back().is_area())
             current_area_light = index;
@@ -209,7 +209,7 @@ void Registry::switch_light(VtLong id, bool on) {
         return;
     Light &light = all_lights[static_cast<std::size_t>(index)];
     if (light.is_on != on)
-        ++changes;
+        ++light_changes;
     light.is_on = on;
     if (on && light.is_area())
         current_area_light = index;
@@ -254,7 +254,6 @@ void Registry::add_object(VtLong id) {
         call.diagnostic("ribbons have no inside, so that the interior has no effect on them (tubes have one)");
         interior = -1;
     }
-    ++changes;
     placed.push_back({&shown, world_from_object,
                       material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)], interior,
                       light_blocks.empty() ? -1 : light_blocks.back(), object.prototype ? &object.instances : nullptr});

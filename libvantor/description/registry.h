@@ -32,6 +32,14 @@ struct Placement {
     }
 };
 
+/// How far a description has come: what has changed between two of them is told by their numbers.
+struct Revision {
+    std::size_t placements = 0; ///< How many there are; they are only ever added.
+    unsigned long lights = 0;   ///< Grows when a light is made, switched on or switched off.
+
+    bool operator==(const Revision &) const = default;
+};
+
 /// The one writer of descriptions. Every mistake is reported and leaves the registry usable. Nothing here knows how a
 /// picture is made.
 class Registry {
@@ -70,8 +78,8 @@ class Registry {
     const std::vector<Placement> &placements() const { return placed; }
     const std::vector<Medium> &media() const { return interiors; }
 
-    /// Another number whenever light, or what it falls on, has changed.
-    unsigned long change() const { return changes; }
+    /// Another one whenever light, or what it falls on, has changed. Cameras and imagers do not count.
+    Revision revision() const { return {placed.size(), light_changes}; }
 
     /// The files to write: those whose blocks are open, outermost first; without an open block of a file, the one that
     /// was made last.
@@ -141,7 +149,7 @@ class Registry {
     const Material material_of_others = default_material();
     std::vector<Placement> placed;
     int current_area_light = -1; // created or switched on last
-    unsigned long changes = 0;
+    unsigned long light_changes = 0;
 
     // Open blocks, innermost last; indexes as in Entry.
     std::vector<int> imager_blocks;

@@ -29,8 +29,7 @@ class Builder {
         built.is_instance.reserve(placements.size());
         built.instancer.reserve(placements.size());
         for (const Placement &placement : placements) {
-            if (interrupt.requested())
-                return;
+            interrupt.check();
             OwnedGeometry geometry = geometry_of(placement, uses[&placement.object->shape]);
             rtcCommitGeometry(geometry.get());
             rtcAttachGeometryByID(built.top.get(), geometry.get(), static_cast<unsigned>(built.is_instance.size() - 1));
@@ -218,6 +217,8 @@ class Builder {
         rtcSetSceneProgressMonitorFunction(scene, goes_on, const_cast<Interrupt *>(&interrupt));
         rtcCommitScene(scene);
         throw_device_error(built.device.get());
+        // A build that was cancelled is no error, but has left nothing.
+        interrupt.check();
     }
 
     BuiltScene &built;
@@ -233,8 +234,6 @@ std::unique_ptr<BuiltScene> build_scene(std::span<const Placement> placements, c
     auto built = std::make_unique<BuiltScene>();
     built->device = make_device();
     Builder(*built, interrupt).build(placements);
-    if (interrupt.requested())
-        return nullptr;
     return built;
 }
 

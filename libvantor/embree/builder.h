@@ -25,7 +25,7 @@ struct BuiltScene {
 /// By how many halvings Embree's primitive becomes the shape's: two of its triangles are one parallelogram.
 template <class Kind> inline constexpr unsigned halvings_of = std::is_same_v<Kind, Quads> ? 1 : 0;
 
-/// Nothing if it was interrupted.
+/// Throws Interrupted.
 std::unique_ptr<BuiltScene> build_scene(std::span<const Placement> placements, const Interrupt &interrupt);
 
 } // namespace vantor

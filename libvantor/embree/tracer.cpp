@@ -86,11 +86,8 @@ float clearance_in_object(const Linear &normals, Vec3 offset, const Ray &ray, Ve
 
 } // namespace
 
-std::optional<Tracer> Tracer::build(std::span<const Placement> placements, const Interrupt &interrupt) {
-    std::unique_ptr<const BuiltScene> scene = build_scene(placements, interrupt);
-    if (!scene)
-        return {};
-    return Tracer(std::move(scene), placements);
+Tracer Tracer::build(std::span<const Placement> placements, const Interrupt &interrupt) {
+    return {build_scene(placements, interrupt), placements};
 }
 
 Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placement> placements)

@@ -4,7 +4,6 @@
 #include "libvantor/embree/hit.h"
 
 #include <memory>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -20,8 +19,8 @@ struct TriangleMesh;
 /// threads. The placements' objects have to outlive it.
 class Tracer {
   public:
-    /// Builds what rays are traced in. Nothing if it was interrupted.
-    static std::optional<Tracer> build(std::span<const Placement> placements, const Interrupt &interrupt);
+    /// Builds what rays are traced in. Throws Interrupted.
+    static Tracer build(std::span<const Placement> placements, const Interrupt &interrupt);
     ~Tracer();
     Tracer(Tracer &&) noexcept;
     Tracer &operator=(Tracer &&) = delete;

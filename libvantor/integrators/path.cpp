@@ -30,6 +30,12 @@ constexpr int roulette_depth = 3;
 // numbers (Veach 9.2.2).
 constexpr float last_rays = 0.25f;
 
+// What paths are traced in, and how.
+struct PathScene {
+    const World &world;
+    const Settings &settings;
+};
+
 // Light that has been sampled for paths, and the ways that it has to come.
 struct SampledLight {
     struct Gain {
@@ -47,31 +53,32 @@ struct SampledLight {
 
 // Indirect light of one sample, within the limit that keeps rare bright paths from leaving dots. Scaling keeps its
 // colour.
-Color limited(Color radiance, bool is_indirect, const World &world) {
-    const float limit = world.settings.clamp;
+Color limited(Color radiance, bool is_indirect, const PathScene &scene) {
+    const float limit = scene.settings.clamp;
     const float largest = largest_component(radiance);
     return limit > 0 && is_indirect && largest > limit ? radiance * (limit / largest) : radiance;
 }
 
-bool may_scatter(const Path &path, const World &world) { return path.bounces < world.settings.max_bounces; }
+bool may_scatter(const Path &path, const PathScene &scene) { return path.bounces < scene.settings.max_bounces; }
 
 // Emitted light, found by following the ray. Direct light at the vertex before could have found it, too, unless the ray
 // had no choice: the two share it by their pdfs.
-void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const World &world) {
-    const int emitter = world.lights.emitter_at(hit);
+void add_emitted_light(Path &path, const Hit &hit, const Surface &surface, const PathScene &scene) {
+    const int emitter = scene.world.lights.emitter_at(hit);
     if (emitter < 0 || !surface.arrives_at_front())
         return;
     float share = 1;
     if (!path.finds_lights)
-        share = power_heuristic(path.direction_pdf, world.lights.pdf(emitter, path.vertex, path.ray.direction, hit));
-    path.radiance += limited(path.throughput * world.lights.radiance(emitter) * share, path.bounces > 1, world);
+        share =
+            power_heuristic(path.direction_pdf, scene.world.lights.pdf(emitter, path.vertex, path.ray.direction, hit));
+    path.radiance += limited(path.throughput * scene.world.lights.radiance(emitter) * share, path.bounces > 1, scene);
 }
 
 // Light from infinity, found by a ray that misses everything; shared as above.
-void add_infinite_lights(Path &path, const World &world) {
-    world.lights.for_each_infinite(path.ray.direction, [&](Color radiance, float pdf) {
+void add_infinite_lights(Path &path, const PathScene &scene) {
+    scene.world.lights.for_each_infinite(path.ray.direction, [&](Color radiance, float pdf) {
         const float share = path.finds_lights ? 1.0f : power_heuristic(path.direction_pdf, pdf);
-        path.radiance += limited(path.throughput * radiance * share, path.bounces > 1, world);
+        path.radiance += limited(path.throughput * radiance * share, path.bounces > 1, scene);
     });
 }
 
@@ -83,23 +90,23 @@ struct Numbers {
     Point2f next_direction;
 };
 
-double light_choice_of(const Numbers &numbers, const World &world) {
-    return world.lights.has_choice() ? numbers.sampler.get_1d(numbers.dimension + light_choice) : 0.0;
+double light_choice_of(const Numbers &numbers, const PathScene &scene) {
+    return scene.world.lights.has_choice() ? numbers.sampler.get_1d(numbers.dimension + light_choice) : 0.0;
 }
 
 // A sampled point of a sampled light, as seen from a point of the path; false if none can arrive.
-bool sample_light(const Numbers &numbers, Vec3 reference, const World &world, LightSample &light) {
-    return world.lights.sample(reference, light_choice_of(numbers, world), numbers.light_point, light);
+bool sample_light(const Numbers &numbers, Vec3 reference, const PathScene &scene, LightSample &light) {
+    return scene.world.lights.sample(reference, light_choice_of(numbers, scene), numbers.light_point, light);
 }
 
 // Notes what a sampled light brings if it arrives at `from`: value * cosine * radiance / pdf.
 void add_direct_light(Path &path, Vec3 from, const MediumStack &media, const LightSample &light,
-                      const BsdfValue &scattered, const World &world, SampledLight &direct) {
+                      const BsdfValue &scattered, const PathScene &scene, SampledLight &direct) {
     if (is_black(scattered.value) || !direct.ways.add(from, media, light))
         return;
     const float share = light.has_extent ? power_heuristic(light.pdf, scattered.pdf) : 1.0f;
     const Color radiance = path.throughput * scattered.value * light.contribution * share;
-    direct.gains.push_back({&path, limited(radiance, path.bounces > 0, world)});
+    direct.gains.push_back({&path, limited(radiance, path.bounces > 0, scene)});
 }
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle
@@ -137,11 +144,11 @@ bool finds_cached_irradiance(Path &path, const Hit &hit, const Surface &surface,
 
 // A path at a surface, and at a point of a medium: looks for light there, and tells whether the path goes on.
 
-bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const World &world,
+bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const PathScene &scene,
                   const IrradianceLookup &indirect, SampledLight &direct) {
-    const Placement &placement = world.placements[hit.placement];
-    const Surface surface(hit, path.ray.direction, world);
-    add_emitted_light(path, hit, surface, world);
+    const Placement &placement = scene.world.placements[hit.placement];
+    const Surface surface(hit, path.ray.direction, scene.world);
+    add_emitted_light(path, hit, surface, scene);
 
     const float opacity = surface.opacity();
     if (opacity < 1 && numbers.sampler.unstratified(numbers.dimension + passage) >= opacity) {
@@ -153,23 +160,23 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
 
     if (path.aovs && path.bounces == 0)
         record_aovs(path, hit, surface, placement);
-    if (!may_scatter(path, world))
+    if (!may_scatter(path, scene))
         return false;
 
     Color irradiance;
     path.finds_only_lights = finds_cached_irradiance(path, hit, surface, indirect, irradiance);
     const float rays = path.finds_only_lights ? last_rays : 1.0f;
     if (path.finds_only_lights)
-        path.radiance += limited(path.throughput * surface.albedo() * irradiance * inverse_pi, true, world);
+        path.radiance += limited(path.throughput * surface.albedo() * irradiance * inverse_pi, true, scene);
 
     LightSample light;
-    if (!surface.is_specular() && sample_light(numbers, hit.point, world, light)) {
+    if (!surface.is_specular() && sample_light(numbers, hit.point, scene, light)) {
         MediumStack media = path.media;
         if (surface.is_crossed(light.to_light))
             cross_surface(media, placement, hit, light.to_light);
         BsdfValue scattered = surface.evaluate(light.to_light);
         scattered.pdf *= rays;
-        add_direct_light(path, hit.origin_towards(light.to_light), media, light, scattered, world, direct);
+        add_direct_light(path, hit.origin_towards(light.to_light), media, light, scattered, scene, direct);
     }
 
     BsdfSample next;
@@ -195,20 +202,20 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Worl
 }
 
 // Light of the chosen light that is scattered once at a point of the ray.
-void add_scattered_light(Path &path, const Medium &medium, Vec3 point, const Numbers &numbers, const World &world,
+void add_scattered_light(Path &path, const Medium &medium, Vec3 point, const Numbers &numbers, const PathScene &scene,
                          SampledLight &direct) {
     LightSample light;
-    if (!sample_light(numbers, point, world, light))
+    if (!sample_light(numbers, point, scene, light))
         return;
     const float phase = medium.phase(dot(path.ray.direction, light.to_light));
-    add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, world, direct);
+    add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, scene, direct);
 }
 
 // The chosen light, if it shines from a single point, lights the whole ray; most of that comes from next to the light,
 // where few flights end. So the point that is lit is chosen apart from the flight, by equal angles as the light sees
 // them: Kulla, Fajardo, "Importance Sampling Techniques for Path Tracing in Participating Media", 2012.
 void light_the_ray(Path &path, const Medium &medium, Vec3 light, float length, const Numbers &numbers,
-                   const World &world, SampledLight &direct) {
+                   const PathScene &scene, SampledLight &direct) {
     if (is_black(medium.sigma_s))
         return;
     const float nearest = dot(light - path.ray.origin, path.ray.direction);
@@ -225,17 +232,17 @@ void light_the_ray(Path &path, const Medium &medium, Vec3 light, float length, c
     const float inverse_pdf = (last - first) * (height * height + beyond * beyond) / height;
     const Color before = path.throughput;
     path.throughput *= medium.sigma_s * medium.transmittance(distance) * inverse_pdf;
-    add_scattered_light(path, medium, path.ray.origin + path.ray.direction * distance, numbers, world, direct);
+    add_scattered_light(path, medium, path.ray.origin + path.ray.direction * distance, numbers, scene, direct);
     path.throughput = before;
 }
 
 bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, bool is_ray_lit, const Numbers &numbers,
-                       const World &world, SampledLight &direct) {
-    if (!may_scatter(path, world))
+                       const PathScene &scene, SampledLight &direct) {
+    if (!may_scatter(path, scene))
         return false;
     const Vec3 before = path.ray.direction;
     if (!is_ray_lit)
-        add_scattered_light(path, medium, point, numbers, world, direct);
+        add_scattered_light(path, medium, point, numbers, scene, direct);
 
     const Vec3 direction = medium.sample_direction(before, numbers.next_direction);
     if (!survives_roulette(path, numbers))
@@ -247,35 +254,36 @@ bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, bool is_ray
 }
 
 // One step of a path, whose ray hits something or nothing.
-bool advance(Path &path, const Hit &hit, const Numbers &numbers, const World &world, const IrradianceLookup &indirect,
-             SampledLight &direct) {
+bool advance(Path &path, const Hit &hit, const Numbers &numbers, const PathScene &scene,
+             const IrradianceLookup &indirect, SampledLight &direct) {
     if (path.media.innermost() != MediumStack::none) {
-        const Medium &medium = world.media_of(path.media);
+        const Medium &medium = scene.world.media_of(path.media);
         const float length = hit.exists ? hit.distance : INFINITY;
-        const Vec3 *light = world.lights.position_of(light_choice_of(numbers, world));
-        if (light && !path.finds_only_lights && may_scatter(path, world))
-            light_the_ray(path, medium, *light, length, numbers, world, direct);
+        const Vec3 *light = scene.world.lights.position_of(light_choice_of(numbers, scene));
+        if (light && !path.finds_only_lights && may_scatter(path, scene))
+            light_the_ray(path, medium, *light, length, numbers, scene, direct);
         const Medium::DistanceSample flight =
             medium.sample_distance(length, numbers.sampler.get_2d(numbers.dimension + free_path));
         path.throughput *= flight.weight;
         if (flight.is_scattered)
             return !path.finds_only_lights &&
                    scatter_in_medium(path, medium, path.ray.origin + path.ray.direction * flight.distance, light,
-                                     numbers, world, direct);
+                                     numbers, scene, direct);
     }
     if (hit.exists)
-        return meet_surface(path, hit, numbers, world, indirect, direct);
-    add_infinite_lights(path, world);
+        return meet_surface(path, hit, numbers, scene, indirect, direct);
+    add_infinite_lights(path, scene);
     return false;
 }
 
 } // namespace
 
-void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension,
+void trace_paths(std::span<Path> paths, const World &world, const Settings &settings, std::uint32_t first_dimension,
                  const IrradianceLookup &indirect) {
     // Surfaces that are passed straight through are no bounces, but steps; more than this are one too many.
     constexpr int most_steps = 10000;
 
+    const PathScene scene{world, settings};
     std::vector<Path *> growing;
     growing.reserve(paths.size());
     for (Path &path : paths)
@@ -306,7 +314,7 @@ void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_
         direct.clear();
         std::size_t still_growing = 0;
         for (std::size_t i = 0; i < path_count; ++i)
-            if (advance(*growing[i], hits[i], {samplers[i], dimension, light_points[i], next_directions[i]}, world,
+            if (advance(*growing[i], hits[i], {samplers[i], dimension, light_points[i], next_directions[i]}, scene,
                         indirect, direct))
                 growing[still_growing++] = growing[i];
         growing.resize(still_growing);

@@ -31,7 +31,7 @@ struct Path {
 /// by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.
 ///
 /// With a lookup, paths end where they are told their indirect light.
-void trace_paths(std::span<Path> paths, const World &world, std::uint32_t first_dimension,
+void trace_paths(std::span<Path> paths, const World &world, const Settings &settings, std::uint32_t first_dimension,
                  const IrradianceLookup &indirect = {});
 
 /// Multiple importance sampling: the weight of a sample drawn with one pdf where another could have drawn it too.

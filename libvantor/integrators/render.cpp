@@ -131,6 +131,7 @@ struct Result {
 // What all blocks of a pass have in common.
 struct Pass {
     const World &world;
+    const View &view;
     IrradianceLookup indirect;
     FilterSampler filter;
     int samples;
@@ -172,11 +173,11 @@ class Wave {
                 for (int s = first_sample; s < end_sample; ++s)
                     samplers.emplace_back(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
                                           static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(pass.samples),
-                                          pass.world.settings.seed);
+                                          pass.view.settings.seed);
         on_film.resize(samplers.size());
         get_2d_of(samplers, film_dimension, on_film);
         on_lens.resize(samplers.size());
-        const Camera &camera = pass.world.camera;
+        const Camera &camera = pass.view.camera;
         if (camera.has_lens())
             get_2d_of(samplers, lens_dimension, on_lens);
 
@@ -199,8 +200,8 @@ class Wave {
   private:
     MediumStack media_around(const Ray &ray) const {
         const World &world = pass.world;
-        const bool has_own = world.has_media && world.camera.has_many_origins();
-        return has_own ? media_at(ray.origin, world.tracer, world.placements) : world.camera_media;
+        const bool has_own = world.has_media && pass.view.camera.has_many_origins();
+        return has_own ? media_at(ray.origin, world.tracer, world.placements) : pass.view.camera_media;
     }
 
     static constexpr std::size_t most_paths = std::size_t{block_side} * block_side * wave_samples;
@@ -220,7 +221,7 @@ int render_block(const PixelArea &block, const Pass &pass, Result &result) {
             return 0;
         const int end = std::min(first + wave_samples, pass.samples);
         wave.start(block, first, end, result.width, result.height);
-        trace_paths(wave.paths, pass.world, path_dimension, pass.indirect);
+        trace_paths(wave.paths, pass.world, pass.view.settings, path_dimension, pass.indirect);
         for (std::size_t i = 0; i < wave.paths.size(); ++i) {
             PixelFilm &pixel = film[i / static_cast<std::size_t>(end - first)];
             pixel.add(wave.paths[i].radiance);
@@ -256,15 +257,12 @@ Filter common_filter(const std::vector<FileImager> &imagers, const CallReport &c
 
 // Nothing if nothing is finished.
 std::optional<Result> render_picture(const RenderRequest &request, const PixelArea &window,
-                                     const std::vector<FileImager> &imagers, const Filter &filter,
-                                     const Registry &registry, const IrradianceCache *indirect,
-                                     const Interrupt &interrupt) {
-    const std::optional<World> world = freeze(registry, interrupt);
-    if (!world)
-        return {};
+                                     const std::vector<FileImager> &imagers, const Filter &filter, const World &world,
+                                     const View &view, const IrradianceCache *indirect, const Interrupt &interrupt) {
     Result result(request, window, imagers);
-    render_pixels({*world,
-                   {indirect, world->settings.gathers ? 1 : 0},
+    render_pixels({world,
+                   view,
+                   {indirect, view.settings.gathers ? 1 : 0},
                    FilterSampler(filter),
                    static_cast<int>(request.samples),
                    result.has_aovs(),
@@ -306,7 +304,8 @@ void write_files(const std::vector<FileImager> &imagers, const Result &result, c
 
 } // namespace
 
-void render(const RenderRequest &request, const Registry &registry, const IrradianceCache *indirect, Report &report) {
+void render(const RenderRequest &request, const Registry &registry, WorldCache &worlds, const IrradianceCache *indirect,
+            Report &report) {
     const CallReport call(report, "render");
     if (indirect && registry.settings().max_bounces < Settings().max_bounces) {
         report.note("render: \"max_depth\" is given, which the result of radiosity() cannot keep; paths are followed");
@@ -329,8 +328,14 @@ void render(const RenderRequest &request, const Registry &registry, const Irradi
 
     // Until the files are there: where Ctrl-C ends the process, it keeps what is finished all the same.
     const Interrupt interrupt;
-    const std::optional<Result> result =
-        render_picture(request, window, imagers, filter, registry, indirect, interrupt);
+    std::optional<Result> result;
+    try {
+        const World &world = worlds.current(registry, interrupt);
+        const View view = view_of(world, registry);
+        result = render_picture(request, window, imagers, filter, world, view, indirect, interrupt);
+    } catch (const Interrupted &) {
+        // Of a world nothing can be shown before it is whole.
+    }
     if (result)
         write_files(imagers, *result, request, call, report);
     else

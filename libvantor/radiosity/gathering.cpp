@@ -55,7 +55,7 @@ std::vector<Gathering::Departure> Gathering::departures(std::uint32_t side, int 
 
 // A side lies in the media around one of its points.
 MediumStack Gathering::media_around(const Departure &departure) const {
-    return world.media.empty() ? MediumStack() : media_at(departure.ray.origin, world.tracer, world.placements);
+    return !world.has_media ? MediumStack() : media_at(departure.ray.origin, world.tracer, world.placements);
 }
 
 void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
@@ -92,7 +92,7 @@ void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
     row.rays += static_cast<int>(rays.size());
     if (paths.empty())
         return;
-    trace_paths(paths, world, first_of_path);
+    trace_paths(paths, world, Settings(), first_of_path);
     for (const Path &path : paths)
         if (is_finite(path.radiance))
             row.followed += path.radiance * pi;
@@ -130,7 +130,7 @@ SideLight Gathering::light_of(std::uint32_t side) const {
     transmit(ways, world, arriving);
     for (std::size_t i = 0; i < gains.size(); ++i)
         result.direct += gains[i] * arriving[i];
-    trace_paths(paths, world, first_of_path);
+    trace_paths(paths, world, Settings(), first_of_path);
     for (const Path &path : paths)
         if (is_finite(path.radiance))
             result.direct += path.radiance * pi;

@@ -11,7 +11,7 @@ namespace vantor {
 /// Interpolated between the vertices of the patches.
 class PatchIrradiance : public IrradianceCache {
   public:
-    /// The irradiance of every patch, on its front and on its back. Interrupted, it is of no use.
+    /// The irradiance of every patch, on its front and on its back. Throws Interrupted.
     PatchIrradiance(std::shared_ptr<const Patches> of, std::span<const Color> on_fronts,
                     std::span<const Color> on_backs, const Interrupt &interrupt)
         : patches(std::move(of)), fronts(patches->at_vertices(on_fronts, interrupt)),

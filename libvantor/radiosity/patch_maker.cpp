@@ -20,20 +20,14 @@ std::uint32_t morton_code_of(Vec3 unit) {
     return morton_code(ten_bits(unit.x), ten_bits(unit.y), ten_bits(unit.z));
 }
 
-// Leaves the elements in any order if it is interrupted.
 template <class Element, class Less>
 void sort(std::vector<Element> &elements, const Interrupt &interrupt, const Less &less) {
-    struct Interrupted {};
     std::uint32_t comparisons = 0;
-    try {
-        std::ranges::sort(elements, [&](const Element &a, const Element &b) {
-            if (++comparisons % 65536 == 0 && interrupt.requested())
-                throw Interrupted();
-            return less(a, b);
-        });
-    } catch (const Interrupted &) {
-        // There is no other way out of the middle.
-    }
+    std::ranges::sort(elements, [&](const Element &a, const Element &b) {
+        if (++comparisons % 65536 == 0)
+            interrupt.check();
+        return less(a, b);
+    });
 }
 
 } // namespace
@@ -41,8 +35,7 @@ void sort(std::vector<Element> &elements, const Interrupt &interrupt, const Less
 Patches::Maker::Maker(Patches &into, std::span<const Placement> placements, std::size_t budget, const Interrupt &stop)
     : patches(into), interrupt(stop), sizes(placements, into.surfaces, budget, stop) {
     for (const std::size_t i : sizes.placements_with_patches()) {
-        if (interrupt.requested())
-            return;
+        interrupt.check();
         make(i);
     }
     patches.spreading_rounds =
@@ -65,7 +58,8 @@ void Patches::Maker::make(std::size_t placement) {
         std::vector<std::uint32_t> grouped;
         // Moved while it grew, the corners of millions of triangles could not be interrupted.
         lattice.reserve(3 * primitives_of(shape));
-        for (std::uint32_t p = 0; p < primitives_of(shape) && !interrupt.requested(); ++p) {
+        for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+            interrupt.check();
             const int n = division(sizes.area_of_triangle(placement, p));
             add_panel(std::max(n, 1), std::max(n, 1), n == 0);
             if (n == 0)
@@ -76,7 +70,8 @@ void Patches::Maker::make(std::size_t placement) {
         }
         add_groups(owner, std::move(grouped));
     } else if (std::holds_alternative<Quads>(shape)) {
-        for (std::uint32_t p = 0; p < primitives_of(shape) && !interrupt.requested(); ++p) {
+        for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+            interrupt.check();
             const auto [columns, rows] = sizes.columns_and_rows(placement, p);
             add_panel(columns, rows, false);
             add_patches(owner, static_cast<std::uint32_t>(columns * rows));
@@ -88,8 +83,7 @@ void Patches::Maker::make(std::size_t placement) {
         add_patches(owner, static_cast<std::uint32_t>(2 * rows * rows));
         add_grid_corners(placement, 0, 2 * rows, rows, lattice);
     }
-    if (!interrupt.requested())
-        merge(lattice, first_corner);
+    merge(lattice, first_corner);
 }
 
 void Patches::Maker::add_panel(int columns, int rows, bool is_grouped) {
@@ -118,8 +112,7 @@ void Patches::Maker::add_groups(std::uint32_t placement, std::vector<std::uint32
     Vec3 low = map.point(mesh.points[mesh.triangles[triangles[0]][0]]);
     Vec3 high = low;
     for (const std::uint32_t triangle : triangles) {
-        if (interrupt.requested())
-            return;
+        interrupt.check();
         for (const std::uint32_t corner : mesh.triangles[triangle]) {
             const Vec3 p = map.point(mesh.points[corner]);
             low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
@@ -136,8 +129,7 @@ void Patches::Maker::add_groups(std::uint32_t placement, std::vector<std::uint32
     std::vector<Member> members;
     members.reserve(triangles.size());
     for (const std::uint32_t triangle : triangles) {
-        if (interrupt.requested())
-            return;
+        interrupt.check();
         const PatchPoint middle = point_in_world(*surface.shape, map, triangle, {1 / 3.0f, 1 / 3.0f});
         const std::uint64_t facing = facing_of(middle.normal);
         members.push_back({facing << 32 | morton_code_of((middle.point - low) * scale), triangle});
@@ -146,7 +138,8 @@ void Patches::Maker::add_groups(std::uint32_t placement, std::vector<std::uint32
          [](Member a, Member b) { return a.key != b.key ? a.key < b.key : a.triangle < b.triangle; });
 
     double group_area = 0;
-    for (std::size_t i = 0; i < members.size() && !interrupt.requested(); ++i) {
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        interrupt.check();
         if (i == 0 || members[i].key >> 32 != members[i - 1].key >> 32 ||
             group_area >= sizes.patch_side() * sizes.patch_side()) {
             patches.all.push_back({placement, static_cast<std::uint32_t>(patches.facets.size()), 0, 0});
@@ -202,8 +195,10 @@ void Patches::Maker::merge(const std::vector<Corner> &lattice, std::size_t first
     std::vector<std::uint32_t> order(lattice.size());
     std::iota(order.begin(), order.end(), 0u);
     std::vector<float> depths(lattice.size());
-    for (std::size_t i = 0; i < lattice.size() && !interrupt.requested(); ++i)
+    for (std::size_t i = 0; i < lattice.size(); ++i) {
+        interrupt.check();
         depths[i] = dot(lattice[i].point, direction);
+    }
     sort(order, interrupt,
          [&](std::uint32_t a, std::uint32_t b) { return depths[a] != depths[b] ? depths[a] < depths[b] : a < b; });
 
@@ -213,8 +208,7 @@ void Patches::Maker::merge(const std::vector<Corner> &lattice, std::size_t first
     // The vertices so far, by the corner that stands for each.
     std::vector<std::uint32_t> merged;
     for (const std::uint32_t i : order) {
-        if (interrupt.requested())
-            return;
+        interrupt.check();
         const Corner &corner = lattice[i];
         const float reach = tolerance(corner);
         std::size_t v = merged.size();
@@ -235,8 +229,7 @@ void Patches::Maker::merge(const std::vector<Corner> &lattice, std::size_t first
 
 void Patches::Maker::sum_areas() {
     for (Patch &patch : patches.all) {
-        if (interrupt.requested())
-            return;
+        interrupt.check();
         const Surface &surface = patches.surfaces[patch.placement];
         double sum = 0;
         for (std::uint32_t f = 0; f < patch.facet_count; ++f) {

@@ -8,7 +8,7 @@ namespace vantor {
 /// What is needed while the patches are made.
 class Patches::Maker {
   public:
-    /// Makes them, or some of them if it is interrupted. The patches have their surfaces already.
+    /// Makes them; throws Interrupted. The patches have their surfaces already.
     Maker(Patches &into, std::span<const Placement> placements, std::size_t budget, const Interrupt &stop);
 
   private:

@@ -77,15 +77,18 @@ double Patches::Sizes::area_of_placement(std::size_t i) const {
         return 4 * static_cast<double>(pi) * radius_of_sphere(i) * radius_of_sphere(i);
     const bool is_mesh = std::holds_alternative<TriangleMesh>(shape);
     double sum = 0;
-    for (std::uint32_t p = 0; p < primitives_of(shape) && !interrupt.requested(); ++p)
+    for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+        interrupt.check();
         sum += is_mesh ? area_of_triangle(i, p) : area_of_quad(i, p);
+    }
     return sum;
 }
 
 // The placements that have most area for each of their patches, as many as there may be.
 void Patches::Sizes::choose_placements(std::size_t budget) {
     std::vector<double> areas(placed.size());
-    for (std::size_t i = 0; i < placed.size() && !interrupt.requested(); ++i) {
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+        interrupt.check();
         if (!has_patches(placed[i]))
             continue;
         areas[i] = area_of_placement(i);
@@ -127,7 +130,8 @@ double Patches::Sizes::count_of(std::size_t i) const {
         return 2.0 * rows_of_sphere(i) * rows_of_sphere(i);
     double count = 0;
     if (std::holds_alternative<Quads>(shape)) {
-        for (std::uint32_t p = 0; p < primitives_of(shape) && !interrupt.requested(); ++p) {
+        for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+            interrupt.check();
             const auto [columns, rows] = columns_and_rows(i, p);
             count += static_cast<double>(columns) * rows;
         }
@@ -135,7 +139,8 @@ double Patches::Sizes::count_of(std::size_t i) const {
     }
     const MeshDivision division = division_of(i);
     double grouped = 0;
-    for (std::uint32_t p = 0; p < primitives_of(shape) && !interrupt.requested(); ++p) {
+    for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+        interrupt.check();
         const double area = area_of_triangle(i, p);
         const int n = division(area);
         count += static_cast<double>(n) * n;
@@ -162,8 +167,10 @@ int Patches::Sizes::rows_of_sphere(std::size_t placement) const {
 Patches::Sizes::MeshDivision Patches::Sizes::division_of(std::size_t placement) const {
     double largest = 0;
     const std::size_t count = primitives_of(*surfaces[placement].shape);
-    for (std::uint32_t p = 0; p < count && !interrupt.requested(); ++p)
+    for (std::uint32_t p = 0; p < count; ++p) {
+        interrupt.check();
         largest = std::max(largest, area_of_triangle(placement, p));
+    }
     const double exact = std::sqrt(largest) / side;
     const double halvings = std::max(0.0, std::floor(std::log2(std::max(exact, 1.0))) - 2);
     return {side, std::max(1, static_cast<int>(std::round(exact / std::exp2(halvings))))};

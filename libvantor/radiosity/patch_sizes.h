@@ -9,7 +9,8 @@ namespace vantor {
 /// its index.
 class Patches::Sizes {
   public:
-    /// The surfaces are those of the placements and have to outlive it. Interrupted, all sizes are of no use.
+    /// The surfaces are those of the placements and have to outlive it. Throws Interrupted, and so do all that take
+    /// long.
     Sizes(std::span<const Placement> placements, std::span<const Surface> of_placements, std::size_t budget,
           const Interrupt &stop);
 

@@ -152,7 +152,8 @@ std::vector<Color> Patches::at_vertices(std::span<const Color> of_patches, const
     std::vector<float> areas(vertices);
     // Adds to the vertices of each facet what is found for it.
     const auto add_up = [&](bool only_grouped, auto value_of) {
-        for (std::size_t p = 0; p < all.size() && !interrupt.requested(); ++p) {
+        for (std::size_t p = 0; p < all.size(); ++p) {
+            interrupt.check();
             const Patch &patch = all[p];
             if (only_grouped && !panels[facets[patch.first_facet].panel].is_grouped)
                 continue;
@@ -179,7 +180,8 @@ std::vector<Color> Patches::at_vertices(std::span<const Color> of_patches, const
     };
     take_means();
 
-    for (int round = 0; round < spreading_rounds && !interrupt.requested(); ++round) {
+    for (int round = 0; round < spreading_rounds; ++round) {
+        interrupt.check();
         std::ranges::fill(sums, Color{});
         std::ranges::fill(areas, 0.0f);
         add_up(true, [&](std::size_t, const Footing &place) {

@@ -22,7 +22,7 @@ class Patches {
   public:
     static constexpr std::uint32_t none = ~0u;
 
-    /// About as many patches as the budget says, 1 or more. Interrupted, they are incomplete and of no use.
+    /// About as many patches as the budget says, 1 or more. Throws Interrupted.
     Patches(std::span<const Placement> placements, std::size_t budget, const Interrupt &interrupt);
 
     std::size_t size() const { return all.size(); }
@@ -45,7 +45,7 @@ class Patches {
     bool interpolation_at(const Hit &hit, Interpolation &result) const;
 
     /// From a value of each patch to one of each vertex: the mean of the patches around it, by area. Where patches are
-    /// groups of triangles, the means are spread as far as the groups are wide. Interrupted, they are of no use.
+    /// groups of triangles, the means are spread as far as the groups are wide. Throws Interrupted.
     std::vector<Color> at_vertices(std::span<const Color> of_patches, const Interrupt &interrupt) const;
 
   private:

@@ -34,7 +34,8 @@ std::vector<char> reached_by_light(const Exchange &exchange, const Interrupt &in
         are_reached[i] = !is_black(exchange.lights[i].direct) || !is_black(exchange.rows[i].followed) ? 1 : 0;
     for (bool has_changed = true; has_changed;) {
         has_changed = false;
-        for (std::size_t i = 0; i < count && !interrupt.requested(); ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
+            interrupt.check();
             if (are_reached[i])
                 continue;
             const bool is_reached = std::ranges::any_of(exchange.rows[i].seen, [&](std::uint32_t seen) {
@@ -60,21 +61,22 @@ int rays_of_side(std::size_t side_count) {
 Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt) {
     Exchange exchange{std::vector<Row>(side_count), std::vector<SideLight>(side_count)};
     for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
-        for (std::size_t i = first; i < end && !interrupt.requested(); ++i) {
+        for (std::size_t i = first; i < end; ++i) {
+            interrupt.check();
             const auto side = static_cast<std::uint32_t>(i);
             exchange.lights[i] = gathering.light_of(side);
             gathering.see(side, 0, probing_rays, exchange.rows[i]);
         }
     });
-    if (interrupt.requested())
-        return exchange;
 
     // The insides of closed bodies, and what lies in the dark otherwise, need no more.
     const std::vector<char> are_reached = reached_by_light(exchange, interrupt);
     for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
-        for (std::size_t i = first; i < end && !interrupt.requested(); ++i)
+        for (std::size_t i = first; i < end; ++i) {
+            interrupt.check();
             if (are_reached[i] && gathering.rays() > probing_rays)
                 gathering.see(static_cast<std::uint32_t>(i), probing_rays, gathering.rays(), exchange.rows[i]);
+        }
     });
     return exchange;
 }
@@ -94,8 +96,8 @@ Balance balance_of(std::span<const Row> rows, std::span<const SideLight> lights,
         float largest = 0;
         float largest_change = 0;
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            if (i % 4096 == 0 && interrupt.requested())
-                return balance;
+            if (i % 4096 == 0)
+                interrupt.check();
             const Row &row = rows[i];
             Color sum = row.followed;
             for (const std::uint32_t seen : row.seen)
@@ -117,7 +119,7 @@ Balance balance_of(std::span<const Row> rows, std::span<const SideLight> lights,
 Radiosity::Radiosity(VtLong patches)
     : asked_for(patches), budget(static_cast<std::size_t>(std::clamp<VtLong>(patches, 1, most_patches))) {}
 
-void Radiosity::pass(const Registry &registry, Report &report) {
+void Radiosity::pass(const Registry &registry, WorldCache &worlds, Report &report) {
     light.reset();
     const CallReport call(report, "radiosity");
     registry.report_open_blocks(call);
@@ -125,32 +127,23 @@ void Radiosity::pass(const Registry &registry, Report &report) {
         call.diagnostic(joined({"the scene was made for ", std::to_string(asked_for), " patches (expected 1 to ",
                                 std::to_string(most_patches), "); ", std::to_string(budget), " counts"}));
     const Interrupt interrupt;
-    solve(registry, report, interrupt);
-    if (interrupt.requested()) {
-        light.reset();
+    try {
+        solve(registry, worlds.current(registry, interrupt), report, interrupt);
+    } catch (const Interrupted &) {
         report.note("radiosity: interrupted; nothing is kept");
     }
 }
 
-void Radiosity::solve(const Registry &registry, const Report &report, const Interrupt &interrupt) {
-    std::optional<World> world = freeze(registry, interrupt);
-    if (!world)
-        return;
-    // Those of the script are for pictures.
-    world->settings = Settings();
+void Radiosity::solve(const Registry &registry, const World &world, const Report &report, const Interrupt &interrupt) {
     const auto patches = std::make_shared<const Patches>(registry.placements(), budget, interrupt);
-    if (interrupt.requested())
-        return;
     if (patches->size() == 0) {
         report.note("radiosity: there is nothing to do (opaque diffuse meshes, quads, boxes and spheres have patches)");
         return;
     }
     const std::size_t side_count = 2 * patches->size();
-    const Gathering gathering(*world, *patches, rays_of_side(side_count));
+    const Gathering gathering(world, *patches, rays_of_side(side_count));
     const Exchange exchange = gather_all(gathering, side_count, interrupt);
     const Balance balance = balance_of(exchange.rows, exchange.lights, interrupt);
-    if (interrupt.requested())
-        return;
 
     std::vector<Color> fronts;
     std::vector<Color> backs;
@@ -161,8 +154,8 @@ void Radiosity::solve(const Registry &registry, const Report &report, const Inte
         rays += exchange.rows[side].rays + exchange.rows[side + 1].rays;
     }
     light.emplace(patches, fronts, backs, interrupt);
-    change = registry.change();
-    if (isatty(STDERR_FILENO) == 1 && !interrupt.requested())
+    revision = registry.revision();
+    if (isatty(STDERR_FILENO) == 1)
         report.note(joined({"radiosity: ", std::to_string(patches->size()), " patches, ", std::to_string(rays),
                             " rays, ", std::to_string(balance.sweeps), " sweeps to a residual of ",
                             text_of(static_cast<double>(balance.residual))}));
@@ -171,7 +164,7 @@ void Radiosity::solve(const Registry &registry, const Report &report, const Inte
 const PatchIrradiance *Radiosity::result(const Registry &registry, const Report &report) const {
     if (!light)
         return nullptr;
-    if (registry.change() == change)
+    if (registry.revision() == revision)
         return &*light;
     report.note("render: the scene has changed since radiosity(), whose result is not used (radiosity() makes a new "
                 "one)");

@@ -16,6 +16,7 @@ struct Balance {
 };
 
 /// Solves B = reflectance * (direct + followed + F B) for the radiosities B of all sides, without their own emission.
+/// Throws Interrupted.
 Balance balance_of(std::span<const Row> rows, std::span<const SideLight> lights, const Interrupt &interrupt);
 
 /// How many rays a pass may shoot from each of so many sides: a power of two that is worth having, and so few that
@@ -23,6 +24,7 @@ Balance balance_of(std::span<const Row> rows, std::span<const SideLight> lights,
 int rays_of_side(std::size_t side_count);
 
 /// The rows and lights of all sides of the patches. Where no light comes, directly or not, a row is left with few rays.
+/// Throws Interrupted.
 struct Exchange {
     std::vector<Row> rows;
     std::vector<SideLight> lights;
@@ -36,20 +38,20 @@ class Radiosity {
     explicit Radiosity(VtLong patches);
 
     /// Goes through a whole pass. Interrupted, nothing is kept.
-    void pass(const Registry &registry, Report &report);
+    void pass(const Registry &registry, WorldCache &worlds, Report &report);
 
     /// Its result, for a render pass of the scene as it is now. Null if there is none, or the scene has changed since,
     /// which is noted.
     const PatchIrradiance *result(const Registry &registry, const Report &report) const;
 
   private:
-    // Makes the result, which is of no use if it is interrupted.
-    void solve(const Registry &registry, const Report &report, const Interrupt &interrupt);
+    // Makes the result. Throws Interrupted.
+    void solve(const Registry &registry, const World &world, const Report &report, const Interrupt &interrupt);
 
     VtLong asked_for; // patches
     std::size_t budget;
     std::optional<PatchIrradiance> light;
-    unsigned long change = 0; // of the registry, when the result was made
+    Revision revision; // of the registry, when the result was made
 };
 
 } // namespace vantor

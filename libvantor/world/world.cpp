@@ -1,15 +1,14 @@
-// World: a scene, frozen for a pass.
+// World: a scene, frozen; and how a pass looks at it.
 #include "libvantor/world/world.h"
 
 namespace vantor {
 
-std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt) {
-    const std::vector<Placement> &placements = registry.placements();
-    std::optional<Tracer> tracer = Tracer::build(placements, interrupt);
-    if (!tracer)
-        return {};
+namespace {
 
-    LightSet lights(registry.lights(), placements, tracer->radius());
+World frozen(const Registry &registry, const Interrupt &interrupt) {
+    const std::vector<Placement> &placements = registry.placements();
+    Tracer tracer = Tracer::build(placements, interrupt);
+    LightSet lights(registry.lights(), placements, tracer.radius());
     const bool has_media = std::ranges::any_of(placements, [](const Placement &p) { return p.interior >= 0; });
     const bool is_opaque =
         std::ranges::none_of(placements, [](const Placement &p) { return p.material->is_see_through(); });
@@ -19,11 +18,26 @@ std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt
         for (const Placement &placement : placements)
             maps.push_back(to_float(placement.world_from_object));
     }
+    return World{std::move(tracer), std::move(lights), placements, registry.media(),
+                 std::move(maps),   has_media,         is_opaque};
+}
+
+} // namespace
+
+View view_of(const World &world, const Registry &registry) {
+    const Camera &camera = *registry.camera();
     // The stack of a camera without media around is empty, which saves the search.
-    const Camera camera = registry.camera() ? *registry.camera() : Camera(PanoramaCamera{});
-    const MediumStack camera_media = has_media ? media_at(camera.position(), *tracer, placements) : MediumStack();
-    return World{camera,          std::move(*tracer), std::move(lights), placements,          registry.media(),
-                 std::move(maps), has_media,          is_opaque,         registry.settings(), camera_media};
+    return {camera, registry.settings(),
+            world.has_media ? media_at(camera.position(), world.tracer, world.placements) : MediumStack()};
+}
+
+const World &WorldCache::current(const Registry &registry, const Interrupt &interrupt) {
+    if (!world || revision != registry.revision()) {
+        world.reset();
+        world.emplace(frozen(registry, interrupt));
+        revision = registry.revision();
+    }
+    return *world;
 }
 
 } // namespace vantor

@@ -1,4 +1,4 @@
-// World: a scene, frozen for a pass.
+// World: a scene, frozen; and how a pass looks at it.
 #pragma once
 
 #include "libvantor/base/interrupt.h"
@@ -8,21 +8,16 @@
 
 namespace vantor {
 
-/// What a pass works on. Constant, shared by all threads. The registry that it was made from has to outlive it and not
-/// to change meanwhile.
+/// A scene as it stands: what rays meet, what lights it, what fills it. Constant during a pass, shared by all threads.
+/// The registry that it was made from has to outlive it.
 struct World {
-    Camera camera;
     Tracer tracer;
     LightSet lights;
     std::span<const Placement> placements;
-    std::span<const Medium> media; ///< What MediumStack has indexes of.
-    std::vector<Affine> maps;      ///< Of the placements, but for their instances; empty if no surface varies.
+    std::vector<Medium> media; ///< What MediumStack has indexes of.
+    std::vector<Affine> maps;  ///< Of the placements, but for their instances; empty if no surface varies.
     bool has_media;
     bool is_opaque; ///< No surface lets light pass straight through.
-    Settings settings;
-
-    /// The media around a camera of a single place. Every other ray of a camera has its own: see media_at().
-    MediumStack camera_media;
 
     /// How an object stands of which a ray has hit a surface that varies.
     Affine map_at(const Hit &hit) const {
@@ -36,7 +31,27 @@ struct World {
     }
 };
 
-/// Nothing if it was interrupted. Without a camera in the registry, the world has one that nothing should look through.
-std::optional<World> freeze(const Registry &registry, const Interrupt &interrupt);
+/// How one pass looks at a world.
+struct View {
+    Camera camera;
+    Settings settings;
+
+    /// The media around a camera of a single position. Every other ray of a camera has its own: see media_at().
+    MediumStack camera_media;
+};
+
+/// The view of the registry's camera and settings. There has to be a camera.
+View view_of(const World &world, const Registry &registry);
+
+/// The world that a scene keeps until something in it changes.
+class WorldCache {
+  public:
+    /// The world of the registry as it is now, good until the next call. Throws Interrupted.
+    const World &current(const Registry &registry, const Interrupt &interrupt);
+
+  private:
+    std::optional<World> world;
+    Revision revision; // of the registry, when the world was made
+};
 
 } // namespace vantor

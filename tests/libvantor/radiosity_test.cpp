@@ -50,9 +50,10 @@ class Description {
 /// The part of the rays from the fronts of one placement that meet the fronts of another, by the areas of its patches.
 double form_factor(const Description &description, std::uint32_t from, std::uint32_t to, int rays, long &all_rays) {
     const vantor::Interrupt interrupt;
-    const std::optional<vantor::World> world = vantor::freeze(description.registry, interrupt);
+    vantor::WorldCache worlds;
+    const vantor::World &world = worlds.current(description.registry, interrupt);
     const vantor::Patches patches(description.registry.placements(), 200, interrupt);
-    const vantor::Gathering gathering(*world, patches, rays);
+    const vantor::Gathering gathering(world, patches, rays);
     double sum = 0;
     double area = 0;
     all_rays = 0;
@@ -101,10 +102,11 @@ TEST(Radiosity, RowsOfAClosedRoomAddUpToOne) {
     Description description;
     description.box();
     const vantor::Interrupt interrupt;
-    const std::optional<vantor::World> world = vantor::freeze(description.registry, interrupt);
+    vantor::WorldCache worlds;
+    const vantor::World &world = worlds.current(description.registry, interrupt);
     const vantor::Patches patches(description.registry.placements(), 150, interrupt);
     EXPECT_EQ(patches.size(), 150u);
-    const vantor::Gathering gathering(*world, patches, 256);
+    const vantor::Gathering gathering(world, patches, 256);
     for (std::uint32_t patch = 0; patch < patches.size(); ++patch) {
         vantor::Row row;
         gathering.see(vantor::side_of_patch(patch, false), 0, 256, row);
@@ -128,9 +130,10 @@ TEST(Radiosity, ClosedRoomHasEmissionOverOneMinusReflectance) {
         Description description;
         description.box();
         const vantor::Interrupt interrupt;
-        const std::optional<vantor::World> world = vantor::freeze(description.registry, interrupt);
+        vantor::WorldCache worlds;
+        const vantor::World &world = worlds.current(description.registry, interrupt);
         const vantor::Patches patches(description.registry.placements(), 150, interrupt);
-        const vantor::Gathering gathering(*world, patches, 64);
+        const vantor::Gathering gathering(world, patches, 64);
         // Every wall shines with emission 1, and so sends an irradiance of 1 everywhere.
         std::vector<vantor::Row> rows(patches.size() * 2);
         for (std::uint32_t patch = 0; patch < patches.size(); ++patch)

@@ -36,7 +36,7 @@ class Stage {
         objects.back().trimmers.push_back(&nothing);
     }
     void fill_with_medium() { placements.back().interior = 0; }
-    Tracer tracer() const { return std::move(*Tracer::build(placements, Interrupt())); }
+    Tracer tracer() const { return Tracer::build(placements, Interrupt()); }
 
   private:
     std::deque<Object> objects;
