@@ -2,12 +2,18 @@
 
 import os
 import re
+import shutil
+import subprocess
+import sys
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 BUILD = os.path.abspath(os.environ.get("VANTOR_BUILD", os.path.join(ROOT, "build", "test")))
 
 # Where the build puts the module and the library.
 IMPORT_FOLDER = os.path.join(BUILD, "python")
+
+# Where names.py lies, which all tests share.
+sys.path.append(os.path.join(ROOT, "tests", "python"))
 
 NO_SOURCES = {"build", "__pycache__"}
 
@@ -50,3 +56,17 @@ def built(pattern):
             return [os.path.join(IMPORT_FOLDER, name) for name in names]
     raise AssertionError("{} has no {}: build first, or say in VANTOR_BUILD where the build is"
                          .format(IMPORT_FOLDER, pattern))
+
+
+def clang_tool(name, version):
+    """The path of the tool in this version and None, or None and why there is none. Its findings
+    change from one version to the next, and the tree can follow those of one only."""
+    found = "it is not installed"
+    for candidate in filter(None, map(shutil.which, [name + "-" + version, name])):
+        found = subprocess.run([candidate, "--version"], check=True, stdout=subprocess.PIPE,
+                               universal_newlines=True).stdout
+        found = re.search(r"version \S+", found)[0]
+        if found.startswith("version {}.".format(version)):
+            return candidate, None
+        found = "here is " + found
+    return None, "the tree follows {} {}; {}".format(name, version, found)

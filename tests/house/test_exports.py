@@ -6,18 +6,13 @@ import subprocess
 import unittest
 
 import repository
+from names import METHODS, operation
 
 MODULES = r"vantorPM\..*\.so"
 LIBRARY = r"libVantor\.so"
 
 # Calls of these by name would bypass the object's dispatch table.
-PROXY_OPERATIONS = [
-    "~VtLocalSceneProxy", "NewCamera", "NewImager", "NewInterface", "NewInterior", "NewLight",
-    "NewMaterial", "NewObject", "NewPattern", "NewTexture", "NewTrimmer", "ImagerBegin",
-    "ImagerEnd", "InteriorBegin", "InteriorEnd", "LightOn", "LightOff", "LightBegin", "LightEnd",
-    "MaterialBegin", "MaterialEnd", "AddObject", "TransformBegin", "TransformEnd", "Radiosity",
-    "Render",
-]
+PROXY_OPERATIONS = ["~VtLocalSceneProxy", *map(operation, METHODS["scene"])]
 
 RUNTIME = r"libVantor\.so|libstdc\+\+\.so\.\d+|libgcc_s\.so\.\d+|libm\.so\.\d+|libc\.so\.\d+|" \
     r"ld-linux.*\.so\.\d+"

@@ -1,8 +1,8 @@
-"""How source files are written: the first line, the layout, and what must not be left."""
+"""How source files are written: the first line, what must not be left, and the layout: that of C++
+files is clang-format's affair, that of all others is looked at here."""
 
 import os
 import re
-import shutil
 import subprocess
 import unittest
 
@@ -12,6 +12,7 @@ CPP = (".h", ".cpp")
 PYTHON = (".py", ".pyi")
 HASH = ("CMakeLists.txt", ".cmake", "Makefile", "packages.txt", ".clang-tidy")
 LINKER = (".map",)
+DOCUMENTS = (".md", ".json")
 
 # The version that the sources are formatted with; others break lines elsewhere.
 CLANG_FORMAT = "14"
@@ -27,11 +28,20 @@ def sources():
     return repository.files(*CPP, *PYTHON, *HASH, *LINKER) + scripts()
 
 
+def others():
+    """The sources that clang-format does not look at."""
+    return [path for path in sources() if not path.endswith(CPP)]
+
+
+def is_python(path):
+    return path.endswith(PYTHON) or repository.text(path).startswith("#!/usr/bin/env python3\n")
+
+
 def opening(path):
     """The pattern of the comment that says what the file is."""
     if path.endswith(CPP):
         return r"// \S.*"
-    if path.endswith(PYTHON):
+    if is_python(path):
         return r'"""\S.*'
     if path.endswith(LINKER):
         return r"/\* \S.*"
@@ -55,26 +65,24 @@ class TextTest(unittest.TestCase):
         alike = [paths for paths in first.values() if len(paths) > 1]
         self.assertEqual(alike, [])
 
-    def test_no_tabs(self):
-        for path in sources() + repository.files(".md", ".json"):
-            if not path.endswith("Makefile"):
-                self.assertNotIn("\t", repository.text(path), path)
-
-    def test_no_blanks_at_the_end_of_a_line_and_one_newline_at_the_end_of_the_file(self):
-        for path in sources() + repository.files(".md", ".json", ".txt"):
-            text = repository.text(path)
+    def test_every_file_ends_with_one_newline(self):
+        for path in sources() + repository.files(*DOCUMENTS, ".txt"):
             with self.subTest(path):
-                self.assertNotIn("\r", text)
-                self.assertEqual([number for number, line in enumerate(text.split("\n"), 1)
-                                  if line != line.rstrip()], [])
-                self.assertTrue(text.endswith("\n"))
-                self.assertFalse(text.endswith("\n\n"))
+                self.assertRegex(repository.text(path), r"[^\n]\n\Z")
+
+    def test_no_tabs_no_carriage_returns_and_no_blanks_at_the_end_of_a_line(self):
+        for path in [*others(), *repository.files(*DOCUMENTS, ".txt")]:
+            unwanted = r"\s\Z|\r|.\t" if path.endswith("Makefile") else r"\s\Z|\r|\t"
+            with self.subTest(path):
+                self.assertEqual([number for number, line in
+                                  enumerate(repository.text(path).split("\n"), 1)
+                                  if re.search(unwanted, line)], [])
 
     def test_no_line_is_longer_than_120_columns_or_100_in_python(self):
         # Tables may be: documents and the list of packages.
-        long = ["{}:{}".format(path, number) for path in sources() if path != "tools/packages.txt"
+        long = ["{}:{}".format(path, number) for path in others() if path != "tools/packages.txt"
                 for number, line in enumerate(repository.lines(path), 1)
-                if len(line) > (100 if path.endswith((".py", ".pyi")) else 120)]
+                if len(line) > (100 if is_python(path) else 120)]
         self.assertEqual(long, [])
 
     def test_nothing_is_left_for_later(self):
@@ -86,14 +94,9 @@ class TextTest(unittest.TestCase):
         self.assertEqual(found, [])
 
     def test_cpp_files_are_formatted(self):
-        program = shutil.which("clang-format")
+        program, why_not = repository.clang_tool("clang-format", CLANG_FORMAT)
         if program is None:
-            self.skipTest("clang-format is not installed")
-        version = subprocess.run([program, "--version"], check=True, stdout=subprocess.PIPE,
-                                 universal_newlines=True).stdout
-        if not re.search(r"version {}\.".format(CLANG_FORMAT), version):
-            self.skipTest("the sources are formatted with clang-format {}, this is {}".format(
-                CLANG_FORMAT, version.strip()))
+            self.skipTest(why_not)
         paths = [os.path.join(repository.ROOT, path) for path in repository.cpp_files()]
         result = subprocess.run([program, "--dry-run", "-Werror", *paths], stderr=subprocess.PIPE,
                                 universal_newlines=True)

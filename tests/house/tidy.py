@@ -2,8 +2,8 @@
 
 usage: tidy.py [-j JOBS] [PATH...]   PATH is a source or a folder; all rooms are checked without it
 The commands are those of compile_commands.json in the build folder, which VANTOR_BUILD names.
-Closes with one line, "N passed, N failed", one for each source. Another version of clang-tidy
-knows other checks, and is skipped.
+Closes with one line, "N passed, N failed", one for each source. Where there is no clang-tidy of the
+version that the tree follows, it says "skipped: " and why.
 """
 
 import argparse
@@ -11,7 +11,6 @@ import concurrent.futures
 import json
 import os
 import re
-import shutil
 import subprocess
 import sys
 
@@ -49,15 +48,10 @@ def main():
     parser.add_argument("places", nargs="*", metavar="PATH", default=ROOMS)
     arguments = parser.parse_args()
 
-    program = shutil.which("clang-tidy")
+    program, why_not = repository.clang_tool("clang-tidy", CLANG_TIDY)
     if program is None:
-        print("clang-tidy is not installed")
-        return 1
-    version = subprocess.run([program, "--version"], stdout=subprocess.PIPE,
-                             universal_newlines=True).stdout
-    if "version {}.".format(CLANG_TIDY) not in version:
-        print("skipped: the sources are kept clean under clang-tidy {}".format(CLANG_TIDY))
-        print("0 passed, 0 failed, 1 skipped")
+        print("skipped: " + why_not)
+        print("0 passed, 0 failed")
         return 0
     database = os.path.join(repository.BUILD, "compile_commands.json")
     if not os.path.exists(database):

@@ -1,7 +1,7 @@
 """One object of each of the module's types, and the facts that tests of all types share."""
 
 from module_under_test import vantorPM
-from names import MATRICES, VECTORS
+from names import NUMBERS
 from native_parts import doubles, transform_of
 
 
@@ -70,10 +70,6 @@ def numbers(value):
     if isinstance(value, (int, float)):
         return [value]
     name = type(value).__name__
-    if name in VECTORS:
-        return list(doubles(value, {"vector2": 2, "vector3": 3, "vector4": 4}[name]))
-    if name in MATRICES:
-        return list(doubles(value, {"matrix2": 4, "matrix3": 9, "matrix4": 16}[name]))
-    if name == "transform":
-        return list(doubles(value, 16))
+    if name in NUMBERS:
+        return list(doubles(value, NUMBERS[name]))
     return [number for index in range(value.getSize()) for number in numbers(value.get(index))]

@@ -12,7 +12,7 @@ import unittest
 import samples
 from expectations import Expectations
 from module_under_test import vantorPM
-from names import ARRAYS, MATRICES, SEQUENCES, VECTORS
+from names import ARRAYS, MATRICES, NUMBERS, ROW_OF, SEQUENCES, VECTORS, WITH_ID
 
 BEYOND_32_BITS = [
     2**31,
@@ -28,8 +28,6 @@ BEYOND_32_BITS = [
 ]
 TOO_LARGE = "Python int too large to convert to C long"
 
-ROW_OF = {"matrix2": "vector2", "matrix3": "vector3", "matrix4": "vector4"}
-
 
 def element_of(name):
     """An element for the array type."""
@@ -43,14 +41,7 @@ def assign(value, index, number):
 def long_places():
     """Places whose interface says long: 32 bits, with the interpreter's text for a long."""
     places = [("scene", lambda: None, lambda _, number: vantorPM.scene(number))]
-    for method in [
-        "imagerBegin",
-        "interiorBegin",
-        "lightOn",
-        "lightOff",
-        "materialBegin",
-        "addObject",
-    ]:
+    for method in WITH_ID:
         places.append(
             (
                 "scene." + method,
@@ -129,7 +120,7 @@ def int_places():
 def double_places():
     """Places whose interface says double."""
     places = []
-    for name, count in [("vector2", 2), ("vector3", 3), ("vector4", 4)]:
+    for name, count in [(name, NUMBERS[name]) for name in VECTORS]:
         for place in range(count):
 
             def construct(_, number, name=name, count=count, place=place):

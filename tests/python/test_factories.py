@@ -10,7 +10,7 @@ import sys
 import unittest
 
 import recording
-from names import ARRAYS, ARRAYS_OF_OBJECTS
+from names import ARRAYS, ARRAYS_OF_OBJECTS, BASES
 
 # Everything that makes an object, as it is called.
 CONSTRUCTORS = [
@@ -19,11 +19,7 @@ CONSTRUCTORS = [
     ("vector3", (1, 2, 3)),
     ("vector4", (1, 2, 3, 4)),
     ("transform", ()),
-    ("BezierBasis", ()),
-    ("BSplineBasis", ()),
-    ("CatmullRomBasis", ()),
-    ("HermiteBasis", ()),
-] + [(name, ()) for name in ARRAYS]
+] + [(name, ()) for name in BASES + ARRAYS]
 
 factories = None
 

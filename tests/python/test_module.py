@@ -9,32 +9,11 @@ import unittest
 
 from expectations import Expectations
 from module_under_test import vantorPM
-from names import ARRAYS
+from names import ARRAYS, BASES, FUNCTIONS, STEPS
 from scripts import Scripts
 
-FUNCTIONS = [
-    "scene",
-    "vector2",
-    "vector3",
-    "vector4",
-    "matrix2",
-    "matrix3",
-    "matrix4",
-    "transform",
-    "compose",
-    "invert",
-    "BezierBasis",
-    "BSplineBasis",
-    "CatmullRomBasis",
-    "HermiteBasis",
-    "BezierStep",
-    "BSplineStep",
-    "CatmullRomStep",
-    "HermiteStep",
-] + ARRAYS
-
 # These never look at what they are given.
-WITHOUT_ARGUMENTS = ["transform"] + FUNCTIONS[FUNCTIONS.index("BezierBasis") :]
+WITHOUT_ARGUMENTS = ["transform"] + BASES + STEPS + ARRAYS
 
 
 class MethodDefinition(ctypes.Structure):

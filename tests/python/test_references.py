@@ -7,18 +7,18 @@ import unittest
 
 import samples
 from module_under_test import vantorPM
-from names import ARRAYS, CREATION, MATRICES, VECTORS
-
-ROW_OF = {"matrix2": "vector2", "matrix3": "vector3", "matrix4": "vector4"}
-ELEMENT_OF = {
-    "vector2array": "vector2",
-    "vector3array": "vector3",
-    "vector4array": "vector4",
-    "matrix2array": "matrix2",
-    "matrix3array": "matrix3",
-    "matrix4array": "matrix4",
-    "transformarray": "transform",
-}
+from names import (
+    ARRAYS,
+    BASES,
+    CREATION,
+    ELEMENT_OF,
+    MATRICES,
+    ROW_OF,
+    STEPS,
+    VECTORS,
+    WITH_ID,
+    WITHOUT_ARGUMENTS,
+)
 
 
 class Unconvertible:
@@ -233,24 +233,9 @@ def watched_calls():
         (fresh_text("a\0"),),
         (),
     )
-    for name in [
-        "imagerBegin",
-        "interiorBegin",
-        "lightOn",
-        "lightOff",
-        "materialBegin",
-        "addObject",
-    ]:
+    for name in WITH_ID:
         call(name, scene, (fresh_int(),), (wrong,), (bad,), (), (1, wrong), (fresh_int(2**31),))
-    for name in [
-        "imagerEnd",
-        "interiorEnd",
-        "lightBegin",
-        "lightEnd",
-        "materialEnd",
-        "transformEnd",
-        "radiosity",
-    ]:
+    for name in WITHOUT_ARGUMENTS:
         call(name, scene, (), (wrong,), (wrong, bad))
     call("transformBegin", scene, (transform,), (wrong,), (), (transform, wrong), ((transform,),))
     call(
@@ -268,17 +253,7 @@ def watched_calls():
     for arguments in [(), (fresh_int(),), (wrong,), (bad,), (1, wrong), (fresh_int(2**31),)]:
         calls.append(("scene", scene, vantorPM.scene, arguments))
 
-    for name in [
-        "transform",
-        "BezierBasis",
-        "BSplineBasis",
-        "CatmullRomBasis",
-        "HermiteBasis",
-        "BezierStep",
-        "BSplineStep",
-        "CatmullRomStep",
-        "HermiteStep",
-    ]:
+    for name in ["transform"] + BASES + STEPS:
         calls.append((name, scene, getattr(vantorPM, name), (wrong, bad)))
     return calls
 

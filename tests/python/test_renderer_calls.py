@@ -10,43 +10,21 @@ import struct
 import unittest
 from textwrap import dedent
 
+import names
 import recording
-from names import ARRAYS
 from recording import record, run
 
 # An empty list, one list element: what surrounds an operation.
 EMPTY_LIST = ["#2 = VtArgList(0, 0)", "~VtArgList #2"]
 
-CREATION_WITH_LIST = [
-    ("newCamera", "NewCamera"),
-    ("newImager", "NewImager"),
-    ("newInterface", "NewInterface"),
-    ("newInterior", "NewInterior"),
-    ("newLight", "NewLight"),
-    ("newMaterial", "NewMaterial"),
-    ("newObject", "NewObject"),
-    ("newPattern", "NewPattern"),
-    ("newTrimmer", "NewTrimmer"),
-]
 
-WITH_ID = [
-    ("imagerBegin", "ImagerBegin"),
-    ("interiorBegin", "InteriorBegin"),
-    ("lightOn", "LightOn"),
-    ("lightOff", "LightOff"),
-    ("materialBegin", "MaterialBegin"),
-    ("addObject", "AddObject"),
-]
+def with_operations(methods):
+    return [(method, names.operation(method)) for method in methods]
 
-WITHOUT_ARGUMENTS = [
-    ("imagerEnd", "ImagerEnd"),
-    ("interiorEnd", "InteriorEnd"),
-    ("lightBegin", "LightBegin"),
-    ("lightEnd", "LightEnd"),
-    ("materialEnd", "MaterialEnd"),
-    ("transformEnd", "TransformEnd"),
-    ("radiosity", "Radiosity"),
-]
+
+CREATION_WITH_LIST = with_operations(names.CREATION)
+WITH_ID = with_operations(names.WITH_ID)
+WITHOUT_ARGUMENTS = with_operations(names.WITHOUT_ARGUMENTS)
 
 IDENTITY = (
     "[[1.0, 0.0, 0.0, 0.0], [0.0, 1.0, 0.0, 0.0]," " [0.0, 0.0, 1.0, 0.0], [0.0, 0.0, 0.0, 1.0]]"
@@ -605,7 +583,7 @@ class ParameterTest(RendererCalls):
         )
 
     def test_an_array_is_the_objects_own_container_whatever_its_size(self):
-        for name in ARRAYS:
+        for name in names.ARRAYS:
             with self.subTest(name=name):
                 finished = record(
                     """
@@ -898,7 +876,7 @@ class TransformTest(RendererCalls):
 
 class SplineTest(RendererCalls):
     def test_each_basis_asks_the_library_once_for_each_call(self):
-        for function in ("BezierBasis", "BSplineBasis", "CatmullRomBasis", "HermiteBasis"):
+        for function in names.BASES:
             with self.subTest(function=function):
                 self.assert_calls(
                     "vantorPM.{0}()\nvantorPM.{0}(1, 2)".format(function),
@@ -961,20 +939,7 @@ class NativeExceptionTest(RendererCalls):
 
     def test_from_a_value_of_every_kind(self):
         elements = ["1", "1.5", "'text'", "'stra\\u00dfe'"]
-        arrays = [
-            "vantorPM.{}array()".format(name)
-            for name in (
-                "int",
-                "float",
-                "vector2",
-                "vector3",
-                "vector4",
-                "matrix2",
-                "matrix3",
-                "matrix4",
-                "transform",
-            )
-        ]
+        arrays = ["vantorPM.{}()".format(name) for name in names.ARRAYS]
         elements += arrays + [array + ".setSize(1)[0]" for array in arrays]
         script = """
             s = vantorPM.scene()

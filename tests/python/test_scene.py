@@ -11,22 +11,9 @@ import unittest
 import samples
 from expectations import Expectations
 from module_under_test import vantorPM
-from names import ARRAYS, CREATION, METHODS
+from names import ARRAYS, CREATION, METHODS, WITH_ID, WITHOUT_ARGUMENTS
 
 MESSAGE = "scene object has not been initialized"
-
-# Methods that take one id.
-WITH_ID = ["imagerBegin", "interiorBegin", "lightOn", "lightOff", "materialBegin", "addObject"]
-# Methods that look at no argument.
-WITHOUT_ARGUMENTS = [
-    "imagerEnd",
-    "interiorEnd",
-    "lightBegin",
-    "lightEnd",
-    "materialEnd",
-    "transformEnd",
-    "radiosity",
-]
 
 TOO_LARGE = "Python int too large to convert to C long"
 
@@ -230,7 +217,7 @@ class MethodTest(SceneTestCase):
     def test_light_begin_takes_no_id_while_the_other_begins_take_one(self):
         for arguments in [(), (5,), (1, 2)]:
             self.assertIsNone(self.scene.lightBegin(*arguments))
-        for name in ["imagerBegin", "interiorBegin", "materialBegin"]:
+        for name in [name for name in WITH_ID if name.endswith("Begin")]:
             self.assert_fails(TypeError, None, getattr(self.scene, name))
 
     def test_methods_with_an_id_take_exactly_one_integer_and_return_none(self):

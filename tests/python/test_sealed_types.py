@@ -12,7 +12,7 @@ import weakref
 import samples
 from expectations import Expectations
 from native_parts import doubles
-from names import METHODS, SEQUENCES
+from names import METHODS, NUMBERS, SEQUENCES
 
 OTHER_SLOTS = [
     "__call__",
@@ -216,15 +216,7 @@ class SealedTypeTest(Expectations, unittest.TestCase):
                 self.assert_fails(TypeError, None, unbound, None)
 
     def test_the_record_points_to_the_value_in_storage_order(self):
-        for name, count in [
-            ("vector2", 2),
-            ("vector3", 3),
-            ("vector4", 4),
-            ("matrix2", 4),
-            ("matrix3", 9),
-            ("matrix4", 16),
-            ("transform", 16),
-        ]:
+        for name, count in NUMBERS.items():
             with self.subTest(name):
                 value = samples.MAKE[name]()
                 self.assertEqual(
