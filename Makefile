@@ -2,7 +2,7 @@
 JOBS := $(shell nproc)
 GALLERY := glass_and_metal media patterns splines million_instances sky radiosity shapes imagers
 
-.PHONY: demo gallery test bench clean
+.PHONY: demo gallery quick test fresh bench clean
 
 # Builds the module and its renderer, and draws the README's picture.
 demo:
@@ -20,10 +20,20 @@ gallery:
 	cd docs/gallery && for name in $(GALLERY); do \
 	    PYTHONPATH=$(CURDIR)/build/release/python python3 $(CURDIR)/examples/$$name.py || exit 1; done
 
+# For work in progress: one configuration, and those of its tests that finish in five minutes on two cores.
+quick:
+	@tools/setup build test
+	@python3 tools/check.py quick
+
 # Every check that a change passes; closes with "N passed, N failed".
 test:
 	@tools/setup build test
 	@python3 tools/check.py
+
+# "make demo" and "make test" in clean Debian systems, before a release; see tools/fresh.
+fresh:
+	@tools/setup fresh
+	@tools/fresh
 
 # The module beside its peers. Figures of different machines compare only as ratios.
 bench:

@@ -182,7 +182,7 @@ TEST(Pictures, CommentSaysHowThePictureWasMade) {
         scene.ImagerEnd();
         const bool is_exr = path.ends_with(".exr");
         EXPECT_EQ(is_exr ? scripted::exr_comment(path) : scripted::read_bytes(path).comment,
-                  "vantorPM 1.1.0; 10 x 6 pixels; 3 samples a pixel");
+                  "vantorPM " VANTOR_VERSION "; 10 x 6 pixels; 3 samples a pixel");
     }
 }
 

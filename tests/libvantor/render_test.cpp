@@ -189,7 +189,7 @@ TEST(Render, InterruptKeepsWhatIsFinished) {
                            "\"\nvantor: render: interrupted; \\1 % of the pixels are in \"" + jpeg + "\"\n");
     ASSERT_TRUE(std::regex_match(errors, found, lines)) << errors;
     const std::string comment =
-        "vantorPM 1.1.0; 800 x 800 pixels; 256 samples a pixel; interrupted: " + found[1].str() +
+        "vantorPM " VANTOR_VERSION "; 800 x 800 pixels; 256 samples a pixel; interrupted: " + found[1].str() +
         " % of the pixels are finished";
     EXPECT_EQ(scripted::exr_comment(exr), comment);
     EXPECT_EQ(scripted::read_jpeg(jpeg).comment, comment);

@@ -2,10 +2,12 @@
 
 The exit code is 1 if a test failed, or if there was none.
 
-usage: run.py [-v] [NAME...]    NAME is a test file, class or test: test_vectors.Vector3Test
-PYTHONPATH says where the module lies.
+usage: run.py [-v] [--in FOLDER] [NAME...]
+NAME is a test file, class or test: test_vectors.Vector3Test; all files of the folder are run without
+it. PYTHONPATH says where the module lies.
 """
 
+import argparse
 import os
 import sys
 import unittest
@@ -48,17 +50,20 @@ class CountingResult(unittest.TextTestResult):
         return list(self.outcomes.values()).count(outcome)
 
 
-def main(arguments):
-    folder = os.path.dirname(os.path.abspath(__file__))
-    sys.path.insert(0, folder)
-    names = [argument for argument in arguments if not argument.startswith("-")]
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("-v", action="store_true", dest="is_verbose", help="a line for each test")
+    parser.add_argument("--in", dest="folder", default=os.path.dirname(os.path.abspath(__file__)))
+    parser.add_argument("names", nargs="*", metavar="NAME")
+    arguments = parser.parse_args()
+    sys.path.insert(0, arguments.folder)
     loader = unittest.TestLoader()
-    if names:
-        tests = loader.loadTestsFromNames(names)
+    if arguments.names:
+        tests = loader.loadTestsFromNames(arguments.names)
     else:
-        tests = loader.discover(folder, top_level_dir=folder)
+        tests = loader.discover(arguments.folder, top_level_dir=arguments.folder)
     runner = unittest.TextTestRunner(
-        resultclass=CountingResult, verbosity=2 if "-v" in arguments else 1
+        resultclass=CountingResult, verbosity=2 if arguments.is_verbose else 1
     )
     result = runner.run(tests)
 
@@ -71,4 +76,4 @@ def main(arguments):
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    sys.exit(main())

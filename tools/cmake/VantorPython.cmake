@@ -3,14 +3,15 @@
 # The sources of the module, gathered room by room and compiled once for each interpreter.
 add_library(vantor_python_types INTERFACE)
 
-# vantor_python_facts(PREFIX INTERPRETER): sets PREFIX_EXECUTABLE, _INCLUDE, _SUFFIX, _PLATLIB as the interpreter says.
+# vantor_python_facts(PREFIX INTERPRETER): sets PREFIX_EXECUTABLE, _INCLUDE, _SUFFIX, _PLATLIB and _PYTHON_VERSION, which
+# ends in "-debug" for a debug build, as the interpreter says.
 function(vantor_python_facts prefix interpreter)
     execute_process(
         COMMAND
             ${interpreter} -c
             "import sys, sysconfig as s; \
              print(sys.executable, s.get_path('include'), s.get_config_var('EXT_SUFFIX'), s.get_path('platlib'), \
-             '%d.%d' % sys.version_info[:2], sep=';')"
+             '%d.%d.%d' % sys.version_info[:3], '-debug' * hasattr(sys, 'gettotalrefcount'), sep=';')"
         OUTPUT_VARIABLE facts
         OUTPUT_STRIP_TRAILING_WHITESPACE
         RESULT_VARIABLE failed)
@@ -22,6 +23,7 @@ function(vantor_python_facts prefix interpreter)
     list(GET facts 2 suffix)
     list(GET facts 3 platlib)
     list(GET facts 4 version)
+    list(GET facts 5 kind)
     if(version VERSION_LESS 3.9)
         message(FATAL_ERROR "${executable} is Python ${version}; the module needs 3.9 or newer")
     endif()
@@ -32,19 +34,28 @@ function(vantor_python_facts prefix interpreter)
     set(${prefix}_INCLUDE ${include} PARENT_SCOPE)
     set(${prefix}_SUFFIX ${suffix} PARENT_SCOPE)
     set(${prefix}_PLATLIB ${platlib} PARENT_SCOPE)
+    set(${prefix}_PYTHON_VERSION ${version}${kind} PARENT_SCOPE)
 endfunction()
 
-# The interpreters that modules are built for, as prefixes of their facts: VANTOR for the one that is installed for, and
-# one for each further interpreter whose modules have another suffix. Two interpreters with one suffix share a binary.
+# The interpreters, as prefixes of their facts: VANTOR for the one that is installed for, and one for each further version.
+# VANTOR_TESTED has all of them, VANTOR_INTERPRETERS those that a module is built for: two with one suffix share a binary.
 vantor_python_facts(VANTOR ${VANTOR_PYTHON})
+set(VANTOR_TESTED VANTOR)
 set(VANTOR_INTERPRETERS VANTOR)
+set(known_versions ${VANTOR_PYTHON_VERSION})
 set(known_suffixes ${VANTOR_SUFFIX})
 foreach(interpreter IN LISTS VANTOR_ALSO_FOR)
     vantor_python_facts(VANTOR_OTHER ${interpreter})
+    if(VANTOR_OTHER_PYTHON_VERSION IN_LIST known_versions)
+        continue()
+    endif()
+    set(facts VANTOR_${VANTOR_OTHER_PYTHON_VERSION})
+    vantor_python_facts(${facts} ${interpreter})
+    list(APPEND VANTOR_TESTED ${facts})
+    list(APPEND known_versions ${VANTOR_OTHER_PYTHON_VERSION})
     if(NOT VANTOR_OTHER_SUFFIX IN_LIST known_suffixes)
+        list(APPEND VANTOR_INTERPRETERS ${facts})
         list(APPEND known_suffixes ${VANTOR_OTHER_SUFFIX})
-        vantor_python_facts(VANTOR${VANTOR_OTHER_SUFFIX} ${interpreter})
-        list(APPEND VANTOR_INTERPRETERS VANTOR${VANTOR_OTHER_SUFFIX})
     endif()
 endforeach()
 
