@@ -2,9 +2,11 @@
 #include "renderer/vt_bases.h"
 #include "renderer/vt_local_scene_proxy.h"
 
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <new>
+#include <numbers>
 #include <string>
 #include <variant>
 #include <vector>
@@ -117,12 +119,31 @@ void VtLocalSceneProxy::Render(VtLong width, VtLong height, VtLong samples, doub
     std::fflush(stdout);
 }
 
-// Transforms. Every operation sets all sixteen entries. Nothing is drawn, so that a turn may be the identity here.
+// Transforms. Every operation sets all sixteen entries. Points are rows, and angles are in degrees.
 
 static VtTransform diagonal(const VtVector3 &d) {
     VtTransform t;
     for (int i = 0; i < 4; ++i)
         t[i][i] = i < 3 ? d[i] : 1;
+    return t;
+}
+
+// Rodrigues' formula, about a line through the origin; the identity if the direction is zero.
+static VtTransform rotation(VtVector3 k, double degrees) {
+    VtTransform t = diagonal({1, 1, 1});
+    k.Normalize();
+    if (k.SqLength() == 0)
+        return t;
+    const double angle = degrees * (std::numbers::pi / 180);
+    const double c = std::cos(angle);
+    const double s = std::sin(angle);
+    for (int i = 0; i < 3; ++i) {
+        const int j = (i + 1) % 3;
+        const int l = (i + 2) % 3;
+        t[i][i] = c + (1 - c) * k[i] * k[i];
+        t[i][j] = (1 - c) * k[i] * k[j] + s * k[l];
+        t[i][l] = (1 - c) * k[i] * k[l] - s * k[j];
+    }
     return t;
 }
 
@@ -133,12 +154,18 @@ void VtTransform::Translation(const VtVector3 &offset) {
     Identity();
     matrix[3] = {offset[0], offset[1], offset[2], 1};
 }
+// What an alignment is, each library decides. Nothing is drawn, so that here it may be the identity.
 void VtTransform::AlignmentToZ(const VtVector3 &) { Identity(); }
 void VtTransform::AlignmentTo(const VtVector3 &, const VtVector3 &) { Identity(); }
-void VtTransform::RotationAroundX(double) { Identity(); }
-void VtTransform::RotationAroundY(double) { Identity(); }
-void VtTransform::RotationAroundZ(double) { Identity(); }
-void VtTransform::RotationAroundAxis(const VtVector3 &, const VtVector3 &, double) { Identity(); }
+void VtTransform::RotationAroundX(double degrees) { *this = rotation({1, 0, 0}, degrees); }
+void VtTransform::RotationAroundY(double degrees) { *this = rotation({0, 1, 0}, degrees); }
+void VtTransform::RotationAroundZ(double degrees) { *this = rotation({0, 0, 1}, degrees); }
+void VtTransform::RotationAroundAxis(const VtVector3 &point, const VtVector3 &direction, double degrees) {
+    *this = rotation(direction, degrees);
+    VtVector4 &offset = matrix[3]; // the point stays where it is
+    for (int j = 0; j < 3; ++j)
+        offset[j] = point[j] - (point[0] * matrix[0][j] + point[1] * matrix[1][j] + point[2] * matrix[2][j]);
+}
 void VtTransform::ReflectionOnXY() { *this = diagonal({1, 1, -1}); }
 
 // Bases: whatever this library would expect to get back as a parameter.

@@ -1,18 +1,21 @@
-// The checks, by what they look at.
+// The groups of checks, by what they look at.
 #pragma once
 
-class Library;
-class Report;
+#include "check.h"
 
 /// Every exported function of the interface is there.
-void check_exports(const Library &library, Report &report);
-/// Every kind of VtArgType: what went in comes out, of the original and of a copy.
-void check_values(const Library &library, Report &report);
-/// VtArgList keeps copies of its values, in order.
-void check_list(const Library &library, Report &report);
-/// VtLocalSceneProxy can be made and destroyed, has every operation in its slot, and survives a call of each.
-void check_proxy(const Library &library, Report &report);
-/// Every transform operation sets all sixteen entries, and never reads the old ones.
-void check_transforms(const Library &library, Report &report);
+Group export_checks();
+/// Every kind of VtArgType: what went in comes out, of the original and of a copy, and nothing is written outside.
+Group value_checks();
+/// VtArgList keeps copies of its values, in order, within its room, and gives its memory back.
+Group list_checks();
+/// VtLocalSceneProxy can be made and destroyed, has every operation in its slot, and gives its memory back.
+Group scene_checks();
+/// The operations other than the creating ones: any order, any id, any size of a picture.
+Group operation_checks();
+/// The creating operations: any type, any list. The types are tried beside null and unknown ones.
+Group creation_checks(const std::vector<std::string> &types);
+/// Every transform operation sets all sixteen entries, never reads the old ones, and means what its header fixes.
+Group transform_checks();
 /// The basis matrices are finite and always the same.
-void check_bases(const Library &library, Report &report);
+Group basis_checks();

@@ -1,33 +1,38 @@
 // conformance: checks that a libVantor.so offers what renderer/ and VtTransform declare, and behaves as they say.
 //
-//     conformance PATH/libVantor.so
+//     conformance [--limit SECONDS] LIBRARY [TYPE...]
 //
-// One line for each check, "pass" or "fail" and what was checked, then "N passed, N failed". The exit code is 0 if all
-// passed, 1 if any failed, 2 if the library cannot be opened. The library's own messages may stand in between.
+// One line for each check, "pass" or "fail" and what was checked, with the reason if it failed; then "N passed, N
+// failed". The exit code is 0 if all passed, 1 if any failed, 2 if the library cannot be opened. The library's own
+// messages may stand in between. A check that takes longer than the limit (30 s unless given) fails. The types are
+// names that the library knows: its creating operations are then tried with these, too.
 #include "checks.h"
 #include "library.h"
-#include "report.h"
+#include "runner.h"
 
+#include <cstdlib>
 #include <iostream>
-#include <stdexcept>
 
 int main(int count, char **arguments) {
-    if (count != 2) {
-        std::cerr << "usage: conformance PATH/libVantor.so\n";
+    std::vector<std::string> words(arguments + 1, arguments + count);
+    int seconds = 30;
+    if (words.size() >= 2 && words[0] == "--limit") {
+        seconds = std::atoi(words[1].c_str());
+        words.erase(words.begin(), words.begin() + 2);
+    }
+    if (words.empty() || seconds <= 0) {
+        std::cerr << "usage: conformance [--limit SECONDS] LIBRARY [TYPE...]\n";
         return 2;
     }
-    try {
-        const Library library(arguments[1]);
-        Report report;
-        check_exports(library, report);
-        check_values(library, report);
-        check_list(library, report);
-        check_proxy(library, report);
-        check_transforms(library, report);
-        check_bases(library, report);
-        return report.finish();
-    } catch (const std::runtime_error &reason) {
-        std::cerr << "conformance: cannot open " << arguments[1] << ": " << reason.what() << "\n";
-        return 2;
-    }
+
+    Runner runner(path_to_open(words[0]), seconds);
+    runner.run(export_checks());
+    runner.run(value_checks());
+    runner.run(list_checks());
+    runner.run(scene_checks());
+    runner.run(operation_checks());
+    runner.run(creation_checks({words.begin() + 1, words.end()}));
+    runner.run(transform_checks());
+    runner.run(basis_checks());
+    return runner.finish();
 }
