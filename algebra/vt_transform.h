@@ -7,11 +7,23 @@
 /// Sixteen doubles, row after row, and nothing else: no inverse, no flag, no cached data. A default-constructed
 /// transform is all zeros, not the identity.
 ///
-/// The operations from Zero() on belong to the renderer library, because it decides what they mean; each replaces all
-/// sixteen entries and never reads the old ones. Composition and inversion are the module's own. The formulas stated
-/// are those of the libVantor that ships with the module: points are rows (p' = p M), so that a translation stands in
-/// row 3; the coordinate system is right-handed; angles are in degrees, positive counter-clockwise when looked at
-/// against the axis.
+/// The operations from Zero() on belong to the renderer library; each replaces all sixteen entries and never reads the
+/// old ones. Composition and inversion are the module's own.
+///
+/// Fixed for every library: Zero(), Identity(), Scaling() and ReflectionOnXY() give exactly the matrices stated.
+/// Translation() gives the identity with the offset in row 3 (points are rows) or in column 3 (points are columns). The
+/// rotations are rigid; an angle of 0 gives the identity, turns about one line add up, and all four take their angles
+/// in the same unit. Around X, Y and Z they leave that axis where it is and turn in the same sense.
+/// RotationAroundAxis() about the origin and a coordinate axis gives the same as the rotation of that name. For finite
+/// arguments of ordinary size, a zero direction included, all entries are finite, never NaN; for any others, NaN
+/// included, the operation returns with whatever entries it likes.
+///
+/// Free: the side on which points stand, the unit and the sense of angles, what the two vectors of RotationAroundAxis()
+/// say of its line (a point and a direction, or two points), what the alignments do, and what a zero direction gives.
+///
+/// The formulas stated below are those of the libVantor that ships with the module: points are rows (p' = p M), so that
+/// a translation stands in row 3; the coordinate system is right-handed; angles are in degrees, positive
+/// counter-clockwise when looked at against the axis.
 class VtTransform {
   public:
     constexpr VtTransform() = default;

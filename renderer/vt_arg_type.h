@@ -37,9 +37,13 @@ enum class VtArgTag : VtLong {
 /// keeps a copy; the copy constructor is the library's own and the module never calls it.
 ///
 /// How long what it refers to lives. Numbers, vectors, matrices and transforms are passed by value. A text points into
-/// the script's own string, and an array is the array object's own container; both outlive the creation call that the
-/// list is made for, and may change or vanish as soon as that call has returned. A library that needs them later copies
-/// them during the call.
+/// the script's own string, and an array is the array object's own container. Both last until the creation call returns
+/// and may change or vanish right after it; a library that needs them later copies them during the call. If the call
+/// never comes, they may vanish before the value is destroyed: the destructor must not read them.
+///
+/// What can be in it. Any number, NaN and infinities included; a text of any length, the empty one included; an array
+/// of any size. VtInstanceArray tells how to read an array: Size() may be negative, and it may exceed the number of
+/// stored elements, where the script ran out of memory. ForEachBlock() visits the elements that exist, and no others.
 ///
 /// Its size is fixed here; what is inside is the library's business. The module constructs and destroys, and uses none
 /// of the accessors. An accessor may be called only if Tag() says that the value is of its kind.

@@ -13,6 +13,8 @@
 // so that row 0 of B holds the coefficients of t^3. A Hermite segment takes P0 = start, P1 = tangent there, P2 = end,
 // P3 = tangent there. The number of control points by which one segment advances to the next is fixed by the module:
 // Bezier 3, B-spline 1, Catmull-Rom 1, Hermite 2.
+//
+// The module keeps no copy: each call of a script's basis function is a call here. The answer is always the same.
 
 VT_API VtMatrix4 VtBezierBasis();
 VT_API VtMatrix4 VtBSplineBasis();

@@ -9,27 +9,34 @@
 ///
 /// Creation and destruction. Each scene object of a script owns exactly one proxy. It is made with the global operator
 /// new when the script makes the scene object, and destroyed once, through the virtual destructor, when that object is
-/// released: possibly while the interpreter shuts down, possibly with blocks still open.
+/// released: possibly while the interpreter shuts down, possibly with blocks still open. The destructor may also never
+/// come, where a process ends without releasing its objects. What is to be written is written by Render().
 ///
-/// Threads. Every call arrives on the interpreter's thread with the interpreter's lock held; calls never overlap and
-/// never nest. A library may use threads of its own inside a call, but must not call back into the interpreter.
+/// Threads. Calls come one at a time: each returns before the next begins, because the caller holds the interpreter's
+/// lock. They come from any thread of the script, and one scene may be made, used and destroyed by different ones. A
+/// library may use threads of its own inside a call, but must not call back into the interpreter.
 ///
 /// Order. Any operation may be called at any time, as often as a script likes. The module keeps no state besides the
 /// pointer to the proxy: whether ids exist, begins and ends pair up, or anything is there to render, is for the library
-/// to check.
+/// to check. Between the constructor of a VtArgList and its creation call, calls for other lists and other scenes can
+/// come; see VtArgList.
 ///
 /// Ids. The library hands them out and gets them back unchanged. The module passes any number that a script gives.
 ///
-/// Types. A type is a null-terminated UTF-8 text, or a null pointer where a script gave None. It lives until the
-/// operation returns, and so does the parameter list and everything that its values point to.
+/// Types. A type is a null-terminated UTF-8 text of any length, or a null pointer where a script gave None. It lives
+/// until the operation returns, and so does the parameter list and everything that its values point to. A creation
+/// operation may change its list, but neither the texts nor the arrays in it.
 ///
 /// Errors. The module looks at no result but the ids, and hands those to the script whatever they are. It neither
-/// catches nor converts exceptions: one that leaves an operation passes through the interpreter's frames, which rarely
-/// ends well. A library should report what is wrong with a scene in its own way and go on.
+/// catches nor converts exceptions. In an ordinary Python process nobody else does either: one that leaves an operation
+/// ends the process (std::terminate) with nothing unwound, so that no destructor runs, not even that of the parameter
+/// list. Only where a C++ program embeds the interpreter and catches further out, the frames in between are unwound and
+/// the list is destroyed. A library should report what is wrong with a scene in its own way and go on.
 ///
 /// Layout. A proxy is its dispatch pointer and one pointer to the library's own record, whatever the library: the
-/// module allocates it. The module calls every operation through the dispatch table, so that this order of slots is the
-/// interface. Nothing is ever inserted; a library may append virtual operations of its own in a derived class.
+/// module allocates it and constructs exactly this class. It calls every operation through the dispatch table, so that
+/// this order of slots is the interface. Nothing is ever inserted. Further virtual operations would never be called,
+/// and those of a derived class never reached.
 class VT_API VtLocalSceneProxy {
   public:
     /// The number is the script's argument to scene(), or 10240. The module gives it no meaning; it is
@@ -79,7 +86,8 @@ class VT_API VtLocalSceneProxy {
     VT_API virtual void Radiosity();
     /// Three integers and four reals (0, 0, 1, 1 where the script gives none), passed as they are. In the libVantor
     /// that ships with the module: width and height of the picture in pixels, samples for each pixel, and the window
-    /// to render as fractions of the picture, x0, y0, x1, y1 from its upper left corner.
+    /// to render as fractions of the picture, x0, y0, x1, y1 from its upper left corner. Any of them may be zero,
+    /// negative, NaN or infinite.
     VT_API virtual void Render(VtLong width, VtLong height, VtLong samples, double x0, double y0, double x1, double y1);
 
   protected:
