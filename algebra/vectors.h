@@ -114,7 +114,7 @@ template <class V> int assign_item(PyObject *self, Py_ssize_t i, PyObject *value
         errors::index_out_of_bounds();
         return -1;
     }
-    if (!parse::bare({&value, value ? 1 : 0}, parse::Real{component}))
+    if (!parse::assigned(value, parse::Real{component}))
         return -1;
 
     (*native<typename V::Native>(self))[static_cast<int>(i)] = component;

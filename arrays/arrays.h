@@ -131,7 +131,7 @@ template <class A> int assign_item(PyObject *self, Py_ssize_t i, PyObject *value
         errors::index_out_of_bounds();
         return -1;
     }
-    if (!parse::bare({&value, value ? 1 : 0}, taken.target()))
+    if (!parse::assigned(value, taken.target()))
         return -1;
 
     array.Write(static_cast<VtLong>(i), taken.value());

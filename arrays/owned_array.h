@@ -27,10 +27,7 @@ template <class T> class OwnedArray : public VtInstanceArray<T> {
             last.Slot(this->size++) = value;
             return true;
         }
-        if (!this->Add(value))
-            return false;
-        last = this->Locate(this->size - 1);
-        return true;
+        return AppendElsewhere(value);
     }
 
     /// As the container's SetSize().
@@ -40,6 +37,14 @@ template <class T> class OwnedArray : public VtInstanceArray<T> {
     }
 
   private:
+    // Into a new block, most often. Not a part of Append(), which is short without it.
+    [[gnu::noinline]] bool AppendElsewhere(const T &value) {
+        if (!this->Add(value))
+            return false;
+        last = this->Locate(this->size - 1);
+        return true;
+    }
+
     bool Seek(VtLong i) {
         if (!last.Holds(i))
             last = this->Locate(i);

@@ -11,15 +11,15 @@
 namespace errors {
 
 /// Raises the text through a file's VantorError. Returns null, for a handler to return.
-PyObject *module_error(PyObject *VantorError, const char *text);
+[[gnu::cold]] PyObject *module_error(PyObject *VantorError, const char *text);
 
 /// Raises errno and its text through a file's VantorError.
-void from_errno(PyObject *VantorError);
+[[gnu::cold]] void from_errno(PyObject *VantorError);
 
 /// Raises IndexError "index out-of-bounds". Returns null, for a handler to return.
-PyObject *index_out_of_bounds();
+[[gnu::cold]] PyObject *index_out_of_bounds();
 
 /// Raises SystemError for the length of an array of negative size: a length slot cannot return one. Returns -1.
-Py_ssize_t negative_length(const char *type_name, long size);
+[[gnu::cold]] Py_ssize_t negative_length(const char *type_name, long size);
 
 } // namespace errors

@@ -23,7 +23,7 @@ namespace parse {
 
 // The quick ways. False means: not taken, nothing is set, ask the parser.
 
-inline bool quickly(PyObject *item, std::int32_t &value) {
+[[gnu::always_inline]] inline bool quickly(PyObject *item, std::int32_t &value) {
     if (!PyLong_CheckExact(item))
         return false;
     auto *number = reinterpret_cast<PyLongObject *>(item);
@@ -41,8 +41,8 @@ inline bool quickly(PyObject *item, std::int32_t &value) {
     return true;
 }
 
-inline bool quickly(PyObject *item, double &value) {
-    if (PyFloat_CheckExact(item)) {
+[[gnu::always_inline]] inline bool quickly(PyObject *item, double &value) {
+    if (PyFloat_CheckExact(item)) [[likely]] {
         value = PyFloat_AS_DOUBLE(item);
         return true;
     }
@@ -54,7 +54,7 @@ inline bool quickly(PyObject *item, double &value) {
 }
 
 /// A float truncated toward zero.
-inline bool quickly_truncated(PyObject *item, std::int32_t &value) {
+[[gnu::always_inline]] inline bool quickly_truncated(PyObject *item, std::int32_t &value) {
     if (!PyFloat_CheckExact(item))
         return false;
     const double number = PyFloat_AS_DOUBLE(item);
@@ -65,7 +65,7 @@ inline bool quickly_truncated(PyObject *item, std::int32_t &value) {
 }
 
 /// The text of a string without a copy. Not taken: other characters than ASCII, a null character inside.
-inline bool quickly(PyObject *item, const char *&text) {
+[[gnu::always_inline]] inline bool quickly(PyObject *item, const char *&text) {
     if (!PyUnicode_CheckExact(item) || !PyUnicode_IS_COMPACT_ASCII(item))
         return false;
     text = static_cast<const char *>(PyUnicode_DATA(item));
@@ -166,20 +166,27 @@ template <class Target> bool is_exact(const Target &target, int &position) {
     return true;
 }
 
-// Behind the fast path of bare(): one object, as the plain parser of old took it.
-template <class Target> [[gnu::noinline]] bool bare_by_parser(Arguments arguments, Target target) {
-    PyObject *tuple = nullptr;
-    PyObject *object = arguments.count == 1 ? arguments.items[0] : nullptr;
-    if (arguments.count > 1 && !(object = tuple = new_tuple(arguments)))
-        return false;
-    const int parsed =
-        std::apply([&](auto... destination) { return PyArg_Parse(object, format_of<Target>.data(), destination...); },
-                   target.parser_arguments());
-    Py_XDECREF(tuple);
-    return parsed != 0;
+// Behind the fast paths. Cold, and never part of a handler: what a handler has to save for these calls, it then saves
+// only where it makes them.
+
+// One object, or null for none, as the plain parser of old took it.
+template <class Target> [[gnu::cold, gnu::noinline]] bool object_by_parser(PyObject *object, Target target) {
+    return std::apply(
+        [&](auto... destination) { return PyArg_Parse(object, format_of<Target>.data(), destination...) != 0; },
+        target.parser_arguments());
 }
 
-template <class... Targets> [[gnu::noinline]] bool tuple_by_parser(PyObject *tuple, Targets... targets) {
+template <class Target> [[gnu::cold, gnu::noinline]] bool bare_by_parser(Arguments arguments, Target target) {
+    if (arguments.count <= 1)
+        return object_by_parser(arguments.count ? arguments.items[0] : nullptr, target);
+
+    PyObject *made = new_tuple(arguments);
+    const bool parsed = made && object_by_parser(made, target);
+    Py_XDECREF(made);
+    return parsed;
+}
+
+template <class... Targets> [[gnu::cold, gnu::noinline]] bool tuple_by_parser(PyObject *tuple, Targets... targets) {
     const int parsed = std::apply(
         [&](auto... destination) { return PyArg_ParseTuple(tuple, format_of<Targets...>.data(), destination...); },
         std::tuple_cat(targets.parser_arguments()...));
@@ -187,30 +194,38 @@ template <class... Targets> [[gnu::noinline]] bool tuple_by_parser(PyObject *tup
     return parsed && (is_exact(targets, position) && ...);
 }
 
-template <class... Targets> bool all_fast(Arguments arguments, const Targets &...targets) {
-    PyObject *const *item = arguments.items;
-    return arguments.count == static_cast<Py_ssize_t>(sizeof...(Targets)) && (targets.fast(*item++) && ...);
-}
-
-/// A method with one argument: the bare object, as the convention delivers it.
-template <class Target> bool bare(Arguments arguments, Target target) {
-    return all_fast(arguments, target) || bare_by_parser(arguments, target);
-}
-
-/// A method with several arguments: their tuple, or the one tuple that was given.
-template <class... Targets> bool tuple(Arguments arguments, Targets... targets) {
-    const Arguments spread = arguments.spread();
-    if (all_fast(spread, targets...))
-        return true;
-
-    PyObject *made = new_tuple(spread);
+template <class... Targets>
+[[gnu::cold, gnu::noinline]] bool spread_by_parser(Arguments arguments, Targets... targets) {
+    PyObject *made = new_tuple(arguments);
     const bool parsed = made && tuple_by_parser(made, targets...);
     Py_XDECREF(made);
     return parsed;
 }
 
+template <class... Targets>
+[[gnu::always_inline]] inline bool all_fast(Arguments arguments, const Targets &...targets) {
+    PyObject *const *item = arguments.items;
+    return arguments.count == static_cast<Py_ssize_t>(sizeof...(Targets)) && (targets.fast(*item++) && ...);
+}
+
+/// A method with one argument: the bare object, as the convention delivers it.
+template <class Target> [[gnu::always_inline]] inline bool bare(Arguments arguments, Target target) {
+    return all_fast(arguments, target) || bare_by_parser(arguments, target);
+}
+
+/// A method with several arguments: their tuple, or the one tuple that was given.
+template <class... Targets> [[gnu::always_inline]] inline bool tuple(Arguments arguments, Targets... targets) {
+    const Arguments spread = arguments.spread();
+    return all_fast(spread, targets...) || spread_by_parser(spread, targets...);
+}
+
+/// The value of an item assignment; null, which stands for a deletion, is refused by the parser.
+template <class Target> [[gnu::always_inline]] inline bool assigned(PyObject *value, Target target) {
+    return (value && target.fast(value)) || object_by_parser(value, target);
+}
+
 /// A module function: the argument tuple that the interpreter made.
-template <class... Targets> bool module_tuple(PyObject *arguments, Targets... targets) {
+template <class... Targets> [[gnu::always_inline]] inline bool module_tuple(PyObject *arguments, Targets... targets) {
     return all_fast(Arguments::of_tuple(arguments), targets...) || tuple_by_parser(arguments, targets...);
 }
 
