@@ -1,8 +1,9 @@
 """Every check that a change passes, in one run: builds, and in each what CTest has for it.
 
-usage: check.py [PRESET...]   quick, test, clang, sanitize; without one, all but quick, which is a part of test
+usage: check.py [PRESET...]
 
-The presets are those of CMakePresets.json. Closes with one line, "N passed, N failed", and fails if
+The presets are those of CMakePresets.json: quick, test, clang, sanitize. Without one, all are run
+but quick, which is a part of test. Closes with one line, "N passed, N failed", and fails if
 anything did; before it stands what was skipped, and why. A Python test or a source that clang-tidy
 looks at counts like a native test. What a step printed stands in build/log.
 """

@@ -3,8 +3,8 @@
 The exit code is 1 if a test failed, or if there was none.
 
 usage: run.py [-v] [--in FOLDER] [NAME...]
-NAME is a test file, class or test: test_vectors.Vector3Test; all files of the folder are run without
-it. PYTHONPATH says where the module lies.
+NAME is a test file, class or test: test_vectors.Vector3Test; without it all files of the folder are
+run. PYTHONPATH says where the module lies.
 """
 
 import argparse

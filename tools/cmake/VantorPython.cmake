@@ -3,8 +3,8 @@
 # The sources of the module, gathered room by room and compiled once for each interpreter.
 add_library(vantor_python_types INTERFACE)
 
-# vantor_python_facts(PREFIX INTERPRETER): sets PREFIX_EXECUTABLE, _INCLUDE, _SUFFIX, _PLATLIB and _PYTHON_VERSION, which
-# ends in "-debug" for a debug build, as the interpreter says.
+# vantor_python_facts(PREFIX INTERPRETER): sets PREFIX_EXECUTABLE, _INCLUDE, _SUFFIX, _PLATLIB and _PYTHON_VERSION as
+# the interpreter says. The version of a debug build ends in "-debug".
 function(vantor_python_facts prefix interpreter)
     execute_process(
         COMMAND
@@ -37,8 +37,9 @@ function(vantor_python_facts prefix interpreter)
     set(${prefix}_PYTHON_VERSION ${version}${kind} PARENT_SCOPE)
 endfunction()
 
-# The interpreters, as prefixes of their facts: VANTOR for the one that is installed for, and one for each further version.
-# VANTOR_TESTED has all of them, VANTOR_INTERPRETERS those that a module is built for: two with one suffix share a binary.
+# The interpreters, as prefixes of their facts: VANTOR for the one that is installed for, and one for each further
+# version. VANTOR_TESTED has all of them, VANTOR_INTERPRETERS those that a module is built for: two with one suffix
+# share a binary.
 vantor_python_facts(VANTOR ${VANTOR_PYTHON})
 set(VANTOR_TESTED VANTOR)
 set(VANTOR_INTERPRETERS VANTOR)
