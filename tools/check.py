@@ -112,7 +112,7 @@ class Case:
 
     def group(self):
         """What the test is counted with: the first part of its name."""
-        return re.match(r"python-[\d.]+(-debug)?|[^._]+", self.name)[0]
+        return re.match(r"python-\d+\.\d+\.\d+(-debug)?|[^._]+", self.name)[0]
 
     def counts(self):
         """How many passed and failed. Programs with many tests close with a plain line."""
