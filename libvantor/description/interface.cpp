@@ -1,8 +1,6 @@
 // Interface: how light scatters at a surface, as the script described it.
 #include "libvantor/description/interface.h"
 
-#include "libvantor/description/pattern.h"
-
 namespace vantor {
 
 namespace {
@@ -28,7 +26,7 @@ constexpr Metal metals[] = {
     {"silver", {0.05f, 0.06f, 0.04f}, {4.41f, 3.60f, 2.65f}},
 };
 
-Bsdf make_conductor(const Parameters &parameters, const CallReport &report) {
+BsdfDescription make_conductor(const Parameters &parameters, const CallReport &report) {
     if (parameters.choice("metal") != "custom")
         parameters.complain_beside("metal", {"eta", "k"}, report);
     Conductor conductor{parameters.color("eta"), parameters.color("k"), parameters.color("color")};
@@ -41,19 +39,19 @@ Bsdf make_conductor(const Parameters &parameters, const CallReport &report) {
     return conductor;
 }
 
-Bsdf make_dielectric(const Parameters &parameters) {
+BsdfDescription make_dielectric(const Parameters &parameters, const CallReport &) {
     Dielectric dielectric{number_of(parameters, "ior"), parameters.color("color")};
     dielectric.set_roughness(number_of(parameters, "roughness"));
     return dielectric;
 }
 
-Bsdf make_plastic(const Parameters &parameters) {
+BsdfDescription make_plastic(const Parameters &parameters, const CallReport &) {
     Plastic plastic{parameters.color("color"), number_of(parameters, "ior")};
     plastic.set_roughness(number_of(parameters, "roughness"));
     return plastic;
 }
 
-Bsdf make_principled(const Parameters &parameters) {
+BsdfDescription make_principled(const Parameters &parameters, const CallReport &) {
     return Principled{.base_color = parameters.color("base_color"),
                       .metallic = number_of(parameters, "metallic"),
                       .roughness = number_of(parameters, "roughness"),
@@ -65,17 +63,20 @@ Bsdf make_principled(const Parameters &parameters) {
                       .ior = number_of(parameters, "ior")};
 }
 
+constexpr InterfaceMaker makers[] = {
+    {"conductor", make_conductor}, {"dielectric", make_dielectric}, {"diffuse", make_diffuse},
+    {"plastic", make_plastic},     {"principled", make_principled},
+};
+
 } // namespace
 
-Bsdf make_bsdf(const Type &type, const Parameters &parameters, const CallReport &report) {
-    if (type.name == "conductor")
-        return make_conductor(parameters, report);
-    if (type.name == "dielectric")
-        return make_dielectric(parameters);
-    if (type.name == "plastic")
-        return make_plastic(parameters);
-    if (type.name == "principled")
-        return make_principled(parameters);
+std::span<const InterfaceMaker> interface_makers() { return makers; }
+
+BsdfDescription make_bsdf(const Type &type, const Parameters &parameters, const CallReport &report) {
+    return maker_of(interface_makers(), type).make(parameters, report);
+}
+
+BsdfDescription make_diffuse(const Parameters &parameters, const CallReport &) {
     return Diffuse{parameters.color("reflectance")};
 }
 

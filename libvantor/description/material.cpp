@@ -3,26 +3,51 @@
 
 namespace vantor {
 
-Material make_surface(Bsdf bsdf, const Parameters &parameters, const PatternFinder &find, const CallReport &report) {
+namespace {
+
+std::optional<Material> make_plain(const Parameters &parameters, const MaterialFinders &, const CallReport &report) {
+    return Material{make_diffuse(parameters, report), nullptr};
+}
+
+std::optional<Material> make_surface(const Parameters &parameters, const MaterialFinders &find,
+                                     const CallReport &report) {
+    const BsdfDescription *interface = find.interface("interface");
+    if (!interface)
+        return {};
     parameters.complain_without("bump", {"bump_height"}, report);
 
-    // What is the same everywhere is settled here; the rest is asked at every hit.
+    // Constants are set here, once; patterns are evaluated at every hit.
+    BsdfDescription bsdf = *interface;
     if (parameters.is_given("color") && !parameters.is_pattern("color"))
         set_color(bsdf, parameters.color("color"));
     if (parameters.is_given("roughness") && !parameters.is_pattern("roughness"))
         set_roughness(bsdf, static_cast<float>(parameters.number("roughness")));
 
     Variation variation;
-    variation.color = pattern_in(parameters, "color", find);
-    variation.roughness = pattern_in(parameters, "roughness", find);
-    variation.opacity = number_or_pattern(parameters, "opacity", find);
-    variation.bump = pattern_in(parameters, "bump", find);
+    variation.color = pattern_in(parameters, "color", find.pattern);
+    variation.roughness = pattern_in(parameters, "roughness", find.pattern);
+    variation.opacity = number_or_pattern(parameters, "opacity", find.pattern);
+    variation.bump = pattern_in(parameters, "bump", find.pattern);
     variation.bump_height = static_cast<float>(parameters.number("bump_height"));
-    variation.normal_map = pattern_in(parameters, "normal_map", find);
+    variation.normal_map = pattern_in(parameters, "normal_map", find.pattern);
     variation.is_two_sided = parameters.is_on("two_sided");
     const bool is_plain = !variation.color && !variation.roughness && !variation.bump && !variation.normal_map &&
                           !variation.opacity.pattern && variation.opacity.number >= 1 && variation.is_two_sided;
-    return {bsdf, is_plain ? nullptr : std::make_unique<const Variation>(variation)};
+    return Material{bsdf, is_plain ? nullptr : std::make_unique<const Variation>(variation)};
+}
+
+constexpr MaterialMaker makers[] = {
+    {"diffuse", make_plain},
+    {"surface", make_surface},
+};
+
+} // namespace
+
+std::span<const MaterialMaker> material_makers() { return makers; }
+
+std::optional<Material> make_material(const Type &type, const Parameters &parameters, const MaterialFinders &find,
+                                      const CallReport &report) {
+    return maker_of(material_makers(), type).make(parameters, find, report);
 }
 
 Material default_material() {

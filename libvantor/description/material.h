@@ -8,20 +8,20 @@
 
 namespace vantor {
 
-/// How a surface differs from one whose every point is like the others, opaque, and the same from both sides. The
-/// patterns have to outlive it.
+/// What makes a surface differ from point to point, let light pass, or have only one side. The patterns have to outlive
+/// it.
 struct Variation {
-    const Pattern *color = nullptr;     ///< In place of the scattering's own; null for that.
+    const Pattern *color = nullptr;     ///< Replaces the colour of the BSDF; null leaves it.
     const Pattern *roughness = nullptr; ///< Likewise.
     NumberOrPattern opacity{1};
     const Pattern *bump = nullptr;       ///< Its luminance is a height above the surface; null for none.
     float bump_height = 0;               ///< Of the luminance 1, in the object's space.
     const Pattern *normal_map = nullptr; ///< Normals in (u, v): 0.5 + 0.5 x, along u, v and the normal; null for none.
-    bool is_two_sided = true;            ///< Otherwise it is not there for those behind it.
+    bool is_two_sided = true;            ///< Otherwise rays pass through it from behind.
 };
 
 struct Material {
-    Bsdf bsdf;
+    BsdfDescription bsdf;
     std::unique_ptr<const Variation> variation; ///< Null if there is none.
 
     /// Whether light may pass straight through.
@@ -30,8 +30,24 @@ struct Material {
     }
 };
 
-/// A surface whose interface scatters like that.
-Material make_surface(Bsdf bsdf, const Parameters &parameters, const PatternFinder &find, const CallReport &report);
+/// The interface whose id the parameter of that name is; null, after a diagnostic, if it is none.
+using InterfaceFinder = std::function<const BsdfDescription *(std::string_view parameter)>;
+
+/// What a material may refer to.
+struct MaterialFinders {
+    InterfaceFinder interface;
+    PatternFinder pattern;
+};
+
+using MaterialMaker =
+    TypeMaker<std::optional<Material>(const Parameters &, const MaterialFinders &, const CallReport &)>;
+
+/// One for each type of material.
+std::span<const MaterialMaker> material_makers();
+
+/// Nothing if its interface is none, which has been reported.
+std::optional<Material> make_material(const Type &type, const Parameters &parameters, const MaterialFinders &find,
+                                      const CallReport &report);
 
 /// For objects without a material: "diffuse" with all defaults.
 Material default_material();

@@ -93,7 +93,7 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
     }
     case EntityKind::Interior:
         if (interiors.size() < most_interiors)
-            return appended(interiors, make_medium(parameters, call));
+            return appended(interiors, make_medium(*type, parameters, call));
         call.diagnostic(
             joined({"there are ", std::to_string(most_interiors), " interiors already, which is the most"}));
         break;
@@ -119,14 +119,12 @@ bool Registry::is_in_reach(const Parameters &parameters, const CallReport &call)
 
 std::optional<Material> Registry::find_material(const Type &type, const Parameters &parameters,
                                                 const CallReport &call) const {
-    if (type.name == "diffuse")
-        return Material{make_bsdf(type, parameters, call), nullptr};
-    const int index = find(parameters.id("interface"), EntityKind::Interface, parameters, "interface", call);
-    if (index < 0)
-        return {};
-    return make_surface(
-        interfaces[static_cast<std::size_t>(index)], parameters,
-        [&](std::string_view name) { return find_pattern(parameters, name, call); }, call);
+    const auto find_interface = [&](std::string_view name) -> const BsdfDescription * {
+        const int index = find(parameters.id(name), EntityKind::Interface, parameters, name, call);
+        return index < 0 ? nullptr : &interfaces[static_cast<std::size_t>(index)];
+    };
+    const auto find_used = [&](std::string_view name) { return find_pattern(parameters, name, call); };
+    return make_material(type, parameters, {find_interface, find_used}, call);
 }
 
 std::optional<Object> Registry::find_object(VtLong id, const Type &type, const Parameters &parameters,

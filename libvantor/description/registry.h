@@ -136,7 +136,7 @@ class Registry {
 
     std::optional<Camera> current_camera;
     std::vector<Imager> imagers;
-    std::vector<Bsdf> interfaces;
+    std::vector<BsdfDescription> interfaces;
     std::vector<Medium> interiors;
     std::vector<Light> all_lights;
     TextureFiles texture_files;

@@ -169,18 +169,19 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Path
     if (path.finds_only_lights)
         path.radiance += limited(path.throughput * surface.albedo() * irradiance * inverse_pi, true, scene);
 
+    const SurfaceBsdf bsdf = surface.bsdf();
     LightSample light;
     if (!surface.is_specular() && sample_light(numbers, hit.point, scene, light)) {
         MediumStack media = path.media;
         if (surface.is_crossed(light.to_light))
             cross_surface(media, placement, hit, light.to_light);
-        BsdfValue scattered = surface.evaluate(light.to_light);
+        BsdfValue scattered = bsdf.evaluate(light.to_light);
         scattered.pdf *= rays;
         add_direct_light(path, hit.origin_towards(light.to_light), media, light, scattered, scene, direct);
     }
 
     BsdfSample next;
-    if (!surface.sample(numbers.next_direction, numbers.sampler.unstratified(numbers.dimension + lobe), next))
+    if (!bsdf.sample(numbers.next_direction, numbers.sampler.unstratified(numbers.dimension + lobe), next))
         return false;
     if (path.finds_only_lights) {
         if (numbers.sampler.unstratified(numbers.dimension + survival) >= rays)
@@ -193,12 +194,12 @@ bool meet_surface(Path &path, const Hit &hit, const Numbers &numbers, const Path
         if (!survives_roulette(path, numbers))
             return false;
     }
-    if (surface.is_crossed(next.in))
-        cross_surface(path.media, placement, hit, next.in);
+    if (surface.is_crossed(next.wi))
+        cross_surface(path.media, placement, hit, next.wi);
     path.vertex = hit.point;
     path.direction_pdf = next.pdf;
     path.finds_lights = next.is_specular;
-    return leave(path, hit.origin_towards(next.in), next.in);
+    return leave(path, hit.origin_towards(next.wi), next.wi);
 }
 
 // Light of the chosen light that is scattered once at a point of the ray.
@@ -207,7 +208,7 @@ void add_scattered_light(Path &path, const Medium &medium, Vec3 point, const Num
     LightSample light;
     if (!sample_light(numbers, point, scene, light))
         return;
-    const float phase = medium.phase(dot(path.ray.direction, light.to_light));
+    const float phase = medium.phase.evaluate(dot(path.ray.direction, light.to_light));
     add_direct_light(path, point, path.media, light, {{phase, phase, phase}, phase}, scene, direct);
 }
 
@@ -244,11 +245,11 @@ bool scatter_in_medium(Path &path, const Medium &medium, Vec3 point, bool is_ray
     if (!is_ray_lit)
         add_scattered_light(path, medium, point, numbers, scene, direct);
 
-    const Vec3 direction = medium.sample_direction(before, numbers.next_direction);
+    const Vec3 direction = medium.phase.sample(before, numbers.next_direction);
     if (!survives_roulette(path, numbers))
         return false;
     path.vertex = point;
-    path.direction_pdf = medium.phase(dot(before, direction));
+    path.direction_pdf = medium.phase.evaluate(dot(before, direction));
     path.finds_lights = false;
     return leave(path, point, direction);
 }

@@ -19,8 +19,7 @@ bool has_patches(const Placement &placement) {
     const bool is_known = std::holds_alternative<TriangleMesh>(shape) || std::holds_alternative<Quads>(shape) ||
                           std::holds_alternative<Sphere>(shape);
     const bool is_whole = !placement.instances && placement.object->trimmers.empty();
-    return is_known && is_whole && std::holds_alternative<Diffuse>(placement.material->bsdf) &&
-           !placement.material->is_see_through();
+    return is_known && is_whole && is_diffuse(placement.material->bsdf) && !placement.material->is_see_through();
 }
 
 int rounded_columns(double length, double side, double most) {

@@ -7,52 +7,76 @@
 #include "libvantor/scattering/plastic.h"
 #include "libvantor/scattering/principled.h"
 
+#include <type_traits>
+#include <utility>
 #include <variant>
 
 namespace vantor {
 
-using Bsdf = std::variant<Diffuse, Conductor, Dielectric, Plastic, Principled>;
+/// The list of all BSDFs, which both variants follow.
+template <DescribedBsdf... Descriptions> struct BsdfList {
+    using Description = std::variant<Descriptions...>;
+    using Prepared = std::variant<typename Descriptions::Prepared...>;
+};
+using AllBsdfs = BsdfList<Diffuse, Conductor, Dielectric, Plastic, Principled>;
 
-/// What the work returns for the lobe. Diffuse comes first, inline: most surfaces of most scenes are.
-template <class Work> auto with_bsdf(const Bsdf &scattering, const Work &work) {
-    if (const Diffuse *diffuse = std::get_if<Diffuse>(&scattering)) [[likely]]
+/// How a surface scatters, as the script describes it.
+using BsdfDescription = AllBsdfs::Description;
+
+/// Calls `work` with the alternative that the variant holds. The first is Diffuse, which most surfaces are: it is
+/// tested first and inline.
+template <class Variant, class Work> decltype(auto) visit_bsdf(Variant &&variant, const Work &work) {
+    if (auto *diffuse = std::get_if<0>(&variant)) [[likely]]
         return work(*diffuse);
-    return std::visit(work, scattering);
+    return std::visit(work, std::forward<Variant>(variant));
 }
 
-inline BsdfValue evaluate(const Bsdf &scattering, Vec3 out, Vec3 in) {
-    return with_bsdf(scattering, [&](const auto &lobe) { return lobe.evaluate(out, in); });
+/// Gives it another colour.
+inline void set_color(BsdfDescription &description, Color color) {
+    visit_bsdf(description, [&](auto &bsdf) { bsdf.set_color(color); });
 }
 
-inline bool sample(const Bsdf &scattering, Vec3 out, Point2f numbers, float choice, BsdfSample &result) {
-    return with_bsdf(scattering, [&](const auto &lobe) { return lobe.sample(out, numbers, choice, result); });
+/// Multiplies its colour by a factor of 0 to 1.
+inline void tint(BsdfDescription &description, Color factor) {
+    visit_bsdf(description, [&](auto &bsdf) { bsdf.tint(factor); });
 }
 
-/// Another colour than the one that it was made with.
-inline void set_color(Bsdf &scattering, Color color) {
-    std::visit([&](auto &lobe) { lobe.set_color(color); }, scattering);
+/// Gives it another roughness, 0 to 1; no effect on a BSDF without roughness.
+inline void set_roughness(BsdfDescription &description, float roughness) {
+    visit_bsdf(description, [&](auto &bsdf) { bsdf.set_roughness(roughness); });
 }
 
-/// Its colour, multiplied by a factor of 0 to 1.
-inline void tint(Bsdf &scattering, Color factor) {
-    std::visit([&](auto &lobe) { lobe.tint(factor); }, scattering);
+inline Color albedo(const BsdfDescription &description) {
+    return visit_bsdf(description, [](const auto &bsdf) { return bsdf.albedo(); });
 }
 
-/// Another roughness, 0 to 1; nothing where a lobe has none.
-inline void set_roughness(Bsdf &scattering, float roughness) {
-    std::visit([&](auto &lobe) { lobe.set_roughness(roughness); }, scattering);
+inline bool is_specular(const BsdfDescription &description) {
+    return visit_bsdf(description, [](const auto &bsdf) { return bsdf.is_specular(); });
 }
 
-inline Color albedo(const Bsdf &scattering) {
-    return std::visit([](const auto &lobe) { return lobe.albedo(); }, scattering);
-}
+inline bool is_diffuse(const BsdfDescription &description) { return std::holds_alternative<Diffuse>(description); }
 
-inline bool is_specular(const Bsdf &scattering) {
-    return with_bsdf(scattering, [](const auto &lobe) { return lobe.is_specular(); });
-}
+/// Any BSDF at a hit, prepared for one `wo`.
+class Bsdf {
+  public:
+    Bsdf(const BsdfDescription &description, Vec3 wo)
+        : prepared(visit_bsdf(description, [&]<class Description>(const Description &of) {
+              return AllBsdfs::Prepared(std::in_place_type<typename Description::Prepared>, of, wo);
+          })) {}
 
-inline bool transmits(const Bsdf &scattering) {
-    return std::visit([](const auto &lobe) { return lobe.transmits(); }, scattering);
-}
+    BsdfValue evaluate(Vec3 wi) const {
+        return visit_bsdf(prepared, [&](const auto &bsdf) { return bsdf.evaluate(wi); });
+    }
+    float pdf(Vec3 wi) const {
+        return visit_bsdf(prepared, [&](const auto &bsdf) { return bsdf.pdf(wi); });
+    }
+    bool sample(Point2f u, float uc, BsdfSample &sample) const {
+        return visit_bsdf(prepared, [&](const auto &bsdf) { return bsdf.sample(u, uc, sample); });
+    }
+
+  private:
+    AllBsdfs::Prepared prepared;
+};
+static_assert(PreparedBsdf<Bsdf>);
 
 } // namespace vantor

@@ -30,8 +30,8 @@ inline float normal_reflectance(float ior) {
     return root * root;
 }
 
-/// The share, or 1 of nothing.
-inline float share_of(float part, float whole) { return whole > 0 ? part / whole : 1; }
+/// The ratio, or 1 if both are 0.
+inline float ratio_or_one(float part, float whole) { return whole > 0 ? part / whole : 1; }
 
 /// The reflectance of a metal in air for one wavelength. Its complex index of refraction is eta + i k, both 0 or more;
 /// the cosine is 0 to 1. Born, Wolf, 14.2, solved for the squares.
@@ -44,9 +44,9 @@ inline float conductor_reflectance(float cosine, float eta, float k) {
     const float a = std::sqrt(std::max(0.5f * (product + difference), 0.0f));
 
     const float mixed = 2 * a * cosine;
-    const float perpendicular = share_of(product + cosine2 - mixed, product + cosine2 + mixed);
+    const float perpendicular = ratio_or_one(product + cosine2 - mixed, product + cosine2 + mixed);
     const float sum = cosine2 * product + sine2 * sine2;
-    const float parallel = perpendicular * share_of(sum - mixed * sine2, sum + mixed * sine2);
+    const float parallel = perpendicular * ratio_or_one(sum - mixed * sine2, sum + mixed * sine2);
     return std::min(0.5f * (perpendicular + parallel), 1.0f);
 }
 inline Color conductor_reflectance(float cosine, Color eta, Color k) {
@@ -54,15 +54,15 @@ inline Color conductor_reflectance(float cosine, Color eta, Color k) {
             conductor_reflectance(cosine, eta.b, k.b)};
 }
 
-/// The share of white in Schlick's approximation: the reflectance is (1 - share) * normal + share. Schlick, "An
+/// The weight of white in Schlick's approximation: the reflectance is (1 - weight) * normal + weight. Schlick, "An
 /// Inexpensive BRDF Model for Physically-based Rendering", 1994.
-inline float schlick_share(float cosine) {
+inline float schlick_weight(float cosine) {
     const float rest = std::clamp(1 - cosine, 0.0f, 1.0f);
     const float square = rest * rest;
     return square * square * rest;
 }
 
-/// The mean of Schlick's approximation over the cosines, each as often as it counts; grazing light is all reflected.
+/// The mean of Schlick's approximation over the cosines, weighted by the cosine; grazing light is all reflected.
 /// Twice the integral of (1 - cosine)^5 cosine is 1/21.
 inline float mean_schlick_reflectance(float normal) { return (20 * normal + 1) / 21; }
 

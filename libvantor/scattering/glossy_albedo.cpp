@@ -10,37 +10,38 @@ namespace vantor {
 
 namespace {
 
-GlossyAlbedo mix(GlossyAlbedo a, GlossyAlbedo b, float share) {
-    return {a.normal + (b.normal - a.normal) * share, a.grazing + (b.grazing - a.grazing) * share};
+GlossyAlbedo mix(GlossyAlbedo a, GlossyAlbedo b, float t) {
+    return {a.normal + (b.normal - a.normal) * t, a.grazing + (b.grazing - a.grazing) * t};
 }
 
-// By the midpoint rule over the numbers that choose a visible facet; most points are where the first is next to 1, as
-// there the facets are steep and the light they reflect is hidden.
+// The midpoint rule over the numbers that choose a visible facet. Most points lie where the first number is next to 1:
+// there the facets are steep, and other facets hide the light that they reflect.
 GlossyAlbedo integrated(float cosine, float alpha) {
     constexpr int rings = 24;
     constexpr int turns = 24;
     const Ggx facets(alpha);
-    const Vec3 out{std::sqrt(1 - cosine * cosine), 0, cosine};
+    const Vec3 wo{std::sqrt(1 - cosine * cosine), 0, cosine};
     GlossyAlbedo sum{};
     for (int ring = 0; ring < rings; ++ring) {
         const float rest = (static_cast<float>(ring) + 0.5f) / rings;
         for (int turn = 0; turn < turns; ++turn) {
             const Vec3 half =
-                facets.sample_normal(out, {1 - rest * rest * rest, (static_cast<float>(turn) + 0.5f) / turns});
-            const Vec3 in = reflected(out, half);
-            if (!(in.z > 0))
+                facets.sample_normal(wo, {1 - rest * rest * rest, (static_cast<float>(turn) + 0.5f) / turns});
+            const Vec3 wi = reflected(wo, half);
+            if (!(wi.z > 0))
                 continue;
-            const float visible = 3 * rest * rest * facets.visible(out, in) / facets.visible(out);
-            const float share = schlick_share(dot(out, half));
-            sum.normal += visible * (1 - share);
-            sum.grazing += visible * share;
+            const float visible = 3 * rest * rest * facets.visible(wo, wi) / facets.visible(wo);
+            const float weight = schlick_weight(dot(wo, half));
+            sum.normal += visible * (1 - weight);
+            sum.grazing += visible * weight;
         }
     }
     constexpr float count = rings * turns;
     return {sum.normal / count, sum.grazing / count};
 }
 
-// Between nodes, by the square root of the cosine, as most happens at small ones, and by the roughness.
+// Albedos at nodes, linear between them in the square root of the cosine, because they vary most at small cosines, and
+// in the roughness.
 class Table {
   public:
     Table() {
@@ -50,15 +51,15 @@ class Table {
                 const float root = std::max(coordinate_of(c, cosines), 0.01f);
                 albedos[r][c] = integrated(root * root, alpha);
             }
-            // Twice the integral of albedo times cosine, in the root t of the cosine: 4 albedo(t) t^3 dt. The points of
-            // Gauss and Legendre make it exact between nodes.
+            // Twice the integral of albedo times cosine, in the root of the cosine, r: 4 albedo(r) r^3 dr. The points
+            // of Gauss and Legendre make it exact between nodes.
             means[r] = {};
             for (int c = 0; c + 1 < cosines; ++c)
-                for (const auto &[place, weight] :
+                for (const auto &[t, weight] :
                      {std::pair{0.1127017f, 5 / 18.0f}, {0.5f, 8 / 18.0f}, {0.8872983f, 5 / 18.0f}}) {
-                    const GlossyAlbedo here = mix(albedos[r][c], albedos[r][c + 1], place);
-                    const float t = (static_cast<float>(c) + place) / (cosines - 1);
-                    const float factor = 4 * t * t * t * weight / (cosines - 1);
+                    const GlossyAlbedo here = mix(albedos[r][c], albedos[r][c + 1], t);
+                    const float root = (static_cast<float>(c) + t) / (cosines - 1);
+                    const float factor = 4 * root * root * root * weight / (cosines - 1);
                     means[r].normal += here.normal * factor;
                     means[r].grazing += here.grazing * factor;
                 }
@@ -66,26 +67,26 @@ class Table {
     }
 
     GlossyAlbedo at(float cosine, float alpha) const {
-        const Place r = place_of(std::sqrt(alpha), roughnesses);
-        const Place c = place_of(std::sqrt(cosine), cosines);
-        return mix(mix(albedos[r.node][c.node], albedos[r.node][c.node + 1], c.share),
-                   mix(albedos[r.node + 1][c.node], albedos[r.node + 1][c.node + 1], c.share), r.share);
+        const Position r = position_of(std::sqrt(alpha), roughnesses);
+        const Position c = position_of(std::sqrt(cosine), cosines);
+        return mix(mix(albedos[r.node][c.node], albedos[r.node][c.node + 1], c.t),
+                   mix(albedos[r.node + 1][c.node], albedos[r.node + 1][c.node + 1], c.t), r.t);
     }
 
     GlossyAlbedo mean(float alpha) const {
-        const Place r = place_of(std::sqrt(alpha), roughnesses);
-        return mix(means[r.node], means[r.node + 1], r.share);
+        const Position r = position_of(std::sqrt(alpha), roughnesses);
+        return mix(means[r.node], means[r.node + 1], r.t);
     }
 
   private:
     static constexpr int cosines = 32;
     static constexpr int roughnesses = 24;
 
-    struct Place {
+    struct Position {
         std::size_t node;
-        float share;
+        float t; // from this node to the next
     };
-    static Place place_of(float coordinate, int nodes) {
+    static Position position_of(float coordinate, int nodes) {
         const float scaled = std::clamp(coordinate, 0.0f, 1.0f) * static_cast<float>(nodes - 1);
         const int lower = std::min(static_cast<int>(scaled), nodes - 2);
         return {static_cast<std::size_t>(lower), scaled - static_cast<float>(lower)};
@@ -106,8 +107,8 @@ const Table &table() {
 
 GlossyAlbedo glossy_albedo(float cosine, float alpha) {
     if (alpha < Ggx::least_alpha) {
-        const float share = schlick_share(cosine);
-        return {1 - share, share};
+        const float weight = schlick_weight(cosine);
+        return {1 - weight, weight};
     }
     return table().at(cosine, alpha);
 }

@@ -4,7 +4,7 @@
 namespace vantor {
 
 /// The fraction of light that is reflected is normal * R0 + grazing * R90, where R0 and R90 are the reflectances of a
-/// facet for straight and for grazing light, with Schlick's approximation between the two.
+/// facet at normal and at grazing incidence, with Schlick's approximation between the two.
 struct GlossyAlbedo {
     float normal;
     float grazing;
@@ -16,7 +16,7 @@ struct GlossyAlbedo {
 /// table, exact to about 0.002.
 GlossyAlbedo glossy_albedo(float cosine, float alpha);
 
-/// Of light from everywhere: the mean of glossy_albedo() over the cosines, each as often as it counts.
+/// Of light from everywhere: the mean of glossy_albedo() over the cosines, weighted by the cosine.
 GlossyAlbedo mean_glossy_albedo(float alpha);
 
 } // namespace vantor

@@ -3,84 +3,75 @@
 
 #include "libvantor/scattering/fresnel.h"
 #include "libvantor/scattering/glossy_albedo.h"
-#include "libvantor/scattering/microfacet.h"
 
 namespace vantor {
 
 namespace {
 
-// What coat and body do with light that leaves with one cosine.
-struct Layers {
-    float r0;
-    float coat;        // its albedo
-    float mean_coat;   // over all cosines
-    Color body;        // of the light that enters, the fraction that leaves again
-    float coat_choice; // the probability of sampling the coat
-
-    Layers(const Plastic &plastic, float cosine)
-        : r0(normal_reflectance(plastic.ior)), coat(glossy_albedo(cosine, plastic.alpha).of(r0)),
-          mean_coat(mean_glossy_albedo(plastic.alpha).of(r0)) {
-        const float inside = 1 - (1 - mean_coat) / (plastic.ior * plastic.ior);
-        const auto leaving = [&](float color) { return color * (1 - inside) / (1 - color * inside); };
-        body = {leaving(plastic.color.r), leaving(plastic.color.g), leaving(plastic.color.b)};
-        coat_choice = coat / (coat + (1 - coat) * largest_component(body));
-    }
-};
-
-bool is_smooth(const Plastic &plastic) { return plastic.alpha < Ggx::least_alpha; }
-
-// Both directions lie above it.
-BsdfValue evaluated(const Plastic &plastic, const Layers &layers, Vec3 o, Vec3 i) {
-    const float enters = 1 - glossy_albedo(i.z, plastic.alpha).of(layers.r0);
-    BsdfValue found{layers.body * ((1 - layers.coat) * enters * inverse_pi / (1 - layers.mean_coat)),
-                    (1 - layers.coat_choice) * warp::cosine_hemisphere_pdf(i.z)};
-    if (is_smooth(plastic))
-        return found;
-
-    const Vec3 half = normalized(o + i);
-    const Ggx facets(plastic.alpha);
-    const float share = schlick_share(dot(o, half));
-    const float value = (layers.r0 * (1 - share) + share) * facets.reflection(o, i, half);
-    found.value += Color{value, value, value};
-    found.pdf += layers.coat_choice * facets.reflection_pdf(o, half);
-    return found;
+// Of the light that enters the body, the fraction that leaves it again.
+Color body_albedo_of(const Plastic &plastic, float mean_coat_albedo) {
+    const float inside = 1 - (1 - mean_coat_albedo) / (plastic.ior * plastic.ior);
+    const auto leaving = [&](float color) { return color * (1 - inside) / (1 - color * inside); };
+    return {leaving(plastic.color.r), leaving(plastic.color.g), leaving(plastic.color.b)};
 }
 
 } // namespace
 
-BsdfValue Plastic::evaluate(Vec3 out, Vec3 in) const {
-    if (!(out.z * in.z > 0))
-        return {};
-    const float side = std::copysign(1.0f, out.z);
-    const Vec3 o = on_side(out, side);
-    return evaluated(*this, Layers(*this, o.z), o, on_side(in, side));
+Color Plastic::albedo() const {
+    const float coat = mean_glossy_albedo(alpha).of(normal_reflectance(ior));
+    return body_albedo_of(*this, coat) * (1 - coat) + Color{coat, coat, coat};
 }
 
-bool Plastic::sample(Vec3 out, Point2f numbers, float choice, BsdfSample &result) const {
-    if (out.z == 0)
+PlasticBsdf::PlasticBsdf(const Plastic &plastic, Vec3 wo)
+    : alpha(plastic.alpha), side(std::copysign(1.0f, wo.z)), o(on_side(wo, side)), r0(normal_reflectance(plastic.ior)),
+      coat_albedo(glossy_albedo(o.z, alpha).of(r0)), mean_coat_albedo(mean_glossy_albedo(alpha).of(r0)),
+      body_albedo(body_albedo_of(plastic, mean_coat_albedo)),
+      coat_probability(coat_albedo / (coat_albedo + (1 - coat_albedo) * largest_component(body_albedo))) {}
+
+BsdfValue PlasticBsdf::reflection(Vec3 i) const {
+    const float enters = 1 - glossy_albedo(i.z, alpha).of(r0);
+    BsdfValue found{body_albedo * ((1 - coat_albedo) * enters * inverse_pi / (1 - mean_coat_albedo)),
+                    (1 - coat_probability) * warp::cosine_hemisphere_pdf(i.z)};
+    if (has_smooth_coat())
+        return found;
+
+    const Vec3 half = normalized(o + i);
+    const Ggx facets(alpha);
+    const float weight = schlick_weight(dot(o, half));
+    const float value = (r0 * (1 - weight) + weight) * facets.reflection(o, i, half);
+    found.value += Color{value, value, value};
+    found.pdf += coat_probability * facets.reflection_pdf(o, half);
+    return found;
+}
+
+BsdfValue PlasticBsdf::evaluate(Vec3 wi) const {
+    const Vec3 i = on_side(wi, side);
+    return o.z * i.z > 0 ? reflection(i) : BsdfValue();
+}
+
+float PlasticBsdf::pdf(Vec3 wi) const {
+    const Vec3 i = on_side(wi, side);
+    if (!(o.z * i.z > 0))
+        return 0;
+    const float body = (1 - coat_probability) * warp::cosine_hemisphere_pdf(i.z);
+    return has_smooth_coat() ? body : body + coat_probability * Ggx(alpha).reflection_pdf(o, normalized(o + i));
+}
+
+bool PlasticBsdf::sample(Point2f u, float uc, BsdfSample &sample) const {
+    if (o.z == 0)
         return false;
-    const float side = std::copysign(1.0f, out.z);
-    const Vec3 o = on_side(out, side);
-    const Layers layers(*this, o.z);
-    const bool is_coat = choice < layers.coat_choice;
-    if (is_coat && is_smooth(*this)) {
-        const float weight = layers.coat / layers.coat_choice;
-        result = {{-out.x, -out.y, out.z}, {weight, weight, weight}, 0, true};
+    const bool is_coat = uc < coat_probability;
+    if (is_coat && has_smooth_coat()) {
+        const float weight = coat_albedo / coat_probability;
+        sample = {{-o.x, -o.y, side * o.z}, {weight, weight, weight}, 0, true};
         return true;
     }
-    const Vec3 i = is_coat ? reflected(o, Ggx(alpha).sample_normal(o, numbers)) : warp::cosine_hemisphere(numbers);
+    const Vec3 i = is_coat ? reflected(o, Ggx(alpha).sample_normal(o, u)) : warp::cosine_hemisphere(u);
     if (!(i.z > 0))
         return false;
-    const BsdfValue found = evaluated(*this, layers, o, i);
-    result = {on_side(i, side), found.value * (i.z / found.pdf), found.pdf, false};
+    const BsdfValue found = reflection(i);
+    sample = {on_side(i, side), found.value * (i.z / found.pdf), found.pdf, false};
     return found.pdf > 0;
 }
-
-Color Plastic::albedo() const {
-    const Layers layers(*this, 1);
-    return layers.body * (1 - layers.mean_coat) + Color{layers.mean_coat, layers.mean_coat, layers.mean_coat};
-}
-
-void Plastic::set_roughness(float roughness) { alpha = Ggx::alpha_of(roughness); }
 
 } // namespace vantor

@@ -5,13 +5,13 @@ namespace vantor {
 
 namespace {
 
-// Back from the world: normals go there by the transposed inverse.
+// Normals go to the world by the transposed inverse, and so back by the transposed map.
 Vec3 normal_in_object(const Affine &world_from_object, Vec3 normal) {
     const Linear &m = world_from_object.linear;
     return {dot(m.row0, normal), dot(m.row1, normal), dot(m.row2, normal)};
 }
 
-// The normal of the surface that is raised by the heights of a pattern: it leans against the slope. Blinn, "Simulation
+// The normal of the surface after a pattern's heights are added to it: it leans against the slope. Blinn, "Simulation
 // of Wrinkled Surfaces", 1978; without derivatives in (u, v), by the slopes along two directions of the surface
 // (Mikkelsen, "Bump Mapping Unparametrized Surfaces on the GPU", 2010).
 Vec3 bumped(const BumpPoint &point, const Pattern &heights, float scale, Vec3 normal) {
@@ -19,11 +19,11 @@ Vec3 bumped(const BumpPoint &point, const Pattern &heights, float scale, Vec3 no
     if (!has_direction(local) || !(point.step > 0))
         return normal;
     const Frame frame(normalized(local));
-    const auto height = [&](Vec3 direction, float way) {
-        const Point2f turn = point.uv_along(direction);
+    const auto height = [&](Vec3 direction, float distance) {
+        const Point2f uv_change = point.uv_along(direction);
         PatternPoint at = point.at;
-        at.point = at.point + direction * way;
-        at.uv = {at.uv.u + turn.u * way, at.uv.v + turn.v * way};
+        at.point = at.point + direction * distance;
+        at.uv = {at.uv.u + uv_change.u * distance, at.uv.v + uv_change.v * distance};
         return scale * luminance(evaluate(heights, at));
     };
     const auto slope = [&](Vec3 direction) {
@@ -34,7 +34,7 @@ Vec3 bumped(const BumpPoint &point, const Pattern &heights, float scale, Vec3 no
     return direction_of(in_world, normal);
 }
 
-// The normal that a pattern tells in the directions of u, v and the surface's own.
+// The normal that a pattern gives by its components along u, v and the surface's normal.
 Vec3 mapped(const BumpPoint &point, const Pattern &map, Vec3 normal) {
     const Linear &to_world = point.world_from_object.linear;
     const Vec3 along_u = to_world(point.parameters.along_u);
@@ -43,13 +43,13 @@ Vec3 mapped(const BumpPoint &point, const Pattern &map, Vec3 normal) {
         return normal;
     const Vec3 x = normalized(tangent);
     const Vec3 y = cross(normal, x);
-    const float turn = std::copysign(1.0f, dot(y, to_world(point.along_v())));
-    const Color told = evaluate(map, point.at);
-    const Vec3 bent = x * (2 * told.r - 1) + y * (turn * (2 * told.g - 1)) + normal * (2 * told.b - 1);
+    const float handedness = std::copysign(1.0f, dot(y, to_world(point.along_v())));
+    const Color encoded = evaluate(map, point.at);
+    const Vec3 bent = x * (2 * encoded.r - 1) + y * (handedness * (2 * encoded.g - 1)) + normal * (2 * encoded.b - 1);
     return direction_of(bent, normal);
 }
 
-// A normal that leans beyond the surface would see nothing but its back.
+// From a normal that leans beyond the surface, only its back would be visible.
 Vec3 kept_in_front(Vec3 normal, Vec3 geometric_normal) {
     constexpr float least = 0.02f;
     const float cosine = dot(normal, geometric_normal);
@@ -68,7 +68,7 @@ Vec3 BumpPoint::along_v() const {
 Point2f BumpPoint::uv_along(Vec3 direction) const {
     const Vec3 u = parameters.along_u;
     const Vec3 v = along_v();
-    // The two may have any angle: each coordinate is measured across the other's direction.
+    // The two may be at any angle: each coordinate is measured at right angles to the other's direction.
     const Vec3 normal = cross(u, v);
     const float square = dot(normal, normal);
     if (!has_direction(normal))

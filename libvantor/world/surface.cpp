@@ -7,14 +7,14 @@ namespace vantor {
 
 namespace {
 
-// Whatever a pattern says, no surface reflects more light than there is. Also of a NaN.
+// Patterns may have any value, even NaN; no surface reflects more light than arrives.
 float fraction(float value) { return value > 0 ? std::min(value, 1.0f) : 0.0f; }
 Color fraction(Color color) { return {fraction(color.r), fraction(color.g), fraction(color.b)}; }
 
-// A pixel sees about a thousandth of the distance.
+// The width of what a pixel sees, over its distance; a typical value.
 constexpr float pixel_angle = 1e-3f;
 
-// How far u and v reach of a length in the object's space.
+// The extent in u and v of a length in the object's space.
 Point2f footprint_of(float length_seen, const SurfaceParameters &parameters) {
     const float in_u = length(parameters.along_u);
     const float in_v = length(parameters.along_v);
@@ -24,7 +24,7 @@ Point2f footprint_of(float length_seen, const SurfaceParameters &parameters) {
 // A hit in the space of its object, where patterns lie.
 struct HitInObject {
     Affine world_from_object;
-    float scale; // of lengths, about
+    float scale; // of lengths, roughly
     SurfaceParameters parameters;
     PatternPoint at;
 
@@ -38,7 +38,7 @@ struct HitInObject {
     }
 };
 
-bool is_there(const Variation &variation, bool is_front) { return variation.is_two_sided || is_front; }
+bool is_visible_from(const Variation &variation, bool is_front) { return variation.is_two_sided || is_front; }
 
 } // namespace
 
@@ -46,7 +46,7 @@ float opacity_at(const Hit &hit, Vec3 arriving, const World &world) {
     const Variation *variation = world.placements[hit.placement].material->variation.get();
     if (!variation)
         return 1;
-    if (!is_there(*variation, is_at_front(hit, arriving)))
+    if (!is_visible_from(*variation, is_at_front(hit, arriving)))
         return 0;
     const NumberOrPattern &opacity = variation->opacity;
     return fraction(opacity.pattern ? vantor::evaluate(opacity, HitInObject(hit, world).at) : opacity.number);
@@ -56,33 +56,31 @@ void Surface::vary(const Hit &hit, const World &world) {
     static const Variation none;
     const Placement &placement = world.placements[hit.placement];
     const Variation &variation = placement.material->variation ? *placement.material->variation : none;
-    opaque_share = is_there(variation, is_front) ? fraction(variation.opacity.number) : 0;
+    opacity_here = is_visible_from(variation, is_front) ? fraction(variation.opacity.number) : 0;
     const bool is_bent = variation.bump || variation.normal_map;
-    const bool is_other = variation.color || variation.roughness || placement.object->has_colors;
-    if (opaque_share == 0 || !(is_bent || is_other || variation.opacity.pattern))
+    const bool changes_bsdf = variation.color || variation.roughness || placement.object->has_colors;
+    if (opacity_here == 0 || !(is_bent || changes_bsdf || variation.opacity.pattern))
         return;
 
     const HitInObject in_object(hit, world);
     const PatternPoint &at = in_object.at;
-    opaque_share = fraction(vantor::evaluate(variation.opacity, at));
-    if (opaque_share == 0)
+    opacity_here = fraction(vantor::evaluate(variation.opacity, at));
+    if (opacity_here == 0)
         return;
     if (is_bent) {
-        // About half of what a pixel sees, and beyond rounding.
+        // About half of the width that a pixel sees, and beyond rounding.
         const float step = (0.5f * pixel_angle * hit.distance + hit.clearance) / in_object.scale;
-        const BumpPoint relief{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
-        frame = Frame(bent_normal(relief, variation, hit.shading_normal));
+        const BumpPoint point{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
+        frame = Frame(bent_normal(point, variation, hit.shading_normal));
     }
-    if (!is_other)
+    if (!changes_bsdf)
         return;
-    varied = *bsdf;
-    bsdf = &*varied;
     if (variation.color)
-        set_color(*varied, fraction(vantor::evaluate(*variation.color, at)));
+        set_color(description, fraction(vantor::evaluate(*variation.color, at)));
     if (placement.object->has_colors)
-        tint(*varied, fraction(in_object.parameters.color));
+        tint(description, fraction(in_object.parameters.color));
     if (variation.roughness)
-        set_roughness(*varied, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
+        set_roughness(description, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
 }
 
 } // namespace vantor

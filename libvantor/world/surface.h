@@ -8,76 +8,88 @@ namespace vantor {
 
 inline bool is_at_front(const Hit &hit, Vec3 arriving) { return dot(hit.geometric_normal, arriving) < 0; }
 
-/// The share of light that meets the surface at a hit, 0 to 1; the rest passes straight through.
+/// The fraction of light that meets the surface at a hit, 0 to 1; the rest passes straight through.
 float opacity_at(const Hit &hit, Vec3 arriving, const World &world);
 
-/// The surface at a hit: where its sides are, and how it scatters.
+/// The BSDF of a surface at a hit, prepared for the direction back along the path. Its directions are in world space.
+class SurfaceBsdf {
+  public:
+    /// `wo` is in the frame of the shading normal.
+    SurfaceBsdf(const Frame &shading_frame, Vec3 surface_normal, const BsdfDescription &description, Vec3 wo)
+        : frame(shading_frame), geometric_normal(surface_normal), local(description, wo) {}
+
+    /// How much of the light from `wi` goes back along the path: the value includes the cosine of `wi`.
+    BsdfValue evaluate(Vec3 wi) const {
+        const Vec3 local_wi = frame.local_from_world(wi);
+        if (!is_consistent(local_wi.z, wi))
+            return {};
+        BsdfValue found = local.evaluate(local_wi);
+        found.value = found.value * std::fabs(local_wi.z);
+        return found;
+    }
+
+    /// Samples the direction in which the path goes on; false if there is none.
+    bool sample(Point2f u, float uc, BsdfSample &sample) const {
+        if (!local.sample(u, uc, sample))
+            return false;
+        const float z = sample.wi.z;
+        sample.wi = frame.world_from_local(sample.wi);
+        return is_consistent(z, sample.wi);
+    }
+
+  private:
+    // Where the shading normal leans, part of each of its hemispheres lies on the other side of the surface.
+    bool is_consistent(float z, Vec3 direction) const { return z * dot(geometric_normal, direction) > 0; }
+
+    Frame frame; // of the shading normal
+    Vec3 geometric_normal;
+    Bsdf local;
+};
+
+/// The surface at a hit: where its sides are, and what it is made of there.
 class Surface {
   public:
     Surface(const Hit &hit, Vec3 arriving, const World &world)
         : frame(hit.shading_normal), is_front(is_at_front(hit, arriving)), geometric_normal(hit.geometric_normal),
-          bsdf(&world.placements[hit.placement].material->bsdf) {
+          description(world.placements[hit.placement].material->bsdf) {
         if (world.placements[hit.placement].varies())
             vary(hit, world);
-        out = side_of(frame.local_from_world(-arriving), is_front);
+        wo = on_arriving_side(frame.local_from_world(-arriving), is_front);
     }
-    Surface(const Surface &) = delete; // it may point into itself
-    Surface &operator=(const Surface &) = delete;
 
     bool arrives_at_front() const { return is_front; }
     Vec3 shading_normal() const { return frame.z; } ///< On the front; bent where the material has bumps.
-    bool is_specular() const { return vantor::is_specular(*bsdf); }
-    bool is_diffuse() const { return std::holds_alternative<Diffuse>(*bsdf); }
+    bool is_specular() const { return vantor::is_specular(description); }
+    bool is_diffuse() const { return vantor::is_diffuse(description); }
+    Color albedo() const { return vantor::albedo(description); }
 
     /// As opacity_at().
-    float opacity() const { return opaque_share; }
+    float opacity() const { return opacity_here; }
 
-    Color albedo() const { return vantor::albedo(*bsdf); }
-
-    /// How much of the light from that direction goes back along the path, with the cosine of its direction.
-    BsdfValue evaluate(Vec3 to_light) const {
-        const Vec3 in = frame.local_from_world(to_light);
-        if (!is_consistent(in.z, to_light))
-            return {};
-        BsdfValue found = vantor::evaluate(*bsdf, out, in);
-        found.value = found.value * std::fabs(in.z);
-        return found;
-    }
-
-    /// Whether a way on in that direction leaves the surface on the other side than the path arrives.
+    /// Whether a path that leaves in that direction is on the other side of the surface than where it arrives.
     bool is_crossed(Vec3 direction) const { return (dot(geometric_normal, direction) > 0) != is_front; }
 
-    /// A direction to go on, in world space; false if there is none.
-    bool sample(Point2f numbers, float choice, BsdfSample &result) const {
-        if (!vantor::sample(*bsdf, out, numbers, choice, result))
-            return false;
-        const float z = result.in.z;
-        result.in = frame.world_from_local(result.in);
-        return is_consistent(z, result.in);
-    }
+    /// How it scatters: prepared here, so that a path that ends at the surface does not pay for it.
+    SurfaceBsdf bsdf() const { return {frame, geometric_normal, description, wo}; }
 
   private:
-    // What differs from point to point.
+    // Applies what differs from point to point.
     void vary(const Hit &hit, const World &world);
 
-    // Where the shading normal leans, part of each of its hemispheres lies on the other side of the surface.
-    bool is_consistent(float z, Vec3 direction) const { return z * dot(geometric_normal, direction) > 0; }
-
-    // The path arrives on the side of the surface itself; a leaning normal must not make it the other one.
-    static Vec3 side_of(Vec3 out, bool is_front) {
+    // A path arrives on the side that the geometric normal tells, even if the shading normal leans beyond it.
+    static Vec3 on_arriving_side(Vec3 wo, bool is_front) {
         constexpr float grazing = 1e-4f;
-        if ((out.z > 0) == is_front && out.z != 0)
-            return out;
-        return normalized({out.x, out.y, is_front ? grazing : -grazing});
+        if ((wo.z > 0) == is_front && wo.z != 0)
+            return wo;
+        return normalized({wo.x, wo.y, is_front ? grazing : -grazing});
     }
 
     Frame frame; // of the shading normal
     bool is_front;
-    Vec3 out;
+    Vec3 wo; // back along the path, in the frame
     Vec3 geometric_normal;
-    const Bsdf *bsdf;
-    std::optional<Bsdf> varied; // what it points to where the material has a variation
-    float opaque_share = 1;
+    BsdfDescription description;
+    float opacity_here = 1;
 };
 
 } // namespace vantor

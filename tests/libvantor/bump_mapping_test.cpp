@@ -1,4 +1,4 @@
-// Relief: normals that follow patterns, by closed form.
+// Bump and normal mapping: normals that follow patterns, by closed form.
 #include "libvantor/world/bump_mapping.h"
 
 #include "libvantor/shapes/shape.h"
@@ -45,7 +45,7 @@ void expect_direction(Vec3 found, Vec3 wanted, float tolerance = 1e-3f) {
     EXPECT_NEAR(found.z, direction.z, tolerance);
 }
 
-TEST(Relief, ANormalLeansAgainstTheSlope) {
+TEST(BumpMapping, ANormalLeansAgainstTheSlope) {
     // The height is 0.5 u, which is 0.25 x; 0.5 v, which is 0.125 y; and 0.5 y.
     expect_direction(bumped(plane(), ramp(PatternSpace::Uv, {1, 0, 0}), 0.5f), {-0.25f, 0, 1});
     expect_direction(bumped(plane(), ramp(PatternSpace::Uv, {0, 1, 0}), 0.5f), {0, -0.125f, 1});
@@ -53,7 +53,7 @@ TEST(Relief, ANormalLeansAgainstTheSlope) {
     expect_direction(bumped(plane(), constant({7, 7, 7}), 0.5f), up);
 }
 
-TEST(Relief, AReliefIsTransformedWithItsObject) {
+TEST(BumpMapping, ABumpIsTransformedWithItsObject) {
     // The surface z = 0.25 x of the object, stretched to twice its length along x and to thrice its height.
     VtTransform stretched;
     stretched.Scaling({2, 1, 3});
@@ -64,7 +64,7 @@ TEST(Relief, AReliefIsTransformedWithItsObject) {
     expect_direction(bumped(plane(mirrored), ramp(PatternSpace::Uv, {1, 0, 0}), 0.5f), {0.25f, 0, 1});
 }
 
-TEST(Relief, UAndVMayHaveAnyAngle) {
+TEST(BumpMapping, UAndVMayHaveAnyAngle) {
     BumpPoint point = plane();
     point.parameters.along_v = {1, 1, 0}; // v = y, and u = (x - y) / 2
     expect_direction(bumped(point, ramp(PatternSpace::Uv, {1, 0, 0}), 0.5f), {-0.25f, 0.25f, 1});
@@ -74,7 +74,7 @@ TEST(Relief, UAndVMayHaveAnyAngle) {
     expect_direction(bumped(point, ramp(PatternSpace::Uv, {0, 1, 0}), 0.5f), {0, -0.25f, 1});
 }
 
-TEST(Relief, NormalMapsSpeakOfUVAndTheNormal) {
+TEST(BumpMapping, NormalMapsSpeakOfUVAndTheNormal) {
     expect_direction(mapped(plane(), {0.5f, 0.5f, 1}), up, 1e-6f);
     expect_direction(mapped(plane(), {0.8f, 0.5f, 0.9f}), {0.6f, 0, 0.8f}, 1e-6f);
     expect_direction(mapped(plane(), {0.5f, 0.8f, 0.9f}), {0, 0.6f, 0.8f}, 1e-6f);
@@ -85,7 +85,7 @@ TEST(Relief, NormalMapsSpeakOfUVAndTheNormal) {
     expect_direction(mapped(point, {0.5f, 0.8f, 0.9f}), up, 1e-6f);
 }
 
-TEST(Relief, NormalsStayInFront) {
+TEST(BumpMapping, NormalsStayInFront) {
     for (const Color color : {Color{1, 0.5f, 0.5f}, Color{0, 0, 0}, Color{0.5f, 0.5f, 0.5f}, Color{1e18f, 0, 0}}) {
         const Vec3 normal = mapped(plane(), color);
         EXPECT_NEAR(length(normal), 1, 1e-4f);
@@ -104,7 +104,7 @@ void expect_consistent(const Kind &shape, Vec3 point, Vec3 moved, Point2f weight
     EXPECT_LT(length(predicted - way), 0.01f * length(way) + 2e-6f);
 }
 
-TEST(Relief, ShapesTellHowPointsMoveWithUAndV) {
+TEST(BumpMapping, ShapesTellHowPointsMoveWithUAndV) {
     const Sphere sphere{{1, 2, 3}, 2};
     const Vec3 from_center = normalized({0.3f, 0.5f, -0.7f});
     for (const Vec3 step : {Vec3{0.01f, 0, 0}, Vec3{0, 0.01f, 0}, Vec3{0, 0, 0.01f}})
@@ -124,7 +124,7 @@ TEST(Relief, ShapesTellHowPointsMoveWithUAndV) {
     }
 }
 
-TEST(Relief, RoundShapesTellItToo) {
+TEST(BumpMapping, RoundShapesTellItToo) {
     Report report;
     const List list;
     constexpr float little = 1e-3f;
@@ -149,7 +149,7 @@ TEST(Relief, RoundShapesTellItToo) {
     }
 }
 
-TEST(Relief, APatternsIdIsWanted) {
+TEST(BumpMapping, APatternsIdIsWanted) {
     scripted::Scene scene;
     List interface;
     scene.NewInterface("diffuse", interface);

@@ -6,6 +6,7 @@ namespace {
 
 using scripted::List;
 using scripted::Scene;
+using vantor::HenyeyGreenstein;
 using vantor::Medium;
 using vantor::MediumStack;
 using vantor::Point2f;
@@ -19,15 +20,15 @@ template <class Work> void for_each_pair(Work work) {
             work(Point2f{(static_cast<float>(i) + 0.5f) / side, (static_cast<float>(j) + 0.5f) / side});
 }
 
-TEST(Medium, PhaseIsADensityWithTheMeanCosineG) {
+TEST(PhaseFunction, IsAPdfWithTheMeanCosineG) {
     for (const float g : {-0.7f, 0.0f, 0.3f, 0.9f}) {
-        const Medium medium{{}, {1, 1, 1}, g};
+        const HenyeyGreenstein phase{g};
         double sum = 0;
         double mean = 0;
         constexpr int steps = 20000; // the midpoint rule over the cosine
         for (int i = 0; i < steps; ++i) {
             const double cosine = -1 + 2 * (i + 0.5) / steps;
-            const double pdf = 2 * M_PI * medium.phase(static_cast<float>(cosine)) * 2 / steps;
+            const double pdf = 2 * M_PI * phase.evaluate(static_cast<float>(cosine)) * 2 / steps;
             sum += pdf;
             mean += pdf * cosine;
         }
@@ -36,14 +37,14 @@ TEST(Medium, PhaseIsADensityWithTheMeanCosineG) {
     }
 }
 
-TEST(Medium, DirectionsFollowThePhase) {
+TEST(PhaseFunction, SamplesFollowIt) {
     const Vec3 before = vantor::normalized({0.3f, -0.5f, 0.2f});
     for (const float g : {-0.7f, 0.0f, 0.5f, 0.9f}) {
-        const Medium medium{{}, {1, 1, 1}, g};
+        const HenyeyGreenstein phase{g};
         constexpr int bins = 16; // of equal steps of the cosine
         std::array<double, bins> found{};
         for_each_pair([&](Point2f numbers) {
-            const float cosine = dot(before, medium.sample_direction(before, numbers));
+            const float cosine = dot(before, phase.sample(before, numbers));
             found[static_cast<std::size_t>(std::min(bins - 1, static_cast<int>((cosine + 1) / 2 * bins)))] += 1;
         });
         for (std::size_t bin = 0; bin < bins; ++bin) {
@@ -51,7 +52,7 @@ TEST(Medium, DirectionsFollowThePhase) {
             constexpr int steps = 2000;
             for (int i = 0; i < steps; ++i) {
                 const double cosine = -1 + 2.0 / bins * (static_cast<double>(bin) + (i + 0.5) / steps);
-                wanted += 2 * M_PI * medium.phase(static_cast<float>(cosine)) * 2 / bins / steps;
+                wanted += 2 * M_PI * phase.evaluate(static_cast<float>(cosine)) * 2 / bins / steps;
             }
             // The grid has 512 steps in the number that says the cosine: a bin is right to one of them at each end.
             EXPECT_NEAR(found[bin] / (side * side), wanted, 2.0 / side) << g << ", bin " << bin;
@@ -60,7 +61,7 @@ TEST(Medium, DirectionsFollowThePhase) {
 }
 
 TEST(Medium, FlightsBringTheTransmittanceAndTheScatteredFraction) {
-    const Medium medium{{0.1f, 0.5f, 0.0f}, {0.7f, 0.2f, 0.0f}, 0};
+    const Medium medium{{0.1f, 0.5f, 0.0f}, {0.7f, 0.2f, 0.0f}};
     constexpr float distance = 1.5f;
     vantor::Color through;
     vantor::Color scattered;

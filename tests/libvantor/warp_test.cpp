@@ -100,18 +100,17 @@ TEST(Warp, SineAndCosineAreRight) {
     }
 }
 
-TEST(Bsdf, DensityIntegratesToOneAndEnergyIsTheReflectance) {
+TEST(Bsdf, PdfIntegratesToOneAndEnergyIsTheReflectance) {
     // The midpoint rule over the cosine, around the normal: 2 pi f(cosine) d(cosine).
-    const vantor::Diffuse reflection{{0.2f, 0.5f, 0.9f}};
-    const vantor::Vec3 out{0, 0, 1};
+    const vantor::DiffuseBsdf reflection({{0.2f, 0.5f, 0.9f}}, {0, 0, 1});
     double pdf = 0;
     double reflected = 0;
     constexpr int steps = 1000;
     for (int i = 0; i < steps; ++i) {
         const float cosine = (static_cast<float>(i) + 0.5f) / steps;
-        const vantor::Vec3 in{std::sqrt(1 - cosine * cosine), 0, cosine};
-        pdf += 2 * M_PI * reflection.evaluate(out, in).pdf / steps;
-        reflected += 2 * M_PI * reflection.evaluate(out, in).value.g * cosine / steps;
+        const vantor::Vec3 wi{std::sqrt(1 - cosine * cosine), 0, cosine};
+        pdf += 2 * M_PI * reflection.evaluate(wi).pdf / steps;
+        reflected += 2 * M_PI * reflection.evaluate(wi).value.g * cosine / steps;
     }
     EXPECT_NEAR(pdf, 1, 1e-6);
     EXPECT_NEAR(reflected, 0.5, 1e-6);
