@@ -217,7 +217,7 @@ TEST(Curves, BadInputIsOneLineEach) {
     EXPECT_EQ(refused(points, "basis", VtBezierBasis()),
               head + "item 1: parameter \"points\" leaves out curve 0 (with the step 3, 4, 7, 10 "
                      "... points come out even)\n");
-    EXPECT_EQ(accepted(points, "kind", "wire"), head + "item 3: parameter \"kind\" is \"wire\", which is no known word "
+    EXPECT_EQ(accepted(points, "kind", "wire"), head + "item 3: parameter \"kind\": unknown word \"wire\" "
                                                        "(known: \"ribbon\", \"tube\")\n");
 }
 

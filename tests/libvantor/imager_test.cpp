@@ -458,14 +458,14 @@ TEST(Imager, ExposureAndDisplayAreForTheColour) {
     EXPECT_EQ(scripted::errors_of([&] { imager(scene, "a.png", "what", "normal", "display", "filmic"); }),
               "vantor: newImager \"file\": item 5: parameter \"display\" has an effect on \"color\" only\n");
     EXPECT_EQ(scripted::errors_of([&] { imager(scene, "a.png", "what", "colour"); }),
-              "vantor: newImager \"file\": item 3: parameter \"what\" is \"colour\", which is no known word (did you "
+              "vantor: newImager \"file\": item 3: parameter \"what\": unknown word \"colour\" (did you "
               "mean \"color\"?)\n");
-    EXPECT_EQ(scripted::errors_of([&] { settings(scene, "max_depth", 0); }),
-              "vantor: newImager \"settings\": item 1: parameter \"max_depth\" is 0, which is out of range (1 to "
-              "1000)\n");
+    EXPECT_EQ(
+        scripted::errors_of([&] { settings(scene, "max_depth", 0); }),
+        "vantor: newImager \"settings\": item 1: parameter \"max_depth\" is out of range: expected 1 to 1000, got 0\n");
     EXPECT_EQ(scripted::errors_of([&] { settings(scene, "seed", -1); }),
-              "vantor: newImager \"settings\": item 1: parameter \"seed\" is -1, which is out of range (0 to "
-              "2147483647)\n");
+              "vantor: newImager \"settings\": item 1: parameter \"seed\" is out of range: expected 0 to 2147483647, "
+              "got -1\n");
 }
 
 } // namespace

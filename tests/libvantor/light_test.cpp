@@ -528,7 +528,7 @@ TEST(Lights, MistakesAreReported) {
               "vantor: newLight \"spot\": item 3: parameter \"direction\" has no effect beside \"target\"\n");
     EXPECT_EQ(errors("spot", "position", VtVector3(1e9, 0, 0)), "");
     EXPECT_EQ(errors("sky", "turbidity", 1.5),
-              "vantor: newLight \"sky\": item 1: parameter \"turbidity\" is 1.5, which is out of range (2 to 10)\n");
+              "vantor: newLight \"sky\": item 1: parameter \"turbidity\" is out of range: expected 2 to 10, got 1.5\n");
     const std::string below = "vantor: newLight \"sky\": item 1: parameter \"sun_direction\" is below the horizon (the "
                               "sky is that of sunset, without the sun)\n";
     EXPECT_EQ(errors("sky", "sun_direction", VtVector3(1, -0.1, 0)), below);

@@ -278,8 +278,8 @@ TEST(Media, RibbonsHaveNoInside) {
 TEST(Media, WrongParametersAreReported) {
     Scene scene;
     EXPECT_EQ(scripted::errors_of([&] { new_interior(scene, "g", 1.0); }),
-              "vantor: newInterior \"homogeneous\": item 1: parameter \"g\" is 1, which is out of range (-0.99 to "
-              "0.99)\n");
+              "vantor: newInterior \"homogeneous\": item 1: parameter \"g\" is out of range: expected -0.99 to 0.99, "
+              "got 1\n");
     EXPECT_EQ(scripted::errors_of([&] { new_interior(scene, "albedo", 0.5); }),
               "vantor: newInterior \"homogeneous\": item 1: parameter \"albedo\" has no effect without \"sigma_t\"\n");
 }

@@ -237,8 +237,8 @@ TEST(Subdivision, BadInputIsOneLineEach) {
     };
     EXPECT_EQ(refused({0, 1, 2}),
               head +
-                  "item 3: parameter \"indices\" has 3 elements (expected without \"counts\" all faces are "
-                  "quads: four for each)" +
+                  "item 3: parameter \"indices\" has 3 elements (expected four for each face, as all are quads without "
+                  "\"counts\")" +
                   unseen);
     EXPECT_EQ(refused(cube_indices, "counts", few),
               head +
@@ -254,11 +254,11 @@ TEST(Subdivision, BadInputIsOneLineEach) {
         head +
             "item 3: parameter \"indices\" leaves out 2 faces, the first of them 1 (expected indices from 0 to 7)\n");
     EXPECT_EQ(accepted({0, 1, 2, 3, 4, 5, 5, 6}),
-              head + "item 3: parameter \"indices\" leaves out face 1 (expected corners in a row that "
-                     "differ)\n");
+              head + "item 3: parameter \"indices\" leaves out face 1 (expected corners that differ from "
+                     "the next one)\n");
     EXPECT_EQ(refused({0, 1, 2, 0}),
-              head + "item 3: parameter \"indices\" leaves out face 0 (expected corners in a row that "
-                     "differ)\n");
+              head + "item 3: parameter \"indices\" leaves out face 0 (expected corners that differ from "
+                     "the next one)\n");
     EXPECT_EQ(accepted(cube_indices, "crease_edges", odd),
               head + "item 5: parameter \"crease_edges\" has an odd number of indices (expected two for each edge); it "
                      "is left out\n");

@@ -165,8 +165,8 @@ class EmbeddedRendererTest(unittest.TestCase):
             [
                 'vantor: newCamera "perspective": item 2: unknown parameter "tarqet" '
                 '(did you mean "target"?)',
-                'vantor: newLight "point": item 1: parameter "intensity" is a text '
-                "(expected colour (vector3 or number))",
+                'vantor: newLight "point": item 1: parameter "intensity" expects '
+                "a colour (vector3 or number), got a string",
                 'vantor: newObject "spere": unknown type (did you mean "sphere"?)',
             ],
         )
