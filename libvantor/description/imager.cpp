@@ -11,16 +11,6 @@ Display display_of(std::string_view word) {
     return word == "linear" ? Display::Linear : word == "filmic" ? Display::Filmic : Display::Srgb;
 }
 
-Aov aov_of(std::string_view word) {
-    constexpr std::pair<std::string_view, Aov> known[] = {{"albedo", Aov::Albedo},      {"normal", Aov::Normal},
-                                                          {"depth", Aov::Depth},        {"position", Aov::Position},
-                                                          {"object_id", Aov::ObjectId}, {"variance", Aov::Variance}};
-    for (const auto &[name, what] : known)
-        if (name == word)
-            return what;
-    return Aov::Color;
-}
-
 // The widths are those at which the filters look about equally sharp.
 Filter filter_of(const Parameters &parameters) {
     const std::string_view word = parameters.choice("filter");
@@ -45,7 +35,7 @@ std::optional<FileImager> make_file_imager(const Parameters &parameters, const C
             report);
         return {};
     }
-    const Aov aov = aov_of(parameters.choice("what"));
+    const Aov aov = aov_named(parameters.choice("what"));
     for (const std::string_view name : {"exposure", "display"})
         if (aov != Aov::Color && parameters.is_given(name))
             parameters.complain(name, R"(has an effect on "color" only)", report);

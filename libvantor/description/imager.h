@@ -1,6 +1,7 @@
 // Imager: where a picture goes, what it shows, and how it is made.
 #pragma once
 
+#include "libvantor/base/aov.h"
 #include "libvantor/images/files.h"
 #include "libvantor/parameters/reader.h"
 
@@ -10,18 +11,6 @@
 #include <variant>
 
 namespace vantor {
-
-/// What a picture shows of each pixel. All but the object and the variance are filtered like the colour.
-enum class Aov {
-    Color,    ///< The radiance that arrives.
-    Albedo,   ///< The colour of the surface.
-    Normal,   ///< The shading normal in the world, on the side that is seen.
-    Depth,    ///< How far the surface is from where the ray starts.
-    Position, ///< Of the surface in the world.
-    ObjectId, ///< Of the first sample.
-    Variance, ///< Of the colour: how far off its mean over the samples is likely to be, squared.
-};
-inline constexpr std::size_t aov_count = 7;
 
 /// How samples are spread around the middle of a pixel.
 struct Filter {

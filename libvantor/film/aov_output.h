@@ -1,13 +1,13 @@
-// AOV output: from what a pass has made to the files of its imagers.
+// AOV output: from a frame to the files of its imagers.
 #pragma once
 
 #include "libvantor/description/imager.h"
-#include "libvantor/images/picture.h"
+#include "libvantor/film/frame_buffer.h"
 
 namespace vantor {
 
-/// Writes a picture of what the imager shows; in 8 bits so that it can be looked at. Returns what went wrong; empty if
-/// nothing did.
-std::string write_file(const FileImager &imager, const Picture &picture, const std::string &comment);
+/// Writes what the imager shows of the frame, which has to hold that; in 8 bits so that it can be looked at. Returns
+/// what went wrong; empty if nothing did.
+std::string write_file(const FileImager &imager, const FrameBuffer &frame, const std::string &comment);
 
 } // namespace vantor

@@ -35,7 +35,7 @@ FilterSampler::FilterSampler(const Filter &filter) : kind(filter.kind), radius(0
         before = here;
     }
     for (std::size_t i = 0; i <= cells; ++i)
-        shares[i] = static_cast<float>(sums[i] / sums[cells]);
+        cdf[i] = static_cast<float>(sums[i] / sums[cells]);
 }
 
 float FilterSampler::offset(float number) const {
@@ -50,12 +50,12 @@ float FilterSampler::offset(float number) const {
 }
 
 float FilterSampler::from_table(float number) const {
-    const auto above = std::upper_bound(shares.begin() + 1, shares.end() - 1, number);
-    const auto cell = static_cast<std::size_t>(above - shares.begin()) - 1;
-    const float share = std::max(shares[cell + 1] - shares[cell], std::numeric_limits<float>::min());
-    const float rest = std::clamp((number - shares[cell]) / share, 0.0f, 1.0f);
-    // The integral of a straight line from a to b, a t + (b - a) t^2 / 2, is to be that part of (a + b) / 2: solved for
-    // t in the form that stays exact where a and b are nearly the same.
+    const auto above = std::upper_bound(cdf.begin() + 1, cdf.end() - 1, number);
+    const auto cell = static_cast<std::size_t>(above - cdf.begin()) - 1;
+    const float of_cell = std::max(cdf[cell + 1] - cdf[cell], std::numeric_limits<float>::min());
+    const float rest = std::clamp((number - cdf[cell]) / of_cell, 0.0f, 1.0f);
+    // The integral of a straight line from a to b, a t + (b - a) t^2 / 2, is `rest` of (a + b) / 2: solved for t in the
+    // form that stays exact where a and b are nearly the same.
     const float a = heights[cell];
     const float b = heights[cell + 1];
     const float divisor = a + std::sqrt(a * a + rest * (b * b - a * a));

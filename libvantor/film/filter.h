@@ -8,9 +8,9 @@
 
 namespace vantor {
 
-/// Draws places under a filter, which is the product of the same curve across and down. All samples then count alike,
-/// so that a pixel depends on nothing but its own, in whatever window and order pixels are made (Ernst, Stamminger,
-/// Greiner, "Filter Importance Sampling", 2006).
+/// Draws positions under a filter, which is the product of the same curve across and down. All samples then count
+/// alike, so that a pixel depends on nothing but its own, in whatever window and order pixels are made (Ernst,
+/// Stamminger, Greiner, "Filter Importance Sampling", 2006).
 ///
 /// Over x = -1 to 1 from edge to edge, the curves are: the tent 1 - |x|; the box 1; the Gaussian with a standard
 /// deviation of 1/3; and the 4-term window of Blackman and Harris (Harris, "On the Use of Windows for Harmonic Analysis
@@ -36,10 +36,10 @@ class FilterSampler {
     Filter::Kind kind;
     float radius;
     // Of a curve that has no inverse in closed form: its values at equal steps, between which it is straight, and its
-    // integral up to there, as a share of the whole.
+    // integral up to there, as a fraction of the whole.
     static constexpr std::size_t cells = 256;
     std::array<float, cells + 1> heights{};
-    std::array<float, cells + 1> shares{};
+    std::array<float, cells + 1> cdf{};
 };
 
 } // namespace vantor

@@ -1,13 +1,11 @@
-// Path: the light that arrives along rays.
+// Path: one random path of light, followed from the camera on.
 #pragma once
 
-#include "libvantor/film/aov_sample.h"
-#include "libvantor/integrators/irradiance_lookup.h"
+#include "libvantor/film/aov_table.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {
 
-/// One random path, from the camera on.
 struct Path {
     Ray ray;                   ///< From its latest vertex; at first from the camera.
     const Sampler sampler;     ///< Every random number of the path.
@@ -23,25 +21,5 @@ struct Path {
     bool finds_only_lights = false; ///< Its ray is the last, and counts only for the light that it may find.
     int diffuse_surfaces = 0;       ///< How many it has met.
 };
-
-/// Takes the paths to their ends: each path's radiance is then an estimate of the radiance that arrives along its first
-/// ray, unbiased but for the clamp of the settings. The paths use dimensions of their samplers from first_dimension on.
-///
-/// Paths of one call advance together, bounce by bounce, because several rays are traced at once much faster than one
-/// by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.
-///
-/// With a lookup, paths end where they are told their indirect light.
-void trace_paths(std::span<Path> paths, const World &world, const Settings &settings, std::uint32_t first_dimension,
-                 const IrradianceLookup &indirect = {});
-
-/// Multiple importance sampling: the weight of a sample drawn with one pdf where another could have drawn it too.
-/// The power heuristic with exponent 2, Veach 9.2.4. Squares of pdfs may overflow, which a ratio survives. What
-/// is drawn with pdf 0 is left to the other.
-inline float power_heuristic(float pdf, float other_pdf) {
-    if (!(pdf > 0))
-        return 0;
-    const float ratio = other_pdf / pdf;
-    return 1 / (1 + ratio * ratio);
-}
 
 } // namespace vantor

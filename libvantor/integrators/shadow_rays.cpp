@@ -8,22 +8,23 @@ namespace vantor {
 namespace {
 
 // Behind opaque surfaces there is no light, and before them no other medium: the question is whether there is one.
-void transmit_in_one_step(const ShadowRays &ways, const World &world, std::vector<Color> &fractions) {
-    std::vector<char> are_occluded(ways.size());
-    world.tracer.occluded(ways.segments, are_occluded);
-    for (std::size_t i = 0; i < ways.size(); ++i) {
+void transmit_in_one_step(const ShadowRays &shadow_rays, const World &world, std::vector<Color> &fractions) {
+    std::vector<char> are_occluded(shadow_rays.size());
+    world.tracer.occluded(shadow_rays.segments, are_occluded);
+    for (std::size_t i = 0; i < shadow_rays.size(); ++i) {
         if (are_occluded[i]) {
             fractions[i] = {};
-        } else if (ways.media[i].innermost() != MediumStack::none) {
-            const Segment &way = ways.segments[i];
-            fractions[i] = world.media_of(ways.media[i]).transmittance(way.reach * length(way.direction));
+        } else if (shadow_rays.media[i].innermost() != MediumStack::none) {
+            const Segment &segment = shadow_rays.segments[i];
+            fractions[i] =
+                world.media_of(shadow_rays.media[i]).transmittance(segment.reach * length(segment.direction));
         }
     }
 }
 
-// A way that is being gone, surface by surface.
+// A shadow ray that is followed from surface to surface.
 struct Walk {
-    std::size_t way;
+    std::size_t shadow_ray;
     Ray ray;
     float left; // of the distance
     MediumStack media;
@@ -47,21 +48,22 @@ bool go_on(Walk &walk, const Hit &hit, const World &world, Color &fraction) {
 
 } // namespace
 
-void transmit(const ShadowRays &ways, const World &world, std::vector<Color> &fractions) {
-    fractions.assign(ways.size(), {1, 1, 1});
+void transmit(const ShadowRays &shadow_rays, const World &world, std::vector<Color> &fractions) {
+    fractions.assign(shadow_rays.size(), {1, 1, 1});
     if (world.is_opaque) {
-        transmit_in_one_step(ways, world, fractions);
+        transmit_in_one_step(shadow_rays, world, fractions);
         return;
     }
 
     std::vector<Walk> walks;
-    walks.reserve(ways.size());
-    for (std::size_t i = 0; i < ways.size(); ++i) {
-        const Segment &segment = ways.segments[i];
+    walks.reserve(shadow_rays.size());
+    for (std::size_t i = 0; i < shadow_rays.size(); ++i) {
+        const Segment &segment = shadow_rays.segments[i];
         const float stretch = length(segment.direction);
         if (!(stretch >= std::numeric_limits<float>::min())) // a light that touches the point
             continue;
-        walks.push_back({i, {segment.from, segment.direction * (1 / stretch)}, segment.reach * stretch, ways.media[i]});
+        walks.push_back(
+            {i, {segment.from, segment.direction * (1 / stretch)}, segment.reach * stretch, shadow_rays.media[i]});
     }
     // More surfaces than this one behind the other are as good as opaque.
     constexpr int most_surfaces = 1000;
@@ -73,12 +75,12 @@ void transmit(const ShadowRays &ways, const World &world, std::vector<Color> &fr
         world.tracer.intersect(std::span(rays).first(walks.size()), false, hits);
         std::size_t still_going = 0;
         for (std::size_t i = 0; i < walks.size(); ++i)
-            if (go_on(walks[i], hits[i], world, fractions[walks[i].way]))
+            if (go_on(walks[i], hits[i], world, fractions[walks[i].shadow_ray]))
                 walks[still_going++] = walks[i];
         walks.resize(still_going);
         if (step == most_surfaces) {
             for (const Walk &walk : walks)
-                fractions[walk.way] = {};
+                fractions[walk.shadow_ray] = {};
             return;
         }
     }

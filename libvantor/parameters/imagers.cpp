@@ -1,4 +1,5 @@
 // Imagers: their types and parameters.
+#include "libvantor/base/aov.h"
 #include "libvantor/parameters/ranges.h"
 #include "libvantor/parameters/tables.h"
 
@@ -10,7 +11,6 @@ namespace {
 
 constexpr std::string_view displays[] = {"srgb", "linear", "filmic"};
 constexpr std::string_view filters[] = {"tent", "box", "gaussian", "blackman_harris"};
-constexpr std::string_view whats[] = {"color", "albedo", "normal", "depth", "position", "object_id", "variance"};
 
 constexpr Range seeds{.low = 0.0, .high = 2147483647.0, .text = "0 to 2147483647"};
 constexpr Range bounces{.low = 1.0, .high = 1000.0, .text = "1 to 1000"};
@@ -19,7 +19,7 @@ constexpr Range filter_widths{.low = 0.01, .high = 64.0, .text = "0.01 to 64"};
 constexpr Parameter file_parameters[] = {
     {"name", ValueKind::Text, any, Presence::Required, none, "",
      "the picture's path; it ends in .png, .jpg, .jpeg, .tif, .tiff or .exr"},
-    {"what", ValueKind::Choice, any, Presence::Default, none, "", "what the picture shows of each pixel", whats},
+    {"what", ValueKind::Choice, any, Presence::Default, none, "", "what the picture shows of each pixel", aov_names},
     {"exposure", ValueKind::Number, stops, Presence::Default, value(0), "stops",
      "the colour is multiplied by 2^exposure"},
     {"display", ValueKind::Choice, any, Presence::Default, none, "",

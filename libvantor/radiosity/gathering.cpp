@@ -1,15 +1,12 @@
 // Gathering: what the patches of a scene see, and the light that reaches them straight from lights.
 #include "libvantor/radiosity/gathering.h"
 
-#include "libvantor/integrators/path.h"
-#include "libvantor/integrators/shadow_rays.h"
+#include "libvantor/integrators/direct_light.h"
 #include "libvantor/world/surface.h"
 
 namespace vantor {
 
 namespace {
-
-enum Dimension : std::uint32_t { point_on_patch, direction, light_point, light_choice, first_of_path };
 
 // A side's direct light is only seen by others, each of which sees many sides: it needs no more.
 constexpr int light_samples = 16;
@@ -92,7 +89,7 @@ void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
     row.rays += static_cast<int>(rays.size());
     if (paths.empty())
         return;
-    trace_paths(paths, world, Settings(), first_of_path);
+    integrator.trace(paths);
     for (const Path &path : paths)
         if (is_finite(path.radiance))
             row.followed += path.radiance * pi;
@@ -100,23 +97,20 @@ void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
 
 SideLight Gathering::light_of(std::uint32_t side) const {
     SideLight result;
-    std::vector<Color> gains;
-    ShadowRays ways;
+    DirectLight direct_light(world);
     std::vector<Path> paths;
     const std::vector<Departure> starts = departures(side, 0, light_samples, light_samples);
     const MediumStack media = media_around(starts.front());
     for (const Departure &departure : starts) {
         result.reflectance += Surface(departure.from, -departure.normal, world).albedo();
 
-        const double choice = world.lights.has_choice() ? departure.sampler.get_1d(light_choice) : 0.0;
+        const double choice = direct_light.choice(departure.sampler, light_choice);
         LightSample light;
-        if (world.lights.sample(departure.from.point, choice, departure.sampler.get_2d(light_point), light)) {
+        if (direct_light.sample(departure.from.point, choice, departure.sampler.get_2d(light_point), light)) {
             const float cosine = dot(departure.normal, light.to_light);
-            if (cosine > 0 && ways.add(departure.ray.origin, media, light)) {
-                const float share =
-                    light.has_extent ? power_heuristic(light.pdf, warp::cosine_hemisphere_pdf(cosine)) : 1.0f;
-                gains.push_back(light.contribution * (cosine * share));
-            }
+            const float mis_weight = DirectLight::mis_weight(light, warp::cosine_hemisphere_pdf(cosine));
+            if (cosine > 0)
+                direct_light.add(side, departure.ray.origin, media, light, light.contribution * (cosine * mis_weight));
         }
 
         Path path{departure.ray, departure.sampler, media};
@@ -126,11 +120,8 @@ SideLight Gathering::light_of(std::uint32_t side) const {
         path.finds_only_lights = true;
         paths.push_back(path);
     }
-    std::vector<Color> arriving;
-    transmit(ways, world, arriving);
-    for (std::size_t i = 0; i < gains.size(); ++i)
-        result.direct += gains[i] * arriving[i];
-    trace_paths(paths, world, Settings(), first_of_path);
+    direct_light.trace_shadow_rays([&](std::uint32_t, Color irradiance) { result.direct += irradiance; });
+    integrator.trace(paths);
     for (const Path &path : paths)
         if (is_finite(path.radiance))
             result.direct += path.radiance * pi;

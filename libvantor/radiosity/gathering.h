@@ -1,8 +1,8 @@
 // Gathering: what the patches of a scene see, and the light that reaches them straight from lights.
 #pragma once
 
+#include "libvantor/integrators/path_integrator.h"
 #include "libvantor/radiosity/patches.h"
-#include "libvantor/world/world.h"
 
 namespace vantor {
 
@@ -27,7 +27,8 @@ struct SideLight {
 class Gathering {
   public:
     /// A multiple of 32 rays from each side. The world and the patches have to outlive it.
-    Gathering(const World &of, const Patches &from, int rays) : world(of), patches(from), ray_count(rays) {}
+    Gathering(const World &of, const Patches &from, int rays)
+        : world(of), patches(from), ray_count(rays), integrator(of, Settings(), first_path_dimension) {}
 
     int rays() const { return ray_count; }
 
@@ -42,6 +43,9 @@ class Gathering {
   private:
     struct Departure;
 
+    // The dimensions of a sample: it takes the first itself, the path that may follow takes the rest.
+    enum Dimension : std::uint32_t { point_on_patch, direction, light_point, light_choice, first_path_dimension };
+
     // Of the samples from first on, and not from end on.
     std::vector<Departure> departures(std::uint32_t side, int first, int end, int samples) const;
     MediumStack media_around(const Departure &departure) const;
@@ -49,6 +53,7 @@ class Gathering {
     const World &world;
     const Patches &patches;
     int ray_count;
+    PathIntegrator integrator;
 };
 
 } // namespace vantor

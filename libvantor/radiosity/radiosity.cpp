@@ -120,13 +120,13 @@ Radiosity::Radiosity(VtLong patches)
     : asked_for(patches), budget(static_cast<std::size_t>(std::clamp<VtLong>(patches, 1, most_patches))) {}
 
 void Radiosity::pass(const Registry &registry, WorldCache &worlds, Report &report) {
+    const Interrupt interrupt; // listens from the first check on
     light.reset();
     const CallReport call(report, "radiosity");
     registry.report_open_blocks(call);
     if (asked_for != static_cast<VtLong>(budget))
         call.diagnostic(joined({"the scene was made for ", std::to_string(asked_for), " patches (expected 1 to ",
                                 std::to_string(most_patches), "); ", std::to_string(budget), " counts"}));
-    const Interrupt interrupt;
     try {
         solve(registry, worlds.current(registry, interrupt), report, interrupt);
     } catch (const Interrupted &) {

@@ -10,6 +10,7 @@
 namespace {
 
 using vantor::Aov;
+using vantor::AovSample;
 using vantor::Color;
 using vantor::Filter;
 using vantor::FilterSampler;
@@ -56,16 +57,24 @@ TEST(Film, VarianceIsThatOfTheMean) {
     EXPECT_EQ(film.value(Aov::Variance).b, 0);
 }
 
-TEST(Film, FeaturesAreMeansOverWhatIsHit) {
+AovSample seen(Color albedo, Color normal, Color position, float depth, float object) {
+    AovSample sample;
+    sample.is_hit = true;
+    const auto set = [&](Aov aov, Color value) { sample.values[index_of(aov)] = value; };
+    set(Aov::Albedo, albedo);
+    set(Aov::Normal, normal);
+    set(Aov::Position, position);
+    set(Aov::Depth, {depth, depth, depth});
+    set(Aov::ObjectId, {object, object, object});
+    return sample;
+}
+
+TEST(Film, AovsAreReducedAsTheirRowsSay) {
     PixelFilm film;
-    film.add({});
-    film.add_aovs({{}, true, {0.5f, 0.25f, 1}, {0, 0, 1}, {1, 2, 3}, 10, 7});
-    film.add({});
-    film.add_aovs({{}, true, {0.5f, 0.75f, 0}, {1, 0, 0}, {3, 2, 1}, 20, 8});
-    for (int i = 0; i < 2; ++i) {
-        film.add({});
-        film.add_aovs({});
-    }
+    film.add({}, seen({0.5f, 0.25f, 1}, {0, 0, 1}, {1, 2, 3}, 10, 7));
+    film.add({}, seen({0.5f, 0.75f, 0}, {1, 0, 0}, {3, 2, 1}, 20, 8));
+    for (int i = 0; i < 2; ++i)
+        film.add({}, AovSample());
     const Color albedo = film.value(Aov::Albedo);
     EXPECT_FLOAT_EQ(albedo.r, 0.25f);
     EXPECT_FLOAT_EQ(albedo.g, 0.25f);
@@ -77,10 +86,17 @@ TEST(Film, FeaturesAreMeansOverWhatIsHit) {
     EXPECT_EQ(film.value(Aov::ObjectId).r, 7);
 }
 
-TEST(Film, PixelThatHitsNothingHasFeaturesOfZero) {
+TEST(Film, ObjectOfAFirstSampleThatHitsNothingIsNone) {
     PixelFilm film;
-    film.add({1, 1, 1});
-    film.add_aovs({});
+    film.add({}, AovSample());
+    film.add({}, seen({}, {0, 0, 1}, {}, 1, 8));
+    EXPECT_EQ(film.value(Aov::ObjectId).r, 0);
+    EXPECT_FLOAT_EQ(film.value(Aov::Depth).r, 1);
+}
+
+TEST(Film, PixelThatHitsNothingHasAovsOfZero) {
+    PixelFilm film;
+    film.add({1, 1, 1}, AovSample());
     for (const Aov aov : {Aov::Albedo, Aov::Normal, Aov::Depth, Aov::Position, Aov::ObjectId}) {
         EXPECT_EQ(film.value(aov).r, 0);
         EXPECT_EQ(film.value(aov).g, 0);
@@ -95,9 +111,9 @@ TEST(Filters, TheDefaultIsATentOfTwoPixels) {
     const FilterSampler sampler{Filter()};
     for (const float number : {0.0f, 0.1f, 0.25f, 0.5f, 0.9f})
         EXPECT_EQ(sampler.offset(number), vantor::warp::tent(number));
-    const vantor::Point2f place = sampler.position(3, 7, {0.5f, 0.125f});
-    EXPECT_EQ(place.u, 3.5f);
-    EXPECT_EQ(place.v, 7.0f);
+    const vantor::Point2f position = sampler.position(3, 7, {0.5f, 0.125f});
+    EXPECT_EQ(position.u, 3.5f);
+    EXPECT_EQ(position.v, 7.0f);
 }
 
 TEST(Filters, OffsetsGrowFromEdgeToEdgeAndAreSymmetric) {
@@ -125,7 +141,7 @@ TEST(Filters, OffsetsAreSpreadLikeTheCurve) {
     constexpr int count = 1 << 18;
     constexpr float width = 2.5f;
     for (const Filter::Kind kind : kinds) {
-        // The share of each bin, by Simpson's rule; together 1.
+        // The fraction of each bin, by Simpson's rule; together 1.
         std::array<double, bins> expected{};
         double all = 0;
         for (int i = 0; i < bins; ++i) {

@@ -1,5 +1,6 @@
 // Radiosity: form factors and balances that are known in closed form, and pictures made with the pass's result.
 #include "libvantor/radiosity/radiosity.h"
+#include "tests/libvantor/interrupted_report.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <chrono>
@@ -346,6 +347,14 @@ TEST(Radiosity, InterruptStopsTheSpreadingOfLight) {
         const vantor::Interrupt interrupt;
         patches.at_vertices(light, interrupt);
     });
+}
+
+TEST(Radiosity, InterruptIsHeardFromTheFirstDiagnosticOn) {
+    Scene scene(-1);
+    describe_room(scene, false);
+    const std::string errors = scripted::errors_when_interrupted_at_first_diagnostic([&] { scene.Radiosity(); });
+    EXPECT_TRUE(errors.starts_with("vantor: radiosity: the scene was made for -1 patches")) << errors;
+    EXPECT_TRUE(errors.ends_with("vantor: radiosity: interrupted; nothing is kept\n")) << errors;
 }
 
 TEST(Radiosity, InterruptedNothingIsKept) {

@@ -1,4 +1,5 @@
 // Render passes: windows, threads, interrupts, several scenes.
+#include "tests/libvantor/interrupted_report.h"
 #include "tests/libvantor/picture_readers.h"
 #include "tests/libvantor/scripted_scene.h"
 
@@ -211,6 +212,23 @@ TEST(Render, InterruptKeepsWhatIsFinished) {
     EXPECT_EQ(finished * 100 / (800 * 800), percent);
     const Pixels one = scene.render(800, 800, 256, x / 800.0, y / 800.0, (x + 1) / 800.0, (y + 1) / 800.0);
     EXPECT_EQ(one.at(x, y), pixels.at(x, y));
+}
+
+TEST(Render, InterruptIsHeardWhileImagersAreChecked) {
+    Scene scene;
+    build(scene);
+    const std::string path = scripted::path_of("early.exr");
+    const auto imager = [&](const std::string &name) {
+        scripted::List list("name", name);
+        return scene.NewImager("file", list);
+    };
+    scene.ImagerBegin(imager(path));
+    scene.ImagerBegin(imager("/no such folder/picture.exr"));
+    const std::string errors =
+        scripted::errors_when_interrupted_at_first_diagnostic([&] { scene.Render(2048, 2048, 1 << 20, 0, 0, 1, 1); });
+    EXPECT_TRUE(errors.starts_with("vantor: render: cannot write \"/no such folder/picture.exr\"")) << errors;
+    EXPECT_TRUE(errors.ends_with("vantor: render: interrupted; no picture is written\n")) << errors;
+    EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST(Render, InterruptStopsTheBuildOfALargeScene) {

@@ -1,0 +1,54 @@
+// Frame buffer: what a pass has made, before it goes to files.
+#pragma once
+
+#include "libvantor/base/aov.h"
+#include "libvantor/images/picture.h"
+
+#include <array>
+#include <optional>
+
+namespace vantor {
+
+/// The pictures of a pass, one for each AOV that somebody asked for, all of the same window. A stage between rendering
+/// and writing, such as a denoiser, takes a frame and gives one back; imagers write whatever it then holds. What such a
+/// stage needs is added before rendering, whether or not an imager shows it.
+class FrameBuffer {
+  public:
+    /// Without any AOV yet. The window, in pixels of the whole picture, is not empty.
+    FrameBuffer(int width, int height, const PixelArea &window)
+        : full_width(width), full_height(height), area(window) {}
+
+    int width() const { return full_width; } ///< Of the whole picture.
+    int height() const { return full_height; }
+    const PixelArea &window() const { return area; }
+    long pixels() const { return static_cast<long>(area.width()) * area.height(); }
+
+    /// Makes room for an AOV: black. Nothing happens if it is there.
+    void add(Aov aov) {
+        if (std::optional<Picture> &picture = pictures[index_of(aov)]; !picture)
+            picture.emplace(full_width, full_height, area);
+    }
+    bool has(Aov aov) const { return pictures[index_of(aov)].has_value(); }
+
+    /// Has to be there.
+    Picture &of(Aov aov) { return *pictures[index_of(aov)]; }
+    const Picture &of(Aov aov) const { return *pictures[index_of(aov)]; }
+
+    /// Calls visit(aov, picture) for all that are there, in the order of Aov.
+    template <class Visit> void for_each(Visit visit) {
+        for (std::size_t i = 0; i < aov_count; ++i)
+            if (pictures[i])
+                visit(static_cast<Aov>(i), *pictures[i]);
+    }
+
+    long finished = 0; ///< How many of the window's pixels have their values. The others are black.
+    bool is_whole() const { return finished == pixels(); }
+
+  private:
+    int full_width;
+    int full_height;
+    PixelArea area;
+    std::array<std::optional<Picture>, aov_count> pictures;
+};
+
+} // namespace vantor

@@ -1,0 +1,65 @@
+// Direct light: sampling lights, weighing the samples against rays that find lights by themselves, and shadow rays.
+#pragma once
+
+#include "libvantor/integrators/mis.h"
+#include "libvantor/integrators/shadow_rays.h"
+
+namespace vantor {
+
+/// Samples of lights, on their way to receivers: vertices of paths, or sides of patches. They are collected, so that
+/// their shadow rays are traced together.
+class DirectLight {
+  public:
+    /// The world has to outlive it.
+    explicit DirectLight(const World &of) : world(of) {}
+
+    /// The random number that chooses a light. It is made only where there is something to choose.
+    double choice(const Sampler &sampler, std::uint32_t dimension) const {
+        return world.lights.has_choice() ? sampler.get_1d(dimension) : 0.0;
+    }
+
+    /// A point of a light as seen from the reference point; false if none of its light can arrive there.
+    bool sample(Vec3 reference, double light_choice, Point2f numbers, LightSample &result) const {
+        return world.lights.sample(reference, light_choice, numbers, result);
+    }
+
+    /// The weight of such a sample, where a ray could have found the light too: with that pdf, per solid angle.
+    static float mis_weight(const LightSample &light, float pdf_of_ray) {
+        return light.has_extent ? power_heuristic(light.pdf, pdf_of_ray) : 1.0f;
+    }
+
+    /// Notes a sample for a receiver at `from`, a point off its surface, around which there are those media: what it
+    /// brings if all of it arrives.
+    void add(std::uint32_t receiver, Vec3 from, const MediumStack &media, const LightSample &light, Color unoccluded) {
+        const Segment segment =
+            light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
+        if (!is_traceable(segment.from, segment.direction))
+            return;
+        shadow_rays.segments.push_back(segment);
+        shadow_rays.media.push_back(media);
+        samples.push_back({receiver, unoccluded});
+    }
+
+    /// Traces the shadow rays of all samples that are noted, forgets those, and calls receive(receiver, light) for each
+    /// with what arrives.
+    template <class Receive> void trace_shadow_rays(Receive receive) {
+        transmit(shadow_rays, world, fractions);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            receive(samples[i].receiver, samples[i].unoccluded * fractions[i]);
+        samples.clear();
+        shadow_rays.clear();
+    }
+
+  private:
+    struct Sample {
+        std::uint32_t receiver;
+        Color unoccluded;
+    };
+
+    const World &world;
+    std::vector<Sample> samples;
+    ShadowRays shadow_rays;       // of each sample
+    std::vector<Color> fractions; // of each sample that arrive
+};
+
+} // namespace vantor

@@ -1,0 +1,288 @@
+// Path integrator: the light that arrives along rays, by random paths.
+#include "libvantor/integrators/path_integrator.h"
+
+#include "libvantor/integrators/wave.h"
+
+namespace vantor {
+
+namespace {
+
+using Kind = Vertex::Kind;
+
+// Russian roulette from this bounce on. Earlier it costs more in noise than it saves in time, later the other way
+// round.
+constexpr int roulette_depth = 3;
+
+// Where a path finds cached irradiance, its direct light is sampled as ever, but only this fraction of the last rays is
+// traced. They make up for what samples of large lights nearby miss; the two are weighed by their expected numbers
+// (Veach 9.2.2).
+constexpr float last_ray_fraction = 0.25f;
+
+// False if the ray cannot be followed.
+bool leave(Path &path, Vec3 origin, Vec3 direction) {
+    path.ray = {origin, direction};
+    return is_traceable(origin, direction);
+}
+
+} // namespace
+
+void PathIntegrator::trace(std::span<Path> paths) const {
+    // Surfaces that are passed straight through are no bounces, but steps; more than this are one too many.
+    constexpr int most_steps = 10000;
+
+    Wave wave(paths, world, first_dimension);
+    for (int step = 0; step < most_steps && !wave.is_over(); ++step) {
+        wave.intersect(world.tracer, step == 0);
+        scatter_in_media(wave);
+        add_emission(wave);
+        pass_through(wave);
+        record_first_hits(wave);
+        end_at_limits(wave);
+        look_irradiance_up(wave);
+        prepare_bsdfs(wave);
+        sample_direct_light(wave);
+        trace_shadow_rays(wave);
+        scatter(wave);
+        play_roulette(wave);
+        wave.advance();
+    }
+}
+
+// Indirect light of one sample, within the limit that keeps rare bright paths from leaving dots. Scaling keeps its
+// colour.
+Color PathIntegrator::clamped(Color radiance, bool is_indirect) const {
+    const float limit = settings.clamp;
+    const float largest = largest_component(radiance);
+    return limit > 0 && is_indirect && largest > limit ? radiance * (limit / largest) : radiance;
+}
+
+// Where the ray goes through a medium, it may be scattered there before it reaches a surface.
+void PathIntegrator::scatter_in_media(Wave &wave) const {
+    if (!world.has_media)
+        return;
+    for (Vertex &vertex : wave.vertices()) {
+        Path &path = *vertex.path;
+        if (path.media.innermost() == MediumStack::none)
+            continue;
+        const Medium &medium = world.media_of(path.media);
+        const float length = vertex.hit->exists ? vertex.hit->distance : INFINITY;
+        const Vec3 *light = world.lights.position_of(wave.sample_light_choice(vertex));
+        vertex.is_ray_lit = light && !path.finds_only_lights && path.bounces < settings.max_bounces;
+        if (vertex.is_ray_lit)
+            light_the_ray(wave, vertex, medium, *light, length);
+        const Medium::DistanceSample sample = medium.sample_distance(length, wave.sample_2d(vertex, Wave::free_path));
+        path.throughput *= sample.weight;
+        if (sample.is_scattered) {
+            vertex.kind = Kind::Medium;
+            vertex.in_medium = path.ray.origin + path.ray.direction * sample.distance;
+        }
+    }
+}
+
+// A light that shines from a single point lights the whole ray; most of that comes from next to the light, where few
+// paths are scattered. So the point that is lit is drawn apart from the point of scattering, by equal angles as the
+// light sees them: Kulla, Fajardo, "Importance Sampling Techniques for Path Tracing in Participating Media", 2012.
+void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 light,
+                                   float length) const {
+    if (is_black(medium.sigma_s))
+        return;
+    const Path &path = *vertex.path;
+    const float nearest = dot(light - path.ray.origin, path.ray.direction);
+    const Vec3 across = path.ray.origin + path.ray.direction * nearest - light;
+    // Whatever the height, the pdf fits the choice; a ray that goes through the light is one next to it.
+    const float height = std::max(vantor::length(across), clearance_of(light, std::fabs(nearest)));
+    const float first = std::atan2(-nearest, height);
+    const float last = std::atan2(length - nearest, height);
+    const float angle = first + (last - first) * wave.sample_2d(vertex, Wave::lit_distance).u;
+    const float beyond = height * std::tan(angle);
+    const float distance = nearest + beyond;
+    if (!(distance > 0 && distance < length))
+        return;
+    const float inverse_pdf = (last - first) * (height * height + beyond * beyond) / height;
+    const Color throughput = path.throughput * (medium.sigma_s * medium.transmittance(distance) * inverse_pdf);
+    light_medium(wave, vertex, medium, path.ray.origin + path.ray.direction * distance, throughput);
+}
+
+// Emitted light that the ray has found. Where direct light at the vertex before could have found it too, the two are
+// weighed by their pdfs.
+void PathIntegrator::add_emission(Wave &wave) const {
+    for (Vertex &vertex : wave.vertices()) {
+        Path &path = *vertex.path;
+        if (vertex.kind == Kind::Surface) {
+            const Hit &hit = *vertex.hit;
+            const Surface &surface = vertex.surface.emplace(hit, path.ray.direction, world);
+            const int emitter = world.lights.emitter_at(hit);
+            if (emitter < 0 || !surface.arrives_at_front())
+                continue;
+            float mis_weight = 1;
+            if (!path.finds_lights)
+                mis_weight = power_heuristic(path.direction_pdf,
+                                             world.lights.pdf(emitter, path.vertex, path.ray.direction, hit));
+            path.radiance += clamped(path.throughput * world.lights.radiance(emitter) * mis_weight, path.bounces > 1);
+        } else if (vertex.kind == Kind::Escaped) {
+            world.lights.for_each_infinite(path.ray.direction, [&](Color radiance, float pdf) {
+                const float mis_weight = path.finds_lights ? 1.0f : power_heuristic(path.direction_pdf, pdf);
+                path.radiance += clamped(path.throughput * radiance * mis_weight, path.bounces > 1);
+            });
+        }
+    }
+}
+
+// Through a surface that is not quite opaque, paths go straight on by chance.
+void PathIntegrator::pass_through(Wave &wave) const {
+    if (world.is_opaque)
+        return;
+    for (Vertex &vertex : wave.vertices()) {
+        if (vertex.kind != Kind::Surface)
+            continue;
+        const float opacity = vertex.surface->opacity();
+        if (opacity >= 1 || wave.sample_unstratified(vertex, Wave::passage) < opacity)
+            continue;
+        Path &path = *vertex.path;
+        const Vec3 direction = path.ray.direction;
+        cross_surface(path.media, placement_at(*vertex.hit), *vertex.hit, direction);
+        vertex.kind = leave(path, vertex.hit->origin_towards(direction), direction) ? Kind::Passed : Kind::Ended;
+    }
+}
+
+void PathIntegrator::record_first_hits(Wave &wave) const {
+    for (const Vertex &vertex : wave.vertices())
+        if (vertex.kind == Kind::Surface && vertex.path->aovs && vertex.path->bounces == 0)
+            vertex.path->aovs->record(*vertex.hit, *vertex.surface, placement_at(*vertex.hit));
+}
+
+void PathIntegrator::end_at_limits(Wave &wave) const {
+    for (Vertex &vertex : wave.vertices())
+        if (vertex.is_scattering() && (vertex.path->finds_only_lights || vertex.path->bounces >= settings.max_bounces))
+            vertex.kind = Kind::Ended;
+}
+
+// Indirect light that is known beforehand. All that is left to the path is direct light.
+void PathIntegrator::look_irradiance_up(Wave &wave) const {
+    if (!indirect.cache)
+        return;
+    for (const Vertex &vertex : wave.vertices()) {
+        Path &path = *vertex.path;
+        if (vertex.kind != Kind::Surface || !vertex.surface->is_diffuse() ||
+            path.diffuse_surfaces++ < indirect.surfaces_before)
+            continue;
+        Color irradiance;
+        if (!indirect.cache->irradiance(*vertex.hit, vertex.surface->arrives_at_front(), irradiance))
+            continue;
+        path.finds_only_lights = true;
+        path.radiance += clamped(path.throughput * vertex.surface->albedo() * irradiance * inverse_pi, true);
+    }
+}
+
+void PathIntegrator::prepare_bsdfs(Wave &wave) const {
+    for (Vertex &vertex : wave.vertices())
+        if (vertex.kind == Kind::Surface)
+            vertex.bsdf.emplace(vertex.surface->bsdf());
+}
+
+void PathIntegrator::sample_direct_light(Wave &wave) const {
+    for (const Vertex &vertex : wave.vertices()) {
+        if (vertex.kind == Kind::Surface && !vertex.surface->is_specular())
+            light_surface(wave, vertex);
+        else if (vertex.kind == Kind::Medium && !vertex.is_ray_lit)
+            light_medium(wave, vertex, world.media_of(vertex.path->media), vertex.in_medium, vertex.path->throughput);
+    }
+}
+
+// What a sampled light brings: throughput * value * cosine * radiance / pdf.
+void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex) const {
+    const Path &path = *vertex.path;
+    const Hit &hit = *vertex.hit;
+    LightSample light;
+    if (!wave.direct_light.sample(hit.point, wave.sample_light_choice(vertex), vertex.light_point, light))
+        return;
+    const BsdfValue scattered = vertex.bsdf->evaluate(light.to_light);
+    if (is_black(scattered.value))
+        return;
+    MediumStack media = path.media;
+    if (vertex.surface->is_crossed(light.to_light))
+        cross_surface(media, placement_at(hit), hit, light.to_light);
+    const float ray_pdf = path.finds_only_lights ? scattered.pdf * last_ray_fraction : scattered.pdf;
+    const Color radiance =
+        path.throughput * scattered.value * light.contribution * DirectLight::mis_weight(light, ray_pdf);
+    wave.direct_light.add(wave.index_of(vertex), hit.origin_towards(light.to_light), media, light,
+                          clamped(radiance, path.bounces > 0));
+}
+
+// Likewise at a point of a medium, with the phase function and a throughput that reaches up to there.
+void PathIntegrator::light_medium(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 point,
+                                  Color throughput) const {
+    const Path &path = *vertex.path;
+    LightSample light;
+    if (!wave.direct_light.sample(point, wave.sample_light_choice(vertex), vertex.light_point, light))
+        return;
+    const float phase = medium.phase.evaluate(dot(path.ray.direction, light.to_light));
+    if (!(phase > 0))
+        return;
+    const Color radiance = throughput * phase * light.contribution * DirectLight::mis_weight(light, phase);
+    wave.direct_light.add(wave.index_of(vertex), point, path.media, light, clamped(radiance, path.bounces > 0));
+}
+
+void PathIntegrator::trace_shadow_rays(Wave &wave) const {
+    const std::span<Vertex> vertices = wave.vertices();
+    wave.direct_light.trace_shadow_rays(
+        [&](std::uint32_t receiver, Color radiance) { vertices[receiver].path->radiance += radiance; });
+}
+
+void PathIntegrator::scatter(Wave &wave) const {
+    for (Vertex &vertex : wave.vertices())
+        if (vertex.is_scattering() &&
+            !(vertex.kind == Kind::Surface ? scatter_at_surface(wave, vertex) : scatter_at_point(vertex)))
+            vertex.kind = Kind::Ended;
+}
+
+// False if nothing is scattered, or nowhere that a ray can be followed; here and below.
+bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) const {
+    Path &path = *vertex.path;
+    const Hit &hit = *vertex.hit;
+    BsdfSample next;
+    if (!vertex.bsdf->sample(vertex.next_direction, wave.sample_unstratified(vertex, Wave::lobe), next))
+        return false;
+    if (vertex.surface->is_crossed(next.wi))
+        cross_surface(path.media, placement_at(hit), hit, next.wi);
+    path.throughput *= next.weight;
+    path.vertex = hit.point;
+    path.direction_pdf = next.pdf;
+    path.finds_lights = next.is_specular;
+    return leave(path, hit.origin_towards(next.wi), next.wi);
+}
+
+bool PathIntegrator::scatter_at_point(const Vertex &vertex) const {
+    Path &path = *vertex.path;
+    const Medium &medium = world.media_of(path.media);
+    const Vec3 before = path.ray.direction;
+    const Vec3 direction = medium.phase.sample(before, vertex.next_direction);
+    path.vertex = vertex.in_medium;
+    path.direction_pdf = medium.phase.evaluate(dot(before, direction));
+    path.finds_lights = false;
+    return leave(path, vertex.in_medium, direction);
+}
+
+// Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle
+// Transport and Image Synthesis", 1990).
+void PathIntegrator::play_roulette(Wave &wave) const {
+    for (Vertex &vertex : wave.vertices()) {
+        if (!vertex.is_scattering())
+            continue;
+        Path &path = *vertex.path;
+        const bool is_last = path.finds_only_lights;
+        const float survives = is_last ? last_ray_fraction : std::min(largest_component(path.throughput), 0.95f);
+        const bool is_played = is_last || path.bounces >= roulette_depth;
+        ++path.bounces;
+        if (!(survives > 0) || (is_played && wave.sample_unstratified(vertex, Wave::survival) >= survives)) {
+            vertex.kind = Kind::Ended;
+        } else if (is_played) {
+            path.throughput = path.throughput * (1 / survives);
+            // Of the last rays, fewer are expected; of all others, the light samples know nothing of the roulette.
+            if (is_last)
+                path.direction_pdf *= survives;
+        }
+    }
+}
+
+} // namespace vantor

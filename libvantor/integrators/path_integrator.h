@@ -1,0 +1,61 @@
+// Path integrator: the light that arrives along rays, by random paths.
+#pragma once
+
+#include "libvantor/integrators/irradiance_lookup.h"
+#include "libvantor/integrators/path.h"
+
+#include <span>
+
+namespace vantor {
+
+struct Vertex;
+class Wave;
+
+/// Kajiya, "The Rendering Equation", 1986; the estimator follows Veach, "Robust Monte Carlo Methods for Light Transport
+/// Simulation", 1997, chapters 8 to 10. Constant, and used by all threads.
+class PathIntegrator {
+  public:
+    /// Paths use dimensions of their samplers from the first on. With a lookup, they end where it tells them their
+    /// indirect light. World and cache have to outlive it.
+    PathIntegrator(const World &of, const Settings &by, std::uint32_t from_dimension,
+                   const IrradianceLookup &lookup = {})
+        : world(of), settings(by), first_dimension(from_dimension), indirect(lookup) {}
+
+    /// Takes the paths to their ends: each path's radiance is then an estimate of the radiance that arrives along its
+    /// first ray, unbiased but for the clamp of the settings.
+    ///
+    /// Paths of one call advance together, bounce by bounce, because several rays are traced at once much faster than
+    /// one by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.
+    void trace(std::span<Path> paths) const;
+
+  private:
+    // The stages of a step, in their order. Each works on all vertices of a wave, and decides which go on.
+    void scatter_in_media(Wave &wave) const;
+    void add_emission(Wave &wave) const;
+    void pass_through(Wave &wave) const;
+    void record_first_hits(Wave &wave) const;
+    void end_at_limits(Wave &wave) const;
+    void look_irradiance_up(Wave &wave) const;
+    void prepare_bsdfs(Wave &wave) const;
+    void sample_direct_light(Wave &wave) const;
+    void trace_shadow_rays(Wave &wave) const;
+    void scatter(Wave &wave) const;
+    void play_roulette(Wave &wave) const;
+
+    // What stages do with a single vertex.
+    void light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 light, float length) const;
+    void light_medium(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 point, Color throughput) const;
+    void light_surface(Wave &wave, const Vertex &vertex) const;
+    bool scatter_at_surface(const Wave &wave, const Vertex &vertex) const;
+    bool scatter_at_point(const Vertex &vertex) const;
+
+    Color clamped(Color radiance, bool is_indirect) const;
+    const Placement &placement_at(const Hit &hit) const { return world.placements[hit.placement]; }
+
+    const World &world;
+    const Settings settings;
+    const std::uint32_t first_dimension;
+    const IrradianceLookup indirect;
+};
+
+} // namespace vantor
