@@ -31,7 +31,7 @@ ROOMS = [
      ["embree", "description", "shapes", "patterns", "scattering", "base", "values"]),
     ("world", r"libvantor/world/.*",
      ["lights", "embree", "description", "shapes", "patterns", "scattering", "base", "values"]),
-    ("film", r"libvantor/film/.*", ["world", "embree", "description", "images", "base"]),
+    ("film", r"libvantor/film/.*", ["world", "description", "images", "base"]),
     ("integrators", r"libvantor/integrators/.*",
      ["film", "world", "lights", "embree", "description", "shapes", "patterns", "scattering",
       "images", "base"]),
