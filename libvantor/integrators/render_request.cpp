@@ -22,8 +22,8 @@ PixelArea window_of(const RenderRequest &request, const CallReport &call) {
     const auto check = [&](VtLong value, VtLong most, const char *what) {
         const bool is_good = value >= 1 && value <= most;
         if (!is_good)
-            call.diagnostic(joined({what, " is ", std::to_string(value), " (1 to ", std::to_string(most),
-                                    " is possible); nothing is rendered"}));
+            call.diagnostic(joined({what, " is ", std::to_string(value), " (expected 1 to ", std::to_string(most),
+                                    "); nothing is rendered"}));
         return is_good;
     };
     if (!check(request.width, largest_side, "the width") || !check(request.height, largest_side, "the height") ||
@@ -36,7 +36,7 @@ PixelArea window_of(const RenderRequest &request, const CallReport &call) {
           request.y1 <= 1)) {
         call.diagnostic(joined(
             {fractions,
-             " is no part of the picture (0 <= x0 < x1 <= 1 and 0 <= y0 < y1 <= 1 is one); nothing is rendered"}));
+             " is no part of the picture (expected 0 <= x0 < x1 <= 1 and 0 <= y0 < y1 <= 1); nothing is rendered"}));
         return {};
     }
     PixelArea window;
