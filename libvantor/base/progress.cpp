@@ -6,8 +6,20 @@
 #include <cmath>
 #include <cstdio>
 #include <unistd.h>
+#include <utility>
 
 namespace vantor {
+
+namespace {
+
+ProgressHandler &the_handler() {
+    static ProgressHandler &only = *new ProgressHandler; // never destroyed, as scenes may outlive it
+    return only;
+}
+
+} // namespace
+
+void set_progress_handler(ProgressHandler handler) { the_handler() = std::move(handler); }
 
 std::string time_text(double seconds) {
     const auto whole = static_cast<long>(std::lround(seconds));
@@ -29,8 +41,9 @@ Progress::~Progress() {
 }
 
 void Progress::done_one() {
-    const long now_done = done.fetch_add(1, std::memory_order_relaxed) + 1;
-    if (!is_shown)
+    done.fetch_add(1, std::memory_order_relaxed);
+    const bool is_handled = static_cast<bool>(the_handler());
+    if (!is_shown && !is_handled)
         return;
 
     // Whoever finds the lock taken has nothing newer to tell.
@@ -38,12 +51,17 @@ void Progress::done_one() {
     if (!lock)
         return;
     const Clock::time_point now = Clock::now();
-    if (now - printed < std::chrono::milliseconds(200))
+    if (now - printed < std::chrono::milliseconds(is_handled ? 20 : 200))
         return;
     printed = now;
-    has_line = true;
+    const double fraction =
+        static_cast<double>(done.load(std::memory_order_relaxed)) / static_cast<double>(total);
+    if (is_handled) {
+        the_handler()(fraction);
+        return;
+    }
 
-    const double fraction = static_cast<double>(now_done) / static_cast<double>(total);
+    has_line = true;
     const double seconds = std::chrono::duration<double>(now - start).count();
     const double left = seconds * (1 - fraction) / fraction;
     std::fprintf(stderr, "\rvantor: render: %3.0f %%, %s left\x1b[K", 100 * fraction, time_text(left).c_str());

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <mutex>
 #include <string>
 
@@ -10,6 +11,10 @@ namespace vantor {
 
 /// "12 s", "3 min 20 s" or "2 h 5 min"; of 0 seconds or more.
 std::string time_text(double seconds);
+
+/// Who is told the fraction that is done, instead of the error stream; an empty one ends that. Not during a pass.
+using ProgressHandler = std::function<void(double fraction)>;
+void set_progress_handler(ProgressHandler handler);
 
 /// The line is wiped when the object goes. Any thread may call done_one().
 class Progress {

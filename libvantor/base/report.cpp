@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
+#include <utility>
 
 namespace vantor {
 
@@ -30,13 +32,42 @@ std::size_t shown_character(std::string_view text) {
     return is_control || is_overlong || is_surrogate || is_beyond_unicode ? 0 : length;
 }
 
+struct Messages {
+    std::mutex telling;
+    MessageHandler handler;
+};
+
+// Never destroyed: scenes may outlive it at the end of the process.
+Messages &messages() {
+    static Messages &only = *new Messages;
+    return only;
+}
+
+// Whether there is a handler, which then has been called.
+bool is_handled(bool is_mistake, std::string_view text) {
+    const std::lock_guard lock(messages().telling);
+    if (messages().handler)
+        messages().handler(is_mistake, printable(text).c_str());
+    return static_cast<bool>(messages().handler);
+}
+
 // One call, so that lines of several processes on one terminal do not mix.
 void print_line(std::string_view text) {
     const std::string line = joined({"vantor: ", printable(text), "\n"});
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+void tell(bool is_mistake, std::string_view text, bool is_printed) {
+    if (!is_handled(is_mistake, text) && is_printed)
+        print_line(text);
+}
+
 } // namespace
+
+void set_message_handler(MessageHandler handler) {
+    const std::lock_guard lock(messages().telling);
+    messages().handler = std::move(handler);
+}
 
 Report::Report() {
     const char *wanted = std::getenv("VANTOR_DIAGNOSTICS");
@@ -46,13 +77,15 @@ Report::Report() {
     else if (name == "strict")
         mode = Mode::Strict;
     else if (!name.empty() && name != "warn")
-        print_line(
-            joined({"VANTOR_DIAGNOSTICS is ", in_quotes(name), " (silent, warn and strict are known); warn is used"}));
+        tell(true,
+             joined({"VANTOR_DIAGNOSTICS is ", in_quotes(name), " (silent, warn and strict are known); warn is used"}),
+             true);
 }
 
 void Report::diagnostic(std::string_view text) {
     ++count;
-    if (mode == Mode::Silent)
+    // Who takes messages counts them, too.
+    if (is_handled(true, text) || mode == Mode::Silent)
         return;
     const auto now = std::chrono::steady_clock::now();
     const auto known = std::ranges::find(recent, text, &Recent::text);
@@ -90,10 +123,7 @@ void Report::print_counts() noexcept {
     }
 }
 
-void Report::note(std::string_view text) const {
-    if (mode != Mode::Silent)
-        print_line(text);
-}
+void Report::note(std::string_view text) const { tell(false, text, mode != Mode::Silent); }
 
 CallReport::CallReport(Report &all, std::string_view call, const char *type) : CallReport(all, call) {
     if (type)
@@ -159,7 +189,10 @@ std::string text_of(double number) {
 }
 
 void report_out_of_memory(const char *what_happened) noexcept {
-    std::fprintf(stderr, "vantor: out of memory: %s\n", what_happened);
+    char text[200];
+    std::snprintf(text, sizeof text, "out of memory: %s", what_happened);
+    if (!is_handled(true, text))
+        std::fprintf(stderr, "vantor: %s\n", text);
 }
 
 } // namespace vantor

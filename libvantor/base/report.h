@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -9,9 +10,14 @@
 
 namespace vantor {
 
+/// Where the messages of all scenes go instead of the error stream; an empty one ends that. Called by one thread at a
+/// time, with a text that ends with a null character.
+using MessageHandler = std::function<void(bool is_mistake, const char *text)>;
+void set_message_handler(MessageHandler handler);
+
 /// The diagnostics of one scene. VANTOR_DIAGNOSTICS is read when the scene is made:
 ///
-///     silent   nothing is printed
+///     silent   nothing is printed (a message handler is called all the same)
 ///     warn     every diagnostic is printed (the default)
 ///     strict   likewise, and after the first one no render pass writes a picture
 ///

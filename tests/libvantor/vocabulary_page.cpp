@@ -2,7 +2,7 @@
 #include "tests/libvantor/vocabulary_page.h"
 
 #include "libvantor/base/report.h"
-#include "libvantor/parameters/vocabulary.h"
+#include "libvantor/parameters/vocabulary_text.h"
 
 #include <fstream>
 #include <iterator>
@@ -12,30 +12,11 @@ namespace {
 
 using vantor::joined;
 
-using vantor::ValueKind;
-
 std::string value_of(const vantor::Parameter &parameter) {
     std::string words;
     for (const std::string_view choice : parameter.choices)
         words += joined({words.empty() ? "one of " : ", ", vantor::in_quotes(choice)});
     return words.empty() ? std::string(vantor::name_of(parameter.kind)) : words;
-}
-
-std::string default_of(const vantor::Parameter &parameter) {
-    if (parameter.presence == vantor::Presence::Required)
-        return "required";
-    if (parameter.presence == vantor::Presence::Optional)
-        return "none";
-    if (parameter.kind == ValueKind::Choice)
-        return vantor::in_quotes(parameter.choices.front());
-    const auto &n = parameter.fallback;
-    const std::string first = vantor::text_of(n[0]);
-    const std::string second = vantor::text_of(n[1]);
-    if (parameter.kind == ValueKind::Vector2)
-        return joined({"(", first, ", ", second, ")"});
-    const bool is_color = parameter.kind == ValueKind::Color || parameter.kind == ValueKind::ColorOrPattern;
-    const bool has_three = parameter.kind == ValueKind::Vector3 || (is_color && !(n[0] == n[1] && n[1] == n[2]));
-    return has_three ? joined({"(", first, ", ", second, ", ", vantor::text_of(n[2]), ")"}) : first;
 }
 
 std::string tables() {
@@ -50,7 +31,7 @@ std::string tables() {
                             "| --- | --- | --- | --- | --- | --- |\n"});
             for (const vantor::Parameter &p : type.parameters)
                 page += joined({"| `", p.name, "` | ", value_of(p), " | ", p.unit, " | ", p.range.text, " | ",
-                                default_of(p), " | ", p.meaning, " |\n"});
+                                vantor::default_of(p), " | ", p.meaning, " |\n"});
         }
     }
     return page + "\n";

@@ -1,0 +1,28 @@
+// What the library offers beyond the interface that every one has: messages, progress and vocabulary for who asks.
+#include "renderer/vt_messages.h"
+
+#include "libvantor/base/progress.h"
+#include "libvantor/base/report.h"
+#include "libvantor/parameters/vocabulary_text.h"
+#include "renderer/vt_vocabulary.h"
+
+void VtSetMessageHandler(VtMessageHandler handler, void *context) {
+    if (!handler)
+        return vantor::set_message_handler({});
+    vantor::set_message_handler(
+        [=](bool is_mistake, const char *text) { handler(context, is_mistake ? VtMistake : VtNote, text); });
+}
+
+void VtSetProgressHandler(VtProgressHandler handler, void *context) {
+    if (!handler)
+        return vantor::set_progress_handler({});
+    vantor::set_progress_handler([=](double fraction) { handler(context, fraction); });
+}
+
+const char *VtVocabulary() {
+    try {
+        return vantor::vocabulary_text().c_str();
+    } catch (const std::exception &) {
+        return nullptr; // no memory left
+    }
+}
