@@ -7,7 +7,7 @@ namespace vantor {
 
 namespace {
 
-// Behind opaque surfaces there is no light, and before them no other medium: the question is whether there is one.
+// Where every surface is opaque, a shadow ray is either blocked or stays in the medium in which it starts.
 void transmit_in_one_step(const ShadowRays &shadow_rays, const World &world, std::vector<Color> &fractions) {
     std::vector<char> are_occluded(shadow_rays.size());
     world.tracer.occluded(shadow_rays.segments, are_occluded);
@@ -22,19 +22,19 @@ void transmit_in_one_step(const ShadowRays &shadow_rays, const World &world, std
     }
 }
 
-// A shadow ray that is followed from surface to surface.
+// A shadow ray on its way from surface to surface.
 struct Walk {
     std::size_t shadow_ray;
     Ray ray;
-    float left; // of the distance
+    float remaining; // distance to the light
     MediumStack media;
 };
 
-// One step: to the next surface and through it, or to the end. True if the walk goes on.
-bool go_on(Walk &walk, const Hit &hit, const World &world, Color &fraction) {
-    const bool arrives = !hit.exists || hit.distance >= walk.left;
+// Goes to the next surface and through it, or to the light. Returns whether there is more to go.
+bool advance(Walk &walk, const Hit &hit, const World &world, Color &fraction) {
+    const bool arrives = !hit.exists || hit.distance >= walk.remaining;
     if (walk.media.innermost() != MediumStack::none)
-        fraction *= world.media_of(walk.media).transmittance(arrives ? walk.left : hit.distance);
+        fraction *= world.media_of(walk.media).transmittance(arrives ? walk.remaining : hit.distance);
     if (arrives)
         return false;
     fraction = fraction * (1 - opacity_at(hit, walk.ray.direction, world));
@@ -42,7 +42,7 @@ bool go_on(Walk &walk, const Hit &hit, const World &world, Color &fraction) {
         return false;
     cross_surface(walk.media, world.placements[hit.placement], hit, walk.ray.direction);
     walk.ray.origin = hit.origin_towards(walk.ray.direction);
-    walk.left -= hit.distance;
+    walk.remaining -= hit.distance;
     return true;
 }
 
@@ -65,7 +65,7 @@ void transmit(const ShadowRays &shadow_rays, const World &world, std::vector<Col
         walks.push_back(
             {i, {segment.from, segment.direction * (1 / stretch)}, segment.reach * stretch, shadow_rays.media[i]});
     }
-    // More surfaces than this one behind the other are as good as opaque.
+    // So many surfaces, one behind the other, are taken for opaque.
     constexpr int most_surfaces = 1000;
     std::vector<Ray> rays(walks.size());
     std::vector<Hit> hits(walks.size());
@@ -75,7 +75,7 @@ void transmit(const ShadowRays &shadow_rays, const World &world, std::vector<Col
         world.tracer.intersect(std::span(rays).first(walks.size()), false, hits);
         std::size_t still_going = 0;
         for (std::size_t i = 0; i < walks.size(); ++i)
-            if (go_on(walks[i], hits[i], world, fractions[walks[i].shadow_ray]))
+            if (advance(walks[i], hits[i], world, fractions[walks[i].shadow_ray]))
                 walks[still_going++] = walks[i];
         walks.resize(still_going);
         if (step == most_surfaces) {

@@ -17,8 +17,8 @@ constexpr std::uint32_t lens_dimension = 1;
 constexpr std::uint32_t path_dimension = 2;
 
 // Paths are traced in waves: some samples of all pixels of a block. The blocks are those of the whole picture, and a
-// window renders every block that it touches in full. So a path has the same company in every window, and no rounding
-// that depends on its neighbours in a packet of rays can make a difference.
+// window renders every block that it touches in full. So the same paths are traced together in every window, and
+// rounding that depends on a ray's neighbours in its packet makes no difference.
 constexpr int block_side = 4;
 constexpr int wave_samples = 16;
 constexpr std::size_t most_paths = std::size_t{block_side} * block_side * wave_samples;
@@ -29,7 +29,7 @@ PixelArea whole_blocks(const PixelArea &window, int width, int height) {
     return {down(window.x0), down(window.y0), std::min(up(window.x1), width), std::min(up(window.y1), height)};
 }
 
-// The samples of the pixels of a block, from one sample of each on to another. Visits them pixel by pixel.
+// Some samples of every pixel of a block, visited pixel by pixel.
 struct BlockSamples {
     PixelArea block;
     int first;
