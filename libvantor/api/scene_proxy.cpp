@@ -1,6 +1,7 @@
 // VtLocalSceneProxy: the doors to a scene. They decide nothing.
 #include "renderer/vt_local_scene_proxy.h"
 
+#include "libvantor/base/threads.h"
 #include "libvantor/integrators/render.h"
 #include "libvantor/radiosity/radiosity.h"
 
@@ -41,6 +42,11 @@ template <class Work> void enter(void *record, const char *call, Work work) noex
     } catch (...) {
         vantor::report_out_of_memory(call);
     }
+}
+
+// For what may need more stack than a thread of the script has.
+template <class Work> void enter_pass(void *record, const char *call, Work work) noexcept {
+    enter(record, call, [&](Scene &scene) { vantor::on_own_stack([&] { work(scene); }); });
 }
 
 VtLong create(void *record, EntityKind kind, const char *type, const VtArgList &parameters) noexcept {
@@ -138,14 +144,14 @@ void VtLocalSceneProxy::TransformEnd() {
 }
 
 void VtLocalSceneProxy::Radiosity() {
-    enter(record, "radiosity", [](Scene &scene) {
+    enter_pass(record, "radiosity", [](Scene &scene) {
         scene.report.print_counts();
         scene.radiosity.pass(scene.registry, scene.worlds, scene.report);
     });
 }
 void VtLocalSceneProxy::Render(VtLong width, VtLong height, VtLong samples, double x0, double y0, double x1,
                                double y1) {
-    enter(record, "render", [=](Scene &scene) {
+    enter_pass(record, "render", [=](Scene &scene) {
         scene.report.print_counts();
         vantor::render({width, height, samples, x0, y0, x1, y1}, scene.registry, scene.worlds,
                        scene.radiosity.result(scene.registry, scene.report), scene.report);

@@ -1,6 +1,8 @@
 // Device: Embree's handles, owned; and its errors.
 #include "libvantor/embree/device.h"
 
+#include "libvantor/base/threads.h"
+
 #include <new>
 
 namespace vantor {
@@ -12,6 +14,9 @@ void throw_device_error(RTCDevice device) {
         return;
     case RTC_ERROR_OUT_OF_MEMORY:
         throw std::bad_alloc();
+    // Of whatever goes wrong inside Embree; all that is known to is an allocation.
+    case RTC_ERROR_UNKNOWN:
+        throw EmbreeError("Embree failed, as it does when memory is short");
     case RTC_ERROR_UNSUPPORTED_CPU:
         throw EmbreeError("Embree does not support this processor");
     default:
@@ -20,7 +25,11 @@ void throw_device_error(RTCDevice device) {
 }
 
 OwnedDevice make_device() {
-    OwnedDevice device(rtcNewDevice(nullptr));
+    // Where oneTBB first runs inside Embree, and has no memory for its threads, it ends the process.
+    start_workers();
+    // By default Embree reserves 128 MiB of addresses for the tessellation of subdivision surfaces, of which there are
+    // none; where it gets none, releasing the device may never end.
+    OwnedDevice device(rtcNewDevice("tessellation_cache_size=0"));
     // A null device asks for the error of its own creation.
     if (!device) {
         throw_device_error(nullptr);

@@ -1,8 +1,7 @@
 // Tracer: rays against everything that is placed.
 #include "libvantor/embree/tracer.h"
 
-#include "libvantor/embree/builder.h"
-#include "libvantor/embree/embree.h"
+#include "libvantor/embree/acceleration_structure.h"
 #include "libvantor/embree/instancer.h"
 
 #include <limits>
@@ -42,13 +41,6 @@ template <std::size_t width> struct alignas(4 * width) Mask {
     }
 };
 
-// Whether Embree's normal follows the order of corners.
-struct HasWinding {
-    template <class Kind> bool operator()(const Kind &) const { return true; }
-    bool operator()(const Sphere &) const { return false; }
-    template <Analytic Kind> bool operator()(const Kind &) const { return false; }
-};
-
 Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float u, float v) {
     const TriangleMesh::Triangle &corners = mesh.triangles[triangle];
     return mesh.normals[corners[0]] * (1 - u - v) + mesh.normals[corners[1]] * u + mesh.normals[corners[2]] * v;
@@ -86,29 +78,15 @@ float clearance_in_object(const Linear &normals, Vec3 offset, const Ray &ray, Ve
 
 } // namespace
 
-Tracer Tracer::build(std::span<const Placement> placements, const Interrupt &interrupt) {
-    return {build_scene(placements, interrupt), placements};
+Tracer::Tracer()
+    : structure(std::make_unique<AccelerationStructure>()),
+      has_wide_packets(rtcGetDeviceProperty(structure->of_device(), RTC_DEVICE_PROPERTY_NATIVE_RAY16_SUPPORTED) != 0) {}
+
+void Tracer::update(std::span<const Placement> placements, const Interrupt &interrupt) {
+    structure->update(placements, interrupt);
 }
 
-Tracer::Tracer(std::unique_ptr<const BuiltScene> scene, std::span<const Placement> placements)
-    : built(std::move(scene)),
-      has_wide_packets(rtcGetDeviceProperty(built->device.get(), RTC_DEVICE_PROPERTY_NATIVE_RAY16_SUPPORTED) != 0) {
-    decodings.reserve(placements.size());
-    for (std::size_t i = 0; i < placements.size(); ++i) {
-        const Placement &placement = placements[i];
-        const Affine world_from_object = to_float(placement.world_from_object);
-        const auto *mesh = std::get_if<TriangleMesh>(&placement.object->shape);
-        const auto *curves = std::get_if<Curves>(&placement.object->shape);
-        const bool is_instance = built->is_instance[i];
-        const bool has_winding = std::visit(HasWinding(), placement.object->shape);
-        const bool is_turned = !is_instance && has_winding && world_from_object.determinant < 0;
-        decodings.push_back({mesh && !mesh->normals.empty() ? mesh : nullptr, world_from_object.normals,
-                             world_from_object.offset, is_turned ? -1.0f : 1.0f, is_instance,
-                             curves && !curves->are_tubes, built->instancer[i],
-                             std::visit([](const auto &kind) { return halvings_of<std::decay_t<decltype(kind)>>; },
-                                        placement.object->shape)});
-    }
-}
+const BuildCounts &Tracer::builds() const { return structure->builds(); }
 
 Tracer::~Tracer() = default;
 Tracer::Tracer(Tracer &&) noexcept = default;
@@ -126,15 +104,15 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     hit.clearance = clearance_of(hit.point, distance);
 
     // Embree's normal follows the winding and has any length.
-    const Decoding &decoding = decodings[hit.placement];
-    hit.primitive = packet.hit.primID[lane] >> decoding.halvings;
+    const HitDecoding &decoding = structure->decoding(hit.placement);
+    hit.primitive = decoding.format.primitive_of(packet.hit.primID[lane]);
     hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
     Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
     hit.instance = decoding.instancer ? packet.hit.geomID[lane] : 0;
     const Instancer::Inverse *inverse = decoding.instancer ? &decoding.instancer->inverses[hit.instance] : nullptr;
     if (decoding.is_instance) {
         const Linear normals = inverse ? inverse->normals() : decoding.normals;
-        const Vec3 in_object = decoding.faces_rays ? facing_normal(normals, normal, ray.direction) : normal;
+        const Vec3 in_object = decoding.format.faces_rays ? facing_normal(normals, normal, ray.direction) : normal;
         normal = normals(in_object);
         const Vec3 offset = inverse ? inverse->offset : decoding.offset;
         hit.clearance += clearance_in_object(normals, offset, ray, hit.point, in_object, normal);
@@ -151,10 +129,10 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     hit.geometric_normal = normal * (decoding.front / length(normal));
     hit.shading_normal = hit.geometric_normal;
 
-    if (decoding.smooth) {
+    if (decoding.format.smooth) {
         const Linear normals = inverse ? inverse->normals() : decoding.normals;
-        const Vec3 smooth =
-            normals(interpolated_normal(*decoding.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
+        const Vec3 smooth = normals(
+            interpolated_normal(*decoding.format.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
         // Opposite normals at the corners may cancel; the flat normal then stands.
         if (has_direction(smooth))
             hit.shading_normal = normalized(smooth) * std::copysign(1.0f, dot(smooth, hit.geometric_normal));
@@ -183,7 +161,7 @@ void Tracer::intersect_in_packets(std::span<const Ray> rays, bool are_coherent, 
             packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
             packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
         }
-        query.intersect(Mask<width>(used).lanes, built->top.get(), packet);
+        query.intersect(Mask<width>(used).lanes, structure->top_level(), packet);
         for (std::size_t lane = 0; lane < used; ++lane)
             hits[first + lane] = decoded(packet, lane, rays[first + lane]);
     }
@@ -208,7 +186,7 @@ void Tracer::occluded_in_packets(std::span<const Segment> ways, std::span<char> 
             const Segment &way = ways[first + lane];
             set_ray(packet, lane, way.from, way.direction, way.reach);
         }
-        query.occlude(Mask<width>(used).lanes, built->top.get(), packet);
+        query.occlude(Mask<width>(used).lanes, structure->top_level(), packet);
         // Embree marks a blocked way by a negative end.
         for (std::size_t lane = 0; lane < used; ++lane)
             are_occluded[first + lane] = packet.tfar[lane] < 0 ? 1 : 0;
@@ -217,7 +195,7 @@ void Tracer::occluded_in_packets(std::span<const Segment> ways, std::span<char> 
 
 float Tracer::radius() const {
     RTCBounds bounds;
-    rtcGetSceneBounds(built->top.get(), &bounds);
+    rtcGetSceneBounds(structure->top_level(), &bounds);
     const Vec3 diagonal{bounds.upper_x - bounds.lower_x, bounds.upper_y - bounds.lower_y,
                         bounds.upper_z - bounds.lower_z};
     // The bounds of an empty scene are inside out.

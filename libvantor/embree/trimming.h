@@ -2,14 +2,14 @@
 #pragma once
 
 #include "libvantor/description/object.h"
-#include "libvantor/embree/embree.h"
+#include "libvantor/embree/geometry.h"
 
 namespace vantor {
 
 /// What the callback gets to see; has to outlive the geometry, which lies in the object's space.
 struct TrimmedObject {
     const Object *object;
-    unsigned halvings; ///< 1 where two of Embree's triangles are one primitive, 0 otherwise.
+    HitFormat format;
 };
 
 namespace callbacks {
@@ -26,7 +26,7 @@ inline void refuse_trimmed(const RTCFilterFunctionNArguments *arguments) {
         const Vec3 direction{RTCRayN_dir_x(rays, n, i), RTCRayN_dir_y(rays, n, i), RTCRayN_dir_z(rays, n, i)};
         const Vec3 point = origin + direction * RTCRayN_tfar(rays, n, i);
         const Point2f on_primitive{RTCHitN_u(hits, n, i), RTCHitN_v(hits, n, i)};
-        if (!trimmed.object->keeps(RTCHitN_primID(hits, n, i) >> trimmed.halvings, on_primitive, point))
+        if (!trimmed.object->keeps(trimmed.format.primitive_of(RTCHitN_primID(hits, n, i)), on_primitive, point))
             arguments->valid[i] = 0;
     }
 }

@@ -5,21 +5,26 @@ namespace vantor {
 
 namespace {
 
-World frozen(const Registry &registry, const Interrupt &interrupt) {
+void update_placements(World &world, const Registry &registry, const Interrupt &interrupt) {
     const std::vector<Placement> &placements = registry.placements();
-    Tracer tracer = Tracer::build(placements, interrupt);
-    LightSet lights(registry.lights(), placements, tracer.radius());
-    const bool has_media = std::ranges::any_of(placements, [](const Placement &p) { return p.interior >= 0; });
-    const bool is_opaque =
-        std::ranges::none_of(placements, [](const Placement &p) { return p.material->is_see_through(); });
-    std::vector<Affine> maps;
+    world.tracer.update(placements, interrupt);
+    world.placements = placements;
+    world.media = registry.media();
+    world.has_media = std::ranges::any_of(placements, [](const Placement &p) { return p.interior >= 0; });
+    world.is_opaque = std::ranges::none_of(placements, [](const Placement &p) { return p.material->is_see_through(); });
+    world.maps.clear();
     if (std::ranges::any_of(placements, [](const Placement &p) { return p.varies(); })) {
-        maps.reserve(placements.size());
+        world.maps.reserve(placements.size());
         for (const Placement &placement : placements)
-            maps.push_back(to_float(placement.world_from_object));
+            world.maps.push_back(to_float(placement.world_from_object));
     }
-    return World{std::move(tracer), std::move(lights), placements, registry.media(),
-                 std::move(maps),   has_media,         is_opaque};
+}
+
+void update(World &world, const Registry &registry, bool have_placements_changed, const Interrupt &interrupt) {
+    if (have_placements_changed)
+        update_placements(world, registry, interrupt);
+    // The scene's size says how much light a distant light brings, so that its surfaces count, too.
+    world.lights = LightSet(registry.lights(), world.placements, world.tracer.radius());
 }
 
 } // namespace
@@ -32,11 +37,24 @@ View view_of(const World &world, const Registry &registry) {
 }
 
 const World &WorldCache::current(const Registry &registry, const Interrupt &interrupt) {
-    if (!world || revision != registry.revision()) {
+    const Revision now = registry.revision();
+    if (revision == now)
+        return *world;
+    const bool have_placements_changed = !revision || revision->placements != now.placements;
+    revision.reset();
+    try {
+        if (!world)
+            world.emplace();
+        update(*world, registry, have_placements_changed, interrupt);
+    } catch (const Interrupted &) {
+        // What is built can be built upon.
+        throw;
+    } catch (...) {
+        // Memory was short, and half a world would keep it so.
         world.reset();
-        world.emplace(frozen(registry, interrupt));
-        revision = registry.revision();
+        throw;
     }
+    revision = now;
     return *world;
 }
 

@@ -12,12 +12,12 @@ namespace vantor {
 /// The registry that it was made from has to outlive it.
 struct World {
     Tracer tracer;
-    LightSet lights;
+    LightSet lights{{}, {}, 0};
     std::span<const Placement> placements;
     std::vector<Medium> media; ///< What MediumStack has indexes of.
     std::vector<Affine> maps;  ///< Of the placements, but for their instances; empty if no surface varies.
-    bool has_media;
-    bool is_opaque; ///< No surface lets light pass straight through.
+    bool has_media = false;
+    bool is_opaque = true; ///< No surface lets light pass straight through.
 
     /// How an object stands of which a ray has hit a surface that varies.
     Affine map_at(const Hit &hit) const {
@@ -46,12 +46,13 @@ View view_of(const World &world, const Registry &registry);
 /// The world that a scene keeps until something in it changes.
 class WorldCache {
   public:
-    /// The world of the registry as it is now, good until the next call. Throws Interrupted.
+    /// The world of the registry as it is now, good until the next call; always of the same registry. What is still
+    /// good of the one before stays. Throws Interrupted.
     const World &current(const Registry &registry, const Interrupt &interrupt);
 
   private:
     std::optional<World> world;
-    Revision revision; // of the registry, when the world was made
+    std::optional<Revision> revision; // of the registry, when the world was made; none if it is not finished
 };
 
 } // namespace vantor

@@ -1,52 +1,18 @@
 // Radiosity: form factors and balances that are known in closed form, and pictures made with the pass's result.
 #include "libvantor/radiosity/radiosity.h"
+#include "tests/libvantor/description.h"
 #include "tests/libvantor/interrupted_report.h"
-#include "tests/libvantor/scripted_scene.h"
+#include "tests/libvantor/interrupts.h"
 
-#include <chrono>
-#include <csignal>
 #include <tbb/global_control.h>
-#include <thread>
 
 namespace {
 
+using scripted::Description;
 using scripted::errors_of;
+using scripted::expect_prompt;
 using scripted::List;
 using scripted::Scene;
-
-/// A described scene without a door: what the rooms work on.
-class Description {
-  public:
-    explicit Description(double reflectance = 0.5) {
-        scripted::List list("reflectance", reflectance);
-        registry.create(registry.take_id(), vantor::EntityKind::Material, "diffuse", list);
-        registry.begin_material(1);
-    }
-    void quad(const VtVector3 &origin, const VtVector3 &edge_u, const VtVector3 &edge_v) {
-        scripted::List list("origin", origin, "edge_u", edge_u, "edge_v", edge_v);
-        const VtLong id = registry.take_id();
-        registry.create(id, vantor::EntityKind::Object, "quad", list);
-        registry.add_object(id);
-    }
-    void box() {
-        scripted::List list;
-        const VtLong id = registry.take_id();
-        registry.create(id, vantor::EntityKind::Object, "box", list);
-        registry.add_object(id);
-    }
-    void sheet(int side) {
-        scripted::Points points;
-        scripted::Indices triangles;
-        scripted::fill_with_sheet(side, points, triangles);
-        scripted::List list("points", points, "triangles", triangles);
-        const VtLong id = registry.take_id();
-        registry.create(id, vantor::EntityKind::Object, "mesh", list);
-        registry.add_object(id);
-    }
-
-    vantor::Report report;
-    vantor::Registry registry{report};
-};
 
 /// The part of the rays from the fronts of one placement that meet the fronts of another, by the areas of its patches.
 double form_factor(const Description &description, std::uint32_t from, std::uint32_t to, int rays, long &all_rays) {
@@ -297,53 +263,25 @@ TEST(Radiosity, SceneWithoutLight) {
         EXPECT_EQ(pixel, (scripted::Rgb{0, 0, 0}));
 }
 
-// How long after Ctrl-C a piece of work ends. It comes that long after the beginning.
-template <class Work> std::chrono::milliseconds lateness(std::chrono::milliseconds into_the_work, const Work &work) {
-    struct sigaction ours = {};
-    ours.sa_handler = [](int) {};
-    struct sigaction old;
-    sigaction(SIGINT, &ours, &old);
-    std::chrono::steady_clock::time_point raised;
-    std::thread other([&] {
-        std::this_thread::sleep_for(into_the_work);
-        raised = std::chrono::steady_clock::now();
-        kill(getpid(), SIGINT);
-    });
-    work();
-    const auto ended = std::chrono::steady_clock::now();
-    other.join();
-    sigaction(SIGINT, &old, nullptr);
-    return std::chrono::duration_cast<std::chrono::milliseconds>(ended - raised);
-}
-
-template <class Work> void expect_prompt(std::chrono::milliseconds into_the_work, const Work &work) {
-    // On a busy machine one may be late for want of a processor.
-    long late = 250;
-    for (int attempt = 0; attempt < 3 && late >= 250; ++attempt)
-        late = static_cast<long>(lateness(into_the_work, work).count());
-    EXPECT_LT(late, 250) << "after " << into_the_work.count() << " ms";
-    EXPECT_GE(late, 0) << "the work has ended before its interrupt, after " << into_the_work.count() << " ms";
-}
-
 TEST(Radiosity, InterruptStopsTheMakingOfPatches) {
     Description description;
-    description.sheet(700);
-    // A million triangles take some seconds: sizes, groups, corners, areas. First they all have patches of their own.
-    for (const std::size_t budget : {1000000, 10000})
-        for (const int milliseconds : {20, 200, 400})
-            expect_prompt(std::chrono::milliseconds(milliseconds), [&] {
-                const vantor::Interrupt interrupt;
-                const vantor::Patches patches(description.registry.placements(), budget, interrupt);
-            });
+    description.sheet(100);
+    // Sizes, groups, corners, areas. First all triangles have patches of their own.
+    constexpr long triangles = 20000;
+    for (const std::size_t budget : {20000, 500})
+        expect_prompt(3 * triangles, [&] {
+            const vantor::Interrupt interrupt;
+            const vantor::Patches patches(description.registry.placements(), budget, interrupt);
+        });
 }
 
 TEST(Radiosity, InterruptStopsTheSpreadingOfLight) {
     Description description;
-    description.sheet(700);
+    description.sheet(100);
     const vantor::Interrupt none;
-    const vantor::Patches patches(description.registry.placements(), 1000, none);
+    const vantor::Patches patches(description.registry.placements(), 500, none);
     const std::vector<vantor::Color> light(patches.size());
-    expect_prompt(std::chrono::milliseconds(100), [&] {
+    expect_prompt(static_cast<long>(patches.size()), [&] {
         const vantor::Interrupt interrupt;
         patches.at_vertices(light, interrupt);
     });
@@ -358,15 +296,24 @@ TEST(Radiosity, InterruptIsHeardFromTheFirstDiagnosticOn) {
 }
 
 TEST(Radiosity, InterruptedNothingIsKept) {
-    // Half a million sides, whose rays take many seconds.
-    Scene scene(250000);
+    Scene scene(2000);
     describe_room(scene, false);
     const scripted::Pixels traced = scene.render(8, 8, 4);
-    std::string errors;
-    const auto late = lateness(std::chrono::milliseconds(500), [&] { errors = errors_of([&] { scene.Radiosity(); }); });
-    EXPECT_LT(late.count(), 3000); // promptness is tested above
-    EXPECT_EQ(errors, "vantor: radiosity: interrupted; nothing is kept\n");
-    EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.render(8, 8, 4).values, traced.values); }), "");
+    const scripted::InterruptHandler handler;
+    const long polls = scripted::polls_of([&] { scene.Radiosity(); });
+    // A side is the least that is asked for.
+    EXPECT_GT(polls, 4000);
+    ASSERT_NE(scene.render(8, 8, 4).values, traced.values);
+    // How many there are in all is not the same each time, as several threads ask.
+    for (const long at : {1L, polls / 4, polls / 2, polls * 3 / 4, polls * 7 / 8}) {
+        {
+            const vantor::InterruptAtPoll interrupt(at);
+            EXPECT_EQ(errors_of([&] { scene.Radiosity(); }), "vantor: radiosity: interrupted; nothing is kept\n")
+                << at << " of " << polls;
+        }
+        EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.render(8, 8, 4).values, traced.values); }), "");
+    }
+    EXPECT_EQ(handler.count(), 5);
 }
 
 } // namespace

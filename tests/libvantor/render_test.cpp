@@ -3,15 +3,15 @@
 #include "tests/libvantor/picture_readers.h"
 #include "tests/libvantor/scripted_scene.h"
 
+#include "libvantor/base/interrupt.h"
 #include "libvantor/base/progress.h"
+#include "tests/libvantor/interrupts.h"
 
-#include <atomic>
-#include <chrono>
 #include <csignal>
 #include <cstring>
+#include <pthread.h>
 #include <regex>
 #include <tbb/global_control.h>
-#include <thread>
 
 namespace {
 
@@ -70,8 +70,11 @@ TEST(Render, OneThreadAndManyGiveTheSameBits) {
     Scene scene;
     build(scene);
     const Pixels many = scene.render(64, 48, 16);
+    // Built on one thread, too.
+    Scene other;
+    build(other);
     const tbb::global_control one_thread(tbb::global_control::max_allowed_parallelism, 1);
-    const Pixels one = scene.render(64, 48, 16);
+    const Pixels one = other.render(64, 48, 16);
     EXPECT_EQ(many.values, one.values);
 }
 
@@ -104,57 +107,20 @@ TEST(Render, DirectLightAgreesWithMoreSamples) {
     EXPECT_NEAR(few, many, 0.02 * many);
 }
 
-std::atomic<int> interrupts_seen = 0;
-void count_interrupt(int) { ++interrupts_seen; }
-
-// Sends Ctrl-C, that long after the pass has put its handler in place of count_interrupt.
-std::thread interrupt_the_pass(std::chrono::milliseconds into_the_pass, std::chrono::steady_clock::time_point &raised) {
-    return std::thread([into_the_pass, &raised] {
-        struct sigaction now;
-        do {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            sigaction(SIGINT, nullptr, &now);
-        } while (now.sa_handler == &count_interrupt);
-        std::this_thread::sleep_for(into_the_pass);
-        raised = std::chrono::steady_clock::now();
-        kill(getpid(), SIGINT);
-    });
-}
-
-// Renders until Ctrl-C comes and checks what has to be so: no file, the old handler called and put back. Returns how
-// long after Ctrl-C the pass ended.
-std::chrono::milliseconds lateness(Scene &scene, std::chrono::milliseconds into_the_pass) {
-    struct sigaction ours = {};
-    ours.sa_handler = count_interrupt;
-    struct sigaction old;
-    sigaction(SIGINT, &ours, &old);
-    interrupts_seen = 0;
-    std::chrono::steady_clock::time_point raised;
-    std::thread other = interrupt_the_pass(into_the_pass, raised);
-    Pixels pixels;
-    const std::string errors = scripted::errors_of([&] { pixels = scene.render(2048, 2048, 1 << 20); });
-    const auto ended = std::chrono::steady_clock::now();
-    other.join();
-
-    EXPECT_TRUE(pixels.values.empty()) << "a file was written";
-    EXPECT_EQ(errors, "vantor: render: interrupted; no picture is written\n");
-    EXPECT_EQ(interrupts_seen, 1);
-    struct sigaction after;
-    sigaction(SIGINT, &old, &after);
-    EXPECT_EQ(after.sa_handler, &count_interrupt);
-    return std::chrono::duration_cast<std::chrono::milliseconds>(ended - raised);
-}
-
-// The best of three: on a busy machine one may be late for want of a processor.
-std::chrono::milliseconds least_lateness(Scene &scene, std::chrono::milliseconds into_the_pass) {
-    const auto one = [&] { return lateness(scene, into_the_pass); };
-    return std::min({one(), one(), one()});
-}
-
 TEST(Render, InterruptStopsThePassAndReachesTheOldHandler) {
     Scene scene;
     build(scene);
-    EXPECT_LT(least_lateness(scene, std::chrono::milliseconds(200)), std::chrono::milliseconds(250));
+    const scripted::InterruptHandler handler;
+    {
+        // So many samples that no pixel is ever finished.
+        const vantor::InterruptAtPoll interrupt(50);
+        Pixels pixels;
+        EXPECT_EQ(scripted::errors_of([&] { pixels = scene.render(2048, 2048, 1 << 20); }),
+                  "vantor: render: interrupted; no picture is written\n");
+        EXPECT_TRUE(pixels.values.empty()) << "a file was written";
+        EXPECT_EQ(handler.count(), 1);
+        EXPECT_TRUE(handler.is_in_place());
+    }
     // The next pass is whole.
     EXPECT_FALSE(scene.render(8, 8, 1).values.empty());
 }
@@ -162,13 +128,7 @@ TEST(Render, InterruptStopsThePassAndReachesTheOldHandler) {
 TEST(Render, InterruptKeepsWhatIsFinished) {
     Scene scene;
     build(scene);
-    struct sigaction ours = {};
-    ours.sa_handler = count_interrupt;
-    struct sigaction old;
-    sigaction(SIGINT, &ours, &old);
-    interrupts_seen = 0;
-    // Tiles of some milliseconds, and very many of them: soon some are finished, and never all.
-    std::chrono::steady_clock::time_point raised;
+    const scripted::InterruptHandler handler;
     const std::string exr = scripted::path_of("interrupted.exr");
     const std::string jpeg = scripted::path_of("interrupted.jpg");
     const auto imager = [&](const std::string &path) {
@@ -177,13 +137,15 @@ TEST(Render, InterruptKeepsWhatIsFinished) {
     };
     scene.ImagerBegin(imager(exr));
     scene.ImagerBegin(imager(jpeg));
-    std::thread other = interrupt_the_pass(std::chrono::milliseconds(400), raised);
-    const std::string errors = scripted::errors_of([&] { scene.Render(800, 800, 256, 0, 0, 1, 1); });
-    other.join();
+    // Some blocks of pixels are finished then, and others are not.
+    std::string errors;
+    {
+        const vantor::InterruptAtPoll interrupt(500);
+        errors = scripted::errors_of([&] { scene.Render(800, 800, 256, 0, 0, 1, 1); });
+    }
     scene.ImagerEnd();
     scene.ImagerEnd();
-    sigaction(SIGINT, &old, nullptr);
-    EXPECT_EQ(interrupts_seen, 1);
+    EXPECT_EQ(handler.count(), 1);
 
     std::smatch found;
     const std::regex lines("vantor: render: interrupted; ((?:less than )?\\d+) % of the pixels are in \"" + exr +
@@ -231,17 +193,6 @@ TEST(Render, InterruptIsHeardWhileImagersAreChecked) {
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST(Render, InterruptStopsTheBuildOfALargeScene) {
-    Scene scene;
-    scene.camera({0, 0, 5}, {0, 0, 0}, 40);
-    scripted::Points points;
-    scripted::Indices triangles;
-    scripted::fill_with_sheet(700, points, triangles);
-    scene.AddObject(scene.object("mesh", "points", points, "triangles", triangles));
-    // A million triangles take longer than this to build.
-    EXPECT_LT(least_lateness(scene, std::chrono::milliseconds(20)), std::chrono::milliseconds(250));
-}
-
 TEST(Render, TimeLeftIsToldInTwoUnitsAtMost) {
     EXPECT_EQ(vantor::time_text(0.4), "0 s");
     EXPECT_EQ(vantor::time_text(59.4), "59 s");
@@ -257,14 +208,33 @@ TEST(Render, AnIgnoredInterruptStaysIgnored) {
     ignored.sa_handler = SIG_IGN;
     struct sigaction old;
     sigaction(SIGINT, &ignored, &old);
-    std::thread other([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        kill(getpid(), SIGINT);
-    });
-    const Pixels pixels = scene.render(256, 256, 16);
-    other.join();
+    const vantor::InterruptAtPoll interrupt(5);
+    const Pixels pixels = scene.render(32, 32, 16);
+    EXPECT_GT(interrupt.polls(), 5);
     sigaction(SIGINT, &old, nullptr);
     EXPECT_FALSE(pixels.values.empty());
+}
+
+TEST(Render, AThreadWithASmallStackMayCall) {
+    Scene scene;
+    build(scene);
+    const std::string path = scripted::path_of("small_stack.exr");
+    scripted::List list("name", path);
+    scene.NewImager("file", list);
+    const auto run = [](void *argument) -> void * {
+        auto &its_scene = *static_cast<Scene *>(argument);
+        its_scene.Radiosity();
+        its_scene.Render(8, 8, 4, 0, 0, 1, 1);
+        return nullptr;
+    };
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 * 1024), 0);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &scene), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+    EXPECT_EQ(scripted::read_exr(path).values, scene.render(8, 8, 4).values);
 }
 
 } // namespace

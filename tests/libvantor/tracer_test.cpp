@@ -36,7 +36,11 @@ class Stage {
         objects.back().trimmers.push_back(&nothing);
     }
     void fill_with_medium() { placements.back().interior = 0; }
-    Tracer tracer() const { return Tracer::build(placements, Interrupt()); }
+    Tracer tracer() const {
+        Tracer tracer;
+        tracer.update(placements, Interrupt());
+        return tracer;
+    }
 
   private:
     std::deque<Object> objects;

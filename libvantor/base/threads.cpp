@@ -1,0 +1,58 @@
+// Threads: those that passes run on.
+#include "libvantor/base/threads.h"
+
+#include "libvantor/base/report.h"
+
+#include <cstring>
+#include <exception>
+#include <pthread.h>
+#include <stdexcept>
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_for.h>
+#include <tbb/partitioner.h>
+
+namespace vantor {
+
+namespace {
+
+// As much as a main thread usually has. Only what is used takes memory.
+constexpr std::size_t stack_bytes = std::size_t{8} << 20;
+
+struct Job {
+    const std::function<void()> &work;
+    std::exception_ptr thrown;
+};
+
+void *run(void *argument) {
+    Job &job = *static_cast<Job *>(argument);
+    try {
+        job.work();
+    } catch (...) {
+        job.thrown = std::current_exception();
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void on_own_stack(const std::function<void()> &work) {
+    Job job{work, nullptr};
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, stack_bytes);
+    pthread_t thread;
+    const int error = pthread_create(&thread, &attributes, run, &job);
+    pthread_attr_destroy(&attributes);
+    if (error != 0)
+        throw std::runtime_error(joined({"no thread could be started (", std::strerror(error), ")"}));
+    pthread_join(thread, nullptr);
+    if (job.thrown)
+        std::rethrow_exception(job.thrown);
+}
+
+void start_workers() {
+    tbb::parallel_for(
+        tbb::blocked_range<int>(0, 64), [](const tbb::blocked_range<int> &) {}, tbb::simple_partitioner());
+}
+
+} // namespace vantor

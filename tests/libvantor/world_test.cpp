@@ -1,0 +1,264 @@
+// World: what a scene keeps between passes, and that nobody can see whether it did.
+#include "libvantor/integrators/render.h"
+#include "libvantor/radiosity/radiosity.h"
+#include "tests/libvantor/description.h"
+#include "tests/libvantor/interrupts.h"
+
+#include <cstdlib>
+#include <functional>
+
+namespace {
+
+using scripted::Description;
+using scripted::errors_of;
+using scripted::Pixels;
+using scripted::Scene;
+using vantor::EntityKind;
+
+/// A description with its world.
+class Kept : public Description {
+  public:
+    const vantor::World &world() {
+        const vantor::Interrupt interrupt;
+        return worlds.current(registry, interrupt);
+    }
+    long objects() { return world().tracer.builds().objects; }
+    long top_levels() { return world().tracer.builds().top_levels; }
+
+    vantor::WorldCache worlds;
+};
+
+TEST(World, ASecondPassBuildsNothing) {
+    Kept scene;
+    scene.sheet(100);
+    scene.make(EntityKind::Light, "environment");
+    const vantor::World *first = &scene.world();
+    EXPECT_EQ(scene.objects(), 1);
+    EXPECT_EQ(scene.top_levels(), 1);
+    EXPECT_EQ(&scene.world(), first);
+    EXPECT_EQ(scene.objects(), 1);
+    EXPECT_EQ(scene.top_levels(), 1);
+}
+
+TEST(World, ACameraChangesOnlyTheView) {
+    Kept scene;
+    scene.sheet(100);
+    for (const double x : {1.0, 2.0}) {
+        scene.make(EntityKind::Camera, "perspective", "position", VtVector3(x, 0, 0));
+        const vantor::View view = vantor::view_of(scene.world(), scene.registry);
+        EXPECT_EQ(view.camera.position().x, static_cast<float>(x));
+        EXPECT_EQ(scene.objects(), 1);
+        EXPECT_EQ(scene.top_levels(), 1);
+    }
+}
+
+TEST(World, AnAddedObjectBuildsOnlyItselfAndTheTopLevel) {
+    Kept scene;
+    scene.sheet(100);
+    scene.sheet(100);
+    EXPECT_EQ(scene.objects(), 2);
+    EXPECT_EQ(scene.top_levels(), 1);
+    scene.box(); // small: in the top level
+    EXPECT_EQ(scene.objects(), 2);
+    EXPECT_EQ(scene.top_levels(), 2);
+    scene.sheet(100);
+    EXPECT_EQ(scene.objects(), 3);
+    EXPECT_EQ(scene.top_levels(), 3);
+    EXPECT_EQ(scene.world().placements.size(), 4u);
+}
+
+TEST(World, AnInstanceMoreBuildsOnlyTheTopLevel) {
+    Kept scene;
+    scripted::Points points;
+    scripted::Indices triangles;
+    scripted::fill_with_sheet(100, points, triangles);
+    const VtLong mesh = scene.make(EntityKind::Object, "mesh", "points", points, "triangles", triangles);
+    scene.registry.add_object(mesh);
+    scene.registry.add_object(mesh);
+    EXPECT_EQ(scene.objects(), 1);
+    scene.registry.add_object(mesh);
+    EXPECT_EQ(scene.objects(), 1);
+    EXPECT_EQ(scene.top_levels(), 2);
+}
+
+TEST(World, SwitchingALightBuildsNoSurface) {
+    Kept scene;
+    scene.sheet(100);
+    const VtLong light = scene.make(EntityKind::Light, "point");
+    EXPECT_FALSE(scene.world().lights.is_empty());
+    scene.registry.switch_light(light, false);
+    EXPECT_TRUE(scene.world().lights.is_empty());
+    scene.registry.switch_light(light, true);
+    EXPECT_FALSE(scene.world().lights.is_empty());
+    EXPECT_EQ(scene.objects(), 1);
+    EXPECT_EQ(scene.top_levels(), 1);
+}
+
+TEST(World, RadiosityAndThenRenderBuildOnce) {
+    Kept scene;
+    scene.sheet(100);
+    scene.make(EntityKind::Light, "point", "position", VtVector3(0.5, 0.5, 1));
+    scene.make(EntityKind::Camera, "perspective", "position", VtVector3(0.5, 0.5, 2));
+    const std::string path = scripted::path_of("built_once.exr");
+    scene.make(EntityKind::Imager, "file", "name", path);
+    vantor::Radiosity radiosity(100);
+    radiosity.pass(scene.registry, scene.worlds, scene.report);
+    const vantor::IrradianceCache *indirect = radiosity.result(scene.registry, scene.report);
+    ASSERT_TRUE(indirect);
+    vantor::render({8, 8, 1, 0, 0, 1, 1}, scene.registry, scene.worlds, indirect, scene.report);
+    EXPECT_EQ(scripted::read_exr(path).values.size(), 64u);
+    EXPECT_EQ(scene.objects(), 1);
+    EXPECT_EQ(scene.top_levels(), 1);
+}
+
+// What an interrupted build has finished is there for the next one.
+TEST(World, AnInterruptedBuildIsBuiltUpon) {
+    const auto describe = [](Kept &scene) {
+        for (int i = 0; i < 3; ++i)
+            scene.sheet(100);
+        scene.box();
+    };
+    Kept whole;
+    describe(whole);
+    const long polls = scripted::polls_of([&] { whole.world(); });
+    const scripted::InterruptHandler handler;
+    for (long at = 1; at <= polls; at += 1 + polls / 10) {
+        Kept scene;
+        describe(scene);
+        {
+            const vantor::InterruptAtPoll interrupt(at);
+            // With threads of its own, Embree may ask less often at another time.
+            try {
+                scene.world();
+                EXPECT_LT(interrupt.polls(), at);
+            } catch (const vantor::Interrupted &) {
+            }
+        }
+        EXPECT_EQ(scene.objects(), 3) << at << " of " << polls;
+        EXPECT_EQ(scene.top_levels(), 1);
+        EXPECT_EQ(scene.world().tracer.radius(), whole.world().tracer.radius());
+    }
+}
+
+/// Steps of a script, of which any may come before or after a picture.
+using Steps = std::vector<std::function<void(Scene &)>>;
+
+// The last picture, with or without one after each step before.
+Pixels picture_of(const Steps &steps, bool draws_between) {
+    Scene scene;
+    scene.camera({0.6, 1.4, 4}, {0, 0, 0}, 50);
+    Pixels pixels;
+    for (const auto &step : steps) {
+        step(scene);
+        if (draws_between || &step == &steps.back())
+            pixels = scene.render(48, 32, 4);
+    }
+    return pixels;
+}
+
+VtTransform moved(double x, double y, double z) {
+    VtTransform m;
+    m.Translation({x, y, z});
+    return m;
+}
+
+VtLong sheet(Scene &scene, int side) {
+    scripted::Points points;
+    scripted::Indices triangles;
+    scripted::fill_with_sheet(side, points, triangles);
+    return scene.object("mesh", "points", points, "triangles", triangles);
+}
+
+TEST(World, StepByStepOrAtOnceThePictureIsTheSame) {
+    VtLong mesh = 0;
+    VtLong lamp = 0;
+    const auto place = [](Scene &scene, VtLong object, const VtTransform &transform) {
+        scene.TransformBegin(transform);
+        scene.AddObject(object);
+        scene.TransformEnd();
+    };
+    const Steps steps = {
+        [&](Scene &scene) { scene.light("environment"); },
+        // Distant lights go by the size of all that is there.
+        [&](Scene &scene) {
+            scene.light("distant", "irradiance", 2.0);
+            lamp = scene.light("point", "position", VtVector3(1, 2, 3), "intensity", 4.0);
+        },
+        [&](Scene &scene) { scene.AddObject(scene.object("box")); },
+        // With a side where the box has one.
+        [&](Scene &scene) { scene.AddObject(scene.object("box", "min", VtVector3(0, -0.5, -0.5))); },
+        [&](Scene &scene) { scene.AddObject(sheet(scene, 100)); },
+        // A copy until it is placed once more.
+        [&](Scene &scene) {
+            mesh = sheet(scene, 75);
+            place(scene, mesh, moved(-1.5, 0, 0));
+        },
+        [&](Scene &scene) { place(scene, mesh, moved(-1.5, 0.8, -1)); },
+        [&](Scene &scene) {
+            VtInstanceArray<VtTransform> places;
+            for (const double x : {-1.0, 0.0, 1.0})
+                places.Add(moved(x, 1, -1));
+            scene.AddObject(
+                scene.object("instances", "object", scene.object("sphere", "radius", 0.3), "places", places));
+        },
+        [&](Scene &scene) {
+            VtTransform stretched;
+            stretched.Scaling({0.4, 0.8, -0.4});
+            place(scene, scene.object("sphere"), stretched);
+            place(scene, scene.object("cone"), moved(1.5, 0, 0));
+            place(scene, sheet(scene, 100), stretched);
+        },
+        // The first body changes how all is built.
+        [&](Scene &scene) {
+            scripted::List haze("sigma_t", 0.5, "albedo", 0.5);
+            scene.InteriorBegin(scene.NewInterior("homogeneous", haze));
+            scene.MaterialBegin(scene.surface("dielectric"));
+            place(scene, scene.object("sphere", "radius", 0.6), moved(0, 0.2, 1));
+            scene.MaterialEnd();
+            scene.InteriorEnd();
+        },
+        [&](Scene &scene) { scene.LightOff(lamp); },
+        [&](Scene &scene) { scene.LightOn(lamp); },
+    };
+    for (std::size_t count = 1; count <= steps.size(); ++count) {
+        const Steps first(steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(count));
+        const Pixels at_once = picture_of(first, false);
+        ASSERT_EQ(at_once.values.size(), 48u * 32u);
+        EXPECT_EQ(picture_of(first, true).values, at_once.values) << "after step " << count;
+    }
+}
+
+// A mesh that is placed only through instances; whatever the moment, an interrupt is told as one, and does no harm.
+TEST(World, AnInterruptedBuildOfInstancesIsNoMistake) {
+    setenv("VANTOR_DIAGNOSTICS", "strict", 1);
+    const auto describe = [](Scene &scene) {
+        scene.camera({0.5, 0.5, 3}, {0.5, 0.5, 0}, 40);
+        scene.light("environment");
+        VtInstanceArray<VtTransform> places;
+        places.Add(moved(0, 0, 0));
+        places.Add(moved(0.1, 0, -1));
+        scene.AddObject(scene.object("instances", "object", sheet(scene, 100), "places", places));
+    };
+    Scene whole;
+    describe(whole);
+    const Pixels wanted = whole.render(16, 16, 1);
+    Kept counted;
+    counted.sheet(100);
+    const long polls = scripted::polls_of([&] { counted.world(); });
+    ASSERT_GT(polls, 3);
+    const scripted::InterruptHandler handler;
+    for (const long at : {1L, 2L, 3L, polls / 2}) {
+        Scene scene;
+        describe(scene);
+        {
+            const vantor::InterruptAtPoll interrupt(at);
+            EXPECT_EQ(errors_of([&] { scene.render(16, 16, 1); }),
+                      "vantor: render: interrupted; no picture is written\n")
+                << at << " of " << polls;
+        }
+        EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.render(16, 16, 1).values, wanted.values); }), "");
+    }
+    unsetenv("VANTOR_DIAGNOSTICS");
+}
+
+} // namespace
