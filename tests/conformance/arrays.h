@@ -9,7 +9,8 @@
 #include <vector>
 
 /// An array of the given blocks and size; no block where a count is 0. The elements of each block are followed by a
-/// page that nobody may touch. Byte j of element i is (i + 1) % 251, so that elements differ and no double is NaN.
+/// page that nobody may touch, and nobody may write to them. Byte j of element i is (i + 1) % 251, so that elements
+/// differ and no double is NaN.
 template <class Element> class GuardedArray : public VtInstanceArray<Element> {
   public:
     GuardedArray(const std::vector<VtLong> &counts, VtLong claimed) {
@@ -22,6 +23,7 @@ template <class Element> class GuardedArray : public VtInstanceArray<Element> {
             added.block = {count, static_cast<Element *>(added.memory.data()), nullptr};
             for (VtLong i = 0; i < count; ++i)
                 std::memset(static_cast<void *>(added.block.data + i), ++index % 251, sizeof(Element));
+            added.memory.make_read_only();
             *end = &added.block;
             end = &added.block.next;
         }

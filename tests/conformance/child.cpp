@@ -40,6 +40,12 @@ namespace {
 
 } // namespace
 
+std::string how_it_ended(int status) {
+    if (WIFSIGNALED(status))
+        return "ended by signal " + std::to_string(WTERMSIG(status)) + " (" + strsignal(WTERMSIG(status)) + ")";
+    return "ended the process with exit code " + std::to_string(WEXITSTATUS(status));
+}
+
 Child::Child(const std::function<void(const Send &)> &work) {
     int ends[2];
     std::cout.flush();
@@ -90,7 +96,5 @@ std::string Child::how_it_ended() {
     int status = 0;
     waitpid(process, &status, 0);
     process = 0;
-    if (WIFSIGNALED(status))
-        return "ended by signal " + std::to_string(WTERMSIG(status)) + " (" + strsignal(WTERMSIG(status)) + ")";
-    return "ended the process with exit code " + std::to_string(WEXITSTATUS(status));
+    return ::how_it_ended(status);
 }

@@ -6,6 +6,9 @@
 #include <functional>
 #include <string>
 
+/// What became of a process, from what waitpid() says of it.
+std::string how_it_ended(int status);
+
 class Child {
   public:
     /// Sends one line; whatever is not printable ASCII becomes a question mark.

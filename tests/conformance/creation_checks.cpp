@@ -1,52 +1,48 @@
 // Checks of the operations that create something: any type, any list.
 #include "checks.h"
 #include "objects.h"
+#include "use.h"
 
 #include <limits>
 #include <utility>
 
 namespace {
 
-using Proxy = VtLocalSceneProxy;
-
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
-
-struct Creation {
-    std::string name;
-    VtLong (Proxy::*call)(const char *, VtArgList &);
-};
-const std::vector<Creation> creations = {
-    {"NewCamera", &Proxy::NewCamera},     {"NewImager", &Proxy::NewImager},   {"NewInterface", &Proxy::NewInterface},
-    {"NewInterior", &Proxy::NewInterior}, {"NewLight", &Proxy::NewLight},     {"NewMaterial", &Proxy::NewMaterial},
-    {"NewObject", &Proxy::NewObject},     {"NewPattern", &Proxy::NewPattern}, {"NewTrimmer", &Proxy::NewTrimmer},
-};
 
 struct ListOfValues {
     std::string name;
     void (*fill)(MadeList &);
 };
 
-// A name before each value.
-template <class Add> void add_named(MadeList &list, Add add) {
-    for_each_element_type([&]<class Type>(const Type &zero) {
-        list.add_text(value_kind<Type>().name);
-        add(zero);
-    });
+// Names that parameters often have.
+const std::vector<const char *> value_names = {"name", "position", "color", "intensity", "radius"};
+const std::vector<const char *> array_names = {"points", "triangles"};
+
+// Values of all kinds, each with each of the names before it.
+template <class Add> void add_named(MadeList &list, const std::vector<const char *> &names, Add add) {
+    for (const char *name : names)
+        for_each_element_type([&]<class Type>(const Type &zero) {
+            list.add_name(name);
+            add(zero);
+        });
 }
 
 const std::vector<ListOfValues> lists = {
     {"an empty list", [](MadeList &) {}},
     {"names and values",
      [](MadeList &list) {
-         list.add_text("name");
-         list.add_text("value");
-         add_named(list, [&]<class Type>(const Type &) { list.add(sample<Type>()); });
+         for (const char *name : value_names) {
+             list.add_name(name);
+             list.add_text("value");
+         }
+         add_named(list, value_names, [&]<class Type>(const Type &) { list.add(sample<Type>()); });
      }},
-    {"a name without a value", [](MadeList &list) { list.add_text("name"); }},
+    {"a name without a value", [](MadeList &list) { list.add_name("name"); }},
     {"a value after the last pair",
      [](MadeList &list) {
-         list.add_text("radius");
+         list.add_name("radius");
          list.add(2.5);
          list.add(VtLong(7));
      }},
@@ -62,7 +58,7 @@ const std::vector<ListOfValues> lists = {
          for (const std::string &text :
               {std::string(), std::string("%s%s%n"), std::string("gr\xc3\xb6\xc3\x9f\xc3\xa9r"), std::string(15, 'x'),
                std::string(16, 'x'), std::string(100000, 'x'), std::string("/../")}) {
-             list.add_text("name");
+             list.add_name("name");
              list.add_text(text);
          }
      }},
@@ -70,31 +66,33 @@ const std::vector<ListOfValues> lists = {
      [](MadeList &list) {
          using Limits = std::numeric_limits<VtLong>;
          for (const VtLong number : {0, -1, Limits::max(), Limits::min()}) {
-             list.add_text("number");
+             list.add_name("number");
              list.add(number);
          }
          for (const double number : {0.0, -1.0, 1e308, infinity, -infinity, not_a_number}) {
-             list.add_text("number");
+             list.add_name("number");
              list.add(number);
-             list.add_text("vector");
+             list.add_name("vector");
              list.add(VtVector3(number, number, number));
          }
      }},
     {"empty arrays",
-     [](MadeList &list) { add_named(list, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, 0); }); }},
+     [](MadeList &list) {
+         add_named(list, array_names, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, 0); });
+     }},
     {"arrays of several blocks",
      [](MadeList &list) {
-         add_named(list, [&]<class Type>(const Type &) { list.add_array_of<Type>({1, 2, 4, 8}, 11); });
+         add_named(list, array_names, [&]<class Type>(const Type &) { list.add_array_of<Type>({1, 2, 4, 8}, 11); });
      }},
     {"arrays of negative size",
      [](MadeList &list) {
-         add_named(list, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, -1); });
-         add_named(list, [&]<class Type>(const Type &) { list.add_array_of<Type>({3}, -5); });
+         add_named(list, array_names, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, -1); });
+         add_named(list, array_names, [&]<class Type>(const Type &) { list.add_array_of<Type>({3}, -5); });
      }},
     {"arrays with fewer elements than their size",
      [](MadeList &list) {
-         add_named(list, [&]<class Type>(const Type &) { list.add_array_of<Type>({1, 2}, 1000); });
-         add_named(list, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, 1000); });
+         add_named(list, array_names, [&]<class Type>(const Type &) { list.add_array_of<Type>({1, 2}, 1000); });
+         add_named(list, array_names, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, 1000); });
      }},
     {"3000 values",
      [](MadeList &list) {
@@ -105,7 +103,7 @@ const std::vector<ListOfValues> lists = {
      }},
 };
 
-// The types that each creation is tried with; an empty optional is the null pointer of a script's None.
+// The types that each creation is tried with, after the null pointer of a script's None.
 struct Types {
     std::vector<std::string> names;
 
@@ -122,6 +120,7 @@ void check_list(const Library &library, const Types &types, const Creation &crea
         MadeList list(library);
         values.fill(list);
         const VtLong id = ((*scene).*creation.call)(type, list.list());
+        list.surroundings().require_untouched_surroundings("the operation");
         scene->AddObject(id);
         scene->LightOn(id);
     });
@@ -133,7 +132,7 @@ void check_whole_arrays(const Library &library, const Types &types, const Creati
             const MadeScene scene(library);
             const WatchedArray<Type> array;
             MadeList list(library);
-            list.add_text("values");
+            list.add_name(std::is_same_v<Type, VtLong> ? "triangles" : "points");
             list.add_array<Type>(array);
             ((*scene).*creation.call)(type, list.list());
             require(!array.was_read_by_its_first_block_only(),
@@ -167,7 +166,7 @@ void check_nothing_kept(const Library &library, const Types &types, const Creati
         scene->MaterialBegin(id);
         scene->AddObject(id);
         scene->Radiosity();
-        scene->Render(4, 3, 1, 0.0, 0.0, 1.0, 1.0);
+        render(*scene);
 
         room.unseal();
         array->~Array();
@@ -177,7 +176,7 @@ void check_nothing_kept(const Library &library, const Types &types, const Creati
 } // namespace
 
 Group creation_checks(const std::vector<std::string> &names) {
-    Types types{{"", "no such type", std::string(1000, 'x')}};
+    Types types{{"", "no such type", std::string(1000, 'x'), "perspective", "file", "point", "mesh", "sphere"}};
     types.names.insert(types.names.end(), names.begin(), names.end());
 
     Group group;
@@ -190,12 +189,15 @@ Group creation_checks(const std::vector<std::string> &names) {
         group.push_back({creation.name + " keeps nothing that belongs to the script",
                          [=](const Library &library) { check_nothing_kept(library, types, creation); }});
     }
-    group.push_back({"NewTexture takes any type", [=](const Library &library) {
-                         types.for_each([&](const char *type) {
-                             const MadeScene scene(library);
-                             scene->NewTexture(type);
-                             scene->Render(4, 3, 1, 0.0, 0.0, 1.0, 1.0);
-                         });
-                     }});
+    group.push_back(
+        {"NewTexture takes any type, and keeps nothing that belongs to the script", [=](const Library &library) {
+             types.for_each([&](const char *type) {
+                 const MadeScene scene(library);
+                 auto own_type = std::make_unique<GuardedText>(type ? type : "");
+                 scene->NewTexture(type ? own_type->characters() : nullptr);
+                 own_type.reset();
+                 render(*scene);
+             });
+         }});
     return group;
 }

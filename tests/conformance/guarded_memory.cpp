@@ -41,11 +41,13 @@ GuardedMemory::GuardedMemory(std::size_t bytes)
 
 GuardedMemory::~GuardedMemory() { munmap(pages, length + page_size); }
 
+void GuardedMemory::make_read_only() { mprotect(pages, length, PROT_READ); }
 void GuardedMemory::seal() { mprotect(pages, length, PROT_NONE); }
 void GuardedMemory::unseal() { mprotect(pages, length, PROT_READ | PROT_WRITE); }
 
 GuardedText::GuardedText(const std::string &text) : memory(text.size() + 1) {
     std::memcpy(memory.data(), text.c_str(), text.size() + 1);
+    memory.make_read_only();
 }
 
 WatchedMemory::WatchedMemory(std::size_t count) : pages(count), begin(map_pages(size(), PROT_NONE)) {

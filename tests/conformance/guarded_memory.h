@@ -15,7 +15,9 @@ class GuardedMemory {
 
     void *data() const { return pages + length - size; }
 
-    /// From here until unseal() nobody may touch the bytes either.
+    /// From here on nobody may write.
+    void make_read_only();
+    /// From here until unseal() nobody may touch the bytes at all.
     void seal();
     void unseal();
 
@@ -25,7 +27,7 @@ class GuardedMemory {
     unsigned char *pages;
 };
 
-/// A null-terminated text in such memory.
+/// A null-terminated text in such memory, which nobody may write to.
 class GuardedText {
   public:
     explicit GuardedText(const std::string &text);

@@ -7,11 +7,11 @@ namespace {
 
 void check_order(const Library &library) {
     MadeList list(library);
-    for (VtLong i = 0; i < 1000; ++i) {
+    for (VtLong i = 0; i < 5000; ++i) {
         list.add(i);
         require(list.count() == i + 1, "it counts " + std::to_string(list.count()) + " after " + std::to_string(i + 1));
     }
-    for (VtLong i = 0; i < 1000; ++i) {
+    for (VtLong i = 0; i < 5000; ++i) {
         const auto found = value_in<VtLong>(library, list.at(i));
         require(found == i, "value " + std::to_string(i) + " is " + std::to_string(found));
     }

@@ -50,7 +50,8 @@ template <class Object> class Room {
 
   private:
     static constexpr unsigned char filling = 0xA5;
-    static constexpr std::size_t margin = 256;
+    // Aligned to 8 bytes and no more, which is all that the headers promise.
+    static constexpr std::size_t margin = 248;
     alignas(16) unsigned char bytes[margin + sizeof(Object) + margin];
 };
 
@@ -118,6 +119,8 @@ class MadeList {
     const Room<VtArgList> &surroundings() const { return room; }
 
     template <class Value> void add(const Value &value) { add_made(*MadeValue::of(library, value)); }
+    /// The name of a parameter; the characters live for ever.
+    void add_name(const char *name) { add_made(*MadeValue::of(library, const_cast<char *>(name))); }
     /// A text that lives as long as the list.
     void add_text(const std::string &text) {
         texts.push_back(std::make_unique<GuardedText>(text));

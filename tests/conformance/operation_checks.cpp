@@ -1,70 +1,62 @@
 // Checks of the operations that create nothing: any order, any id, any size of a picture.
 #include "checks.h"
 #include "objects.h"
+#include "use.h"
 
 #include <limits>
 #include <utility>
 
 namespace {
 
-using Proxy = VtLocalSceneProxy;
 using Limits = std::numeric_limits<VtLong>;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 
-struct Plain {
-    std::string name;
-    void (Proxy::*call)();
-};
-const std::vector<Plain> plain_operations = {
-    {"ImagerEnd", &Proxy::ImagerEnd}, {"InteriorEnd", &Proxy::InteriorEnd}, {"LightBegin", &Proxy::LightBegin},
-    {"LightEnd", &Proxy::LightEnd},   {"MaterialEnd", &Proxy::MaterialEnd}, {"TransformEnd", &Proxy::TransformEnd},
-    {"Radiosity", &Proxy::Radiosity},
-};
-
-struct WithId {
-    std::string name;
-    void (Proxy::*call)(VtLong);
-};
-const std::vector<WithId> operations_with_id = {
-    {"ImagerBegin", &Proxy::ImagerBegin}, {"InteriorBegin", &Proxy::InteriorBegin}, {"LightOn", &Proxy::LightOn},
-    {"LightOff", &Proxy::LightOff},       {"MaterialBegin", &Proxy::MaterialBegin}, {"AddObject", &Proxy::AddObject},
-};
-
-void render(const MadeScene &scene) { scene->Render(4, 3, 1, 0.0, 0.0, 1.0, 1.0); }
-
 // All operations one after the other, in the order of the slots, as no sensible script would call them.
 void check_any_order(const Library &library) {
     const MadeScene scene(library);
     for (int round = 0; round < 2; ++round) {
-        for (const WithId &operation : operations_with_id)
+        for (const OperationWithId &operation : operations_with_id)
             ((*scene).*operation.call)(1);
-        for (const Plain &operation : plain_operations)
+        for (const PlainOperation &operation : plain_operations)
             ((*scene).*operation.call)();
         scene->TransformBegin(sample<VtTransform>());
-        render(scene);
+        render(*scene);
     }
+}
+
+// The transform that TransformBegin is given lasts until it returns.
+void check_transform_not_kept(const Library &library) {
+    const MadeScene scene(library);
+    GuardedMemory room(sizeof(VtTransform));
+    const auto *transform = new (room.data()) VtTransform(sample<VtTransform>());
+    room.make_read_only();
+    scene->TransformBegin(*transform);
+    room.seal();
+    scene->AddObject(1);
+    scene->TransformEnd();
+    render(*scene);
 }
 
 } // namespace
 
 Group operation_checks() {
     Group group;
-    for (const Plain &operation : plain_operations)
+    for (const PlainOperation &operation : plain_operations)
         group.push_back({operation.name + " returns on an empty scene", [operation](const Library &library) {
                              const MadeScene scene(library);
                              ((*scene).*operation.call)();
                              ((*scene).*operation.call)();
                          }});
-    for (const WithId &operation : operations_with_id)
+    for (const OperationWithId &operation : operations_with_id)
         for (const VtLong id : {0, 1, -1, 1000000, Limits::max(), Limits::min()})
             group.push_back({operation.name + "(" + std::to_string(id) + ") returns, and Render after it",
                              [operation, id](const Library &library) {
                                  const MadeScene scene(library);
                                  ((*scene).*operation.call)(id);
                                  scene->AddObject(1);
-                                 render(scene);
+                                 render(*scene);
                              }});
     group.push_back({"TransformBegin returns for any transform", [](const Library &library) {
                          const MadeScene scene(library);
@@ -74,8 +66,9 @@ Group operation_checks() {
                              scene->TransformBegin(transform);
                          }
                          scene->AddObject(1);
-                         render(scene);
+                         render(*scene);
                      }});
+    group.push_back({"TransformBegin keeps nothing that belongs to the script", check_transform_not_kept});
     group.push_back({"all operations return in any order", check_any_order});
 
     struct Size {

@@ -25,7 +25,7 @@ class Runner {
     int limit;
     int passed = 0;
     int failed = 0;
-    int hangs = 0; ///< In the group that is running.
+    bool has_hung = false; ///< A check of the group that is running.
     bool is_opened = false;
     bool cannot_open = false;
 };

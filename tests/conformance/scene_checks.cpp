@@ -2,6 +2,7 @@
 #include "checks.h"
 #include "memory_use.h"
 #include "objects.h"
+#include "use.h"
 
 #include <exception>
 #include <limits>
@@ -13,9 +14,8 @@ void check_room(const Library &library) {
     Room<VtLocalSceneProxy> room;
     library.function<void(void *, VtLong)>(symbols::proxy_constructor)(room.place(), 10240);
     room.require_untouched_surroundings("the constructor");
-    room.object().LightBegin();
-    room.object().LightEnd();
-    room.require_untouched_surroundings("LightBegin or LightEnd");
+    use_everything(library, room.object());
+    room.require_untouched_surroundings("an operation");
     library.function<void(void *)>(symbols::proxy_destructor)(room.place());
     room.require_untouched_surroundings("the destructor");
 }
@@ -26,19 +26,9 @@ void check_two_scenes(const Library &library) {
         MadeScene second(library);
         first->LightBegin();
         second->LightBegin();
+        use_everything(library, *second);
     }
-    first->LightEnd();
-}
-
-void use(MadeScene &scene, const Library &library) {
-    MadeList list(library);
-    list.add_text("name");
-    list.add_text("a text of more than fifteen characters");
-    list.add_array_of<VtVector3>({1, 2, 4}, 7);
-    const VtLong id = scene->NewObject("no such type", list.list());
-    scene->TransformBegin(sample<VtTransform>());
-    scene->LightBegin();
-    scene->AddObject(id);
+    use_everything(library, *first);
 }
 
 // One call at a time, but each from another thread.
@@ -57,8 +47,8 @@ void check_threads(const Library &library) {
     };
     std::unique_ptr<MadeScene> scene;
     in_a_thread([&] { scene = std::make_unique<MadeScene>(library); });
-    in_a_thread([&] { use(*scene, library); });
-    in_a_thread([&] { (*scene)->Render(4, 3, 1, 0.0, 0.0, 1.0, 1.0); });
+    in_a_thread([&] { use_everything(library, **scene); });
+    in_a_thread([&] { render(**scene); });
     in_a_thread([&] { scene.reset(); });
 }
 
@@ -68,8 +58,11 @@ Group scene_checks() {
     using Limits = std::numeric_limits<VtLong>;
     Group group;
     for (const VtLong number : {10240, 1, 0, -1, Limits::max(), Limits::min()})
-        group.push_back({"VtLocalSceneProxy(" + std::to_string(number) + ") is made and destroyed",
-                         [number](const Library &library) { const MadeScene scene(library, number); }});
+        group.push_back({"VtLocalSceneProxy(" + std::to_string(number) + ") is made, used and destroyed",
+                         [number](const Library &library) {
+                             const MadeScene scene(library, number);
+                             use_everything(library, *scene);
+                         }});
     group.push_back({"VtLocalSceneProxy stays in its room", check_room});
     group.push_back({"VtLocalSceneProxy has its destructors in slots 0 and 1", [](const Library &library) {
                          const MadeScene scene(library);
@@ -91,8 +84,8 @@ Group scene_checks() {
                      [](const Library &library) { require_no_growth([&] { const MadeScene scene(library); }); }});
     group.push_back({"VtLocalSceneProxy gives the memory of what was created in it back", [](const Library &library) {
                          require_no_growth([&] {
-                             MadeScene scene(library);
-                             use(scene, library);
+                             const MadeScene scene(library);
+                             use_everything(library, *scene);
                          });
                      }});
     return group;

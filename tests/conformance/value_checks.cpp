@@ -102,6 +102,7 @@ void check_rooms(const Library &library) {
         copy->destroy();
         made->destroy();
         made->surroundings().require_untouched_surroundings("the destructor of " + name);
+        copy->surroundings().require_untouched_surroundings("the destructor of the copy of " + name);
     };
     const GuardedText text("a text of more than fifteen characters");
     check(text_kind(), MadeValue::of(library, text.characters()));

@@ -90,6 +90,8 @@ Values &values_of(const VtArgList &list) {
 struct Scene {
     VtLong last_id = 0;
     const VtInstanceArray<VtVector3> *points = nullptr;
+    const VtTransform *transform = nullptr;
+    const char *texture = nullptr;
 };
 
 thread_local Scene *scene_of_this_thread = nullptr;
@@ -115,6 +117,14 @@ void read(const VtInstanceArray<VtVector3> &points) {
     else
         points.ForEachBlock(add);
 }
+
+// What an unlucky order of destruction at the end of a process does.
+struct AtTheEnd {
+    ~AtTheEnd() {
+        if (has("process ends badly"))
+            std::abort();
+    }
+} at_the_end;
 
 [[noreturn]] void hang() {
     for (;;)
@@ -236,8 +246,15 @@ VtLong VtLocalSceneProxy::NewObject(const char *, VtArgList &parameters) {
         lost = std::malloc(40);
     return create(record);
 }
-VtLong VtLocalSceneProxy::NewPattern(const char *, VtArgList &) { return create(record); }
-VtLong VtLocalSceneProxy::NewTexture(const char *) { return create(record); }
+VtLong VtLocalSceneProxy::NewPattern(const char *, VtArgList &parameters) {
+    if (has("texts are changed") && parameters.Count() > 0 && parameters.At(0).Tag() == VtArgTag::Text)
+        write_at(const_cast<char *>(parameters.At(0).Text()), 0);
+    return create(record);
+}
+VtLong VtLocalSceneProxy::NewTexture(const char *type) {
+    static_cast<Scene *>(record)->texture = type;
+    return create(record);
+}
 VtLong VtLocalSceneProxy::NewTrimmer(const char *, VtArgList &) { return create(record); }
 void VtLocalSceneProxy::ImagerBegin(VtLong) {}
 void VtLocalSceneProxy::ImagerEnd() {
@@ -262,8 +279,13 @@ void VtLocalSceneProxy::AddObject(VtLong id) {
     if (has("scene belongs to a thread"))
         sink = static_cast<volatile Scene *>(scene_of_this_thread)->last_id;
 }
-void VtLocalSceneProxy::TransformBegin(const VtTransform &) {}
-void VtLocalSceneProxy::TransformEnd() {}
+void VtLocalSceneProxy::TransformBegin(const VtTransform &transform) {
+    static_cast<Scene *>(record)->transform = &transform;
+}
+void VtLocalSceneProxy::TransformEnd() {
+    if (has("transform is kept") && static_cast<Scene *>(record)->transform)
+        sink = (*static_cast<Scene *>(record)->transform)[0][0];
+}
 void VtLocalSceneProxy::Radiosity() {
     if (has("Radiosity hangs"))
         hang();
@@ -273,6 +295,8 @@ void VtLocalSceneProxy::Render(VtLong width, VtLong height, VtLong, double, doub
         sink = 100 % width;
     if (has("Render allocates its pixels"))
         sink = static_cast<double>(std::vector<char>(static_cast<std::size_t>(width) * height).size());
+    if (has("type is kept") && static_cast<Scene *>(record)->texture)
+        sink = *static_cast<Scene *>(record)->texture;
     if (has("array is kept") && static_cast<Scene *>(record)->points)
         read(*static_cast<Scene *>(record)->points);
 }
