@@ -19,5 +19,7 @@ Group creation_checks(const std::vector<std::string> &types);
 Group transform_checks();
 /// The basis matrices are finite and always the same.
 Group basis_checks();
+/// What a library may export besides, where it does.
+Group optional_checks();
 /// What a first script does from its first call to the end of its process.
 Group script_checks();

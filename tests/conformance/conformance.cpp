@@ -34,6 +34,7 @@ int main(int count, char **arguments) {
     runner.run(creation_checks({words.begin() + 1, words.end()}));
     runner.run(transform_checks());
     runner.run(basis_checks());
+    runner.run(optional_checks());
     runner.run(script_checks());
     return runner.finish();
 }

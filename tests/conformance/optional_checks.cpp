@@ -1,0 +1,79 @@
+// Checks of what a library may export besides, where it does.
+#include "checks.h"
+#include "objects.h"
+#include "renderer/vt_messages.h"
+#include "renderer/vt_vocabulary.h"
+#include "use.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+// The function of that C name; null if the library does without it.
+template <class Function> Function *optional_function(const Library &library, const char *name) {
+    return reinterpret_cast<Function *>(library.address(name));
+}
+
+void check_vocabulary(const Library &library) {
+    const auto vocabulary = optional_function<decltype(VtVocabulary)>(library, "VtVocabulary");
+    if (!vocabulary)
+        return;
+    const char *text = vocabulary();
+    require(text != nullptr, "it is a null pointer");
+    require(text == vocabulary() || std::string(text) == vocabulary(), "another text comes at another call");
+    std::istringstream lines(text);
+    int number = 0;
+    for (std::string line; std::getline(lines, line);) {
+        ++number;
+        const auto fields = std::ranges::count(line, '\t') + 1;
+        require(fields == 3 || fields == 8,
+                "line " + std::to_string(number) + " has " + std::to_string(fields) + " fields, expected 3 or 8");
+    }
+}
+
+struct Heard {
+    int messages = 0;
+    int wrong = 0;
+};
+
+void hear_message(void *context, VtMessageKind kind, const char *text) {
+    auto &heard = *static_cast<Heard *>(context);
+    ++heard.messages;
+    heard.wrong += (kind != VtNote && kind != VtMistake) || !text || std::strchr(text, '\n');
+}
+
+void hear_progress(void *context, double fraction) {
+    auto &heard = *static_cast<Heard *>(context);
+    heard.wrong += !(fraction >= 0 && fraction <= 1);
+}
+
+// A handler is called until it is taken away; whether there is anything to tell is the library's business.
+void check_handlers(const Library &library) {
+    const auto set_messages = optional_function<decltype(VtSetMessageHandler)>(library, "VtSetMessageHandler");
+    const auto set_progress = optional_function<decltype(VtSetProgressHandler)>(library, "VtSetProgressHandler");
+    const MadeScene scene(library);
+    Heard heard;
+    if (set_messages)
+        set_messages(hear_message, &heard);
+    if (set_progress)
+        set_progress(hear_progress, &heard);
+    use_everything(library, *scene);
+    if (set_messages)
+        set_messages(nullptr, nullptr);
+    if (set_progress)
+        set_progress(nullptr, nullptr);
+    const int messages = heard.messages;
+    use_everything(library, *scene);
+    require(heard.wrong == 0, "a handler is given what it cannot use");
+    require(heard.messages == messages, "a handler is called that was taken away");
+}
+
+} // namespace
+
+Group optional_checks() {
+    return {
+        {"VtVocabulary, where exported, gives lines of three or eight fields", check_vocabulary},
+        {"VtSetMessageHandler and VtSetProgressHandler, where exported, keep to their handler", check_handlers},
+    };
+}
