@@ -3,10 +3,10 @@
 
 #include "algebra/vt_base.h"
 
-// Without a handler the library tells its messages and its progress in its own way, as on the error stream. While one is
-// set, they go to the handler instead. There is one handler of each kind in a process, for all scenes; it may be set and
-// taken away between calls, by the thread that makes them. The functions have C names, so that they can be asked for by
-// dlsym(); whoever uses them has to get on without.
+// Without a handler the library tells its messages and its progress in its own way, as on the error stream. While one
+// is set, they go to the handler instead. There is one handler of each kind in a process, for all scenes; it may be set
+// and taken away between calls, by the thread that makes them. The functions have C names, so that they can be asked
+// for by dlsym(); whoever uses them has to get on without.
 
 extern "C" {
 
@@ -15,16 +15,16 @@ enum VtMessageKind : VtLong {
     VtMistake = 1, ///< Something is wrong with the scene.
 };
 
-/// Called with one message: a line of UTF-8 without its end, and without the library's name in front. The text lasts until
-/// the handler returns. Messages may come from any thread, and never two at a time.
+/// Called with one message: a line of UTF-8 without its end, and without the library's name in front. The text lasts
+/// until the handler returns. Messages may come from any thread, and never two at a time.
 typedef void (*VtMessageHandler)(void *context, VtMessageKind kind, const char *text);
 
-/// From now on messages go to the handler, with the context; null ends that. A library that lets users silence its error
-/// stream still calls the handler.
+/// From now on messages go to the handler, with the context; null ends that. A library that lets users silence its
+/// error stream still calls the handler.
 VT_API void VtSetMessageHandler(VtMessageHandler handler, void *context);
 
-/// Called now and then during a pass, from any thread, with the fraction of it that is done: 0 to 1, and never less than
-/// before in the same pass.
+/// Called now and then during a pass, from any thread, with the fraction of it that is done: 0 to 1, and never less
+/// than before in the same pass.
 typedef void (*VtProgressHandler)(void *context, double fraction);
 
 /// From now on progress goes to the handler, with the context; null ends that.

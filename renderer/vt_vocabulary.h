@@ -1,5 +1,5 @@
-// The vocabulary as a text, for a program that completes, converts or explains. Optional: a renderer library may leave it
-// out.
+// The vocabulary as a text, for a program that completes, converts or explains. Optional: a renderer library may leave
+// it out.
 #pragma once
 
 #include "algebra/vt_base.h"

@@ -54,8 +54,7 @@ void Progress::done_one() {
     if (now - printed < std::chrono::milliseconds(is_handled ? 20 : 200))
         return;
     printed = now;
-    const double fraction =
-        static_cast<double>(done.load(std::memory_order_relaxed)) / static_cast<double>(total);
+    const double fraction = static_cast<double>(done.load(std::memory_order_relaxed)) / static_cast<double>(total);
     if (is_handled) {
         the_handler()(fraction);
         return;

@@ -1,0 +1,68 @@
+"""The command vantor."""
+
+import os
+import subprocess
+import sys
+import unittest
+
+import vantor as vt
+from scenes import PackageTest
+from test_models import binary_ply, why_not
+
+SCRIPT = """import vantor as vt
+scene = vt.Scene()
+scene.camera("perspective", position=(0, 0, 5))
+scene.light("sky")
+scene.add("sphere")
+if __name__ == "__main__":
+    raise SystemExit("not for the command")
+"""
+
+
+class CommandTest(PackageTest):
+    def vantor(self, *arguments):
+        done = subprocess.run([sys.executable, "-m", "vantor", *arguments], cwd=self.folder, timeout=120,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, universal_newlines=True)
+        return done.returncode, done.stdout, done.stderr
+
+    def written(self, name, data):
+        with open(self.path(name), "wb") as file:
+            file.write(data)
+        return name
+
+    def test_render(self):
+        script = self.written("scene.py", SCRIPT.encode())
+        asked = ("render", script, "-o", "a.exr", "--size", "20x10", "--samples", "2")
+        self.assertEqual(self.vantor(*asked), (0, "a.exr\n", ""))
+        picture = vt.Picture.load(self.path("a.exr"))
+        self.assertEqual((picture.width, picture.height), (20, 10))
+
+    @unittest.skipIf(why_not, why_not)
+    def test_show(self):
+        model = self.written("a.ply", binary_ply())
+        status, _, errors = self.vantor("show", model, "-o", "a.png", "--size", "40x30", "--samples", "4")
+        self.assertEqual((status, errors), (0, ""))
+        values = vt.Picture.load(self.path("a.png")).buffer().cast("B").cast("f").tolist()
+        self.assertGreater(len(set(values)), 30)
+
+    def test_vocabulary_and_info(self):
+        status, output, _ = self.vantor("vocabulary", "newLight", "spot")
+        self.assertEqual((status, output.split(":")[0]), (0, 'newLight "spot"'))
+        status, output, _ = self.vantor("info")
+        self.assertEqual(status, 0)
+        self.assertIn("libVantor.so (beside the module)", output)
+
+    def test_what_is_wrong_is_one_line(self):
+        empty = self.written("empty.py", b"")
+        for arguments, words in ((("render", empty), "no vantor.Scene"), (("render", "none.py"), "No such file"),
+                                 (("show", "none.obj"), "none.obj"), (("vocabulary", "spott"), 'mean "spot"'),
+                                 (("render", empty, "--size", "big"), "640x480"), ((), "command")):
+            status, output, errors = self.vantor(*arguments)
+            self.assertNotEqual(status, 0)
+            self.assertIn(words, errors)
+            self.assertNotIn("Traceback", errors)
+        self.assertEqual(os.listdir(self.folder), ["empty.py"])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,174 @@
+"""Pictures: values of passes, files, arrays."""
+
+import os
+import struct
+import unittest
+import zlib
+
+import vantor as vt
+from scenes import PackageTest, ball_scene, lit_scene, needs_numpy, numpy, run_script
+
+
+def floats(picture, name="color"):
+    return picture.buffer(name).cast("B").cast("f").tolist()
+
+
+def chunk(name, data):
+    return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
+
+
+def grey_png(values):
+    """A PNG of one row of grey bytes."""
+    header = struct.pack(">IIBBBBB", len(values), 1, 8, 0, 0, 0, 0)
+    rows = zlib.compress(b"\0" + bytes(values))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", rows) + chunk(b"IEND", b""))
+
+
+class PassTest(PackageTest):
+    def test_the_values_are_those_of_the_renderers_own_file(self):
+        scene = ball_scene()
+        with scene.imager("file", name=self.path("own.exr")):
+            picture = scene.render(20, 15, 4)
+        self.assertEqual((picture.width, picture.height, picture.names), (20, 15, ("color",)))
+        self.assertEqual(floats(picture), floats(vt.Picture.load(self.path("own.exr"))))
+
+    def test_a_file_imager_without_a_block_is_written_as_ever(self):
+        scene = ball_scene()
+        scene.imager("file", name=self.path("own.png"), filter="gaussian")
+        picture = scene.render(8, 8, 4)  # without a word about filters of two kinds
+        self.assertTrue(os.path.exists(self.path("own.png")))
+        self.assertNotEqual(floats(picture), floats(ball_scene().render(8, 8, 4)))
+        self.assertEqual(floats(picture), floats(ball_scene().render(8, 8, 4, filter="gaussian")))
+
+    def test_all_values_that_are_asked_for(self):
+        names = ("albedo", "normal", "depth", "position", "object_id", "variance")
+        picture = ball_scene().render(9, 9, 4, aovs=names)
+        self.assertEqual(picture.names, ("color",) + names)
+        row, middle = picture.buffer("normal").tolist()[4], picture.buffer("depth").tolist()[4][4]
+        self.assertGreater(row[4][2], 0.9)
+        self.assertAlmostEqual(middle[0], 5, 1)
+        self.assertRaisesRegex(AttributeError, "it has color, albedo", getattr, picture, "dept")
+
+    def test_a_window_has_the_pixels_of_the_whole(self):
+        scene = ball_scene()
+        whole, part = scene.render(20, 10, 4), scene.render(20, 10, 4, window=(0.25, 0.5, 0.75, 1))
+        self.assertEqual((part.width, part.height, part.origin, part.full_size), (10, 5, (5, 5), (20, 10)))
+        self.assertEqual(part.buffer().tolist(), [row[5:15] for row in whole.buffer().tolist()[5:]])
+
+    def test_no_file_is_left(self):
+        script = ("import os, sys, tempfile, vantor\ntempfile.tempdir = sys.argv[1]\n"
+                  "s = vantor.Scene()\ns.camera('perspective')\ns.light('sky')\n"
+                  "s.render(4, 4, 1)\ns.render(4, 4, 1, wait=False).result()\ns.render(4, 4, 1, wait=False)\n"
+                  "print(len(os.listdir(sys.argv[1])))")
+        status, output, errors = run_script(script, self.folder)
+        self.assertEqual((status, errors), (0, ""))
+        self.assertGreater(int(output), 0)
+        self.assertEqual(os.listdir(self.folder), [])
+
+    def test_the_script_needs_no_numpy(self):
+        script = ("import sys\nsys.modules['numpy'] = None\nimport vantor\n"
+                  "s = vantor.Scene()\ns.camera('perspective')\ns.light('sky')\np = s.render(4, 4, 1)\n"
+                  "p.save(sys.argv[1])\nassert p._repr_png_()[1:4] == b'PNG'\n"
+                  "try:\n    p.color\nexcept ImportError as error:\n    print(error)")
+        status, output, errors = run_script(script, self.path("a.png"))
+        self.assertEqual((status, errors), (0, ""))
+        self.assertIn("numpy", output)
+        self.assertTrue(os.path.exists(self.path("a.png")))
+
+    @needs_numpy
+    def test_arrays(self):
+        picture = ball_scene().render(8, 6, 4, aovs=["depth", "object_id", "albedo"])
+        self.assertEqual((picture.color.shape, picture.color.dtype), ((6, 8, 3), numpy.float32))
+        self.assertEqual(picture.depth.shape, (6, 8))
+        self.assertEqual(picture.albedo.shape, (6, 8, 3))
+        self.assertIn("depth", dir(picture))
+        picture.color[:] = 0.25
+        picture.save(self.path("grey.exr"))
+        self.assertEqual(set(floats(vt.Picture.load(self.path("grey.exr")))), {0.25})
+
+
+class FilesTest(PackageTest):
+    def test_every_format_is_saved_and_loaded(self):
+        picture = ball_scene().render(16, 12, 4)
+        for ending in ("png", "jpg", "jpeg", "tif", "tiff", "exr"):
+            path = self.path("a." + ending)
+            picture.save(path)
+            loaded = vt.Picture.load(path)
+            self.assertEqual((loaded.width, loaded.height), (16, 12))
+            tolerance = 0 if ending == "exr" else 0.25 if ending.startswith("j") else 0.005
+            for ours, theirs in zip(floats(picture), floats(loaded)):
+                self.assertLessEqual(abs(min(ours, 1) - min(theirs, 1)), tolerance)
+
+    def test_the_bytes_are_the_renderers_own(self):
+        scene = ball_scene()
+        for display in ("srgb", "filmic"):
+            with scene.imager("file", name=self.path("own.png"), display=display, exposure=0.5):
+                picture = scene.render(16, 12, 4)
+            picture.save(self.path("ours.png"), exposure=0.5, display=display)
+            self.assertEqual(floats(vt.Picture.load(self.path("ours.png"))),
+                             floats(vt.Picture.load(self.path("own.png"))))
+
+    def test_values_that_are_no_light_can_be_looked_at(self):
+        scene = ball_scene()
+        picture = scene.render(16, 12, 4, aovs=("normal", "depth", "albedo"))
+        for name in ("normal", "depth", "albedo"):
+            with scene.imager("file", name=self.path("own.png"), what=name):
+                scene.render(16, 12, 4)
+            picture.save(self.path("ours.png"), name=name)
+            self.assertEqual(floats(vt.Picture.load(self.path("ours.png"))),
+                             floats(vt.Picture.load(self.path("own.png"))), name)
+
+    def test_a_notebook_shows_it(self):
+        with open(self.path("a.png"), "wb") as file:
+            file.write(ball_scene().render(16, 12, 4)._repr_png_())
+        self.assertEqual(vt.Picture.load(self.path("a.png")).width, 16)
+
+    def test_eight_bits_are_srgb(self):
+        with open(self.path("a.png"), "wb") as file:
+            file.write(grey_png([0, 128, 255]))
+        self.assertEqual([round(v, 4) for v in floats(vt.Picture.load(self.path("a.png")))[::3]], [0, 0.2159, 1])
+
+    def test_what_cannot_be_read_or_written_is_one_error(self):
+        with open(self.path("no.tif"), "wb") as file:
+            file.write(b"II*\0abc")
+        for path, words in ((self.path("none.png"), "No such file"), (self.folder, "directory"),
+                            (__file__, "no PNG"), (self.path("no.tif"), "no.tif")):
+            with self.assertRaises(OSError) as error:
+                vt.Picture.load(path)
+            self.assertIn(words, str(error.exception))
+            self.assertNotIn("\n", str(error.exception))
+        picture = vt.Picture.of([[0.5, 1.0]])
+        self.assertRaisesRegex(OSError, "No such file", picture.save, self.path("no/a.png"))
+        self.assertRaisesRegex(ValueError, "ends in", picture.save, self.path("a.bmp"))
+        self.assertRaisesRegex(ValueError, "display", picture.save, self.path("a.png"), display="film")
+        self.assertRaisesRegex(KeyError, "depth", picture.save, self.path("a.png"), name="depth")
+        self.assertEqual(os.listdir(self.folder), ["no.tif"])
+
+
+class ArraysTest(PackageTest):
+    def test_a_picture_of_numbers(self):
+        grey = vt.Picture.of([[0.25, 1.0]])
+        self.assertEqual(grey.buffer().tolist(), [[[0.25] * 3, [1.0] * 3]])
+        self.assertEqual(vt.Picture.of([[[1.0, 2, 3]]]).buffer().tolist(), [[[1, 2, 3]]])
+        for value in ([0.5], [[[0.5]]], [[]], 0.5):
+            self.assertRaises(ValueError, vt.Picture.of, value)
+        self.assertRaises(TypeError, vt.Picture.of, [[1, 2]])
+        self.assertRaises(TypeError, vt.Picture.of, "a.png")
+
+    def test_textures_and_environments_from_numbers(self):
+        scene = vt.Scene(strict=True)
+        scene.camera("perspective", position=(0, 0, 3), target=(0, 0, 0))
+        scene.light("environment", name=[[[1.0, 0, 0]] * 4] * 2)
+        image = scene.pattern("image", texture=scene.texture([[0.5, 0.5], [0.5, 0.5]]))
+        with scene.material("diffuse", reflectance=0.5):
+            scene.add("quad", origin=(-1, -1, 0), edge_u=(2, 0, 0), edge_v=(0, 2, 0))
+        with scene.material("surface", interface=scene.interface("diffuse"), color=image):
+            scene.add("quad", origin=(-9, -9, 0), edge_u=(2, 0, 0), edge_v=(0, 2, 0))
+        red, green, blue = scene.render(9, 9, 16).buffer().tolist()[4][4]
+        self.assertAlmostEqual(red, 0.5, 1)
+        self.assertEqual((green, blue), (0, 0))
+        self.assertRaisesRegex(ValueError, "newTexture", scene.texture, 5)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,122 @@
+"""The command vantor: renders scripts, shows models, explains the vocabulary, says what it runs on.
+
+    python3 -m vantor render scene.py -o out.png --size 640x480 --samples 64
+    python3 -m vantor show model.glb
+    python3 -m vantor vocabulary newLight spot
+    python3 -m vantor info
+"""
+
+import argparse
+import os
+import platform
+import runpy
+import sys
+
+from . import Scene, SceneError, _native, load, vocabulary
+from ._studio import scene_of_model
+from ._vocabulary import ALL
+
+
+def size_of(text):
+    """(640, 480) of "640x480"."""
+    try:
+        width, height = map(int, text.lower().split("x"))
+    except ValueError:
+        raise argparse.ArgumentTypeError('"{}" is no size such as 640x480'.format(text)) from None
+    return width, height
+
+
+def render(arguments):
+    """The script makes a Scene in the variable "scene"; what it keeps for __main__ does not run."""
+    folder = os.path.dirname(os.path.abspath(arguments.script))
+    sys.path.insert(0, folder)
+    names = runpy.run_path(arguments.script, run_name="__vantor__")
+    scene = names.get("scene")
+    if not isinstance(scene, Scene):
+        raise SystemExit('vantor: {} makes no vantor.Scene in the variable "scene"'.format(
+            arguments.script))
+    draw(scene, arguments)
+
+
+def show(arguments):
+    draw(scene_of_model(load(arguments.model), arguments.size), arguments)
+
+
+def draw(scene, arguments):
+    picture = scene.render(*arguments.size, samples=arguments.samples)
+    picture.save(arguments.output, exposure=arguments.exposure)
+    print(arguments.output)
+
+
+def explain(arguments):
+    print(vocabulary(*arguments.words))
+
+
+def info(_):
+    library = _native.library()
+    beside = os.path.dirname(os.path.dirname(os.path.abspath(_native.__file__)))
+    own = library and os.path.realpath(os.path.dirname(library)) == os.path.realpath(beside)
+    why = "beside the module" if own else "found by the linker, LD_LIBRARY_PATH is {!r}".format(
+        os.environ.get("LD_LIBRARY_PATH", ""))
+    facts = {
+        "Python": "{} ({})".format(platform.python_version(), sys.executable),
+        "package": os.path.dirname(os.path.abspath(__file__)),
+        "renderer": "{} ({})".format(library, why),
+        "vocabulary": "{} types".format(len(ALL.types)) if ALL.is_known else "not told",
+        "messages": "as warnings" if _native.has_messages() else "on the error stream",
+        "instructions": instruction_set(),
+        "threads": len(os.sched_getaffinity(0)),
+    }
+    for name, value in facts.items():
+        print("{:13} {}".format(name, value))
+
+
+def instruction_set():
+    """The widest vector instructions of this processor that ray tracing has code for."""
+    try:
+        with open("/proc/cpuinfo") as file:
+            flags = next((line.split(":")[1].split() for line in file if line.startswith("flags")), [])
+    except OSError:
+        return "unknown"
+    known = ("avx512vl", "avx2", "avx", "sse4_2", "sse2")
+    return next((name for name in known if name in flags), "unknown")
+
+
+def parser():
+    top = argparse.ArgumentParser(prog="vantor", description=__doc__.splitlines()[0])
+    commands = top.add_subparsers(required=True, metavar="command")
+
+    def command(name, run, about):
+        added = commands.add_parser(name, help=about, description=about)
+        added.set_defaults(run=run)
+        return added
+
+    def add_picture_options(added, output):
+        added.add_argument("-o", "--output", default=output, help="the picture's file (%(default)s)")
+        added.add_argument("--size", type=size_of, default=(640, 480), help="such as 640x480")
+        added.add_argument("--samples", type=int, default=64, help="for each pixel (%(default)s)")
+        added.add_argument("--exposure", type=float, default=0.0, help="in stops")
+
+    rendering = command("render", render, "Renders the scene that a script describes.")
+    rendering.add_argument("script")
+    add_picture_options(rendering, "out.png")
+    showing = command("show", show, "Renders a model file, on a ground under a sky.")
+    showing.add_argument("model")
+    add_picture_options(showing, "out.png")
+    explaining = command("vocabulary", explain, "Explains what the renderer knows.")
+    explaining.add_argument("words", nargs="*", help="a call, a type, or both")
+    command("info", info, "Says which renderer is used, on what.")
+    return top
+
+
+def main(arguments=None):
+    chosen = parser().parse_args(arguments)
+    try:
+        chosen.run(chosen)
+    except (OSError, LookupError, SceneError) as error:
+        message = error.args[0] if isinstance(error, LookupError) else error
+        raise SystemExit("vantor: {}".format(message)) from None
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,98 @@
+"""Handles: the ids of a scene, each of which knows its kind."""
+
+
+class Handle:
+    """What a scene has made. It belongs to its scene, and is given where its kind is expected."""
+
+    kind = ""
+
+    __slots__ = ("scene", "id", "type", "place", "is_used")
+
+    def __init__(self, scene, id, type, place):
+        self.scene = scene
+        self.id = id
+        self.type = type
+        self.place = place  # where in the script it was made
+        self.is_used = False
+
+    def __repr__(self):
+        return "<{} {}{}>".format(self.kind, self.id, ' "%s"' % self.type if self.type else "")
+
+
+class _Block(Handle):
+    """A handle that opens a block: "with handle:"."""
+
+    __slots__ = ()
+
+    def __enter__(self):
+        self.scene.open_block(self)
+        return self
+
+    def __exit__(self, *_):
+        self.scene.close_block(self)
+
+
+class Camera(Handle):
+    kind = "camera"
+    __slots__ = ()
+
+
+class Imager(_Block):
+    """While its block is open, passes also make its file, or follow its settings."""
+
+    kind = "imager"
+    __slots__ = ("parameters",)
+
+
+class Interface(Handle):
+    kind = "interface"
+    __slots__ = ()
+
+
+class Interior(_Block):
+    """Objects that are added in its block are filled with it."""
+
+    kind = "interior"
+    __slots__ = ()
+
+
+class Light(_Block):
+    """A light, which is on. An area light shines from the objects that are added in its block."""
+
+    kind = "light"
+    __slots__ = ("is_on",)
+
+    def on(self):
+        """Switches it on, for the passes that follow."""
+        self.scene.switch_light(self, True)
+
+    def off(self):
+        """Switches it off, for the passes that follow."""
+        self.scene.switch_light(self, False)
+
+
+class Material(_Block):
+    """Objects that are added in its block have it."""
+
+    kind = "material"
+    __slots__ = ()
+
+
+class Object(Handle):
+    kind = "object"
+    __slots__ = ()
+
+
+class Pattern(Handle):
+    kind = "pattern"
+    __slots__ = ()
+
+
+class Texture(Handle):
+    kind = "texture"
+    __slots__ = ()
+
+
+class Trimmer(Handle):
+    kind = "trimmer"
+    __slots__ = ()

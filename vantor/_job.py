@@ -1,0 +1,191 @@
+"""Job: a pass in a process of its own."""
+
+import asyncio
+import concurrent.futures
+import mmap
+import os
+import pickle
+import select
+import shutil
+import signal
+import struct
+import sys
+import tempfile
+import threading
+import time
+import traceback
+import weakref
+
+from . import _native
+from ._messages import SceneError, tell
+from ._picture import Picture
+
+_forking = threading.Lock()
+
+
+class JobError(RuntimeError):
+    """The process of a job has ended without a result."""
+
+
+class Job:
+    """A pass that runs while the script goes on. The process is a fork, and has the scene as it was
+    at the call; what the script does afterwards does not reach it."""
+
+    def __init__(self, work, strict, place):
+        self._work = work
+        self._strict = strict
+        self._place = place
+        self._received = bytearray()
+        self._outcome = None
+        self._is_cancelled = False
+        self._progress = mmap.mmap(-1, mmap.PAGESIZE)  # shared with the child
+        self._folder = tempfile.mkdtemp(prefix="vantor-job-")
+        try:
+            work.prepare(self._folder)
+            self._fork()
+        except BaseException:
+            shutil.rmtree(self._folder, ignore_errors=True)
+            raise
+        self._clean = weakref.finalize(
+            self, _abandon, os.getpid(), self._pid, self._pipe, self._folder
+        )
+
+    def _fork(self):
+        # One at a time: a child that had the writing end of another's pipe would hide its end.
+        with _forking:
+            self._pipe, child_end = os.pipe()
+            try:
+                sys.stdout.flush()
+                sys.stderr.flush()
+                parent = os.getpid()
+                self._pid = _native.fork()
+            except BaseException:
+                os.close(self._pipe)
+                os.close(child_end)
+                raise
+            if self._pid == 0:
+                _run_child(parent, self._work, child_end, self._progress)
+            os.close(child_end)
+
+    @property
+    def progress(self):
+        """How much of the pass is done, 0 to 1; 0 until the end if the renderer does not tell."""
+        return 1.0 if self.done() else struct.unpack_from("d", self._progress)[0]
+
+    def done(self):
+        """Whether the pass is over, be it with a result or not."""
+        self._receive(0)
+        return self._outcome is not None
+
+    def cancel(self):
+        """Asks the pass to stop. What is finished by then is the result."""
+        if not self.done():
+            self._is_cancelled = True
+            os.kill(self._pid, signal.SIGINT)
+
+    def result(self, timeout=None):
+        """Waits for the Picture. Raises SceneError if there is none, JobError if the process has
+        crashed, CancelledError if it was cancelled before a pixel was finished, and TimeoutError
+        after the timeout, in seconds; the job then goes on."""
+        end = None if timeout is None else time.monotonic() + timeout
+        while not self.done():
+            left = None if end is None else end - time.monotonic()
+            if left is not None and left <= 0:
+                raise TimeoutError("the job is not done after {} s".format(timeout))
+            self._receive(0.1 if left is None else min(left, 0.1))
+        return self._picture()
+
+    def __await__(self):
+        return self._wait().__await__()
+
+    async def _wait(self):
+        while not self.done():
+            await asyncio.sleep(0.005)
+        return self._picture()
+
+    def __repr__(self):
+        return "<Job {} x {}: {:.0%} done>".format(self._work.width, self._work.height, self.progress)
+
+    def _receive(self, timeout):
+        """Takes what the child has sent, and its end."""
+        if self._outcome is not None:
+            return
+        if self._is_cancelled:
+            # Again, because a signal that comes before the pass has begun is forgotten.
+            os.kill(self._pid, signal.SIGINT)
+        waiting = select.poll()
+        waiting.register(self._pipe, select.POLLIN)
+        while waiting.poll(1000 * timeout):
+            data = os.read(self._pipe, 1 << 20)
+            if not data:
+                self._outcome = self._end_of_child()
+                return
+            self._received += data
+            timeout = 0
+
+    def _end_of_child(self):
+        """(layers, messages, error)"""
+        self._clean.detach()
+        status = _waited(self._pid)
+        os.close(self._pipe)
+        shutil.rmtree(self._folder, ignore_errors=True)
+        try:
+            return pickle.loads(self._received)
+        except (pickle.UnpicklingError, EOFError, ValueError, IndexError):
+            if os.WIFSIGNALED(status):
+                number = os.WTERMSIG(status)
+                how = "by signal {} ({})".format(number, signal.strsignal(number))
+            else:
+                how = "with status {}".format(os.WEXITSTATUS(status))
+            return {}, [], "the process of the job has ended {}".format(how)
+
+    def _picture(self):
+        layers, messages, error = self._outcome
+        self._outcome = (layers, [], error)  # messages are told once
+        tell(messages, self._strict and not self._is_cancelled, self._place)
+        if error and not self._is_cancelled:
+            raise JobError(error)
+        if not layers and self._is_cancelled:
+            raise concurrent.futures.CancelledError("cancelled before a pixel was finished")
+        if not layers:
+            raise SceneError(self._work.why_nothing(messages))
+        return Picture.of_pass(self._work, layers)
+
+
+def _run_child(parent, work, pipe, progress):
+    """What the forked process does. It never returns to the script."""
+    status = 1
+    try:
+        _native.end_with(parent)
+        signal.signal(signal.SIGINT, lambda *_: None)  # the renderer looks for it itself
+        _native.progress_into(progress)
+        messages = []
+        try:
+            outcome = (work.run(messages), messages, None)
+        except BaseException:
+            outcome = ({}, messages, "the job has failed: " + traceback.format_exc().strip())
+        data = memoryview(pickle.dumps(outcome, pickle.HIGHEST_PROTOCOL))
+        while data:
+            data = data[os.write(pipe, data) :]
+        status = 0
+    finally:
+        # Not the interpreter's end: what it would clean up and write out is the script's.
+        os._exit(status)
+
+
+def _waited(pid):
+    """The status of a child that has ended, or ends now."""
+    try:
+        return os.waitpid(pid, 0)[1]
+    except ChildProcessError:  # the script has waited for it, or ignores its children
+        return 0
+
+
+def _abandon(owner, pid, pipe, folder):
+    """Ends a job that nobody waits for any more."""
+    if os.getpid() != owner:
+        return
+    os.kill(pid, signal.SIGKILL)
+    _waited(pid)
+    os.close(pipe)
+    shutil.rmtree(folder, ignore_errors=True)

@@ -1,0 +1,107 @@
+"""Pass: one picture on its way through the renderer."""
+
+import math
+import os
+
+from . import _native
+from ._vocabulary import ALL
+
+
+class Pass:
+    """A request to render. The renderer writes a file of floats for each value that is asked for,
+    in a folder that nobody sees, beside the files of the script's own imagers."""
+
+    def __init__(self, scene, size, window, aovs, filtering):
+        self.scene = scene
+        self.width, self.height, self.samples = size
+        self.window = window
+        self.aovs = aovs
+        self.filtering = filtering
+        self._imagers = []
+        self._files = {}
+        self._check_aovs()
+
+    def _check_aovs(self):
+        known = ALL.find("newImager", "file")
+        words = [p.choices for p in known.parameters.values() if "albedo" in p.choices] if known else []
+        for aov in self.aovs:
+            if words and aov not in words[0]:
+                raise ValueError('aovs: "{}" is none (one of {} is)'.format(aov, ", ".join(words[0])))
+
+    @property
+    def pixel_window(self):
+        """x0, y0, x1, y1 of the window: the pixels whose centres lie in it."""
+        x0, y0, x1, y1 = self.window
+        return (
+            _first_pixel(x0, self.width),
+            _first_pixel(y0, self.height),
+            _first_pixel(x1, self.width),
+            _first_pixel(y1, self.height),
+        )
+
+    def prepare(self, folder):
+        """Makes the imagers of the pass, whose files stand in the folder."""
+        opened, last = self.scene.innermost_file_imagers()
+        # Files of one pass have one filter, which is the innermost one's: the script's own, unless
+        # this call says otherwise.
+        own = {}
+        for imager in (opened + last)[-1:]:
+            for name in ("filter", "filter_width"):
+                if imager.parameters.get(name) is not None:
+                    own[name] = imager.parameters[name]
+        filtering = self.filtering or own
+        self._files = {aov: os.path.join(folder, aov + ".exr") for aov in self.aovs}
+        self._imagers = [self.scene.id_of(imager) for imager in last]
+        for aov, path in self._files.items():
+            self._imagers.append(self.scene.own_imager(path, aov, filtering))
+
+    def run(self, messages):
+        """The values that are asked for: a bytearray of three float32 for each pixel of the window,
+        by name. Empty if the renderer made none. Its messages are appended to the list."""
+        self._remove_files()
+        opened = 0
+        try:
+            for imager in self._imagers:
+                self.scene.module_call(messages, "imagerBegin", imager)
+                opened += 1
+            size = (self.width, self.height, self.samples)
+            self.scene.module_call(messages, "render", *size, *self.window)
+        finally:
+            for _ in range(opened):
+                self.scene.module_call(messages, "imagerEnd")
+        messages[:] = [(is_mistake, self._without_paths(text)) for is_mistake, text in messages]
+        try:
+            return {aov: self._read(path) for aov, path in self._files.items() if os.path.exists(path)}
+        finally:
+            self._remove_files()
+
+    def why_nothing(self, messages):
+        """What an error says when there is no picture."""
+        mistakes = [text for is_mistake, text in messages if is_mistake]
+        if mistakes:
+            return "; ".join(mistakes)
+        return "{} has made no picture".format(_native.library() or "the renderer")
+
+    def _without_paths(self, text):
+        """A message as of a file that the script knows nothing of."""
+        for path in self._files.values():
+            text = text.replace('"{}"'.format(path), "the picture")
+        return text
+
+    def _read(self, path):
+        width, height, colors, _ = _native.read_picture(path)
+        x0, y0, x1, y1 = self.pixel_window
+        if (x1 - x0, y1 - y0) == (width, height):
+            return colors
+        pixel = 12
+        rows = (colors[(y * width + x0) * pixel : (y * width + x1) * pixel] for y in range(y0, y1))
+        return bytearray().join(rows)
+
+    def _remove_files(self):
+        for path in self._files.values():
+            if os.path.exists(path):
+                os.remove(path)
+
+
+def _first_pixel(fraction, size):
+    return math.ceil(fraction * size - 0.5)

@@ -1,0 +1,154 @@
+"""Picture: what a pass has made, or a file."""
+
+import os
+
+from . import _native
+
+# Of these every pixel has one number; the files have it three times.
+_SINGLE = ("depth", "object_id")
+
+_FLOAT = 4
+_PIXEL = 3 * _FLOAT
+
+
+class Picture:
+    """Linear colours of every pixel, and whatever else a pass was asked for.
+
+    color is a numpy array (height, width, 3) of float32, row after row from the top; each further
+    value ("albedo", "normal", "depth" ...) is an attribute of its name. The arrays are the
+    picture's own: what is written into them is saved. Where numpy is missing, buffer() gives the
+    same numbers.
+    """
+
+    def __init__(self, width, height, layers, *, full_size=None, origin=(0, 0), alpha=None):
+        """layers are bytearrays of three float32 for each pixel, by name; full_size and origin say
+        of which whole picture they are a window, in pixels."""
+        self.width = width
+        self.height = height
+        self.full_size = full_size or (width, height)
+        self.origin = origin
+        self._layers = layers
+        self._alpha = alpha
+
+    @classmethod
+    def of_pass(cls, work, layers):
+        x0, y0, x1, y1 = work.pixel_window
+        size = (work.width, work.height)
+        return cls(x1 - x0, y1 - y0, layers, full_size=size, origin=(x0, y0))
+
+    @classmethod
+    def load(cls, path):
+        """The picture in a PNG, JPEG, TIFF or OpenEXR file. What 8 bits hold is taken as sRGB."""
+        width, height, colors, alpha = _native.read_picture(path)
+        return cls(width, height, {"color": colors}, alpha=alpha)
+
+    @classmethod
+    def of(cls, value):
+        """A picture of an array (height, width, 3), or (height, width) of grey, of linear numbers;
+        of a Picture itself."""
+        if isinstance(value, cls):
+            return value
+        numbers, shape, is_integer = _native.float32(value)
+        is_grey = len(shape) == 2
+        if 0 in shape or not (is_grey or len(shape) == 3 and shape[2] == 3):
+            raise ValueError("expected a picture of the shape (H, W, 3) or (H, W), got {}".format(shape))
+        if is_integer:
+            raise TypeError("expected a picture of linear floats, got integers")
+        if is_grey:
+            grey = memoryview(numbers).cast("f")
+            numbers = bytearray(_PIXEL * len(grey))
+            colors = memoryview(numbers).cast("f")
+            for channel in range(3):
+                colors[channel::3] = grey
+        return cls(shape[1], shape[0], {"color": numbers})
+
+    @property
+    def names(self):
+        """What the picture has: "color", and what else its pass was asked for."""
+        return tuple(self._layers)
+
+    def buffer(self, name="color"):
+        """The numbers as a memoryview of float32, (height, width, 3)."""
+        return memoryview(self._layer(name)).cast("f", (self.height, self.width, 3))
+
+    def array(self, name="color"):
+        """The numbers as a numpy array: (height, width, 3), or (height, width) of "depth" and
+        "object_id"."""
+        try:
+            import numpy
+        except ImportError:
+            raise ImportError(
+                "arrays of a picture need numpy (Debian: python3-numpy); buffer() does not"
+            ) from None
+        values = numpy.frombuffer(self._layer(name), numpy.float32)
+        values = values.reshape(self.height, self.width, 3)
+        return values[..., 0] if name in _SINGLE else values
+
+    @property
+    def color(self):
+        return self.array("color")
+
+    @property
+    def alpha(self):
+        """How much of each pixel is covered, as a numpy array (height, width); None if the file
+        does not say."""
+        if self._alpha is None:
+            return None
+        import numpy
+
+        return numpy.frombuffer(self._alpha, numpy.float32).reshape(self.height, self.width)
+
+    def __getattr__(self, name):
+        if name.startswith("_") or name not in self._layers:
+            raise AttributeError(
+                'the picture has no "{}"; it has {}'.format(name, ", ".join(self.__dict__.get("_layers", ())))
+            )
+        return self.array(name)
+
+    def __dir__(self):
+        return [*super().__dir__(), *self._layers]
+
+    def _layer(self, name):
+        if name not in self._layers:
+            raise KeyError('the picture has no "{}"; it has {}'.format(name, ", ".join(self.names)))
+        return self._layers[name]
+
+    def save(self, path, exposure=0.0, display=None, name="color"):
+        """Writes a .png, .jpg, .tif or .exr file, whole or not at all.
+
+        What is saved, the colour or another value by its name, is multiplied by 2^exposure. In 8
+        bits, display is "srgb" (the default of colours), "filmic" or "linear" (that of all other
+        values); a normal from -1 to 1 is then shown as 0 to 1, and the greatest depth as white.
+        """
+        path = os.fspath(path)
+        is_float = str(path).lower().endswith(".exr")
+        scale = 2.0 ** float(exposure)
+        layer = self._layer(name)
+        display = display or ("srgb" if name in ("color", "albedo") else "linear")
+        if not is_float and name in ("normal", "depth"):
+            layer = _shown(layer, name)
+        x0, y0 = self.origin
+        window = (x0, y0, x0 + self.width, y0 + self.height)
+        _native.write_picture(path, *self.full_size, window, layer, scale, display)
+
+    def png(self, exposure=0.0, display="srgb"):
+        """The colour as a PNG file, in memory."""
+        layer = self._layer("color")
+        return _native.png_bytes(self.width, self.height, layer, 2.0 ** float(exposure), display)
+
+    def _repr_png_(self):
+        return self.png()
+
+    def __repr__(self):
+        return "<Picture {} x {}: {}>".format(self.width, self.height, ", ".join(self.names))
+
+
+def _shown(layer, name):
+    """A copy that can be looked at in 8 bits."""
+    import array
+
+    values = array.array("f", bytes(layer))
+    if name == "normal":
+        return array.array("f", [0.5 + 0.5 * value for value in values])
+    greatest = max(values, default=0) or 1
+    return array.array("f", [value / greatest for value in values])

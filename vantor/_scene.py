@@ -1,0 +1,342 @@
+"""Scene: what a script describes and renders."""
+
+import keyword
+import operator
+import os
+import shutil
+import tempfile
+import weakref
+
+import vantorPM
+
+from . import _checks, _handles, _native, _values
+from ._job import Job
+from ._messages import SceneError, is_strict_by_environment, script_place, tell
+from ._models import Model
+from ._passes import Pass
+from ._picture import Picture
+from ._transforms import Transform, open_transforms, scale as scaling
+from ._vocabulary import ALL
+
+
+def _call_name(kind):
+    return "new" + kind.capitalize()
+
+
+class Scene:
+    """A scene in the renderer. What it can name is told by vantor.vocabulary().
+
+    patches is the budget of patches of radiosity(). What is wrong with a scene arrives as a warning
+    of the class SceneWarning; if strict is true, as a SceneError.
+    """
+
+    def __init__(self, patches=10240, *, strict=None):
+        self._scene = vantorPM.scene(_values.integer(patches))
+        self.strict = is_strict_by_environment() if strict is None else bool(strict)
+        self.handles = []
+        self._open = []
+        self._area_light = None
+        self._last_file_imager = None
+        self._own_imagers = {}
+        self._folder = None
+        self._files = 0
+
+    # What a scene is made of. The keywords are the renderer's parameters; a name that is a keyword
+    # of Python has an underscore behind it ("from_").
+
+    def camera(self, type, /, **parameters):
+        """Makes a camera, under the open transforms. The one made last takes the picture."""
+        return self._under_transforms(self._create, _handles.Camera, type, parameters)
+
+    def imager(self, type, /, **parameters):
+        """Makes an imager: a "file" that render() also writes, or "settings" of a pass."""
+        imager = self._create(_handles.Imager, type, parameters)
+        imager.parameters = parameters
+        if type == "file":
+            self._last_file_imager = imager
+        return imager
+
+    def interface(self, type, /, **parameters):
+        """Makes an interface, how a surface scatters light."""
+        return self._create(_handles.Interface, type, parameters)
+
+    def interior(self, type, /, **parameters):
+        """Makes an interior, the medium inside of objects; "with interior:" they are filled."""
+        return self._create(_handles.Interior, type, parameters)
+
+    def light(self, type, /, **parameters):
+        """Makes a light, under the open transforms. "with light:" objects shine, if it is an area
+        light. An array of a picture may be given for an environment's "name"."""
+        light = self._under_transforms(self._create, _handles.Light, type, parameters)
+        light.is_on = True
+        if type == "area":
+            self._area_light = light
+        return light
+
+    def material(self, type, /, **parameters):
+        """Makes a material; objects that are added "with material:" have it. The type may be that
+        of an interface: the material is then a surface of such an interface."""
+        is_interface = ALL.find("newInterface", type) and not ALL.find("newMaterial", type)
+        if not is_interface:
+            return self._create(_handles.Material, type, parameters)
+        of_surface, of_interface = {}, {}
+        for name, value in parameters.items():
+            is_surfaces = ALL.parameter("newMaterial", "surface", name) is not None and (
+                isinstance(value, _handles.Pattern)
+                or ALL.parameter("newInterface", type, name) is None
+            )
+            (of_surface if is_surfaces else of_interface)[name] = value
+        # The interface has its name for the colour, the surface another.
+        for name in ("reflectance", "base_color"):
+            if isinstance(of_interface.get(name), _handles.Pattern):
+                of_surface["color"] = of_interface.pop(name)
+        of_surface["interface"] = self._create(_handles.Interface, type, of_interface)
+        material = self._create(_handles.Material, "surface", of_surface)
+        material.type = type
+        return material
+
+    def object(self, type, /, **parameters):
+        """Makes an object, which add() puts into the scene."""
+        return self._create(_handles.Object, type, parameters)
+
+    def pattern(self, type, /, **parameters):
+        """Makes a pattern, a value that varies over a surface."""
+        return self._create(_handles.Pattern, type, parameters)
+
+    def texture(self, picture):
+        """Makes a texture of a picture's file, a Picture, or an array (H, W, 3) of linear floats."""
+        try:
+            path = self._path_of(picture)
+        except (TypeError, ValueError) as error:
+            raise type(error)("newTexture: {}".format(error)) from None
+        id = self._call("newTexture", path)
+        return self._keep(_handles.Texture(self, id, None, script_place()))
+
+    def trimmer(self, type, /, **parameters):
+        """Makes a trimmer, which cuts parts of objects away."""
+        return self._create(_handles.Trimmer, type, parameters)
+
+    def add(self, what, /, *, transform=None, scale=None, **parameters):
+        """Puts an object into the scene, within the open blocks and under the open transforms: one
+        that object() made, a type with its parameters, or a Model. A transform and a scale of its
+        own act first, the scale before the transform. Returns the object, or what the model gives.
+        """
+        if isinstance(what, str):
+            what = self.object(what, **parameters)
+        elif parameters:
+            names = ", ".join(parameters)
+            raise TypeError("add: {} is made already, and takes no {}".format(what, names))
+        own = [Transform(transform)] if transform is not None else []
+        own += [scaling(scale)] if scale is not None else []
+        for block in own:
+            block.__enter__()
+        try:
+            if isinstance(what, Model):
+                return what.add_to(self)
+            self._under_transforms(self._call, "addObject", self.id_of(what, "object"))
+            self._note_added(what)
+            return what
+        finally:
+            for block in reversed(own):
+                block.__exit__()
+
+    # Passes.
+
+    def radiosity(self):
+        """Solves indirect light for the passes that follow; the vocabulary's page says how."""
+        self._call("radiosity")
+
+    def render(self, width, height, samples=64, *, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
+               filter=None, filter_width=None, wait=True):
+        """Renders a picture.
+
+        width and height are those of the whole picture, in pixels; samples are for each pixel. The
+        window, x0 y0 x1 y1 in fractions from the upper left corner, is the part that is rendered.
+        aovs are names of further values, such as "albedo" and "depth", which the Picture then has.
+        The filter is that of the imager "file". With wait=False the pass runs in a process of its
+        own, and a Job is returned. Where no picture comes of it, SceneError says why.
+        """
+        aovs = (aovs,) if isinstance(aovs, str) else tuple(aovs)
+        filtering = {"filter": filter, "filter_width": filter_width}
+        place = script_place()
+        _checks.tell_all(self, place)
+        work = Pass(
+            self,
+            (_values.integer(width), _values.integer(height), _values.integer(samples)),
+            _native.numbers(window, (4,)),
+            ("color", *(aov for aov in aovs if aov != "color")),
+            {name: value for name, value in filtering.items() if value is not None},
+        )
+        if not wait:
+            return Job(work, self.strict, place)
+        messages = []
+        try:
+            work.prepare(self.folder())
+            layers = work.run(messages)
+        except BaseException:
+            tell(messages, False, place)
+            raise
+        tell(messages, self.strict, place)
+        if not layers:
+            raise SceneError(work.why_nothing(messages))
+        return Picture.of_pass(work, layers)
+
+    # For the handles, and for the other parts of this package.
+
+    def id_of(self, handle, kind=None):
+        """The number of a handle of this scene, and of that kind."""
+        if not isinstance(handle, _handles.Handle) or kind not in (None, handle.kind):
+            kind = kind or "handle"
+            article = "an" if kind[0] in "aeiou" else "a"
+            raise TypeError("expected {} {}, got {!r}".format(article, kind, handle))
+        if handle.scene is not self:
+            raise ValueError("{!r} belongs to another scene".format(handle))
+        return handle.id
+
+    def use(self, handle, kind=None):
+        """Likewise, of one that something is made with."""
+        number = self.id_of(handle, kind)
+        handle.is_used = True
+        return number
+
+    def open_block(self, handle):
+        if handle.kind == "light":
+            self._open_light(handle)
+        else:
+            self._call(handle.kind + "Begin", self.id_of(handle))
+        self._open.append(handle)
+
+    def close_block(self, handle):
+        same_kind = [open for open in self._open if open.kind == handle.kind]
+        if not same_kind or same_kind[-1] is not handle:
+            raise RuntimeError(
+                "the block of {!r} ends, but is not the innermost one of its kind".format(handle)
+            )
+        del self._open[len(self._open) - 1 - self._open[::-1].index(handle)]
+        self._call(handle.kind + "End")
+
+    def switch_light(self, light, is_on):
+        self._call("lightOn" if is_on else "lightOff", self.id_of(light))
+        light.is_on = is_on
+        if is_on and light.type == "area":
+            self._area_light = light
+
+    def innermost_file_imagers(self):
+        """The file imagers whose blocks are open; without any, the one made last."""
+        found = [h for h in self._open if h.kind == "imager" and h.type == "file"]
+        return found, [self._last_file_imager] if self._last_file_imager and not found else []
+
+    def folder(self):
+        """A folder for files on the way to and from the renderer; it goes with the scene."""
+        if self._folder is None:
+            self._folder = tempfile.mkdtemp(prefix="vantor-")
+            weakref.finalize(self, _remove_of_owner, self._folder, os.getpid())
+        return self._folder
+
+    def new_file(self, ending):
+        """A path in the folder that no other file has."""
+        self._files += 1
+        return os.path.join(self.folder(), "{}{}".format(self._files, ending))
+
+    def own_imager(self, path, aov, filtering):
+        """The number of an imager for this package's own use, made once for each file and way."""
+        key = (path, tuple(sorted(filtering.items())))
+        if key not in self._own_imagers:
+            parameters = dict(filtering, name=path)
+            if aov != "color":
+                parameters[aov_parameter()] = aov
+            handle = self._create(_handles.Imager, "file", parameters, is_own=True)
+            self._own_imagers[key] = handle.id
+        return self._own_imagers[key]
+
+    def module_call(self, messages, name, *arguments):
+        """A call of the module's scene; messages are appended to the list."""
+        return _native.call(messages, getattr(self._scene, name), *arguments)
+
+    def _call(self, name, *arguments):
+        messages = []
+        try:
+            result = self.module_call(messages, name, *arguments)
+        except BaseException:
+            tell(messages, False)
+            raise
+        tell(messages, self.strict)
+        return result
+
+    def _create(self, handle_class, type, parameters, is_own=False):
+        call = _call_name(handle_class.kind)
+        if not isinstance(type, str):
+            raise TypeError("{}: expected the name of a type, got {!r}".format(call, type))
+        items = []
+        for name, value in parameters.items():
+            is_word = name.endswith("_") and keyword.iskeyword(name[:-1])
+            name = name[:-1] if is_word else name
+            if value is not None:
+                items += [name, self._converted(call, type, name, value)]
+        handle = handle_class(self, self._call(call, type, items), type, script_place())
+        return handle if is_own else self._keep(handle)
+
+    def _converted(self, call, type_name, name, value):
+        known = ALL.parameter(call, type_name, name)
+        try:
+            if (call, type_name, name) == ("newLight", "environment", "name"):
+                return self._path_of(value)
+            if known:
+                return _values.by_kind(self, known.kind, value)
+            return _values.by_shape(self, value)
+        except (TypeError, ValueError, OverflowError) as error:
+            message = '{} "{}": {}: {}'.format(call, type_name, name, error)
+            raise type(error)(message) from None
+
+    def _path_of(self, picture):
+        if isinstance(picture, (str, os.PathLike)):
+            return _values.text(picture)
+        path = self.new_file(".exr")
+        Picture.of(picture).save(path)
+        return path
+
+    def _keep(self, handle):
+        self.handles.append(handle)
+        return handle
+
+    def _under_transforms(self, call, *arguments):
+        opened = 0
+        try:
+            for transform in open_transforms.get():
+                self._call("transformBegin", transform.module_transform)
+                opened += 1
+            return call(*arguments)
+        finally:
+            for _ in range(opened):
+                self._call("transformEnd")
+
+    def _open_light(self, light):
+        # The renderer's block takes the area light that was made or switched on last.
+        was_on = light.is_on
+        if light is not self._area_light or light.scene is not self:
+            self.switch_light(light, True)
+        self._call("lightBegin")
+        if not was_on:
+            self.switch_light(light, False)
+
+    def _note_added(self, handle):
+        handle.is_used = True
+        innermost = {open.kind: open for open in self._open}
+        for open in innermost.values():
+            open.is_used = True
+        _checks.note_added(handle, innermost.get("material"))
+
+
+def aov_parameter():
+    """What the imager "file" calls the choice of what it shows."""
+    known = ALL.find("newImager", "file")
+    for parameter in known.parameters.values() if known else ():
+        if "albedo" in parameter.choices:
+            return parameter.name
+    return "what"
+
+
+def _remove_of_owner(folder, owner):
+    # A forked process has this too, and the folder is not its own.
+    if os.getpid() == owner:
+        shutil.rmtree(folder, ignore_errors=True)

@@ -1,0 +1,164 @@
+// Hooks: what the loaded libVantor offers beyond the interface that every one has.
+#include "vantor/native/hooks.h"
+
+#include "renderer/vt_messages.h"
+#include "renderer/vt_vocabulary.h"
+#include "vantor/native/reference.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <dlfcn.h>
+#include <link.h>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+// The library that vantorPM has loaded, whichever it is; null if there is none.
+void *loaded_library() {
+    static void *const handle = dlopen("libVantor.so", RTLD_NOLOAD | RTLD_LAZY);
+    return handle;
+}
+
+template <class Function> Function *exported(const char *name) {
+    void *library = loaded_library();
+    return library ? reinterpret_cast<Function *>(dlsym(library, name)) : nullptr;
+}
+
+struct Message {
+    bool is_mistake;
+    std::string text;
+};
+
+// What the library has told since the last call began. It tells from any thread.
+std::mutex collecting;
+std::vector<Message> collected;
+
+extern "C" void collect(void *, VtMessageKind kind, const char *text) {
+    const std::lock_guard lock(collecting);
+    try {
+        collected.push_back({kind == VtMistake, text});
+    } catch (const std::exception &) {
+        // No memory left for a message: there will be an error about that.
+    }
+}
+
+std::atomic<double> *progress_place = nullptr;
+Py_buffer progress_buffer = {};
+static_assert(std::atomic<double>::is_always_lock_free && sizeof(std::atomic<double>) == sizeof(double));
+
+extern "C" void note_progress(void *, double fraction) { progress_place->store(fraction, std::memory_order_relaxed); }
+
+bool append_messages(PyObject *list) {
+    std::vector<Message> messages;
+    {
+        const std::lock_guard lock(collecting);
+        messages.swap(collected);
+    }
+    for (const Message &message : messages) {
+        const Reference text(
+            PyUnicode_DecodeUTF8(message.text.data(), static_cast<Py_ssize_t>(message.text.size()), "replace"));
+        const Reference pair(text ? PyTuple_Pack(2, message.is_mistake ? Py_True : Py_False, text.get()) : nullptr);
+        if (!pair || PyList_Append(list, pair.get()) < 0)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+PyObject *library(PyObject *, PyObject *) {
+    link_map *map = nullptr;
+    void *handle = loaded_library();
+    if (!handle || dlinfo(handle, RTLD_DI_LINKMAP, &map) != 0)
+        Py_RETURN_NONE;
+    return PyUnicode_DecodeFSDefault(map->l_name);
+}
+
+PyObject *vocabulary(PyObject *, PyObject *) {
+    auto *const function = exported<decltype(VtVocabulary)>("VtVocabulary");
+    const char *text = function ? function() : nullptr;
+    if (!text)
+        Py_RETURN_NONE;
+    return PyUnicode_DecodeUTF8(text, static_cast<Py_ssize_t>(std::strlen(text)), "replace");
+}
+
+PyObject *has_messages(PyObject *, PyObject *) {
+    return PyBool_FromLong(exported<decltype(VtSetMessageHandler)>("VtSetMessageHandler") != nullptr);
+}
+
+PyObject *call(PyObject *, PyObject *arguments) {
+    if (PyTuple_GET_SIZE(arguments) < 2 || !PyList_CheckExact(PyTuple_GET_ITEM(arguments, 0))) {
+        PyErr_SetString(PyExc_TypeError, "expected a list, a callable and its arguments");
+        return nullptr;
+    }
+    static auto *const set_handler = exported<decltype(VtSetMessageHandler)>("VtSetMessageHandler");
+    PyObject *messages = PyTuple_GET_ITEM(arguments, 0);
+    const Reference rest(PyTuple_GetSlice(arguments, 2, PyTuple_GET_SIZE(arguments)));
+    if (!rest)
+        return nullptr;
+    // Only during the call: other scenes of this process go on to use the error stream.
+    if (set_handler)
+        set_handler(collect, nullptr);
+    Reference result(PyObject_CallObject(PyTuple_GET_ITEM(arguments, 1), rest.get()));
+    if (set_handler)
+        set_handler(nullptr, nullptr);
+
+    PyObject *type;
+    PyObject *value;
+    PyObject *traceback;
+    PyErr_Fetch(&type, &value, &traceback); // of the call, if it failed
+    const bool is_told = append_messages(messages);
+    if (type)
+        PyErr_Restore(type, value, traceback);
+    return is_told ? result.release() : nullptr;
+}
+
+PyObject *progress_into(PyObject *, PyObject *buffer) {
+    static auto *const set_handler = exported<decltype(VtSetProgressHandler)>("VtSetProgressHandler");
+    if (!set_handler)
+        Py_RETURN_FALSE;
+    set_handler(nullptr, nullptr);
+    if (progress_buffer.obj)
+        PyBuffer_Release(&progress_buffer);
+    if (buffer != Py_None) {
+        if (PyObject_GetBuffer(buffer, &progress_buffer, PyBUF_WRITABLE) < 0)
+            return nullptr;
+        if (progress_buffer.len < static_cast<Py_ssize_t>(sizeof(double))) {
+            PyBuffer_Release(&progress_buffer);
+            PyErr_SetString(PyExc_ValueError, "expected a buffer of at least eight bytes");
+            return nullptr;
+        }
+        progress_place = static_cast<std::atomic<double> *>(progress_buffer.buf);
+        set_handler(note_progress, nullptr);
+    }
+    Py_RETURN_TRUE;
+}
+
+PyObject *end_with(PyObject *, PyObject *process) {
+    // The interpreter's threads stand still during a pass; this one does not. The kernel's own signal for the purpose
+    // comes when the parent's thread ends, which is too early.
+    const auto parent = static_cast<pid_t>(PyLong_AsLong(process));
+    if (PyErr_Occurred())
+        return nullptr;
+    std::thread([parent] {
+        while (getppid() == parent)
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        _exit(1);
+    }).detach();
+    Py_RETURN_NONE;
+}
+
+PyObject *fork_process(PyObject *, PyObject *) {
+    PyOS_BeforeFork();
+    const pid_t child = fork();
+    if (child == 0)
+        PyOS_AfterFork_Child();
+    else
+        PyOS_AfterFork_Parent();
+    return child < 0 ? PyErr_SetFromErrno(PyExc_OSError) : PyLong_FromLong(child);
+}

@@ -1,0 +1,23 @@
+// Hooks: what the loaded libVantor offers beyond the interface that every one has.
+#pragma once
+
+#include <Python.h>
+
+// Functions of the companion. Each returns a new reference, or null with an error set.
+
+/// library(): the path of the libVantor that the module vantorPM has loaded.
+PyObject *library(PyObject *, PyObject *);
+/// vocabulary(): the text of VtVocabulary(), or None.
+PyObject *vocabulary(PyObject *, PyObject *);
+/// has_messages(): whether the library tells its messages.
+PyObject *has_messages(PyObject *, PyObject *);
+/// call(messages, callable, *arguments): the callable's result. What the library tells on the way is appended to the
+/// list messages, as pairs of whether it is a mistake, and the text.
+PyObject *call(PyObject *, PyObject *arguments);
+/// progress_into(buffer): from now on the fraction of a pass that is done is written to the buffer's first eight bytes,
+/// as a double; None ends that.
+PyObject *progress_into(PyObject *, PyObject *buffer);
+/// end_with(pid): from now on this process ends when its parent does, which is the process of that id.
+PyObject *end_with(PyObject *, PyObject *parent);
+/// fork(): as os.fork(), without its warning of threads: the child renders and ends, and waits for no other thread.
+PyObject *fork_process(PyObject *, PyObject *);

@@ -1,0 +1,42 @@
+// vantor._native: the compiled companion of the package vantor. What needs speed or the libraries of C.
+#include "vantor/native/hooks.h"
+#include "vantor/native/model_files.h"
+#include "vantor/native/module_types.h"
+#include "vantor/native/picture_files.h"
+#include "vantor/native/values.h"
+
+#include <Python.h>
+
+namespace {
+
+PyMethodDef functions[] = {
+    {"to_array", to_array, METH_VARARGS, nullptr},
+    {"from_array", from_array, METH_O, nullptr},
+    {"to_transform", to_transform, METH_O, nullptr},
+    {"numbers", numbers, METH_VARARGS, nullptr},
+    {"float32", float32, METH_O, nullptr},
+    {"shape", shape, METH_O, nullptr},
+    {"read_picture", read_picture, METH_O, nullptr},
+    {"write_picture", write_picture, METH_VARARGS, nullptr},
+    {"png_bytes", png_bytes, METH_VARARGS, nullptr},
+    {"library", library, METH_NOARGS, nullptr},
+    {"vocabulary", vocabulary, METH_NOARGS, nullptr},
+    {"has_messages", has_messages, METH_NOARGS, nullptr},
+    {"call", call, METH_VARARGS, nullptr},
+    {"progress_into", progress_into, METH_O, nullptr},
+    {"end_with", end_with, METH_O, nullptr},
+    {"fork", fork_process, METH_NOARGS, nullptr},
+    {"read_model", read_model, METH_O, nullptr},
+    {nullptr, nullptr, 0, nullptr},
+};
+
+PyModuleDef companion = {
+    .m_base = PyModuleDef_HEAD_INIT,
+    .m_name = "vantor._native",
+    .m_size = -1, // once in a process, like the module whose types it keeps
+    .m_methods = functions,
+};
+
+} // namespace
+
+PyMODINIT_FUNC PyInit__native() { return find_module_types() ? PyModule_Create(&companion) : nullptr; }

@@ -1,0 +1,172 @@
+// Picture files, read and written with the code of the renderer that ships with the module.
+#include "vantor/native/picture_files.h"
+
+#include "libvantor/images/files.h"
+#include "libvantor/images/formats.h"
+#include "libvantor/images/reading.h"
+#include "vantor/native/reference.h"
+#include "vantor/native/tiff_reading.h"
+
+#include <cstring>
+#include <exception>
+#include <optional>
+
+namespace {
+
+using vantor::Color;
+using vantor::Display;
+
+PyObject *file_error(const char *what, const char *path, const std::string &why) {
+    PyErr_Format(PyExc_OSError, "cannot %s \"%s\": %s", what, path, why.c_str());
+    return nullptr;
+}
+
+// Runs work without the interpreter's lock; what it throws comes back as text.
+template <class Work> std::string unlocked(Work work) {
+    std::string error;
+    PyThreadState *state = PyEval_SaveThread();
+    try {
+        work();
+    } catch (const std::bad_alloc &) {
+        error = "there is not enough memory for it";
+    } catch (const std::exception &exception) {
+        error = exception.what();
+    }
+    PyEval_RestoreThread(state);
+    return error;
+}
+
+PyObject *bytes_of(const void *numbers, std::size_t size) {
+    return PyByteArray_FromStringAndSize(static_cast<const char *>(numbers), static_cast<Py_ssize_t>(size));
+}
+
+// The colours of a picture as a script has them: float32, three for each pixel.
+class Colors {
+  public:
+    Colors() = default;
+    Colors(const Colors &) = delete;
+    Colors &operator=(const Colors &) = delete;
+    ~Colors() {
+        if (buffer.obj)
+            PyBuffer_Release(&buffer);
+    }
+    bool read(PyObject *value, Py_ssize_t pixels) {
+        if (PyObject_GetBuffer(value, &buffer, PyBUF_C_CONTIGUOUS) < 0)
+            return false;
+        if (pixels > 0 && buffer.len == pixels * static_cast<Py_ssize_t>(sizeof(Color)))
+            return true;
+        PyErr_Format(PyExc_ValueError, "expected %zd pixels of three float32, got %zd bytes", pixels, buffer.len);
+        return false;
+    }
+    void copy_to(Color *pixels) const { std::memcpy(pixels, buffer.buf, static_cast<std::size_t>(buffer.len)); }
+
+  private:
+    Py_buffer buffer = {};
+};
+
+std::optional<Display> display_named(const char *name) {
+    const std::string_view text = name;
+    if (text == "srgb")
+        return Display::Srgb;
+    if (text == "linear")
+        return Display::Linear;
+    if (text == "filmic")
+        return Display::Filmic;
+    PyErr_Format(PyExc_ValueError, "display expected \"srgb\", \"linear\" or \"filmic\", got \"%.60s\"", name);
+    return {};
+}
+
+} // namespace
+
+PyObject *read_picture(PyObject *, PyObject *argument) {
+    PyObject *encoded = nullptr;
+    if (!PyUnicode_FSConverter(argument, &encoded))
+        return nullptr;
+    const Reference held(encoded);
+    const char *path = PyBytes_AS_STRING(encoded);
+    vantor::ReadPicture read;
+    const std::string error = unlocked([&] {
+        if (is_tiff(path))
+            read.raster = read_tiff(path);
+        else
+            read = vantor::read_picture(path);
+    });
+    if (!read.raster)
+        return file_error("read", path, error.empty() ? read.why_not : error);
+
+    const vantor::Raster &raster = *read.raster;
+    Reference colors(bytes_of(raster.pixels.data(), raster.pixels.size() * sizeof(Color)));
+    Reference alpha(raster.alpha.empty() ? (Py_INCREF(Py_None), Py_None)
+                                         : bytes_of(raster.alpha.data(), raster.alpha.size() * sizeof(float)));
+    if (!colors || !alpha)
+        return nullptr;
+    return Py_BuildValue("iiNN", raster.width, raster.height, colors.release(), alpha.release());
+}
+
+PyObject *write_picture(PyObject *, PyObject *arguments) {
+    PyObject *encoded = nullptr;
+    PyObject *pixels;
+    int full_width;
+    int full_height;
+    vantor::PixelArea window;
+    vantor::FileForm form;
+    const char *display;
+    if (!PyArg_ParseTuple(arguments, "O&ii(iiii)Ofs", PyUnicode_FSConverter, &encoded, &full_width, &full_height,
+                          &window.x0, &window.y0, &window.x1, &window.y1, &pixels, &form.scale, &display))
+        return nullptr;
+    const Reference held(encoded);
+    const std::string path = PyBytes_AS_STRING(encoded);
+    if (!vantor::has_known_format(path)) {
+        PyErr_Format(PyExc_ValueError, "a picture's path ends in .png, .jpg, .jpeg, .tif, .tiff or .exr, not as \"%s\"",
+                     path.c_str());
+        return nullptr;
+    }
+    const std::optional<Display> shown_as = display_named(display);
+    Colors colors;
+    if (!shown_as || !colors.read(pixels, static_cast<Py_ssize_t>(window.width()) * window.height()))
+        return nullptr;
+    form.display = *shown_as;
+    form.comment = "vantor";
+    std::string why;
+    const std::string error = unlocked([&] {
+        why = vantor::why_unwritable(path, window.width(), window.height());
+        if (!why.empty())
+            return;
+        vantor::Picture picture(full_width, full_height, window);
+        colors.copy_to(picture.pixels.data());
+        why = vantor::write_picture(picture, form, path);
+    });
+    if (!why.empty() || !error.empty())
+        return file_error("write", path.c_str(), why.empty() ? error : why);
+    Py_RETURN_NONE;
+}
+
+PyObject *png_bytes(PyObject *, PyObject *arguments) {
+    PyObject *pixels;
+    int width;
+    int height;
+    float scale;
+    const char *display;
+    if (!PyArg_ParseTuple(arguments, "iiOfs", &width, &height, &pixels, &scale, &display))
+        return nullptr;
+    const std::optional<Display> shown_as = display_named(display);
+    Colors colors;
+    if (!shown_as || !colors.read(pixels, static_cast<Py_ssize_t>(width) * height))
+        return nullptr;
+    std::string file;
+    const std::string error = unlocked([&] {
+        std::vector<Color> linear(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+        colors.copy_to(linear.data());
+        vantor::BytePicture bytes{width, height, {}};
+        bytes.bytes.reserve(3 * linear.size());
+        for (const Color &c : linear)
+            for (const float value : {c.r, c.g, c.b})
+                bytes.bytes.push_back(vantor::shown(value * scale, *shown_as));
+        file = vantor::png_file(bytes, "vantor");
+    });
+    if (!error.empty()) {
+        PyErr_SetString(PyExc_OSError, error.c_str());
+        return nullptr;
+    }
+    return PyBytes_FromStringAndSize(file.data(), static_cast<Py_ssize_t>(file.size()));
+}
