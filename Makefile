@@ -37,7 +37,7 @@ fresh:
 
 # The module beside its peers. Figures of different machines compare only as ratios.
 bench:
-	@tools/setup build bench
+	@tools/setup build test bench
 	@cmake --preset release -DVANTOR_BENCH=ON --log-level=WARNING
 	@cmake --build --preset release -j$(JOBS)
 	python3 bench/run.py --build build/release

@@ -75,7 +75,8 @@ def instruction_set():
     """The widest vector instructions of this processor that ray tracing has code for."""
     try:
         with open("/proc/cpuinfo") as file:
-            flags = next((line.split(":")[1].split() for line in file if line.startswith("flags")), [])
+            flags = next((line.split(":")[1].split() for line in file if line.startswith("flags")),
+                         [])
     except OSError:
         return "unknown"
     known = ("avx512vl", "avx2", "avx", "sse4_2", "sse2")
@@ -92,7 +93,8 @@ def parser():
         return added
 
     def add_picture_options(added, output):
-        added.add_argument("-o", "--output", default=output, help="the picture's file (%(default)s)")
+        added.add_argument("-o", "--output", default=output,
+                           help="the picture's file (%(default)s)")
         added.add_argument("--size", type=size_of, default=(640, 480), help="such as 640x480")
         added.add_argument("--samples", type=int, default=64, help="for each pixel (%(default)s)")
         added.add_argument("--exposure", type=float, default=0.0, help="in stops")

@@ -12,7 +12,8 @@ def check():
         return
     folder = os.path.dirname(os.path.abspath(__file__))
     suffix = sysconfig.get_config_var("EXT_SUFFIX")
-    built = sorted(os.path.basename(path) for path in glob.glob(os.path.join(folder, "_native.*.so")))
+    found = glob.glob(os.path.join(folder, "_native.*.so"))
+    built = sorted(map(os.path.basename, found))
     if built:
         raise ImportError("vantor is built for another Python: {} has {}, and this one needs "
                           "_native{}".format(folder, ", ".join(built), suffix))

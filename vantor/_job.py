@@ -104,7 +104,8 @@ class Job:
         return self._picture()
 
     def __repr__(self):
-        return "<Job {} x {}: {:.0%} done>".format(self._work.width, self._work.height, self.progress)
+        return "<Job {} x {}: {:.0%} done>".format(self._work.width, self._work.height,
+                                                   self.progress)
 
     def _receive(self, timeout):
         """Takes what the child has sent, and its end."""

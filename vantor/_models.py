@@ -121,7 +121,7 @@ _ARRAYS = ("points", "triangles", "normals", "uvs", "colors")
 
 
 def load(path):
-    """The Model in a file: OBJ, PLY, STL, glTF, GLB, FBX, 3DS, COLLADA and others that Assimp reads.
+    """The Model in a file: PLY; by Assimp OBJ, STL, glTF, GLB, FBX, 3DS, COLLADA and others.
     OSError names the file and what is wrong with it.
 
     Also takes the meshes of other packages by their attributes: "vertices" and "faces" (trimesh),
@@ -159,8 +159,8 @@ def _mesh_of(mesh):
             "points": _native.to_array("vector3array", points),
             "triangles": _native.to_array("intarray", triangles),
         }
-    raise TypeError("expected the path of a model, or a mesh with points and triangles, got {}".format(
-        type(mesh).__name__))
+    message = "expected the path of a model, or a mesh with points and triangles, got {}"
+    raise TypeError(message.format(type(mesh).__name__))
 
 
 def _mesh_bounds(mesh):

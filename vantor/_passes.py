@@ -22,11 +22,11 @@ class Pass:
         self._check_aovs()
 
     def _check_aovs(self):
-        known = ALL.find("newImager", "file")
-        words = [p.choices for p in known.parameters.values() if "albedo" in p.choices] if known else []
+        known = aov_parameter()
         for aov in self.aovs:
-            if words and aov not in words[0]:
-                raise ValueError('aovs: "{}" is none (one of {} is)'.format(aov, ", ".join(words[0])))
+            if known and aov not in known.choices:
+                names = ", ".join(known.choices)
+                raise ValueError('aovs: "{}" is none (one of {} is)'.format(aov, names))
 
     @property
     def pixel_window(self):
@@ -71,7 +71,8 @@ class Pass:
                 self.scene.module_call(messages, "imagerEnd")
         messages[:] = [(is_mistake, self._without_paths(text)) for is_mistake, text in messages]
         try:
-            return {aov: self._read(path) for aov, path in self._files.items() if os.path.exists(path)}
+            made = {aov: path for aov, path in self._files.items() if os.path.exists(path)}
+            return {aov: self._read(path) for aov, path in made.items()}
         finally:
             self._remove_files()
 
@@ -101,6 +102,15 @@ class Pass:
         for path in self._files.values():
             if os.path.exists(path):
                 os.remove(path)
+
+
+def aov_parameter():
+    """By which the imager "file" is told what it shows; None if the renderer does not tell."""
+    known = ALL.find("newImager", "file")
+    for parameter in known.parameters.values() if known else ():
+        if "albedo" in parameter.choices:
+            return parameter
+    return None
 
 
 def _first_pixel(fraction, size):

@@ -51,7 +51,8 @@ class Picture:
         numbers, shape, is_integer = _native.float32(value)
         is_grey = len(shape) == 2
         if 0 in shape or not (is_grey or len(shape) == 3 and shape[2] == 3):
-            raise ValueError("expected a picture of the shape (H, W, 3) or (H, W), got {}".format(shape))
+            expected = "expected a picture of the shape (H, W, 3) or (H, W), got {}"
+            raise ValueError(expected.format(shape))
         if is_integer:
             raise TypeError("expected a picture of linear floats, got integers")
         if is_grey:
@@ -99,10 +100,10 @@ class Picture:
         return numpy.frombuffer(self._alpha, numpy.float32).reshape(self.height, self.width)
 
     def __getattr__(self, name):
-        if name.startswith("_") or name not in self._layers:
-            raise AttributeError(
-                'the picture has no "{}"; it has {}'.format(name, ", ".join(self.__dict__.get("_layers", ())))
-            )
+        layers = self.__dict__.get("_layers", {})
+        if name not in layers:
+            names = ", ".join(layers)
+            raise AttributeError('the picture has no "{}"; it has {}'.format(name, names))
         return self.array(name)
 
     def __dir__(self):

@@ -1,7 +1,6 @@
 """Scene: what a script describes and renders."""
 
 import keyword
-import operator
 import os
 import shutil
 import tempfile
@@ -13,7 +12,7 @@ from . import _checks, _handles, _native, _values
 from ._job import Job
 from ._messages import SceneError, is_strict_by_environment, script_place, tell
 from ._models import Model
-from ._passes import Pass
+from ._passes import Pass, aov_parameter
 from ._picture import Picture
 from ._transforms import Transform, open_transforms, scale as scaling
 from ._vocabulary import ALL
@@ -104,7 +103,8 @@ class Scene:
         return self._create(_handles.Pattern, type, parameters)
 
     def texture(self, picture):
-        """Makes a texture of a picture's file, a Picture, or an array (H, W, 3) of linear floats."""
+        """Makes a texture of the path of a picture, a Picture, or an array (H, W, 3) of linear
+        floats."""
         try:
             path = self._path_of(picture)
         except (TypeError, ValueError) as error:
@@ -244,7 +244,8 @@ class Scene:
         if key not in self._own_imagers:
             parameters = dict(filtering, name=path)
             if aov != "color":
-                parameters[aov_parameter()] = aov
+                known = aov_parameter()
+                parameters[known.name if known else "what"] = aov
             handle = self._create(_handles.Imager, "file", parameters, is_own=True)
             self._own_imagers[key] = handle.id
         return self._own_imagers[key]
@@ -325,15 +326,6 @@ class Scene:
         for open in innermost.values():
             open.is_used = True
         _checks.note_added(handle, innermost.get("material"))
-
-
-def aov_parameter():
-    """What the imager "file" calls the choice of what it shows."""
-    known = ALL.find("newImager", "file")
-    for parameter in known.parameters.values() if known else ():
-        if "albedo" in parameter.choices:
-            return parameter.name
-    return "what"
 
 
 def _remove_of_owner(folder, owner):

@@ -42,6 +42,9 @@ ROOMS = [
      ["radiosity", "integrators", "film", "world", "lights", "embree", "description", "shapes",
       "patterns", "scattering", "images", "parameters", "base", "renderer", "values"]),
 
+    ("package", r"vantor/native/.*",
+     ["arrays", "algebra", "interpreter", "images", "base", "renderer", "values"]),
+
     # Built from what another maker of a renderer gets, and nothing else.
     ("recording library", r"tests/recording/.*", ["renderer", "values"]),
     ("conformance", r"tests/conformance/.*", ["recording library", "renderer", "values"]),
@@ -61,10 +64,11 @@ OUTSIDE = r"(tests|bench|examples)/.*"
 # Headers of other libraries: the only places that see them.
 FOREIGN = [
     (r"Python\.h|pybind11/.*|structmember\.h",
-     r"(interpreter|scene|module|tests/probe|bench)/.*|(algebra|arrays)/(?!vt_).*"),
+     r"(interpreter|scene|module|vantor/native|tests/probe|bench)/.*|(algebra|arrays)/(?!vt_).*"),
     (r"embree\d/.*|rtcore.*", r"libvantor/embree/.*"),
     (r"png\.h|tiffio\.h|Imf.*|OpenEXR/.*|Imath/.*|Imath\w+\.h|half\.h|jpeglib\.h|turbojpeg\.h",
-     r"libvantor/images/.*|tests/libvantor/.*"),
+     r"libvantor/images/.*|vantor/native/tiff_reading.*|tests/libvantor/.*"),
+    (r"assimp/.*", r"vantor/native/assimp_reading.*"),
     (r"(oneapi/)?tbb/.*", r"libvantor/base/.*|tests/libvantor/.*"),
 ]
 

@@ -66,7 +66,7 @@ class DocumentsTest(unittest.TestCase):
 
     def test_scripts_in_the_readme_are_those_of_the_files(self):
         text = repository.text("README.md")
-        shown = re.findall(r"`(examples/\w+\.py)`[^`]*```python\n(.*?)```", text, re.S)
+        shown = re.findall(r"`(examples/[\w/]+\.py)`[^`]*```python\n(.*?)```", text, re.S)
         self.assertEqual(len(shown), len(re.findall(r"^```python$", text, re.M)))
         for name, script in shown:
             self.assertTrue(script.strip(), name)

@@ -21,8 +21,10 @@ if __name__ == "__main__":
 
 class CommandTest(PackageTest):
     def vantor(self, *arguments):
-        done = subprocess.run([sys.executable, "-m", "vantor", *arguments], cwd=self.folder, timeout=120,
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, universal_newlines=True)
+        done = subprocess.run([sys.executable, "-m", "vantor", *arguments], cwd=self.folder,
+                              timeout=120,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              universal_newlines=True)
         return done.returncode, done.stdout, done.stderr
 
     def written(self, name, data):
@@ -40,7 +42,8 @@ class CommandTest(PackageTest):
     @unittest.skipIf(why_not, why_not)
     def test_show(self):
         model = self.written("a.ply", binary_ply())
-        status, _, errors = self.vantor("show", model, "-o", "a.png", "--size", "40x30", "--samples", "4")
+        status, _, errors = self.vantor("show", model, "-o", "a.png", "--size", "40x30",
+                                        "--samples", "4")
         self.assertEqual((status, errors), (0, ""))
         values = vt.Picture.load(self.path("a.png")).buffer().cast("B").cast("f").tolist()
         self.assertGreater(len(set(values)), 30)
@@ -54,8 +57,10 @@ class CommandTest(PackageTest):
 
     def test_what_is_wrong_is_one_line(self):
         empty = self.written("empty.py", b"")
-        for arguments, words in ((("render", empty), "no vantor.Scene"), (("render", "none.py"), "No such file"),
-                                 (("show", "none.obj"), "none.obj"), (("vocabulary", "spott"), 'mean "spot"'),
+        for arguments, words in ((("render", empty), "no vantor.Scene"),
+                                 (("render", "none.py"), "No such file"),
+                                 (("show", "none.obj"), "none.obj"), (("vocabulary", "spott"),
+                                     'mean "spot"'),
                                  (("render", empty, "--size", "big"), "640x480"), ((), "command")):
             status, output, errors = self.vantor(*arguments)
             self.assertNotEqual(status, 0)

@@ -108,7 +108,8 @@ class JobTest(PackageTest):
                     await asyncio.sleep(0.001)
 
             ticking = asyncio.ensure_future(tick())
-            pictures = await asyncio.gather(scene.render(200, 150, 8, wait=False), scene.render(20, 15, 4, wait=False))
+            pictures = await asyncio.gather(scene.render(200, 150, 8, wait=False),
+                                            scene.render(20, 15, 4, wait=False))
             ticking.cancel()
             return pictures, len(ticks)
 
@@ -127,7 +128,8 @@ class JobTest(PackageTest):
         self.assertEqual(said[0].filename, __file__)
 
     def test_no_child_outlives_the_script(self):
-        script = ("import os, signal, sys, vantor\ns = vantor.Scene()\ns.camera('perspective')\ns.light('sky')\n"
+        script = ("import os, signal, sys, vantor\ns = vantor.Scene()\n"
+                  "s.camera('perspective')\ns.light('sky')\n"
                   "j = s.render(800, 600, 1000, wait=False)\nprint(j._pid, flush=True)\n{}")
         for end in ("sys.exit()", "os.kill(os.getpid(), signal.SIGKILL)"):
             _, output, _ = run_script(script.format(end))

@@ -32,14 +32,16 @@ def indices_of(model, mesh=0):
 
 
 def binary_ply():
-    head = ("ply\nformat binary_little_endian 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
-            "property float z\nelement face 4\nproperty list uchar int vertex_indices\nend_header\n")
+    head = ("ply\nformat binary_little_endian 1.0\nelement vertex 4\nproperty float x\n"
+            "property float y\nproperty float z\nelement face 4\n"
+            "property list uchar int vertex_indices\nend_header\n")
     body = b"".join(struct.pack("<3f", *corner) for corner in CORNERS)
     return head.encode() + body + b"".join(struct.pack("<B3i", 3, *face) for face in FACES)
 
 
 def binary_stl():
-    body = b"".join(struct.pack("<12fH", 0, 0, 0, *(x for i in face for x in CORNERS[i]), 0) for face in FACES)
+    body = b"".join(struct.pack("<12fH", 0, 0, 0, *(x for i in face for x in CORNERS[i]),
+                                0) for face in FACES)
     return bytes(80) + struct.pack("<I", len(FACES)) + body
 
 
@@ -62,7 +64,8 @@ MTL = "newmtl red\nKd 0.8 0.1 0.05\nNs 30\nnewmtl picture\nKd 1 1 1\nmap_Kd grey
 
 
 def gltf(picture):
-    """A triangle twice: moved by a node, with a material of metal, a camera, a lamp, and a picture inside."""
+    """A triangle, moved by a node, with a material of metal and a picture inside, a camera, a
+    lamp."""
     positions = b"".join(struct.pack("<3f", *corner) for corner in CORNERS[:3])
     indices = struct.pack("<3H", 0, 1, 2)
     uvs = struct.pack("<6f", 0, 0, 1, 0, 0, 1)
@@ -75,13 +78,19 @@ def gltf(picture):
             {"type": "point", "color": [1, 0.5, 0.25], "intensity": 8}]}},
         "nodes": [{"mesh": 0, "translation": [1, 2, 3], "scale": [2, 2, 2]},
                   {"camera": 0, "translation": [0, 0, 5], "name": "eye"},
-                  {"translation": [0, 4, 0], "name": "lamp", "extensions": {"KHR_lights_punctual": {"light": 0}}}],
-        "cameras": [{"type": "perspective", "perspective": {"yfov": 0.8, "aspectRatio": 1, "znear": 0.1}}],
-        "meshes": [{"primitives": [{"attributes": {"POSITION": 0, "TEXCOORD_0": 1}, "indices": 2, "material": 0}]}],
-        "materials": [{"pbrMetallicRoughness": {"baseColorFactor": [0.9, 0.6, 0.3, 1], "metallicFactor": 0.75,
-                                                "roughnessFactor": 0.25, "baseColorTexture": {"index": 0}}}],
+                  {"translation": [0, 4, 0], "name": "lamp",
+                   "extensions": {"KHR_lights_punctual": {"light": 0}}}],
+        "cameras": [{"type": "perspective",
+                     "perspective": {"yfov": 0.8, "aspectRatio": 1, "znear": 0.1}}],
+        "meshes": [{"primitives": [{"attributes": {"POSITION": 0, "TEXCOORD_0": 1}, "indices": 2,
+                                    "material": 0}]}],
+        "materials": [{"pbrMetallicRoughness": {"baseColorFactor": [0.9, 0.6, 0.3, 1],
+                                                "metallicFactor": 0.75,
+                                                "roughnessFactor": 0.25,
+                                                "baseColorTexture": {"index": 0}}}],
         "textures": [{"source": 0}],
-        "images": [{"mimeType": "image/png", "uri": "data:image/png;base64," + base64.b64encode(picture).decode()}],
+        "images": [{"mimeType": "image/png",
+                    "uri": "data:image/png;base64," + base64.b64encode(picture).decode()}],
         "buffers": [{"byteLength": len(data), "uri": uri}],
         "bufferViews": [{"buffer": 0, "byteOffset": 0, "byteLength": 36},
                         {"buffer": 0, "byteOffset": 36, "byteLength": 24},
@@ -154,7 +163,8 @@ class FilesTest(PackageTest):
 
     def test_what_is_wrong_with_a_file_is_one_error_and_nothing_is_added(self):
         cut_off = binary_ply()[:-20]
-        for name, data in (("a.ply", cut_off), ("b.obj", b""), ("c.gltf", b"{"), ("d.stl", b"solid x"), ("e.txt", b"x"),
+        for name, data in (("a.ply", cut_off), ("b.obj", b""), ("c.gltf", b"{"),
+                           ("d.stl", b"solid x"), ("e.txt", b"x"),
                            ("f.glb", b"glTF\x02\0\0\0\xff\xff\xff\xff")):
             with self.subTest(name):
                 with self.assertRaises(OSError) as error:
@@ -188,9 +198,11 @@ class PlyTest(PackageTest):
         self.assertIn(words, str(error.exception))
         self.assertIn("a.ply", str(error.exception))
 
-    TEXT = ("ply\r\nformat ascii 1.0\r\ncomment made by hand\r\nelement vertex 4\r\nproperty float x\r\n"
+    TEXT = ("ply\r\nformat ascii 1.0\r\ncomment made by hand\r\nelement vertex 4\r\n"
+            "property float x\r\n"
             "property double y\r\nproperty float z\r\nproperty float nx\r\nproperty float ny\r\n"
-            "property float nz\r\nproperty uchar red\r\nproperty uchar green\r\nproperty uchar blue\r\n"
+            "property float nz\r\nproperty uchar red\r\nproperty uchar green\r\n"
+            "property uchar blue\r\n"
             "property float s\r\nproperty float t\r\nelement face 1\r\nproperty uchar flags\r\n"
             "property list uchar int vertex_index\r\nend_header\r\n"
             "0 0 0 0 0 1 255 0 51 0 0\r\n1 0 0 0 0 1 0 0 0 1 0\r\n1 1 0 0 0 1 0 0 0 1 1\r\n"
@@ -206,7 +218,8 @@ class PlyTest(PackageTest):
         self.assertEqual(str(mesh["colors"][0]), "vector3( 1, 0, 0.2 )")
 
     def test_the_other_byte_order(self):
-        head = binary_ply().partition(b"end_header\n")[0].replace(b"little", b"big") + b"end_header\n"
+        head = binary_ply().partition(b"end_header\n")[0].replace(b"little",
+            b"big") + b"end_header\n"
         body = b"".join(struct.pack(">3f", *corner) for corner in CORNERS)
         model = self.load(head + body + b"".join(struct.pack(">B3i", 3, *face) for face in FACES))
         self.assertEqual(points_of(model), CORNERS)
@@ -228,7 +241,8 @@ class PlyTest(PackageTest):
         self.assert_refused(whole[:-4] + struct.pack("<i", 9), "names point 9 of 4")
         self.assert_refused(whole[:-4] + struct.pack("<i", -1), "length or an index")
         self.assert_refused(whole.replace(b"face 4", b"face 0"), "no triangles")
-        self.assert_refused(self.TEXT.replace("1 1 0 0 0 1", "1 x 0 0 0 1").encode(), "a number is expected")
+        self.assert_refused(self.TEXT.replace("1 1 0 0 0 1", "1 x 0 0 0 1").encode(),
+                            "a number is expected")
 
 
 class OtherPackagesTest(PackageTest):

@@ -11,20 +11,25 @@ SCENE = """import vantor as vt
 s = vt.Scene()
 s.camera("perspective", position=(0, 0, 5), target=[0, 0, 0], fov=40)
 lamp = s.light("point", intensity=(1, 2, 3))
-with s.material("surface", interface=s.interface("diffuse", reflectance=0.5)), vt.translate(0, 1, 0):
-    s.add("mesh", points=[[0.0, 0, 0], [1, 0, 0], [0, 1, 0], [1, 1, 1]], triangles=[[0, 1, 2]], names="x")
+with s.material("surface", interface=s.interface("diffuse", reflectance=0.5)), vt.translate(0, 1,
+    0):
+    s.add("mesh", points=[[0.0, 0, 0], [1, 0, 0], [0, 1, 0], [1, 1, 1]], triangles=[[0, 1, 2]],
+          names="x")
 """
 
 
-@unittest.skipUnless(os.path.exists(os.path.join(LIBRARY, "libVantor.so")), "the counting example is not built")
+@unittest.skipUnless(os.path.exists(os.path.join(LIBRARY, "libVantor.so")),
+                     "the counting example is not built")
 class OtherRendererTest(unittest.TestCase):
     def run_with_it(self, script):
         return run_script(SCENE + script, library=LIBRARY)
 
     def test_what_the_scene_says_arrives(self):
-        status, output, errors = self.run_with_it("try:\n s.render(8, 6, 2)\nexcept vt.SceneError: pass")
+        script = "try:\n s.render(8, 6, 2)\nexcept vt.SceneError: pass"
+        status, output, errors = self.run_with_it(script)
         self.assertEqual((status, errors), (0, ""))
-        for line in ("Render 8 x 6, 2 samples", "1 AddObject", "1 MaterialBegin", "1 MaterialEnd", "1 TransformEnd",
+        for line in ("Render 8 x 6, 2 samples", "1 AddObject", "1 MaterialBegin", "1 MaterialEnd",
+                     "1 TransformEnd",
                      "4 points of objects"):
             self.assertIn(line, output)
 

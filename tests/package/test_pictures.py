@@ -21,7 +21,8 @@ def grey_png(values):
     """A PNG of one row of grey bytes."""
     header = struct.pack(">IIBBBBB", len(values), 1, 8, 0, 0, 0, 0)
     rows = zlib.compress(b"\0" + bytes(values))
-    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", rows) + chunk(b"IEND", b""))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", rows) + chunk(b"IEND",
+        b""))
 
 
 class PassTest(PackageTest):
@@ -52,13 +53,15 @@ class PassTest(PackageTest):
     def test_a_window_has_the_pixels_of_the_whole(self):
         scene = ball_scene()
         whole, part = scene.render(20, 10, 4), scene.render(20, 10, 4, window=(0.25, 0.5, 0.75, 1))
-        self.assertEqual((part.width, part.height, part.origin, part.full_size), (10, 5, (5, 5), (20, 10)))
+        self.assertEqual((part.width, part.height, part.origin, part.full_size),
+                         (10, 5, (5, 5), (20, 10)))
         self.assertEqual(part.buffer().tolist(), [row[5:15] for row in whole.buffer().tolist()[5:]])
 
     def test_no_file_is_left(self):
         script = ("import os, sys, tempfile, vantor\ntempfile.tempdir = sys.argv[1]\n"
                   "s = vantor.Scene()\ns.camera('perspective')\ns.light('sky')\n"
-                  "s.render(4, 4, 1)\ns.render(4, 4, 1, wait=False).result()\ns.render(4, 4, 1, wait=False)\n"
+                  "s.render(4, 4, 1)\ns.render(4, 4, 1, wait=False).result()\n"
+                  "s.render(4, 4, 1, wait=False)\n"
                   "print(len(os.listdir(sys.argv[1])))")
         status, output, errors = run_script(script, self.folder)
         self.assertEqual((status, errors), (0, ""))
@@ -67,7 +70,8 @@ class PassTest(PackageTest):
 
     def test_the_script_needs_no_numpy(self):
         script = ("import sys\nsys.modules['numpy'] = None\nimport vantor\n"
-                  "s = vantor.Scene()\ns.camera('perspective')\ns.light('sky')\np = s.render(4, 4, 1)\n"
+                  "s = vantor.Scene()\ns.camera('perspective')\ns.light('sky')\n"
+                  "p = s.render(4, 4, 1)\n"
                   "p.save(sys.argv[1])\nassert p._repr_png_()[1:4] == b'PNG'\n"
                   "try:\n    p.color\nexcept ImportError as error:\n    print(error)")
         status, output, errors = run_script(script, self.path("a.png"))
@@ -126,7 +130,8 @@ class FilesTest(PackageTest):
     def test_eight_bits_are_srgb(self):
         with open(self.path("a.png"), "wb") as file:
             file.write(grey_png([0, 128, 255]))
-        self.assertEqual([round(v, 4) for v in floats(vt.Picture.load(self.path("a.png")))[::3]], [0, 0.2159, 1])
+        self.assertEqual([round(v, 4) for v in floats(vt.Picture.load(self.path("a.png")))[::3]],
+                         [0, 0.2159, 1])
 
     def test_what_cannot_be_read_or_written_is_one_error(self):
         with open(self.path("no.tif"), "wb") as file:
@@ -140,7 +145,8 @@ class FilesTest(PackageTest):
         picture = vt.Picture.of([[0.5, 1.0]])
         self.assertRaisesRegex(OSError, "No such file", picture.save, self.path("no/a.png"))
         self.assertRaisesRegex(ValueError, "ends in", picture.save, self.path("a.bmp"))
-        self.assertRaisesRegex(ValueError, "display", picture.save, self.path("a.png"), display="film")
+        self.assertRaisesRegex(ValueError, "display", picture.save, self.path("a.png"),
+                               display="film")
         self.assertRaisesRegex(KeyError, "depth", picture.save, self.path("a.png"), name="depth")
         self.assertEqual(os.listdir(self.folder), ["no.tif"])
 

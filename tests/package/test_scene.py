@@ -21,7 +21,8 @@ class BlocksTest(PackageTest):
         scene = lit_scene(strict=True)
         material = scene.material("diffuse")
         with self.assertRaises(ZeroDivisionError):
-            with material, scene.light("area"), vt.translate(0, 1, 0), scene.interior("homogeneous"):
+            with material, scene.light("area"), vt.translate(0, 1,
+                0), scene.interior("homogeneous"):
                 scene.add("box")
                 1 / 0
         with material:
@@ -49,7 +50,8 @@ class BlocksTest(PackageTest):
         self.assertEqual(pictures[0], pictures[1])
         self.assertEqual(len(set(pictures[0])) > 50, True)
         difference = max(abs(a - b) for a, b in zip(
-            memoryview(pictures[0]).cast("f"), plain.render(16, 12, 4).buffer().cast("B").cast("f")))
+            memoryview(pictures[0]).cast("f"),
+            plain.render(16, 12, 4).buffer().cast("B").cast("f")))
         self.assertLess(difference, 1e-3)
 
     def test_the_block_of_a_light_is_that_lights(self):
@@ -100,7 +102,8 @@ class MaterialsTest(PackageTest):
     def test_a_pattern_goes_to_the_surface(self):
         scene = lit_scene(strict=True)
         checker = scene.pattern("checker", a=(1, 0, 0), b=(0, 1, 0), space="object")
-        for kind, name in (("plastic", "color"), ("principled", "base_color"), ("conductor", "color")):
+        for kind, name in (("plastic", "color"), ("principled", "base_color"),
+                           ("conductor", "color")):
             with scene.material(kind, **{name: checker, "roughness": checker}):
                 scene.add("box")
         scene.render(4, 4, 1)
@@ -120,7 +123,8 @@ class MessagesTest(PackageTest):
 
     def test_repeats_are_folded(self):
         script = ("import vantor\nscene = vantor.Scene()\n"
-                  "for i in range(5):\n    scene.light('point', powr=i)\nscene.light('point', powr=5)\n")
+                  "for i in range(5):\n    scene.light('point', powr=i)\n"
+                  "scene.light('point', powr=5)\n")
         status, _, errors = run_script(script)
         self.assertEqual(status, 0)
         self.assertEqual(errors.count("SceneWarning"), 2, errors)
@@ -135,13 +139,15 @@ class MessagesTest(PackageTest):
         status, _, errors = run_script(script)
         self.assertEqual(status, 1)
         self.assertIn("SceneError", errors)
-        status, _, errors = run_script(script.replace("strict=True", ""), VANTOR_DIAGNOSTICS="strict")
+        status, _, errors = run_script(script.replace("strict=True", ""),
+                                       VANTOR_DIAGNOSTICS="strict")
         self.assertEqual(status, 1)
 
     def test_the_environment_can_silence_warnings_but_no_errors(self):
         script = "import vantor\ns = vantor.Scene({})\ns.camera('perspectiv')"
         self.assertEqual(run_script(script.format(""), VANTOR_DIAGNOSTICS="silent"), (0, "", ""))
-        self.assertEqual(run_script(script.format("strict=True"), VANTOR_DIAGNOSTICS="silent")[0], 1)
+        self.assertEqual(run_script(script.format("strict=True"), VANTOR_DIAGNOSTICS="silent")[0],
+                         1)
 
     def test_scenes_of_the_module_keep_the_error_stream(self):
         script = ("import vantor, vantorPM\nvantor.Scene().add('sphere')\n"
@@ -153,15 +159,19 @@ class MessagesTest(PackageTest):
     def test_words_that_people_try_get_the_right_one(self):
         scene = lit_scene()
         for make, type, word, right in (
-                (scene.object, "cube", "cube", "box"), (scene.interface, "glass", "glass", "dielectric"),
-                (scene.interface, "mirror", "mirror", "conductor"), (scene.interface, "metal", "metal", "conductor")):
+                (scene.object, "cube", "cube", "box"), (scene.interface, "glass", "glass",
+                                                        "dielectric"),
+                (scene.interface, "mirror", "mirror", "conductor"),
+                (scene.interface, "metal", "metal", "conductor")):
             warning, = caught(make, type)
-            self.assertIn('"{}": unknown type (did you mean "{}"?)'.format(word, right), str(warning.message))
+            self.assertIn('"{}": unknown type (did you mean "{}"?)'.format(word, right),
+                          str(warning.message))
         for make, type, word, right in ((scene.camera, "perspective", "look_at", "target"),
                                         (scene.light, "point", "power", "intensity"),
                                         (scene.light, "environment", "file", "name")):
             warning, = caught(make, type, **{word: (1, 2, 3)})
-            self.assertIn('unknown parameter "{}" (did you mean "{}"?)'.format(word, right), str(warning.message))
+            self.assertIn('unknown parameter "{}" (did you mean "{}"?)'.format(word, right),
+                          str(warning.message))
 
     def test_a_pass_without_a_picture_is_an_error(self):
         scene = vt.Scene()
@@ -170,14 +180,15 @@ class MessagesTest(PackageTest):
             warnings.simplefilter("ignore", vt.SceneWarning)
             self.assertRaisesRegex(vt.SceneError, "there is no camera", scene.render, 4, 4, 1)
             self.assertRaisesRegex(vt.SceneError, "width", ball_scene().render, 0, 4, 1)
-            self.assertRaisesRegex(vt.SceneError, "window", ball_scene().render, 4, 4, 1, window=(0, 0, 2, 1))
+            self.assertRaisesRegex(vt.SceneError, "window", ball_scene().render, 4, 4, 1,
+                                   window=(0, 0, 2, 1))
         self.assertRaises(TypeError, ball_scene().render, 4.5, 4, 1)
         self.assertRaises(ValueError, ball_scene().render, 4, 4, 1, window=(0, 1))
         self.assertRaisesRegex(ValueError, "albedo", ball_scene().render, 4, 4, 1, aovs="albdo")
 
 
 class VainTest(PackageTest):
-    """What a scene describes without effect is said before a pass, at the line where it was made."""
+    """What a scene describes without effect is said before a pass, where it was made."""
 
     def assert_said(self, scene, *texts):
         found = [str(warning.message) for warning in caught(scene.render, 4, 4, 1)]
@@ -203,7 +214,8 @@ class VainTest(PackageTest):
         scene.object("sphere")
         scene.material("diffuse")
         scene.light("area")
-        self.assert_said(scene, '<object 3 "sphere"> is never added', '<material 4 "diffuse"> is never used',
+        self.assert_said(scene, '<object 3 "sphere"> is never added',
+                         '<material 4 "diffuse"> is never used',
                          '<light 5 "area"> lights nothing')
 
     def test_glass_on_an_open_surface(self):
@@ -220,11 +232,13 @@ class VocabularyTest(unittest.TestCase):
         self.assertTrue(text.startswith('newCamera "perspective": '))
         self.assertIn("fov: number; degrees; 0.001 to 179; default 45", text)
         self.assertEqual(vt.vocabulary("light", "spot").name, "spot")
-        self.assertEqual(vt.vocabulary("newLight", "spot").parameters["cutoff_angle"].unit, "degrees")
+        self.assertEqual(vt.vocabulary("newLight", "spot").parameters["cutoff_angle"].unit,
+                         "degrees")
         self.assertIn("vertical", vt.vocabulary("perspective").parameters["fov_axis"].choices)
 
     def test_words_with_several_meanings_list_them(self):
-        self.assertEqual({type.call for type in vt.vocabulary("diffuse")}, {"newInterface", "newMaterial"})
+        self.assertEqual({type.call for type in vt.vocabulary("diffuse")},
+                         {"newInterface", "newMaterial"})
         self.assertGreater(len(vt.vocabulary("object")), 8)
         self.assertIn("newCamera: ", repr(vt.vocabulary()))
 

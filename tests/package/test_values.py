@@ -26,7 +26,8 @@ class ArraysTest(unittest.TestCase):
 
     def test_nested_sequences_of_every_depth(self):
         points = [(1, 2, 3), [4.5, 5, 6], vantorPM.vector3(7, 8, 9)]
-        self.assertEqual(elements(_native.to_array("vector3array", points)), [1, 2, 3, 4.5, 5, 6, 7, 8, 9])
+        self.assertEqual(elements(_native.to_array("vector3array", points)),
+                         [1, 2, 3, 4.5, 5, 6, 7, 8, 9])
         rows = [[[float(4 * i + j) for j in range(4)] for i in range(4)]] * 2
         made = _native.to_array("transformarray", rows)
         self.assertIs(type(made), type(vantorPM.transformarray()))
@@ -46,7 +47,8 @@ class ArraysTest(unittest.TestCase):
 
     def test_both_ways_are_exact(self):
         numbers = [0.1, -0.0, 1e300, 5e-324, 2.0**-1074, 3.0]
-        made = _native.to_array("vector2array", memoryview(array.array("d", numbers)).cast("B").cast("d", (3, 2)))
+        made = _native.to_array("vector2array",
+                                memoryview(array.array("d", numbers)).cast("B").cast("d", (3, 2)))
         self.assertEqual(struct.pack("6d", *elements(made)), struct.pack("6d", *numbers))
 
     def test_no_elements(self):
@@ -69,16 +71,19 @@ class ArraysTest(unittest.TestCase):
         self.assert_refused("floatarray", endless, ValueError, "different depths")
 
     def test_what_is_no_number(self):
-        for value in ("abc", None, {1: 2}, [None], ["1"], [[1, 2, "3"]], b"abc", {1, 2}, [True], object()):
+        for value in ("abc", None, {1: 2}, [None], ["1"], [[1, 2, "3"]], b"abc", {1, 2}, [True],
+                      object()):
             with self.subTest(repr(value)):
                 self.assert_refused("floatarray", value, TypeError, "expected numbers")
 
     def test_integers_have_to_be_integers_of_32_bits(self):
         self.assert_refused("intarray", [0, 1.5], TypeError, "integers")
         self.assert_refused("intarray", array.array("d", [1]), TypeError, "integers")
-        for value in ([2**31], [-(2**31) - 1], array.array("q", [2**40]), array.array("Q", [2**63])):
+        for value in ([2**31], [-(2**31) - 1], array.array("q", [2**40]),
+                      array.array("Q", [2**63])):
             self.assert_refused("intarray", value, OverflowError, "32 bits")
-        self.assertEqual(elements(_native.to_array("intarray", [2**31 - 1, -(2**31)])), [2**31 - 1, -(2**31)])
+        self.assertEqual(elements(_native.to_array("intarray", [2**31 - 1, -(2**31)])),
+                         [2**31 - 1, -(2**31)])
 
     def test_a_sequence_that_changes_while_it_is_read(self):
         class Shrinks(float):
@@ -107,13 +112,15 @@ class ArraysTest(unittest.TestCase):
         read_only.flags.writeable = False
         wide = numpy.zeros((8, 7))
         wide[:, 1:7:2] = points
-        for value in (points, points[::-1][::-1], numpy.asfortranarray(points), points.astype(">f8"),
+        for value in (points, points[::-1][::-1], numpy.asfortranarray(points),
+                      points.astype(">f8"),
                       read_only, wide[:, 1:7:2]):
             made = _native.to_array("vector3array", value)
             self.assertEqual(elements(made), expected)
             self.assertEqual(vt.to_numpy(made).tolist(), points.tolist())
         singles = points.astype("f4")
-        self.assertEqual(vt.to_numpy(_native.to_array("vector3array", singles)).tolist(), singles.astype(float).tolist())
+        self.assertEqual(vt.to_numpy(_native.to_array("vector3array", singles)).tolist(),
+                         singles.astype(float).tolist())
         backwards = _native.to_array("vector3array", points[::-2])
         self.assertEqual(vt.to_numpy(backwards).tolist(), points[::-2].tolist())
 
@@ -165,11 +172,13 @@ class ParametersTest(PackageTest):
         scene.add("sphere", radius=numpy.float32(2), center=numpy.ones(3, "f4"))
         scene.imager("settings", seed=numpy.int64(3), final_gather=numpy.bool_(True))
         scene.light("point", intensity=numpy.array(2.5))
-        scene.object("instances", object=scene.object("box"), places=numpy.stack([numpy.eye(4)] * 3))
+        scene.object("instances", object=scene.object("box"),
+                     places=numpy.stack([numpy.eye(4)] * 3))
 
     def test_errors_name_call_type_and_parameter(self):
         scene = lit_scene()
-        self.assert_refused(ValueError, 'newObject "sphere": center: expected the shape (3,), got (2,)',
+        self.assert_refused(ValueError,
+                            'newObject "sphere": center: expected the shape (3,), got (2,)',
                             scene.object, "sphere", center=(1, 2))
         self.assert_refused(TypeError, 'newObject "sphere": radius: expected a number, got \'big\'',
                             scene.object, "sphere", radius="big")
@@ -177,21 +186,25 @@ class ParametersTest(PackageTest):
                             scene.object, "cone", caps=2)
         self.assert_refused(TypeError, 'newImager "settings": seed: expected an integer, got 1.5',
                             scene.imager, "settings", seed=1.5)
-        self.assert_refused(TypeError, "newCamera: expected the name of a type, got 5", scene.camera, 5)
+        self.assert_refused(TypeError, "newCamera: expected the name of a type, got 5",
+                            scene.camera, 5)
 
     def test_a_handle_is_of_one_kind_and_one_scene(self):
         scene, other = lit_scene(), lit_scene()
         light = scene.light("point")
         self.assert_refused(
-            TypeError, 'newMaterial "surface": interface: expected an interface, got {!r}'.format(light),
+            TypeError,
+            'newMaterial "surface": interface: expected an interface, got {!r}'.format(light),
             scene.material, "surface", interface=light)
         self.assert_refused(
             TypeError, 'newMaterial "surface": interface: expected an interface, got 1',
             scene.material, "surface", interface=1)
         ball = other.object("sphere")
-        self.assert_refused(ValueError, "{!r} belongs to another scene".format(ball), scene.add, ball)
+        self.assert_refused(ValueError, "{!r} belongs to another scene".format(ball), scene.add,
+                            ball)
         self.assertRaises(TypeError, scene.add, light)
-        self.assert_refused(TypeError, 'newObject "sphere": radius: expected a number, got {!r}'.format(light),
+        self.assert_refused(TypeError,
+                            'newObject "sphere": radius: expected a number, got {!r}'.format(light),
                             scene.object, "sphere", radius=light)
 
     def test_nothing_is_added_by_a_call_that_fails(self):
@@ -223,7 +236,8 @@ class TransformsTest(unittest.TestCase):
     def test_a_product_applies_the_left_one_first(self):
         self.assertEqual((vt.scale(2) @ vt.translate(1, 0, 0)).rows[3], (1, 0, 0, 1))
         self.assertEqual((vt.translate(1, 0, 0) @ vt.scale(2)).rows[3], (2, 0, 0, 1))
-        self.assertEqual((vt.translate(1, 0, 0) @ vt.translate(1, 0, 0).inverse()), vt.translate(0, 0, 0))
+        self.assertEqual((vt.translate(1, 0, 0) @ vt.translate(1, 0, 0).inverse()),
+                         vt.translate(0, 0, 0))
 
     def test_look_at_turns_minus_z_to_the_target(self):
         rows = vt.look_at((1, 2, 3), (1, 2, -5)).rows
