@@ -15,15 +15,29 @@ constexpr std::size_t most_copied_primitives = 20000;
 // Smaller: rays pass from scene to scene more often, which takes time.
 constexpr std::size_t least_primitives_of_own_scene = 20000;
 
+// From so many bodies on, a point may lie in more of them than one ray after the other can find out in reasonable time.
+constexpr std::size_t least_collected_bodies = 64;
+
+RTCSceneFlags flags_for(std::span<const Placement> placements) {
+    std::size_t bodies = 0;
+    for (const Placement &placement : placements)
+        if (placement.interior >= 0)
+            bodies += placement.instances ? placement.instances->size() : 1;
+    // A ray that slips between two triangles of a body never leaves its medium. Without media, it is one sample among
+    // many, and not worth a seventh more time.
+    int flags = bodies > 0 ? RTC_SCENE_FLAG_ROBUST : RTC_SCENE_FLAG_NONE;
+    if (bodies >= least_collected_bodies)
+        flags |= calls_query_filters;
+    return static_cast<RTCSceneFlags>(flags);
+}
+
 } // namespace
 
 void AccelerationStructure::update(std::span<const Placement> placements, const Interrupt &interrupt) {
-    // A ray that slips between two triangles of a body never leaves its medium. Without media, it is one sample among
-    // many, and not worth a seventh more time. Embree has to know before it builds.
-    const bool has_bodies = std::ranges::any_of(placements, [](const Placement &p) { return p.interior >= 0; });
-    if (has_bodies != is_robust) {
+    // Embree has to know before it builds.
+    if (const RTCSceneFlags now = flags_for(placements); now != flags) {
         forget_all();
-        is_robust = has_bodies;
+        flags = now;
     }
 
     for (; counted < placements.size(); ++counted)
@@ -149,8 +163,7 @@ OwnedScene AccelerationStructure::scene_of_one(RTCGeometry geometry, const Inter
 OwnedScene AccelerationStructure::new_scene() const {
     OwnedScene scene(rtcNewScene(device.get()));
     check_handle(device.get(), scene.get());
-    if (is_robust)
-        rtcSetSceneFlags(scene.get(), RTC_SCENE_FLAG_ROBUST);
+    rtcSetSceneFlags(scene.get(), flags);
     return scene;
 }
 

@@ -41,6 +41,10 @@ class AccelerationStructure {
 
     RTCDevice of_device() const { return device.get(); }
     RTCScene top_level() const { return top.get(); }
+
+    /// Whether all hits of a ray can be collected. This makes tracing a little slower, and so is only where there are
+    /// many bodies.
+    bool can_collect_hits() const { return (flags & calls_query_filters) != 0; }
     const HitDecoding &decoding(std::uint32_t placement) const { return placed[placement].decoding; }
     const BuildCounts &builds() const { return counts; }
 
@@ -78,7 +82,7 @@ class AccelerationStructure {
 
     std::unordered_map<const Object *, std::size_t> uses; // of the first so many placements
     std::size_t counted = 0;
-    bool is_robust = false; // of all scenes
+    RTCSceneFlags flags = RTC_SCENE_FLAG_NONE; // of all scenes
     BuildCounts counts;
 };
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "libvantor/description/object.h"
-#include "libvantor/embree/embree.h"
+#include "libvantor/embree/all_hits.h"
 #include "libvantor/shapes/canonical.h"
 
 #include <cmath>
@@ -19,21 +19,35 @@ template <Analytic Kind> struct PlacedShape {
 
 namespace callbacks {
 
-// The first crossing within the ray's reach, if there is one.
-template <Analytic Kind>
-bool find(const PlacedShape<Kind> &placed, RTCRayN *rays, unsigned n, unsigned i, Crossing &found) {
+// Visits the crossings within the ray's reach, the nearest first, as long as visit returns true.
+template <Analytic Kind, class Visit>
+void visit_crossings(const PlacedShape<Kind> &placed, RTCRayN *rays, unsigned n, unsigned i, Visit visit) {
     const Vec3 origin{RTCRayN_org_x(rays, n, i), RTCRayN_org_y(rays, n, i), RTCRayN_org_z(rays, n, i)};
     const Vec3 direction{RTCRayN_dir_x(rays, n, i), RTCRayN_dir_y(rays, n, i), RTCRayN_dir_z(rays, n, i)};
     for (const Crossing &crossing : crossings(*placed.kind, placed.map.ray_back(origin, direction))) {
         // As Embree will see it.
         const auto t = static_cast<float>(crossing.t);
         if (t > RTCRayN_tnear(rays, n, i) && t <= RTCRayN_tfar(rays, n, i) &&
-            (!placed.trimmed || placed.trimmed->keeps(crossing.part, {}, origin + direction * t))) {
-            found = crossing;
-            return true;
-        }
+            (!placed.trimmed || placed.trimmed->keeps(crossing.part, {}, origin + direction * t)) && !visit(crossing))
+            return;
     }
-    return false;
+}
+
+// The first of them, if there is one.
+template <Analytic Kind>
+bool find(const PlacedShape<Kind> &placed, RTCRayN *rays, unsigned n, unsigned i, Crossing &found) {
+    bool is_found = false;
+    visit_crossings(placed, rays, n, i, [&](const Crossing &crossing) {
+        found = crossing;
+        is_found = true;
+        return false;
+    });
+    return is_found;
+}
+
+// In floats, the square of a normal of another length might overflow.
+template <Analytic Kind> Vec3 unit_normal(const PlacedShape<Kind> &placed, const Crossing &crossing) {
+    return to_float(unit(placed.map.normal(crossing.normal)));
 }
 
 // Formulas and Embree round differently, so the box has some padding; a flat shape's as well.
@@ -56,11 +70,22 @@ template <Analytic Kind> void intersect(const RTCIntersectFunctionNArguments *ar
     RTCRayN *rays = RTCRayHitN_RayN(arguments->rayhit, n);
     RTCHitN *hits = RTCRayHitN_HitN(arguments->rayhit, n);
     for (unsigned i = 0; i < n; ++i) {
+        if (arguments->valid[i] != 0 && RTCRayN_id(rays, n, i) == collecting_ray) {
+            visit_crossings(placed, rays, n, i, [&](const Crossing &one) {
+                const Vec3 normal = unit_normal(placed, one);
+                all_hits.add({static_cast<float>(one.t),
+                              {normal.x, normal.y, normal.z},
+                              one.part,
+                              arguments->geomID,
+                              arguments->context->instID[0]});
+                return true;
+            });
+            continue;
+        }
         Crossing crossing;
         if (arguments->valid[i] == 0 || !find(placed, rays, n, i, crossing))
             continue;
-        // In floats, the square of a normal of another length might overflow.
-        const Vec3 normal = to_float(unit(placed.map.normal(crossing.normal)));
+        const Vec3 normal = unit_normal(placed, crossing);
         RTCRayN_tfar(rays, n, i) = static_cast<float>(crossing.t);
         RTCHitN_Ng_x(hits, n, i) = normal.x;
         RTCHitN_Ng_y(hits, n, i) = normal.y;

@@ -44,6 +44,26 @@ class RayQuery {
 #endif
 };
 
+/// Traces one ray, with a filter for its hits; in scenes that have the flag.
+#if VANTOR_EMBREE == 4
+inline constexpr RTCSceneFlags calls_query_filters = RTC_SCENE_FLAG_FILTER_FUNCTION_IN_ARGUMENTS;
+inline void intersect_filtered(RTCScene scene, RTCRayHit &ray, RTCFilterFunctionN filter) {
+    RTCIntersectArguments arguments;
+    rtcInitIntersectArguments(&arguments);
+    arguments.flags = RTC_RAY_QUERY_FLAG_INVOKE_ARGUMENT_FILTER;
+    arguments.filter = filter;
+    rtcIntersect1(scene, &ray, &arguments);
+}
+#else
+inline constexpr RTCSceneFlags calls_query_filters = RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION;
+inline void intersect_filtered(RTCScene scene, RTCRayHit &ray, RTCFilterFunctionN filter) {
+    RTCIntersectContext context;
+    rtcInitIntersectContext(&context);
+    context.filter = filter;
+    rtcIntersect1(scene, &context, &ray);
+}
+#endif
+
 /// Traces one ray on in a scene, from within the callback of a user geometry, with the context that it was given.
 #if VANTOR_EMBREE == 4
 inline void intersect_within(RTCScene scene, RTCRayQueryContext *context, RTCRayHit &ray) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "libvantor/description/instance.h"
-#include "libvantor/embree/embree.h"
+#include "libvantor/embree/all_hits.h"
 
 #include <limits>
 #include <vector>
@@ -73,7 +73,7 @@ inline RTCRay ray_into(const Instancer::Inverse &inverse, RTCRayN *rays, unsigne
     ray.time = 0;
     ray.tfar = RTCRayN_tfar(rays, n, i);
     ray.mask = ~0u;
-    ray.id = 0;
+    ray.id = RTCRayN_id(rays, n, i);
     ray.flags = 0;
     return ray;
 }
@@ -91,6 +91,14 @@ inline void intersect_place(const RTCIntersectFunctionNArguments *arguments) {
         inner.ray = ray_into(instancer.inverses[arguments->primID], rays, n, i);
         inner.hit.geomID = RTC_INVALID_GEOMETRY_ID;
         inner.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
+        if (inner.ray.id == collecting_ray) {
+            all_hits.is_in_instance = true;
+            all_hits.geometry = arguments->primID;
+            all_hits.instance = arguments->geomID;
+            collect_hits(instancer.scene, inner);
+            all_hits.is_in_instance = false;
+            continue;
+        }
         intersect_within(instancer.scene, arguments->context, inner);
         if (inner.hit.geomID == RTC_INVALID_GEOMETRY_ID)
             continue;

@@ -2,6 +2,7 @@
 #include "libvantor/embree/tracer.h"
 
 #include "libvantor/embree/acceleration_structure.h"
+#include "libvantor/embree/all_hits.h"
 #include "libvantor/embree/instancer.h"
 
 #include <limits>
@@ -191,6 +192,41 @@ void Tracer::occluded_in_packets(std::span<const Segment> ways, std::span<char> 
         for (std::size_t lane = 0; lane < used; ++lane)
             are_occluded[first + lane] = packet.tfar[lane] < 0 ? 1 : 0;
     }
+}
+
+bool Tracer::can_intersect_all() const { return structure->can_collect_hits(); }
+
+std::vector<Hit> Tracer::intersect_all(const Ray &ray) const {
+    RTCRayHit query{};
+    query.ray.org_x = ray.origin.x;
+    query.ray.org_y = ray.origin.y;
+    query.ray.org_z = ray.origin.z;
+    query.ray.dir_x = ray.direction.x;
+    query.ray.dir_y = ray.direction.y;
+    query.ray.dir_z = ray.direction.z;
+    query.ray.tfar = infinity;
+    query.ray.mask = ~0u;
+    query.ray.id = collecting_ray;
+    query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+    query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
+    all_hits.found.clear();
+    collect_hits(structure->top_level(), query);
+
+    std::vector<Hit> hits;
+    RTCRayHit8 packet{};
+    for (const EmbreeHit &found : all_hits.found) {
+        packet.ray.tfar[0] = found.distance;
+        packet.hit.Ng_x[0] = found.normal[0];
+        packet.hit.Ng_y[0] = found.normal[1];
+        packet.hit.Ng_z[0] = found.normal[2];
+        packet.hit.primID[0] = found.primitive;
+        packet.hit.geomID[0] = found.geometry;
+        packet.hit.instID[0][0] = found.instance;
+        if (const Hit hit = decoded(packet, 0, ray); hit.exists)
+            hits.push_back(hit);
+    }
+    std::ranges::sort(hits, [](const Hit &a, const Hit &b) { return a.distance < b.distance; });
+    return hits;
 }
 
 float Tracer::radius() const {

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace vantor {
 
@@ -36,6 +37,11 @@ class Tracer {
 
     /// Whether there is anything on each of the ways.
     void occluded(std::span<const Segment> ways, std::span<char> are_occluded) const;
+
+    /// All surfaces on the ray, the nearest first. Not always possible: it has to be prepared for, and is where there
+    /// are many bodies.
+    bool can_intersect_all() const;
+    std::vector<Hit> intersect_all(const Ray &ray) const;
 
     /// The radius of a sphere around everything; 0 if there is nothing.
     float radius() const;

@@ -261,4 +261,83 @@ TEST(World, AnInterruptedBuildOfInstancesIsNoMistake) {
     unsetenv("VANTOR_DIAGNOSTICS");
 }
 
+VtTransform placed_at(const VtVector3 &position, const VtVector3 &scale) {
+    VtTransform m;
+    m.Scaling(scale);
+    for (int i = 0; i < 3; ++i)
+        m[3][i] = position[i];
+    return m;
+}
+
+// Bodies of every kind of geometry, some of which lie in others.
+void add_bodies(Kept &scene) {
+    vantor::Registry &registry = scene.registry;
+    registry.begin_interior(scene.make(EntityKind::Interior, "homogeneous"));
+    const VtLong box = scene.make(EntityKind::Object, "box");
+    const VtLong sphere = scene.make(EntityKind::Object, "sphere");
+    scripted::Indices cut;
+    cut.Add(static_cast<VtLong>(scene.make(EntityKind::Trimmer, "plane")));
+    const VtLong half = scene.make(EntityKind::Object, "sphere", "trimmers", cut);
+    const VtLong objects[] = {box, sphere, half, scene.make(EntityKind::Object, "torus"),
+                              scene.make(EntityKind::Object, "cone")};
+    for (int i = 0; i < 80; ++i) {
+        const double x = 0.31 * (i % 9);
+        registry.begin_transform(placed_at({x, 0.17 * (i % 5), 0.23 * (i % 7)}, {0.5 + 0.01 * i, 0.6, 0.7}));
+        registry.add_object(objects[i % 5]);
+        registry.end_transform();
+    }
+    VtInstanceArray<VtTransform> places;
+    for (int i = 0; i < 10; ++i)
+        places.Add(placed_at({0.3 * i, 0.1, 0.2}, {1, 0.4, 1}));
+    scene.place("instances", "object", static_cast<int>(box), "places", places);
+    scene.place("instances", "object", static_cast<int>(objects[3]), "places", places);
+    registry.end_interior();
+}
+
+TEST(World, AllHitsAreThoseOfOneRayAfterTheOther) {
+    Kept scene;
+    add_bodies(scene);
+    const vantor::Tracer &tracer = scene.world().tracer;
+    ASSERT_TRUE(tracer.can_intersect_all());
+    std::size_t found = 0;
+    for (int i = 0; i < 100; ++i) {
+        const vantor::Vec3 direction = vantor::normalized({1, 0.3f - 0.007f * static_cast<float>(i), 0.11f});
+        vantor::Ray ray{{-1, 0.013f * static_cast<float>(i), 0.07f}, direction};
+        const std::vector<vantor::Hit> all = tracer.intersect_all(ray);
+        for (const vantor::Hit &wanted : all) {
+            vantor::Hit hit;
+            tracer.intersect({&ray, 1}, false, {&hit, 1});
+            ASSERT_TRUE(hit.exists);
+            EXPECT_EQ(hit.placement, wanted.placement);
+            EXPECT_EQ(hit.instance, wanted.instance);
+            EXPECT_NEAR(vantor::length(hit.point - wanted.point), 0, 1e-4);
+            EXPECT_GT(dot(hit.geometric_normal, wanted.geometric_normal), 0.99f);
+            ray.origin = hit.origin_towards(direction);
+        }
+        vantor::Hit beyond;
+        tracer.intersect({&ray, 1}, false, {&beyond, 1});
+        EXPECT_FALSE(beyond.exists);
+        found += all.size();
+    }
+    EXPECT_GT(found, 1000u);
+}
+
+// The medium of the innermost body counts, and of each body that is left the one around it.
+TEST(World, APointMayLieInManyBodies) {
+    Kept scene;
+    constexpr int bodies = 200;
+    for (int i = 0; i < bodies; ++i) {
+        if (i == 0 || i == 150)
+            scene.registry.begin_interior(scene.make(EntityKind::Interior, "homogeneous"));
+        scene.place("sphere", "radius", 1 + 0.01 * i);
+    }
+    const vantor::World &world = scene.world();
+    vantor::MediumStack media = vantor::media_at({0.1f, 0.2f, 0.3f}, world.tracer, world.placements);
+    for (int i = 0; i < bodies; ++i) {
+        ASSERT_EQ(media.innermost(), i < 150 ? 0 : 1) << i;
+        media.leave(media.innermost());
+    }
+    EXPECT_EQ(media.innermost(), vantor::MediumStack::none);
+}
+
 } // namespace
