@@ -18,22 +18,18 @@ double one_minus_cosine(double angle) {
     return 2 * sine * sine;
 }
 
-DistantLight distant_light(const VtVector3 &to_light, double diameter, Color irradiance, const VtTransform &transform) {
+Light distant_light(const VtVector3 &to_light, double diameter, Color irradiance, const VtTransform &transform) {
     // Below this, floats do not tell the disk's directions apart.
     constexpr double least_diameter = 1e-3;
     VtVector3 in_world = transformed_direction(to_light, transform);
     in_world.Normalize();
-    const double height = diameter < least_diameter ? 0.0 : one_minus_cosine(radians(0.5 * diameter));
-    return {to_float(in_world), static_cast<float>(height), irradiance};
+    if (diameter < least_diameter)
+        return DistantLight{to_float(in_world), irradiance};
+    const double height = one_minus_cosine(radians(0.5 * diameter));
+    return DistantDiskLight{to_float(in_world), static_cast<float>(height), irradiance};
 }
 
-DistantLight make_distant(const Parameters &parameters, const VtTransform &transform) {
-    const VtVector3 travels = parameters.vector("direction");
-    return distant_light({-travels[0], -travels[1], -travels[2]}, parameters.number("angle"),
-                         parameters.color("irradiance"), transform);
-}
-
-// What a transform does to directions has no size.
+// What a transform does to directions does not depend on its translation and size.
 Affine of_directions(const VtTransform &transform) {
     VtTransform unmoved = transform;
     for (int c = 0; c < 3; ++c)
@@ -45,14 +41,18 @@ Affine of_directions(const VtTransform &transform) {
     return to_float(unmoved);
 }
 
-EnvironmentLight environment_of(Raster picture, Color scale, const VtTransform &transform) {
-    picture.alpha = {}; // nobody asks for it
-    return {std::make_shared<const Raster>(std::move(picture)), scale, of_directions(transform)};
+// No light if it is black.
+std::vector<Light> environment_of(Raster picture, Color scale, const VtTransform &transform) {
+    picture.alpha = {}; // unused
+    auto environment = std::make_shared<const Environment>(std::move(picture), scale, of_directions(transform));
+    if (environment->is_black())
+        return {};
+    return {EnvironmentLight{std::move(environment)}};
 }
 
-// Values that are no radiance become 0. How many there were.
+// Sets values that are no radiance to 0; returns how many pixels had any.
 long remove_unusable(std::vector<Color> &pixels) {
-    // Far beyond any light, and sums of as many as a picture may have stay finite.
+    // Far brighter than any light, and yet the sum over all pixels of a picture stays finite.
     constexpr float most = 1e18f;
     long count = 0;
     for (Color &c : pixels) {
@@ -67,12 +67,20 @@ long remove_unusable(std::vector<Color> &pixels) {
     return count;
 }
 
-EnvironmentLight make_environment(const Parameters &parameters, const VtTransform &transform,
-                                  const CallReport &report) {
+DescribedLight make_area(const Parameters &parameters, const VtTransform &, const CallReport &) {
+    return {{}, parameters.color("radiance")};
+}
+
+DescribedLight make_distant(const Parameters &parameters, const VtTransform &transform, const CallReport &) {
+    const VtVector3 travels = parameters.vector("direction");
+    return {{distant_light({-travels[0], -travels[1], -travels[2]}, parameters.number("angle"),
+                           parameters.color("irradiance"), transform)}};
+}
+
+DescribedLight make_environment(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
     const Color radiance = parameters.color("radiance");
-    const Raster constant{1, 1, {{1, 1, 1}}, {}};
     if (!parameters.is_given("name"))
-        return environment_of(constant, radiance, transform);
+        return {environment_of({1, 1, {{1, 1, 1}}, {}}, radiance, transform)};
 
     const std::string path = parameters.text("name");
     ReadPicture read = read_picture(path);
@@ -80,17 +88,22 @@ EnvironmentLight make_environment(const Parameters &parameters, const VtTransfor
         parameters.complain(
             "name", joined({"is ", in_quotes(path), ", which cannot be read: ", read.why_not, " (the light is black)"}),
             report);
-        return environment_of(constant, {}, transform);
+        return {};
     }
     if (const long count = remove_unusable(read.raster->pixels); count > 0)
         parameters.complain("name",
                             joined({"has ", counted(count, "pixel"),
                                     " with values that are no radiance (0 to 1e18 are; they count as 0)"}),
                             report);
-    return environment_of(std::move(*read.raster), radiance, transform);
+    return {environment_of(std::move(*read.raster), radiance, transform)};
 }
 
-SkyLight make_sky(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
+DescribedLight make_point(const Parameters &parameters, const VtTransform &transform, const CallReport &) {
+    const VtVector3 position = transformed_point(parameters.vector("position"), transform);
+    return {{PointLight{to_float(position), parameters.color("intensity")}}};
+}
+
+DescribedLight make_sky(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
     VtVector3 to_sun = parameters.vector("sun_direction");
     to_sun.Normalize();
     bool has_sun = parameters.is_on("sun");
@@ -99,21 +112,20 @@ SkyLight make_sky(const Parameters &parameters, const VtTransform &transform, co
                             report);
         has_sun = false;
         to_sun[1] = 0;
-        // Straight below, any point of the horizon will do.
+        // If the sun is straight below, any point of the horizon will do.
         to_sun = to_sun.Length() > 0 ? to_sun : VtVector3(0, 0, -1);
         to_sun.Normalize();
     }
     const SkyModel model(to_sun, parameters.number("turbidity"));
     const auto scale = static_cast<float>(parameters.number("scale"));
-    SkyLight light{environment_of(sky_picture(model, to_sun, has_sun, parameters.color("ground_albedo")),
-                                  {scale, scale, scale}, transform),
-                   {}};
+    std::vector<Light> lights = environment_of(sky_picture(model, to_sun, has_sun, parameters.color("ground_albedo")),
+                                               {scale, scale, scale}, transform);
     if (has_sun)
-        light.sun = distant_light(to_sun, sun_diameter, model.sun_irradiance() * scale, transform);
-    return light;
+        lights.push_back(distant_light(to_sun, sun_diameter, model.sun_irradiance() * scale, transform));
+    return {std::move(lights)};
 }
 
-SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
+DescribedLight make_spot(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
     const VtVector3 position = parameters.vector("position");
     VtVector3 axis = parameters.vector("direction");
     if (parameters.is_given("target")) {
@@ -137,26 +149,25 @@ SpotLight make_spot(const Parameters &parameters, const VtTransform &transform, 
             report);
         beam = cutoff;
     }
-    return {to_float(transformed_point(position, transform)), to_float(axis), parameters.color("intensity"),
-            static_cast<float>(one_minus_cosine(radians(beam))), static_cast<float>(one_minus_cosine(radians(cutoff)))};
+    return {{SpotLight{to_float(transformed_point(position, transform)), to_float(axis), parameters.color("intensity"),
+                       static_cast<float>(one_minus_cosine(radians(beam))),
+                       static_cast<float>(one_minus_cosine(radians(cutoff)))}}};
 }
+
+constexpr LightMaker makers[] = {
+    {"area", make_area},   {"distant", make_distant}, {"environment", make_environment},
+    {"point", make_point}, {"sky", make_sky},         {"spot", make_spot},
+};
 
 } // namespace
 
-Light make_light(const Type &type, const Parameters &parameters, const VtTransform &transform,
-                 const CallReport &report) {
-    if (type.name == "area")
-        return {AreaLight{parameters.color("radiance")}};
-    if (type.name == "distant")
-        return {make_distant(parameters, transform)};
-    if (type.name == "environment")
-        return {make_environment(parameters, transform, report)};
-    if (type.name == "sky")
-        return {make_sky(parameters, transform, report)};
-    if (type.name == "spot")
-        return {make_spot(parameters, transform, report)};
-    const VtVector3 position = transformed_point(parameters.vector("position"), transform);
-    return {PointLight{to_float(position), parameters.color("intensity")}};
+std::span<const LightMaker> light_makers() { return makers; }
+
+bool is_placed(const Type &type) { return maker_of(light_makers(), type).make != make_area; }
+
+DescribedLight make_light(const Type &type, const Parameters &parameters, const VtTransform &transform,
+                          const CallReport &report) {
+    return maker_of(light_makers(), type).make(parameters, transform, report);
 }
 
 } // namespace vantor

@@ -63,9 +63,9 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
     case EntityKind::Interface:
         return appended(interfaces, make_bsdf(*type, parameters, call));
     case EntityKind::Light: {
-        if ((type->name == "point" || type->name == "spot") && !is_in_reach(parameters, call))
+        if (is_placed(*type) && !is_placeable())
             break;
-        if (type->name != "area" && !is_placeable())
+        if (parameters.knows("position") && !is_in_reach(parameters, call))
             break;
         ++light_changes;
         const int index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
@@ -205,7 +205,7 @@ void Registry::switch_light(VtLong id, bool on) {
     const int index = find(id, EntityKind::Light, CallReport(report, on ? "lightOn" : "lightOff"));
     if (index < 0)
         return;
-    Light &light = all_lights[static_cast<std::size_t>(index)];
+    DescribedLight &light = all_lights[static_cast<std::size_t>(index)];
     if (light.is_on != on)
         ++light_changes;
     light.is_on = on;

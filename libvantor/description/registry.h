@@ -74,7 +74,7 @@ class Registry {
 
     /// The camera that was made last; null if there is none.
     const Camera *camera() const { return current_camera ? &*current_camera : nullptr; }
-    const std::vector<Light> &lights() const { return all_lights; }
+    const std::vector<DescribedLight> &lights() const { return all_lights; }
     const std::vector<Placement> &placements() const { return placed; }
     const std::vector<Medium> &media() const { return interiors; }
 
@@ -138,7 +138,7 @@ class Registry {
     std::vector<Imager> imagers;
     std::vector<BsdfDescription> interfaces;
     std::vector<Medium> interiors;
-    std::vector<Light> all_lights;
+    std::vector<DescribedLight> all_lights;
     TextureFiles texture_files;
     std::vector<TextureFile *> textures;
     // Placements, materials and patterns point to these; a deque moves none of its elements.

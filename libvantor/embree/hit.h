@@ -3,6 +3,7 @@
 
 #include "libvantor/base/numbers.h"
 #include "libvantor/base/random.h"
+#include "libvantor/base/rounding.h"
 
 #include <cstdint>
 
@@ -37,12 +38,5 @@ struct Hit {
         return point + geometric_normal * std::copysign(clearance, dot(geometric_normal, direction));
     }
 };
-
-/// The rounding error of lengths. Some thirty units in the last place, of which tracing needs a few: larger loses
-/// contact shadows, smaller lets surfaces shadow themselves.
-inline constexpr float rounding = 4e-6f;
-
-/// The rounding error of a point that was computed at that distance from a ray's origin.
-inline float clearance_of(Vec3 point, float distance) { return rounding * (largest_coordinate(point) + distance); }
 
 } // namespace vantor

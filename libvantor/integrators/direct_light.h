@@ -19,20 +19,20 @@ class DirectLight {
     }
 
     /// A point of a light as seen from the reference point; false if none of its light can arrive there.
-    bool sample(Vec3 reference, double light_choice, Point2f numbers, LightSample &result) const {
+    bool sample(const LightSampleContext &reference, double light_choice, Point2f numbers, LightSample &result) const {
         return world.lights.sample(reference, light_choice, numbers, result);
     }
 
     /// The weight of such a sample, where a ray could have found the light too: with that pdf, per solid angle.
     static float mis_weight(const LightSample &light, float pdf_of_ray) {
-        return light.has_extent ? power_heuristic(light.pdf, pdf_of_ray) : 1.0f;
+        return light.is_delta ? 1.0f : power_heuristic(light.pdf, pdf_of_ray);
     }
 
     /// Notes a sample for a receiver at `from`, a point off its surface, around which there are those media: what it
     /// brings if all of it arrives.
     void add(std::uint32_t receiver, Vec3 from, const MediumStack &media, const LightSample &light, Color unoccluded) {
         const Segment segment =
-            light.is_distant ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
+            light.is_infinite ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
         if (!is_traceable(segment.from, segment.direction))
             return;
         shadow_rays.segments.push_back(segment);

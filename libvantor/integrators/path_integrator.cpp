@@ -66,7 +66,7 @@ void PathIntegrator::scatter_in_media(Wave &wave) const {
             continue;
         const Medium &medium = world.media_of(path.media);
         const float length = vertex.hit->exists ? vertex.hit->distance : INFINITY;
-        const Vec3 *light = world.lights.position_of(wave.sample_light_choice(vertex));
+        const Vec3 *light = world.lights.position_of(path.ray.origin, wave.sample_light_choice(vertex));
         vertex.is_ray_lit = light && !path.finds_only_lights && path.bounces < settings.max_bounces;
         if (vertex.is_ray_lit)
             light_the_ray(wave, vertex, medium, *light, length);
@@ -120,7 +120,7 @@ void PathIntegrator::add_emission(Wave &wave) const {
                                              world.lights.pdf(emitter, path.vertex, path.ray.direction, hit));
             path.radiance += clamped(path.throughput * world.lights.radiance(emitter) * mis_weight, path.bounces > 1);
         } else if (vertex.kind == Kind::Escaped) {
-            world.lights.for_each_infinite(path.ray.direction, [&](Color radiance, float pdf) {
+            world.lights.for_each_infinite(path.vertex, path.ray.direction, [&](Color radiance, float pdf) {
                 const float mis_weight = path.finds_lights ? 1.0f : power_heuristic(path.direction_pdf, pdf);
                 path.radiance += clamped(path.throughput * radiance * mis_weight, path.bounces > 1);
             });

@@ -1,4 +1,4 @@
-// Distribution: points of the unit square, as dense as a grid of weights says.
+// Distribution: points of the unit square with a density that is constant on each cell of a grid.
 #include "libvantor/lights/distribution.h"
 
 namespace vantor {
@@ -17,8 +17,8 @@ double cumulate(std::span<const double> weights, std::span<float> sums) {
         sum += weights[i];
         sums[i + 1] = static_cast<float>(sum * scale);
     }
-    // Rounding may leave it below the largest number, which would then find nothing. The weights that follow the last
-    // one above 0 are to stay empty.
+    // Rounding may leave the last sum below the largest random number, which would then find no step. The steps after
+    // the last weight above 0 stay of no width.
     for (std::size_t i = weights.size(); i > 0; --i) {
         sums[i] = 1;
         if (weights[i - 1] > 0)

@@ -1,4 +1,4 @@
-// Distribution: points of the unit square, as dense as a grid of weights says.
+// Distribution: points of the unit square with a density that is constant on each cell of a grid.
 #pragma once
 
 #include "libvantor/base/random.h"
@@ -9,9 +9,9 @@
 
 namespace vantor {
 
-/// Piecewise constant: a cell of the grid is drawn in proportion to its weight, by the weights of the rows first and of
-/// the row's cells then; within the cell points are uniform. Pharr, Jakob, Humphreys, "Physically Based Rendering", 4th
-/// ed., A.4. The pdf is taken from the same rounded sums as the cells are drawn by, so that the two agree.
+/// A cell of the grid is drawn in proportion to its weight: first the row by the weights of the rows, then a cell of
+/// the row. Within the cell points are uniform. Pharr, Jakob, Humphreys, "Physically Based Rendering", 4th ed., A.4.
+/// The probability is computed from the same rounded sums that cells are drawn by, so that the two agree.
 class Distribution {
   public:
     struct Sample {
@@ -30,7 +30,7 @@ class Distribution {
     }
 
     /// The probability of the cell.
-    float probability(int column, int row) const {
+    float pmf(int column, int row) const {
         const std::span<const float> sums = sums_of_row(row);
         const auto c = static_cast<std::size_t>(column);
         const auto r = static_cast<std::size_t>(row);
@@ -43,7 +43,7 @@ class Distribution {
         float within;
     };
 
-    // The step between two sums in which the number lies. Empty steps are never found.
+    // The step between two sums in which the number lies. Steps of no width are never found.
     static Found find(std::span<const float> sums, float number) {
         const auto above = std::upper_bound(sums.begin(), sums.end(), number);
         const float high = *above;
@@ -57,7 +57,7 @@ class Distribution {
 
     std::size_t row_length;         // of sums: one more than columns
     std::vector<float> row_sums;    // cumulated from 0 to 1
-    std::vector<float> column_sums; // of each row likewise; of a row without weight all 1 but the first
+    std::vector<float> column_sums; // of each row likewise; of a row without weight: 1, but for the first
 };
 
 } // namespace vantor

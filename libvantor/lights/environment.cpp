@@ -39,52 +39,51 @@ std::vector<float> interpolated_luminances(const Raster &picture, Color scale) {
 
 } // namespace
 
-Environment::Environment(const EnvironmentLight &described)
-    : picture(described.picture), scale(described.scale), world_from_local(described.world_from_local.linear),
-      local_from_world(described.world_from_local.inverse),
-      determinant(std::fabs(described.world_from_local.determinant)) {
-    const auto columns = static_cast<std::size_t>(picture->width);
-    const auto rows = static_cast<std::size_t>(picture->height);
-    heights.reserve(rows + 1);
+Environment::Environment(Raster of, Color its_scale, const Affine &its_world_from_local)
+    : picture(std::move(of)), scale(its_scale), world_from_local(its_world_from_local.linear),
+      local_from_world(its_world_from_local.inverse), determinant(std::fabs(its_world_from_local.determinant)) {
+    const auto columns = static_cast<std::size_t>(picture.width);
+    const auto rows = static_cast<std::size_t>(picture.height);
+    cos_thetas.reserve(rows + 1);
     for (std::size_t r = 0; r <= rows; ++r)
-        heights.push_back(
+        cos_thetas.push_back(
             static_cast<float>(std::cos(std::numbers::pi * static_cast<double>(r) / static_cast<double>(rows))));
 
-    std::vector<float> weights = interpolated_luminances(*picture, scale);
+    std::vector<float> weights = interpolated_luminances(picture, scale);
     double sum = 0;
     for (std::size_t r = 0; r < rows; ++r) {
-        const float solid_angle = 2 * pi * (heights[r] - heights[r + 1]) / static_cast<float>(columns);
+        const float solid_angle = 2 * pi * (cos_thetas[r] - cos_thetas[r + 1]) / static_cast<float>(columns);
         for (std::size_t c = 0; c < columns; ++c)
             sum += weights[r * columns + c] *= solid_angle;
     }
     total = static_cast<float>(sum);
     if (total > 0 && std::isfinite(total))
-        distribution = std::make_unique<const Distribution>(weights, picture->width, picture->height);
+        distribution = std::make_unique<const Distribution>(weights, picture.width, picture.height);
 }
 
 // The middle of the picture is -Z, its upper edge +Y, and +X a quarter of it to the right: as the panorama camera sees.
 Point2f Environment::image_point(Vec3 local) const {
     const float turn = std::atan2(local.x, -local.z) * (0.5f * inverse_pi) + 0.5f;
     const float polar = std::atan2(std::sqrt(local.x * local.x + local.z * local.z), local.y) * inverse_pi;
-    // Under transforms that squeeze without measure an angle may be no number.
-    const auto inside = [](float part) { return part >= 0 ? std::min(part, 1.0f) : 0.0f; };
-    return {inside(turn) * static_cast<float>(picture->width), inside(polar) * static_cast<float>(picture->height)};
+    // Under extreme transforms an angle may be NaN.
+    const auto inside = [](float fraction) { return fraction >= 0 ? std::min(fraction, 1.0f) : 0.0f; };
+    return {inside(turn) * static_cast<float>(picture.width), inside(polar) * static_cast<float>(picture.height)};
 }
 
 Color Environment::interpolated(Point2f point) const {
     const float x = point.u - 0.5f;
-    const float y = std::clamp(point.v - 0.5f, 0.0f, static_cast<float>(picture->height - 1));
+    const float y = std::clamp(point.v - 0.5f, 0.0f, static_cast<float>(picture.height - 1));
     const int column = static_cast<int>(std::floor(x));
-    const int row = std::min(static_cast<int>(y), std::max(picture->height - 2, 0));
+    const int row = std::min(static_cast<int>(y), std::max(picture.height - 2, 0));
     const float right = x - static_cast<float>(column);
     const float down = y - static_cast<float>(row);
-    const int width = picture->width;
+    const int width = picture.width;
     const int left_column = (column + width) % width;
     const int right_column = (column + 1) % width;
-    const int next_row = std::min(row + 1, picture->height - 1);
-    const auto blended = [](Color a, Color b, float part) { return a * (1 - part) + b * part; };
-    return blended(blended(picture->at(left_column, row), picture->at(right_column, row), right),
-                   blended(picture->at(left_column, next_row), picture->at(right_column, next_row), right), down);
+    const int next_row = std::min(row + 1, picture.height - 1);
+    const auto blended = [](Color a, Color b, float t) { return a * (1 - t) + b * t; };
+    return blended(blended(picture.at(left_column, row), picture.at(right_column, row), right),
+                   blended(picture.at(left_column, next_row), picture.at(right_column, next_row), right), down);
 }
 
 Color Environment::radiance(Vec3 direction) const {
@@ -94,28 +93,28 @@ Color Environment::radiance(Vec3 direction) const {
 Vec3 Environment::sample(Point2f numbers, float &direction_pdf) const {
     const Distribution::Sample cell = distribution->sample(numbers);
     const auto row = static_cast<std::size_t>(cell.row);
-    const float height = heights[row] + (heights[row + 1] - heights[row]) * cell.within.v;
-    const float radius = std::sqrt(std::max(0.0f, 1 - height * height));
-    const float turn = (static_cast<float>(cell.column) + cell.within.u) / static_cast<float>(picture->width);
+    const float cos_theta = cos_thetas[row] + (cos_thetas[row + 1] - cos_thetas[row]) * cell.within.v;
+    const float radius = std::sqrt(std::max(0.0f, 1 - cos_theta * cos_theta));
+    const float turn = (static_cast<float>(cell.column) + cell.within.u) / static_cast<float>(picture.width);
     const warp::SineCosine along = warp::sine_cosine_of_turn(turn);
-    const Vec3 direction = normalized(world_from_local({-radius * along.sine, height, radius * along.cosine}));
+    const Vec3 direction = normalized(world_from_local({-radius * along.sine, cos_theta, radius * along.cosine}));
     direction_pdf = in_world(cell_pdf(cell.column, cell.row), direction);
     return direction;
 }
 
-Environment::Seen Environment::seen(Vec3 direction) const {
+SeenLight Environment::seen(Vec3 direction) const {
     if (is_black())
         return {{}, 0};
     const Point2f point = image_point(local_from_world(direction));
-    const int column = std::min(static_cast<int>(point.u), picture->width - 1);
-    const int row = std::min(static_cast<int>(point.v), picture->height - 1);
+    const int column = std::min(static_cast<int>(point.u), picture.width - 1);
+    const int row = std::min(static_cast<int>(point.v), picture.height - 1);
     return {interpolated(point) * scale, in_world(cell_pdf(column, row), direction)};
 }
 
 float Environment::cell_pdf(int column, int row) const {
     const auto r = static_cast<std::size_t>(row);
-    const float solid_angle = 2 * pi * (heights[r] - heights[r + 1]) / static_cast<float>(picture->width);
-    return distribution->probability(column, row) / solid_angle;
+    const float solid_angle = 2 * pi * (cos_thetas[r] - cos_thetas[r + 1]) / static_cast<float>(picture.width);
+    return distribution->pmf(column, row) / solid_angle;
 }
 
 // A linear map takes a cone around a unit direction d to one of |det M| / |d M|^3 of its solid angle; and of the unit

@@ -1,23 +1,25 @@
 // Environment: light from all directions, from a picture of them.
 #pragma once
 
-#include "libvantor/base/numbers.h"
-#include "libvantor/description/light.h"
+#include "libvantor/images/raster.h"
 #include "libvantor/lights/distribution.h"
+#include "libvantor/lights/light_concept.h"
 
 #include <memory>
 
 namespace vantor {
 
-/// The picture's columns are longitudes and its rows latitudes. Between the middles of its pixels radiance is
-/// interpolated bilinearly.
+/// The picture's columns are longitudes and its rows latitudes, each by equal angles; -Z is in its middle and +Y at its
+/// upper edge. Between the middles of its pixels radiance is interpolated bilinearly.
 ///
-/// Directions are drawn by the mean luminance of the interpolated picture over each pixel, times the pixel's solid
-/// angle; within a pixel they are uniform over its solid angle. As the mean of a pixel takes its neighbours in, light
-/// comes from no direction that is never drawn.
+/// Directions are sampled by the mean luminance of the interpolated picture over each pixel, times the pixel's solid
+/// angle; within a pixel they are uniform over its solid angle. As the mean of a pixel includes its neighbours, no
+/// light comes from a direction that is never sampled.
 class Environment {
   public:
-    explicit Environment(const EnvironmentLight &described);
+    /// The picture has at least one pixel, and its pixels are finite and not negative; radiance is the picture times
+    /// the scale. The transform is that of directions, and has a determinant of 1 or -1.
+    Environment(Raster of, Color its_scale, const Affine &world_from_local);
 
     /// Whether no light comes from it.
     bool is_black() const { return !distribution; }
@@ -25,14 +27,10 @@ class Environment {
     /// Along unit directions of the world.
     Color radiance(Vec3 direction) const;
 
-    /// Likewise, with the pdf with which sample() draws the direction: per solid angle; 0 if it is black.
-    struct Seen {
-        Color radiance;
-        float pdf;
-    };
-    Seen seen(Vec3 direction) const;
+    /// Likewise, with the pdf with which sample() draws the direction; that is 0 if it is black.
+    SeenLight seen(Vec3 direction) const;
 
-    /// Not if it is black.
+    /// Not if it is black. The pdf is per solid angle.
     Vec3 sample(Point2f numbers, float &direction_pdf) const;
 
     /// The luminance, integrated over all directions of its own space.
@@ -47,14 +45,32 @@ class Environment {
     float cell_pdf(int column, int row) const;
     Color interpolated(Point2f point) const;
 
-    std::shared_ptr<const Raster> picture;
+    Raster picture;
     Color scale;
     Linear world_from_local;
     Linear local_from_world;
-    float determinant;          // of the former, 0 or more
-    std::vector<float> heights; // the cosine of the polar angle at the rows' edges, from 1 at the top to -1
+    float determinant;             // of the former, 0 or more
+    std::vector<float> cos_thetas; // of the polar angle at the rows' edges, from 1 at the top to -1
     std::unique_ptr<const Distribution> distribution;
     float total = 0;
+};
+
+/// The light of an environment that is not black.
+struct EnvironmentLight {
+    static constexpr bool is_delta = false;
+    static constexpr bool is_infinite = true;
+
+    std::shared_ptr<const Environment> environment; ///< Behind a pointer, as most lights are smaller.
+
+    float power(float scene_radius) const { return pi * scene_radius * scene_radius * environment->flux(); }
+
+    bool sample(Vec3, Point2f numbers, EmissionSample &result) const {
+        result.to_light = environment->sample(numbers, result.pdf);
+        result.radiance = environment->radiance(result.to_light);
+        return true;
+    }
+
+    SeenLight seen(Vec3 direction) const { return environment->seen(direction); }
 };
 
 } // namespace vantor

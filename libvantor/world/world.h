@@ -3,7 +3,7 @@
 
 #include "libvantor/base/interrupt.h"
 #include "libvantor/embree/tracer.h"
-#include "libvantor/lights/light_set.h"
+#include "libvantor/world/light_set.h"
 #include "libvantor/world/media.h"
 
 namespace vantor {

@@ -40,8 +40,7 @@ TEST(Distribution, DrawsCellsByTheirWeights) {
     double chi_square = 0;
     double probabilities = 0;
     for (std::size_t i = 0; i < weights.size(); ++i) {
-        const float probability =
-            distribution.probability(static_cast<int>(i) % columns, static_cast<int>(i) / columns);
+        const float probability = distribution.pmf(static_cast<int>(i) % columns, static_cast<int>(i) / columns);
         EXPECT_NEAR(probability, weights[i] / total, 1e-6);
         probabilities += probability;
         for (std::size_t quarter = 0; quarter < 4; ++quarter) {
@@ -65,11 +64,11 @@ TEST(Distribution, NeverDrawsACellWithoutWeight) {
         for (const float v : {0.0f, 0x1p-24f, 0.3f, 0.5f, last}) {
             const Distribution::Sample sample = distribution.sample({u, v});
             EXPECT_GT(weights[static_cast<std::size_t>(4 * sample.row + sample.column)], 0) << u << " " << v;
-            EXPECT_GT(distribution.probability(sample.column, sample.row), 0);
+            EXPECT_GT(distribution.pmf(sample.column, sample.row), 0);
         }
-    EXPECT_EQ(distribution.probability(0, 0), 0);
-    EXPECT_EQ(distribution.probability(3, 3), 0);
-    EXPECT_EQ(distribution.probability(3, 4), 0);
+    EXPECT_EQ(distribution.pmf(0, 0), 0);
+    EXPECT_EQ(distribution.pmf(3, 3), 0);
+    EXPECT_EQ(distribution.pmf(3, 4), 0);
 }
 
 TEST(Distribution, OneCellIsTheWholeSquare) {
@@ -78,7 +77,7 @@ TEST(Distribution, OneCellIsTheWholeSquare) {
     const Distribution::Sample sample = distribution.sample({0.25f, 0.75f});
     EXPECT_EQ(sample.within.u, 0.25f);
     EXPECT_EQ(sample.within.v, 0.75f);
-    EXPECT_EQ(distribution.probability(0, 0), 1);
+    EXPECT_EQ(distribution.pmf(0, 0), 1);
 }
 
 } // namespace

@@ -17,7 +17,6 @@ using scripted::Rgb;
 using scripted::Scene;
 using vantor::Color;
 using vantor::Environment;
-using vantor::EnvironmentLight;
 using vantor::Raster;
 using vantor::Vec3;
 
@@ -156,13 +155,13 @@ TEST(Distant, PenumbraIsAsWideAsTheDisk) {
     }
 }
 
-EnvironmentLight environment(int width, int height, const std::function<Color(int, int)> &color,
-                             const VtTransform &world_from_local = vantor::identity()) {
+Environment environment(int width, int height, const std::function<Color(int, int)> &color,
+                        const VtTransform &world_from_local = vantor::identity()) {
     Raster raster{width, height, {}, {}};
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             raster.pixels.push_back(color(x, y));
-    return {std::make_shared<const Raster>(std::move(raster)), {1, 1, 1}, vantor::to_float(world_from_local)};
+    return {std::move(raster), {1, 1, 1}, vantor::to_float(world_from_local)};
 }
 
 Color patchwork(int x, int y) {
@@ -185,7 +184,7 @@ VtTransform odd_transform() {
 
 TEST(Environment, DensityIntegratesToOneAndSamplesFollowIt) {
     for (const VtTransform &transform : {vantor::identity(), odd_transform()}) {
-        const Environment light(environment(9, 6, patchwork, transform));
+        const Environment light = environment(9, 6, patchwork, transform);
         // Equal solid angles: bins of height by longitude, and fine steps in each.
         constexpr int bins = 8;
         constexpr int steps = 64;
@@ -235,10 +234,10 @@ TEST(Environment, DensityIntegratesToOneAndSamplesFollowIt) {
 
 TEST(Environment, NoDirectionThatShinesIsNeverDrawn) {
     // One bright pixel among black ones: interpolation spreads it over its neighbours.
-    const Environment light(environment(8, 8, [](int x, int y) {
+    const Environment light = environment(8, 8, [](int x, int y) {
         const float value = x == 0 && y == 3 ? 1.0f : 0.0f;
         return Color{value, value, value};
-    }));
+    });
     for (int i = 0; i < 200; ++i)
         for (int j = 0; j < 200; ++j) {
             const double polar = pi * (i + 0.5) / 200;
@@ -256,7 +255,7 @@ TEST(Environment, NoDirectionThatShinesIsNeverDrawn) {
 }
 
 TEST(Environment, BlackOnesHaveNoDensity) {
-    const Environment light(environment(2, 2, [](int, int) { return Color(); }));
+    const Environment light = environment(2, 2, [](int, int) { return Color(); });
     EXPECT_TRUE(light.is_black());
     EXPECT_EQ(light.seen({0, 1, 0}).pdf, 0);
 }

@@ -1,6 +1,7 @@
 // Dispatch tables: every type of the vocabulary has what makes its entities.
 #include "libvantor/description/interface.h"
 #include "libvantor/description/interior.h"
+#include "libvantor/description/light.h"
 #include "libvantor/description/material.h"
 
 #include <gtest/gtest.h>
@@ -23,6 +24,7 @@ template <class Makers> void expect_one_for_each_type(EntityKind kind, const Mak
 TEST(TypeMakers, AreOneForEachTypeOfTheVocabulary) {
     expect_one_for_each_type(EntityKind::Interface, interface_makers());
     expect_one_for_each_type(EntityKind::Interior, interior_makers());
+    expect_one_for_each_type(EntityKind::Light, light_makers());
     expect_one_for_each_type(EntityKind::Material, material_makers());
 }
 

@@ -1,0 +1,29 @@
+// Point light: shines from one point in all directions.
+#pragma once
+
+#include "libvantor/lights/light_concept.h"
+
+namespace vantor {
+
+struct PointLight {
+    static constexpr bool is_delta = true;
+    static constexpr bool is_infinite = false;
+
+    Vec3 position;
+    Color intensity;
+
+    float power(float) const { return 4 * pi * luminance(intensity); }
+
+    bool sample(Vec3 reference, Point2f, EmissionSample &result) const {
+        const Vec3 difference = position - reference;
+        const float squared_distance = dot(difference, difference);
+        if (!(squared_distance > 0))
+            return false;
+        result.to_light = difference * (1 / std::sqrt(squared_distance));
+        result.end = position;
+        result.radiance = intensity * (1 / squared_distance);
+        return true;
+    }
+};
+
+} // namespace vantor

@@ -1,0 +1,46 @@
+// Spot light: shines from one point into a cone.
+#pragma once
+
+#include "libvantor/lights/cone.h"
+#include "libvantor/lights/point_light.h"
+
+namespace vantor {
+
+struct SpotLight {
+    static constexpr bool is_delta = true;
+    static constexpr bool is_infinite = false;
+
+    Vec3 position;
+    Vec3 axis;                  ///< Unit length: the direction in which the light in the middle travels.
+    Color intensity;            ///< Along the axis.
+    float one_minus_cos_beam;   ///< Of the angle from the axis up to which the intensity is constant.
+    float one_minus_cos_cutoff; ///< Of the angle beyond which there is no light; at least that of the beam, above 0.
+
+    /// The fraction of the intensity in a direction of unit length. Between the two angles it falls by the cubic
+    /// 3x^2 - 2x^3 of the cosine.
+    float falloff(Vec3 direction) const {
+        const float height = one_minus_cos_between(direction, axis);
+        if (height <= one_minus_cos_beam)
+            return 1;
+        if (height >= one_minus_cos_cutoff)
+            return 0;
+        const float x = (one_minus_cos_cutoff - height) / (one_minus_cos_cutoff - one_minus_cos_beam);
+        return x * x * (3 - 2 * x);
+    }
+
+    // The whole cone of the beam, and half of the ring around it: the mean of 3x^2 - 2x^3.
+    float power(float) const {
+        const float solid_angle = pi * (one_minus_cos_beam + one_minus_cos_cutoff);
+        return solid_angle * luminance(intensity);
+    }
+
+    bool sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {
+        if (!PointLight{position, intensity}.sample(reference, numbers, result))
+            return false;
+        const float fraction = falloff(-result.to_light);
+        result.radiance = result.radiance * fraction;
+        return fraction > 0;
+    }
+};
+
+} // namespace vantor

@@ -1,0 +1,67 @@
+// Light set: all lights of a frozen scene, how one is chosen and sampled, and what rays find of them.
+#pragma once
+
+#include "libvantor/base/random.h"
+#include "libvantor/description/registry.h"
+#include "libvantor/embree/hit.h"
+#include "libvantor/lights/emitters.h"
+#include "libvantor/lights/power_light_sampler.h"
+
+#include <span>
+
+namespace vantor {
+
+/// Light that may arrive at a point, if nothing is in the way.
+struct LightSample {
+    Vec3 to_light;      ///< Unit length.
+    Vec3 end;           ///< The point that it comes from, clear of its surface; unset if is_infinite.
+    bool is_infinite;   ///< Comes from infinitely far away.
+    bool is_delta;      ///< No ray can find the light: it is a point or parallel light.
+    Color contribution; ///< Radiance over pdf; of a delta light its irradiance over the probability of the choice.
+    float pdf;          ///< Per solid angle, choice included; above 0 and finite. Unset if is_delta.
+};
+
+/// All lights that are on. Constant once made.
+class LightSet {
+  public:
+    /// The radius is that of the scene: it says how much of an infinite light arrives.
+    LightSet(std::span<const DescribedLight> described, std::span<const Placement> placements, float scene_radius);
+
+    /// Whether sample() uses its number u.
+    bool has_choice() const { return lights.size() > 1; }
+
+    /// Chooses a light and samples it. False where none of its light can arrive.
+    bool sample(const LightSampleContext &reference, double u, Point2f numbers, LightSample &result) const;
+
+    /// Where the light stands that sample() chooses with this number; null if it does not shine from a single point.
+    const Vec3 *position_of(const LightSampleContext &reference, double u) const;
+
+    /// The emitter at a hit, which shines from the front; -1 if nothing shines there.
+    int emitter_at(const Hit &hit) const { return emitters_of[hit.placement].of(hit.primitive); }
+
+    Color radiance(int emitter) const;
+
+    /// The pdf with which sample(reference) chooses the emitter and the direction of the ray that hit it.
+    float pdf(int emitter, const LightSampleContext &reference, Vec3 direction, const Hit &hit) const;
+
+    /// What a ray that leaves the scene finds of each infinite light with an extent: calls visit(radiance, pdf), with
+    /// the pdf with which sample(reference) chooses the light and this direction.
+    template <class Visit>
+    void for_each_infinite(const LightSampleContext &reference, Vec3 direction, Visit visit) const {
+        for (const std::uint32_t light : infinite_lights) {
+            const SeenLight seen = seen_at_infinity(light, reference, direction);
+            if (!is_black(seen.radiance))
+                visit(seen.radiance, seen.pdf);
+        }
+    }
+
+  private:
+    SeenLight seen_at_infinity(std::uint32_t light, const LightSampleContext &reference, Vec3 direction) const;
+
+    std::vector<Light> lights;
+    std::vector<EmitterRange> emitters_of;      // for each placement
+    std::vector<std::uint32_t> infinite_lights; // with an extent
+    PowerLightSampler sampler;
+};
+
+} // namespace vantor
