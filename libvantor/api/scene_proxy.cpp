@@ -46,7 +46,7 @@ template <class Work> void enter(void *record, const char *call, Work work) noex
 
 // For what may need more stack than a thread of the script has.
 template <class Work> void enter_pass(void *record, const char *call, Work work) noexcept {
-    enter(record, call, [&](Scene &scene) { vantor::on_own_stack([&] { work(scene); }); });
+    enter(record, call, [&](Scene &scene) { vantor::with_enough_stack([&] { work(scene); }); });
 }
 
 VtLong create(void *record, EntityKind kind, const char *type, const VtArgList &parameters) noexcept {

@@ -15,8 +15,22 @@ namespace vantor {
 
 namespace {
 
+// A pass takes some 100 KiB; with sanitizers, several times that.
+constexpr std::ptrdiff_t enough_bytes = std::ptrdiff_t{1} << 20;
 // As much as a main thread usually has. Only what is used takes memory.
 constexpr std::size_t stack_bytes = std::size_t{8} << 20;
+
+bool is_stack_enough() {
+    pthread_attr_t attributes;
+    if (pthread_getattr_np(pthread_self(), &attributes) != 0)
+        return false;
+    void *lowest = nullptr;
+    std::size_t size = 0;
+    pthread_attr_getstack(&attributes, &lowest, &size);
+    pthread_attr_destroy(&attributes);
+    // Stacks grow downwards.
+    return static_cast<const char *>(__builtin_frame_address(0)) - static_cast<const char *>(lowest) >= enough_bytes;
+}
 
 struct Job {
     const std::function<void()> &work;
@@ -35,7 +49,9 @@ void *run(void *argument) {
 
 } // namespace
 
-void on_own_stack(const std::function<void()> &work) {
+void with_enough_stack(const std::function<void()> &work) {
+    if (is_stack_enough())
+        return work();
     Job job{work, nullptr};
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
