@@ -55,8 +55,11 @@ Interrupt::~Interrupt() {
 }
 
 bool Interrupt::requested() const {
-    if (counts_polls.load(std::memory_order_relaxed) && ++poll_count == interrupted_poll)
+    if (counts_polls.load(std::memory_order_relaxed) && ++poll_count == interrupted_poll) {
         std::raise(SIGINT);
+        // The compiler knows nothing of the handler: it may read what that writes before.
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+    }
     return was_requested.load(std::memory_order_relaxed);
 }
 
