@@ -50,14 +50,14 @@ Interrupt::~Interrupt() {
         return;
     sigaction(SIGINT, &previous, nullptr);
     is_installed = false;
-    if (requested() && has_default_action())
+    if (was_requested.load(std::memory_order_relaxed) && has_default_action())
         std::raise(SIGINT);
 }
 
 bool Interrupt::requested() const {
     if (counts_polls.load(std::memory_order_relaxed) && ++poll_count == interrupted_poll) {
         std::raise(SIGINT);
-        // The compiler knows nothing of the handler: it may read what that writes before.
+        // The compiler knows nothing of the handler: it might read what that writes before.
         std::atomic_signal_fence(std::memory_order_seq_cst);
     }
     return was_requested.load(std::memory_order_relaxed);
