@@ -270,7 +270,8 @@ def show_large_scenes(setting, figures):
                  for row, needed in found.items()])
     row, seconds = large_scenes.AGAIN
     if row in found:
-        figures.at_most(row + ", a second pass to the first ray", found[row]["again"], seconds, " s")
+        figures.at_most(row + ", a second pass to the first ray", found[row]["again"], seconds,
+                        " s")
     for row, seconds, size in large_scenes.LIMITS:
         if row in found:
             figures.at_most(row + ", to the first ray", found[row]["seconds"], seconds, " s")
