@@ -20,7 +20,7 @@ struct ListOfValues {
 const std::vector<const char *> value_names = {"name", "position", "color", "intensity", "radius"};
 const std::vector<const char *> array_names = {"points", "triangles"};
 
-// Values of all kinds, each with each of the names before it.
+// Values of all kinds, each with each of the names before it: most are not what the name promises.
 template <class Add> void add_named(MadeList &list, const std::vector<const char *> &names, Add add) {
     for (const char *name : names)
         for_each_element_type([&]<class Type>(const Type &zero) {
@@ -33,11 +33,13 @@ const std::vector<ListOfValues> lists = {
     {"an empty list", [](MadeList &) {}},
     {"names and values",
      [](MadeList &list) {
-         for (const char *name : value_names) {
-             list.add_name(name);
-             list.add_text("value");
+         for (const auto &names : {value_names, array_names}) {
+             for (const char *name : names) {
+                 list.add_name(name);
+                 list.add_text("value");
+             }
+             add_named(list, names, [&]<class Type>(const Type &) { list.add(sample<Type>()); });
          }
-         add_named(list, value_names, [&]<class Type>(const Type &) { list.add(sample<Type>()); });
      }},
     {"a name without a value", [](MadeList &list) { list.add_name("name"); }},
     {"a value after the last pair",
@@ -78,7 +80,8 @@ const std::vector<ListOfValues> lists = {
      }},
     {"empty arrays",
      [](MadeList &list) {
-         add_named(list, array_names, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, 0); });
+         for (const auto &names : {value_names, array_names})
+             add_named(list, names, [&]<class Type>(const Type &) { list.add_array_of<Type>({}, 0); });
      }},
     {"arrays of several blocks",
      [](MadeList &list) {
