@@ -53,13 +53,8 @@ PyTypeObject *const types[] = {
 PyModuleDef vantor_module = {
     .m_base = PyModuleDef_HEAD_INIT,
     .m_name = "vantorPM",
-    .m_doc = nullptr,
     .m_size = -1, // Initialised once in a process: the types are static.
     .m_methods = vantor_methods,
-    .m_slots = nullptr,
-    .m_traverse = nullptr,
-    .m_clear = nullptr,
-    .m_free = nullptr,
 };
 
 // The module as a new reference, or null with an error set.

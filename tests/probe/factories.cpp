@@ -106,13 +106,8 @@ PyMethodDef functions[] = {
 PyModuleDef definition = {
     .m_base = PyModuleDef_HEAD_INIT,
     .m_name = "vantor_factories",
-    .m_doc = nullptr,
     .m_size = -1,
     .m_methods = functions,
-    .m_slots = nullptr,
-    .m_traverse = nullptr,
-    .m_clear = nullptr,
-    .m_free = nullptr,
 };
 
 } // namespace
