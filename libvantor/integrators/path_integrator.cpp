@@ -24,6 +24,12 @@ bool leave(Path &path, Vec3 origin, Vec3 direction) {
     return is_traceable(origin, direction);
 }
 
+// Lets a BSDF be made where it is kept: copies of it would cost as much as its making.
+struct InPlace {
+    const Surface &surface;
+    operator SurfaceBsdf() const { return surface.bsdf(); }
+};
+
 } // namespace
 
 void PathIntegrator::trace(std::span<Path> paths) const {
@@ -146,6 +152,8 @@ void PathIntegrator::pass_through(Wave &wave) const {
 }
 
 void PathIntegrator::record_first_hits(Wave &wave) const {
+    if (!wave.has_aovs())
+        return;
     for (const Vertex &vertex : wave.vertices())
         if (vertex.kind == Kind::Surface && vertex.path->aovs && vertex.path->bounces == 0)
             vertex.path->aovs->record(*vertex.hit, *vertex.surface, placement_at(*vertex.hit));
@@ -177,7 +185,7 @@ void PathIntegrator::look_irradiance_up(Wave &wave) const {
 void PathIntegrator::prepare_bsdfs(Wave &wave) const {
     for (Vertex &vertex : wave.vertices())
         if (vertex.kind == Kind::Surface)
-            vertex.bsdf.emplace(vertex.surface->bsdf());
+            vertex.bsdf.emplace(InPlace{*vertex.surface});
 }
 
 void PathIntegrator::sample_direct_light(Wave &wave) const {

@@ -58,8 +58,10 @@ class Wave {
         for (Path &path : paths)
             if (is_traceable(path.ray.origin, path.ray.direction))
                 growing.push_back(&path);
+        records_aovs = std::ranges::any_of(paths, [](const Path &path) { return path.aovs != nullptr; });
     }
 
+    bool has_aovs() const { return records_aovs; } ///< Whether any path has.
     bool is_over() const { return growing.empty(); }
     std::span<Vertex> vertices() { return std::span(all).first(growing.size()); }
     std::uint32_t index_of(const Vertex &vertex) const { return static_cast<std::uint32_t>(&vertex - all.data()); }
@@ -111,6 +113,7 @@ class Wave {
 
   private:
     std::uint32_t dimension; // the first of the present step
+    bool records_aovs = false;
     std::vector<Path *> growing;
     std::vector<Ray> rays;
     std::vector<Hit> hits;
