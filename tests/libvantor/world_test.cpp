@@ -85,11 +85,15 @@ TEST(World, SwitchingALightBuildsNoSurface) {
     Kept scene;
     scene.sheet(100);
     const VtLong light = scene.make(EntityKind::Light, "point");
-    EXPECT_FALSE(scene.world().lights.is_empty());
+    const auto is_lit = [&] {
+        vantor::LightSample sample;
+        return scene.world().lights.sample({{1, 2, 3}}, 0.5, {0.5f, 0.5f}, sample);
+    };
+    EXPECT_TRUE(is_lit());
     scene.registry.switch_light(light, false);
-    EXPECT_TRUE(scene.world().lights.is_empty());
+    EXPECT_FALSE(is_lit());
     scene.registry.switch_light(light, true);
-    EXPECT_FALSE(scene.world().lights.is_empty());
+    EXPECT_TRUE(is_lit());
     EXPECT_EQ(scene.objects(), 1);
     EXPECT_EQ(scene.top_levels(), 1);
 }
