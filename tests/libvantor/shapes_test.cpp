@@ -361,8 +361,8 @@ TEST(Shapes, DiskShinesByItsArea) {
 }
 
 TEST(Shapes, MistakesAreReportedInOneLine) {
-    Scene scene;
-    const auto report_of = [&](const char *type, auto... values) {
+    const auto report_of = [](const char *type, auto... values) {
+        Scene scene;
         const std::string errors = scripted::errors_of([&] { scene.AddObject(scene.object(type, values...)); });
         EXPECT_EQ(std::ranges::count(errors, '\n'), 1) << errors;
         return errors;
@@ -370,9 +370,9 @@ TEST(Shapes, MistakesAreReportedInOneLine) {
     EXPECT_NE(report_of("disk", "inner_radius", 1.0).find("the disk has no area"), std::string::npos);
     EXPECT_NE(report_of("cylinder", "to", VtVector3(0, 0, 0)).find("the same point"), std::string::npos);
     EXPECT_NE(report_of("cone", "from", VtVector3(0, 1, 0)).find("the same point"), std::string::npos);
-    EXPECT_NE(report_of("torus", "minor_radius", 2.0).find("between a millionth"), std::string::npos);
-    EXPECT_NE(report_of("torus", "minor_radius", 1e-7).find("between a millionth"), std::string::npos);
-    EXPECT_NE(report_of("disk", "radius", std::nan("")).find("not usable"), std::string::npos);
+    EXPECT_NE(report_of("torus", "minor_radius", 2.0).find("a millionth"), std::string::npos);
+    EXPECT_NE(report_of("torus", "minor_radius", 1e-7).find("a millionth"), std::string::npos);
+    EXPECT_NE(report_of("disk", "radius", std::nan("")).find("finite"), std::string::npos);
     EXPECT_NE(report_of("torus", "axis", VtVector3(0, 0, 0)).find("out of range"), std::string::npos);
     EXPECT_NE(report_of("cylinder", "radius", 0.0).find("out of range"), std::string::npos);
     EXPECT_NE(report_of("cone", "tip_radius", -1.0).find("out of range"), std::string::npos);
