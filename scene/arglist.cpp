@@ -104,8 +104,8 @@ Conversion add(VtArgList &list, PyObject *element) {
 } // namespace
 
 bool build_arglist(VtArgList &list, PyObject *elements) {
-    // Read once. Nothing below runs Python code (exact types only, and no type that a script can extend), so that the
-    // list cannot change under way.
+    // Read once: exact types only, none of which a script can extend, so that no script's code can change the list
+    // meanwhile. (Up to CPython 3.11, text without a UTF-8 form may run the collector; the walk ends there.)
     const Py_ssize_t length = PyList_GET_SIZE(elements);
     for (Py_ssize_t i = 0; i < length; ++i) {
         PyObject *element = PyList_GET_ITEM(elements, i);
