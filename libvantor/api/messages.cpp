@@ -1,9 +1,12 @@
-// What the library offers beyond the interface that every one has: messages, progress and vocabulary for who asks.
+// What the library offers beyond the interface that every one has: messages, progress, vocabulary and pictures
+// for who asks.
 #include "renderer/vt_messages.h"
 
 #include "libvantor/base/progress.h"
 #include "libvantor/base/report.h"
+#include "libvantor/images/files.h"
 #include "libvantor/parameters/vocabulary_text.h"
+#include "renderer/vt_pictures.h"
 #include "renderer/vt_vocabulary.h"
 
 void VtSetMessageHandler(VtMessageHandler handler, void *context) {
@@ -17,6 +20,19 @@ void VtSetProgressHandler(VtProgressHandler handler, void *context) {
     if (!handler)
         return vantor::set_progress_handler({});
     vantor::set_progress_handler([=](double fraction) { handler(context, fraction); });
+}
+
+void VtSetPictureHandler(VtPictureHandler handler, void *context) {
+    if (!handler)
+        return vantor::set_picture_handler({});
+    vantor::set_picture_handler([=](const vantor::Picture &picture, const std::string &path) {
+        const vantor::PixelArea &window = picture.window;
+        const VtPicture offered{path.c_str(),       &picture.pixels[0].r,
+                                picture.full_width, picture.full_height,
+                                window.x0,          window.y0,
+                                window.x1,          window.y1};
+        return handler(context, &offered);
+    });
 }
 
 const char *VtVocabulary() {

@@ -4,6 +4,7 @@
 #include "libvantor/images/display.h"
 #include "libvantor/images/picture.h"
 
+#include <functional>
 #include <string>
 
 namespace vantor {
@@ -27,6 +28,11 @@ bool holds_floats(const std::string &path);
 /// Why no file of a picture of that size can be written at the path; empty if one can. Tries it out in the file's
 /// folder and leaves no trace.
 std::string why_unwritable(const std::string &path, int width, int height);
+
+/// Who is offered every picture that goes into a file of floats unscaled. If it returns true, no file is written. An
+/// empty one ends that. Not during a pass.
+using PictureHandler = std::function<bool(const Picture &picture, const std::string &path)>;
+void set_picture_handler(PictureHandler handler);
 
 /// Writes the picture: whole, or not at all. An existing file is replaced at the end, in one step. A file of 8 bits
 /// holds the window alone. An EXR file knows the whole picture: its display window is the picture, its data window the

@@ -2,6 +2,7 @@
 #include "checks.h"
 #include "objects.h"
 #include "renderer/vt_messages.h"
+#include "renderer/vt_pictures.h"
 #include "renderer/vt_vocabulary.h"
 #include "use.h"
 
@@ -34,6 +35,7 @@ void check_vocabulary(const Library &library) {
 
 struct Heard {
     int messages = 0;
+    int pictures = 0;
     int wrong = 0;
 };
 
@@ -48,12 +50,24 @@ void hear_progress(void *context, double fraction) {
     heard.wrong += !(fraction >= 0 && fraction <= 1);
 }
 
+bool look_at_picture(void *context, const VtPicture *picture) {
+    auto &heard = *static_cast<Heard *>(context);
+    ++heard.pictures;
+    const bool has_window = picture->x0 >= 0 && picture->x0 < picture->x1 && picture->x1 <= picture->width &&
+                            picture->y0 >= 0 && picture->y0 < picture->y1 && picture->y1 <= picture->height;
+    heard.wrong += !picture->path || !picture->pixels || !has_window;
+    return true;
+}
+
 // A handler is called until it is taken away; whether there is anything to tell is the library's business.
 void check_handlers(const Library &library) {
     const auto set_messages = optional_function<decltype(VtSetMessageHandler)>(library, "VtSetMessageHandler");
     const auto set_progress = optional_function<decltype(VtSetProgressHandler)>(library, "VtSetProgressHandler");
+    const auto set_pictures = optional_function<decltype(VtSetPictureHandler)>(library, "VtSetPictureHandler");
     const MadeScene scene(library);
     Heard heard;
+    if (set_pictures)
+        set_pictures(look_at_picture, &heard);
     if (set_messages)
         set_messages(hear_message, &heard);
     if (set_progress)
@@ -63,10 +77,12 @@ void check_handlers(const Library &library) {
         set_messages(nullptr, nullptr);
     if (set_progress)
         set_progress(nullptr, nullptr);
-    const int messages = heard.messages;
+    if (set_pictures)
+        set_pictures(nullptr, nullptr);
+    const int before = heard.messages + heard.pictures;
     use_everything(library, *scene);
     require(heard.wrong == 0, "a handler is given what it cannot use");
-    require(heard.messages == messages, "a handler is called that was taken away");
+    require(heard.messages + heard.pictures == before, "a handler is called that was taken away");
 }
 
 } // namespace
@@ -74,6 +90,7 @@ void check_handlers(const Library &library) {
 Group optional_checks() {
     return {
         {"VtVocabulary, where exported, gives lines of three or eight fields", check_vocabulary},
-        {"VtSetMessageHandler and VtSetProgressHandler, where exported, keep to their handler", check_handlers},
+        {"VtSetMessageHandler, VtSetProgressHandler and VtSetPictureHandler, where exported, keep to their handler",
+         check_handlers},
     };
 }
