@@ -8,8 +8,9 @@ from ._vocabulary import ALL
 
 
 class Pass:
-    """A request to render. The renderer writes a file of floats for each value that is asked for,
-    in a folder that nobody sees, beside the files of the script's own imagers."""
+    """A request to render. For each value that is asked for, the renderer makes a file of floats in
+    a folder that nobody sees, beside the files of the script's own imagers; one that offers its
+    pictures hands over the numbers instead."""
 
     def __init__(self, scene, size, window, aovs, filtering):
         self.scene = scene
@@ -59,20 +60,21 @@ class Pass:
         """The values that are asked for: a bytearray of three float32 for each pixel of the window,
         by name. Empty if the renderer made none. Its messages are appended to the list."""
         self._remove_files()
+        pictures = dict.fromkeys(self._files.values())
         opened = 0
         try:
             for imager in self._imagers:
                 self.scene.module_call(messages, "imagerBegin", imager)
                 opened += 1
-            size = (self.width, self.height, self.samples)
-            self.scene.module_call(messages, "render", *size, *self.window)
+            asked = (self.width, self.height, self.samples, *self.window)
+            self.scene.module_call(messages, "render", *asked, pictures=pictures)
         finally:
             for _ in range(opened):
                 self.scene.module_call(messages, "imagerEnd")
         messages[:] = [(is_mistake, self._without_paths(text)) for is_mistake, text in messages]
         try:
-            made = {aov: path for aov, path in self._files.items() if os.path.exists(path)}
-            return {aov: self._read(path) for aov, path in made.items()}
+            made = {aov: self._made(path, pictures[path]) for aov, path in self._files.items()}
+            return {aov: colors for aov, colors in made.items() if colors}
         finally:
             self._remove_files()
 
@@ -89,7 +91,10 @@ class Pass:
             text = text.replace('"{}"'.format(path), "the picture")
         return text
 
-    def _read(self, path):
+    def _made(self, path, taken):
+        """What the renderer has handed over, or written into the file; None without either."""
+        if taken or not os.path.exists(path):
+            return taken
         width, height, colors, _ = _native.read_picture(path)
         x0, y0, x1, y1 = self.pixel_window
         if (x1 - x0, y1 - y0) == (width, height):

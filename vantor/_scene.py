@@ -250,9 +250,12 @@ class Scene:
             self._own_imagers[key] = handle.id
         return self._own_imagers[key]
 
-    def module_call(self, messages, name, *arguments):
-        """A call of the module's scene; messages are appended to the list."""
-        return _native.call(messages, getattr(self._scene, name), *arguments)
+    def module_call(self, messages, name, *arguments, pictures=None):
+        """A call of the module's scene. Messages are appended to the list; of files whose paths are
+        keys of the dict pictures, the values are set to what the files would hold, if the renderer
+        offers that."""
+        pictures = {} if pictures is None else pictures
+        return _native.call(messages, pictures, getattr(self._scene, name), *arguments)
 
     def _call(self, name, *arguments):
         messages = []

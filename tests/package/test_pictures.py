@@ -57,6 +57,16 @@ class PassTest(PackageTest):
                          (10, 5, (5, 5), (20, 10)))
         self.assertEqual(part.buffer().tolist(), [row[5:15] for row in whole.buffer().tolist()[5:]])
 
+    def test_a_renderer_that_offers_no_pictures_writes_files(self):
+        scene = ball_scene()
+        asked = dict(aovs=["depth"], window=(0.25, 0.5, 0.75, 1))
+        offered = scene.render(20, 10, 4, **asked)
+        call = scene.module_call
+        scene.module_call = lambda *arguments, pictures=None: call(*arguments)
+        read = scene.render(20, 10, 4, **asked)
+        for name in ("color", "depth"):
+            self.assertEqual(bytes(offered.buffer(name)), bytes(read.buffer(name)))
+
     def test_no_file_is_left(self):
         script = ("import os, sys, tempfile, vantor\ntempfile.tempdir = sys.argv[1]\n"
                   "s = vantor.Scene()\ns.camera('perspective')\ns.light('sky')\n"

@@ -2,6 +2,7 @@
 #include "vantor/native/hooks.h"
 
 #include "renderer/vt_messages.h"
+#include "renderer/vt_pictures.h"
 #include "renderer/vt_vocabulary.h"
 #include "vantor/native/reference.h"
 
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <link.h>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -69,6 +71,49 @@ bool append_messages(PyObject *list) {
     return true;
 }
 
+// The pictures that a call takes, by their paths; empty as long as there is none.
+using TakenPictures = std::map<std::string, std::vector<float>>;
+
+extern "C" bool take_picture(void *context, const VtPicture *picture) {
+    try {
+        auto &taken = *static_cast<TakenPictures *>(context);
+        const auto found = taken.find(picture->path);
+        if (found == taken.end())
+            return false;
+        const std::size_t pixels =
+            static_cast<std::size_t>(picture->x1 - picture->x0) * static_cast<std::size_t>(picture->y1 - picture->y0);
+        found->second.assign(picture->pixels, picture->pixels + 3 * pixels);
+        return true;
+    } catch (const std::exception &) {
+        return false; // no memory left here: a file it is
+    }
+}
+
+bool list_paths(PyObject *pictures, TakenPictures &taken) {
+    PyObject *path;
+    PyObject *value;
+    Py_ssize_t i = 0;
+    while (PyDict_Next(pictures, &i, &path, &value)) {
+        const char *text = PyUnicode_AsUTF8(path);
+        if (!text)
+            return false;
+        taken[text];
+    }
+    return true;
+}
+
+bool give_pictures(const TakenPictures &taken, PyObject *pictures) {
+    for (const auto &[path, floats] : taken) {
+        if (floats.empty())
+            continue;
+        const Reference bytes(PyByteArray_FromStringAndSize(reinterpret_cast<const char *>(floats.data()),
+                                                            static_cast<Py_ssize_t>(floats.size() * sizeof(float))));
+        if (!bytes || PyDict_SetItemString(pictures, path.c_str(), bytes.get()) < 0)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 PyObject *library(PyObject *, PyObject *) {
@@ -92,27 +137,38 @@ PyObject *has_messages(PyObject *, PyObject *) {
 }
 
 PyObject *call(PyObject *, PyObject *arguments) {
-    if (PyTuple_GET_SIZE(arguments) < 2 || !PyList_CheckExact(PyTuple_GET_ITEM(arguments, 0))) {
-        PyErr_SetString(PyExc_TypeError, "expected a list, a callable and its arguments");
+    constexpr Py_ssize_t own = 3; // arguments up to the callable
+    if (PyTuple_GET_SIZE(arguments) < own || !PyList_CheckExact(PyTuple_GET_ITEM(arguments, 0)) ||
+        !PyDict_CheckExact(PyTuple_GET_ITEM(arguments, 1))) {
+        PyErr_SetString(PyExc_TypeError, "expected a list, a dict, a callable and its arguments");
         return nullptr;
     }
-    static auto *const set_handler = exported<decltype(VtSetMessageHandler)>("VtSetMessageHandler");
+    static auto *const set_message_handler = exported<decltype(VtSetMessageHandler)>("VtSetMessageHandler");
+    static auto *const set_picture_handler = exported<decltype(VtSetPictureHandler)>("VtSetPictureHandler");
     PyObject *messages = PyTuple_GET_ITEM(arguments, 0);
-    const Reference rest(PyTuple_GetSlice(arguments, 2, PyTuple_GET_SIZE(arguments)));
-    if (!rest)
+    PyObject *pictures = PyTuple_GET_ITEM(arguments, 1);
+    const Reference rest(PyTuple_GetSlice(arguments, own, PyTuple_GET_SIZE(arguments)));
+    TakenPictures taken;
+    if (!rest || !list_paths(pictures, taken))
         return nullptr;
-    // Only during the call: other scenes of this process go on to use the error stream.
-    if (set_handler)
-        set_handler(collect, nullptr);
-    Reference result(PyObject_CallObject(PyTuple_GET_ITEM(arguments, 1), rest.get()));
-    if (set_handler)
-        set_handler(nullptr, nullptr);
+    const bool takes_pictures = set_picture_handler && !taken.empty();
+
+    // Only during the call: other scenes of this process go on to use the error stream, and files.
+    if (set_message_handler)
+        set_message_handler(collect, nullptr);
+    if (takes_pictures)
+        set_picture_handler(take_picture, &taken);
+    Reference result(PyObject_CallObject(PyTuple_GET_ITEM(arguments, own - 1), rest.get()));
+    if (takes_pictures)
+        set_picture_handler(nullptr, nullptr);
+    if (set_message_handler)
+        set_message_handler(nullptr, nullptr);
 
     PyObject *type;
     PyObject *value;
     PyObject *traceback;
     PyErr_Fetch(&type, &value, &traceback); // of the call, if it failed
-    const bool is_told = append_messages(messages);
+    const bool is_told = append_messages(messages) && give_pictures(taken, pictures);
     if (type)
         PyErr_Restore(type, value, traceback);
     return is_told ? result.release() : nullptr;

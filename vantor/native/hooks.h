@@ -11,8 +11,10 @@ PyObject *library(PyObject *, PyObject *);
 PyObject *vocabulary(PyObject *, PyObject *);
 /// has_messages(): whether the library tells its messages.
 PyObject *has_messages(PyObject *, PyObject *);
-/// call(messages, callable, *arguments): the callable's result. What the library tells on the way is appended to the
-/// list messages, as pairs of whether it is a mistake, and the text.
+/// call(messages, pictures, callable, *arguments): the callable's result. What the library tells on the way is appended
+/// to the list messages, as pairs of whether it is a mistake, and the text. A picture that is meant for a file whose
+/// path is a key of the dict pictures becomes its value, a bytearray of three float32 for each pixel of the window, if
+/// the library offers pictures; the file is not written then.
 PyObject *call(PyObject *, PyObject *arguments);
 /// progress_into(buffer): from now on the fraction of a pass that is done is written to the buffer's first eight bytes,
 /// as a double; None ends that.
