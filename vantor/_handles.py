@@ -1,19 +1,30 @@
 """Handles: the ids of a scene, each of which knows its kind."""
 
+import weakref
+
 
 class Handle:
     """What a scene has made. It belongs to its scene, and is given where its kind is expected."""
 
     kind = ""
 
-    __slots__ = ("scene", "id", "type", "place", "is_used")
+    __slots__ = ("_scene", "id", "type", "place", "is_used")
 
     def __init__(self, scene, id, type, place):
-        self.scene = scene
+        # Not in a circle: a scene with all its memory goes as soon as nobody holds it.
+        self._scene = weakref.ref(scene)
         self.id = id
         self.type = type
         self.place = place  # where in the script it was made
         self.is_used = False
+
+    @property
+    def scene(self):
+        """The scene that it belongs to, as long as somebody holds that."""
+        scene = self._scene()
+        if scene is None:
+            raise ReferenceError("the scene of {!r} is gone".format(self))
+        return scene
 
     def __repr__(self):
         return "<{} {}{}>".format(self.kind, self.id, ' "%s"' % self.type if self.type else "")

@@ -9,7 +9,6 @@ import select
 import shutil
 import signal
 import struct
-import sys
 import tempfile
 import threading
 import time
@@ -46,26 +45,27 @@ class Job:
         except BaseException:
             shutil.rmtree(self._folder, ignore_errors=True)
             raise
-        self._clean = weakref.finalize(
-            self, _abandon, os.getpid(), self._pid, self._pipe, self._folder
-        )
 
     def _fork(self):
-        # One at a time: a child that had the writing end of another's pipe would hide its end.
+        # One at a time: a child that had the writing end of another's pipe would hide its end. And
+        # no Ctrl-C in between: the child is not ready for it, and the parent does not know it yet.
         with _forking:
             self._pipe, child_end = os.pipe()
+            mask = signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGINT})
             try:
-                sys.stdout.flush()
-                sys.stderr.flush()
                 parent = os.getpid()
                 self._pid = _native.fork()
+                if self._pid == 0:
+                    _run_child(parent, self._work, child_end, self._progress)
+                self._clean = weakref.finalize(
+                    self, _abandon, parent, self._pid, self._pipe, self._folder
+                )
             except BaseException:
                 os.close(self._pipe)
-                os.close(child_end)
                 raise
-            if self._pid == 0:
-                _run_child(parent, self._work, child_end, self._progress)
-            os.close(child_end)
+            finally:
+                os.close(child_end)
+                signal.pthread_sigmask(signal.SIG_SETMASK, mask)
 
     @property
     def progress(self):
@@ -158,11 +158,13 @@ def _run_child(parent, work, pipe, progress):
     status = 1
     try:
         _native.end_with(parent)
-        signal.signal(signal.SIGINT, lambda *_: None)  # the renderer looks for it itself
+        signals = []
+        signal.signal(signal.SIGINT, lambda *_: signals.append(1))  # the renderer looks for it, too
+        signal.pthread_sigmask(signal.SIG_UNBLOCK, {signal.SIGINT})
         _native.progress_into(progress)
         messages = []
         try:
-            outcome = (work.run(messages), messages, None)
+            outcome = ({} if signals else work.run(messages), messages, None)
         except BaseException:
             outcome = ({}, messages, "the job has failed: " + traceback.format_exc().strip())
         data = memoryview(pickle.dumps(outcome, pickle.HIGHEST_PROTOCOL))

@@ -1,8 +1,11 @@
 """Scenes: blocks, messages, what is said of what has no effect."""
 
+import gc
 import inspect
+import os
 import unittest
 import warnings
+import weakref
 
 import vantor as vt
 from scenes import PackageTest, ball_scene, lit_scene, run_script
@@ -86,6 +89,22 @@ class BlocksTest(PackageTest):
             lit = scene.render(9, 9, 4).buffer().tolist()[4][4]
         self.assertLess(max(dark), 10)
         self.assertGreaterEqual(min(lit), 50)
+
+
+class LifeTest(PackageTest):
+    def test_a_scene_goes_as_soon_as_nobody_holds_it(self):
+        gc.disable()
+        self.addCleanup(gc.enable)
+        scene = ball_scene()
+        handle = scene.handles[-1]
+        folder = scene.folder()
+        picture = scene.render(4, 4, 1)
+        watch = weakref.ref(scene)
+        del scene
+        self.assertIsNone(watch())
+        self.assertFalse(os.path.exists(folder))
+        self.assertEqual(picture.width, 4)
+        self.assertRaisesRegex(ReferenceError, "is gone", lambda: handle.scene)
 
 
 class MaterialsTest(PackageTest):
