@@ -27,8 +27,8 @@ def scene_of_model(model, size):
     length = math.hypot(*direction)
     position = [below * (axis == 1) + distance * direction[axis] / length for axis in range(3)]
     scene.camera("perspective", position=position, target=(0, below, 0), fov=fov)
-    scene.light("sky", sun_direction=(-0.4, 1.0, 0.8), scale=0.8)
-    with scene.material("diffuse", reflectance=(0.45, 0.45, 0.45)):
+    scene.light("sky", sun_direction=(-0.4, 1.0, 0.8), scale=0.3)
+    with scene.material("diffuse", reflectance=0.35):
         scene.add("disk", normal=(0, 1, 0), radius=100.0)
     middle = (0, below, 0)
     offset = translate(*(m - factor * c for m, c in zip(middle, center)))

@@ -22,5 +22,5 @@ scene.light("sky", sun_direction=(-2, 1.5, 1))
 with scene.material("plastic", color=1.0, roughness=0.2):
     scene.add("mesh", points=points, quads=quads, colors=colors)
 picture = scene.render(640, 480, samples=64, aovs="depth")
-picture.save("height_field.png", exposure=-0.5)
+picture.save("height_field.png", exposure=-1)
 print("nearest point: %.2f" % picture.depth[picture.depth > 0].min())
