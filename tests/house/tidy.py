@@ -18,7 +18,7 @@ import repository
 
 CLANG_TIDY = "14"
 
-ROOMS = ["algebra", "arrays", "interpreter", "libvantor", "module", "renderer", "scene"]
+ROOMS = ["algebra", "arrays", "interpreter", "libvantor", "module", "renderer", "scene", "vantor"]
 
 
 def compiled(commands, places):

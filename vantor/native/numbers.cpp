@@ -43,7 +43,10 @@ bool copy_row(const char *from, Py_ssize_t count, Py_ssize_t stride, bool is_swa
         for (Py_ssize_t i = 0; i < count; ++i) {
             const auto number = load<Source>(from + i * step, swapped);
             all_fit &= fits<Target>(number);
-            to[i] = static_cast<Target>(number);
+            if constexpr (std::is_same_v<Source, signed char>)
+                to[i] = static_cast<Target>(static_cast<double>(number)); // a number, no character
+            else
+                to[i] = static_cast<Target>(number);
         }
     };
     const bool is_dense = stride == static_cast<Py_ssize_t>(sizeof(Source)) && !is_swapped;
@@ -121,15 +124,15 @@ char number_format(const char *text, Py_ssize_t item_size, bool &is_swapped) {
     const char *format = text ? text : "B";
     const char order = std::strchr("@=<>!", *format) && *format ? *format++ : '@';
     const bool is_big = order == '>' || order == '!';
-    const bool is_little = order == '<';
-    is_swapped = std::endian::native == std::endian::little ? is_big : is_little;
+    const bool has_own_order = is_big || order == '<';
+    is_swapped = has_own_order && is_big == (std::endian::native == std::endian::little);
     if (!format[0] || format[1])
-        return 0;
+        return '\0';
     const bool is_standard = order != '@';
     const char name = is_standard && *format == 'l' ? 'i' : is_standard && *format == 'L' ? 'I' : *format;
     const bool has_size =
         with_type_of(name, [=](auto number) { return static_cast<Py_ssize_t>(sizeof number) == item_size; });
-    return has_size ? name : 0;
+    return has_size ? name : '\0';
 }
 
 } // namespace
@@ -155,7 +158,7 @@ bool Numbers::read(PyObject *value) {
 bool Numbers::read_buffer(PyObject *value) {
     if (PyObject_GetBuffer(value, &buffer, PyBUF_FULL_RO) < 0)
         return false;
-    format = buffer.suboffsets ? 0 : number_format(buffer.format, buffer.itemsize, is_swapped);
+    format = buffer.suboffsets ? '\0' : number_format(buffer.format, buffer.itemsize, is_swapped);
     if (!format) {
         PyErr_Format(PyExc_TypeError,
                      "expected numbers (integers, float32 or float64), got elements of the format \"%s\"",
