@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <fcntl.h>
 #include <memory>
 #include <stdexcept>
 #include <tiffio.h>
@@ -71,9 +72,31 @@ int on_error(TIFF *, void *handle, const char *, const char *format, std::va_lis
 int on_warning(TIFF *, void *, const char *, const char *, std::va_list) { return 1; }
 
 using OwnedOptions = std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)>;
-using OwnedTiff = std::unique_ptr<TIFF, decltype(&TIFFClose)>;
 
-bool encode(TIFF *tiff, const BytePicture &picture, const std::string &comment) {
+// To close a file that is open for writing is to write the rest of it, and from what a failure left half-made that
+// would be a crash: encode() has written all there is to write.
+struct CloseWithoutWriting {
+    void operator()(TIFF *tiff) const {
+        TIFFSetMode(tiff, O_RDONLY);
+        TIFFClose(tiff);
+    }
+};
+using OwnedTiff = std::unique_ptr<TIFF, CloseWithoutWriting>;
+
+// False if there is no memory for it.
+bool set_description(OwnedTiff &tiff, const std::string &comment) {
+    if (!TIFFSetField(tiff.get(), TIFFTAG_IMAGEDESCRIPTION, comment.c_str())) {
+        // The library has counted a value that it has no room for, and would read it when the handle is closed: that
+        // little memory is lost.
+        static_cast<void>(tiff.release());
+        return false;
+    }
+    // It does not tell when it has no memory for its copy of the text, and would write it all the same.
+    const char *copy = nullptr;
+    return TIFFGetField(tiff.get(), TIFFTAG_IMAGEDESCRIPTION, &copy) && copy;
+}
+
+bool encode(TIFF *tiff, const BytePicture &picture) {
     bool is_good = TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(picture.width)) &&
                    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(picture.height)) &&
                    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3) && TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8) &&
@@ -82,8 +105,7 @@ bool encode(TIFF *tiff, const BytePicture &picture, const std::string &comment) 
                    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB) &&
                    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE) &&
                    TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) &&
-                   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0)) &&
-                   TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, comment.c_str());
+                   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
     // The library takes the differences of neighbours in the row that it is given.
     const std::size_t length = 3 * static_cast<std::size_t>(picture.width);
     std::vector<std::uint8_t> row(length);
@@ -104,9 +126,8 @@ std::string tiff_file(const BytePicture &picture, const std::string &comment) {
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), on_error, &writer);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), on_warning, &writer);
     OwnedTiff tiff(TIFFClientOpenExt("picture", "w", &writer, on_read, on_write, on_seek, on_close, size_of, no_map,
-                                     no_unmap, options.get()),
-                   TIFFClose);
-    const bool is_good = tiff && encode(tiff.get(), picture, comment);
+                                     no_unmap, options.get()));
+    const bool is_good = tiff && set_description(tiff, comment) && encode(tiff.get(), picture);
     tiff.reset();
     if (!is_good || writer.message[0] != '\0')
         throw std::runtime_error(writer.message[0] != '\0' ? writer.message.data() : "the TIFF file cannot be made");
