@@ -3,12 +3,10 @@
 
 #include "libvantor/base/report.h"
 #include "libvantor/images/formats.h"
+#include "libvantor/images/temporary_file.h"
 
-#include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <system_error>
@@ -37,8 +35,6 @@ Format format_of(const std::string &path) {
     return Format::Unknown;
 }
 
-[[noreturn]] void throw_errno(int number) { throw std::system_error(number, std::generic_category()); }
-
 // A symbolic link stays one: the file that it names is replaced, or made if there is none yet.
 fs::path resolved(const std::string &path) {
     constexpr int most_links = 40; // As many as Linux follows.
@@ -49,70 +45,8 @@ fs::path resolved(const std::string &path) {
             return target;
         target = target.parent_path() / fs::read_symlink(target);
     }
-    throw_errno(ELOOP);
+    throw std::system_error(ELOOP, std::generic_category());
 }
-
-// A new file of a name of its own beside the target, removed again unless it replaces the target. Beside it, because a
-// rename is one step only within a file system.
-class TemporaryFile {
-  public:
-    explicit TemporaryFile(fs::path final_path) : target(std::move(final_path)) {
-        static std::atomic<unsigned> number = 0;
-        constexpr mode_t everything = 0777;
-        struct stat replaced;
-        const bool replaces = stat(target.c_str(), &replaced) == 0;
-        const mode_t mode = replaces ? replaced.st_mode & everything : 0666;
-        for (int attempt = 0; attempt < 100; ++attempt) {
-            // Hidden, and with the process in its name, so that processes do not meet. Short, as the target's own name
-            // may be as long as a name can be.
-            fs::path candidate = target;
-            candidate.replace_filename(joined({".vantor.", std::to_string(getpid()), ".", std::to_string(number++)}));
-            descriptor = open(candidate.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode);
-            if (descriptor >= 0) {
-                name = std::move(candidate);
-                // What the process's mask took away. Not every file system has modes; it then keeps the few it has.
-                if (replaces)
-                    static_cast<void>(fchmod(descriptor, mode));
-                return;
-            }
-            if (errno != EEXIST)
-                throw_errno(errno);
-        }
-        throw_errno(EEXIST);
-    }
-    ~TemporaryFile() {
-        if (descriptor >= 0)
-            close(descriptor);
-        if (!name.empty())
-            unlink(name.c_str());
-    }
-    TemporaryFile(const TemporaryFile &) = delete;
-    TemporaryFile &operator=(const TemporaryFile &) = delete;
-
-    void write(std::string_view bytes) {
-        while (!bytes.empty()) {
-            const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-            if (count >= 0)
-                bytes.remove_prefix(static_cast<std::size_t>(count));
-            else if (errno != EINTR)
-                throw_errno(errno);
-        }
-    }
-
-    void replace_target() {
-        // Some file systems tell only now that there was no room.
-        if (close(std::exchange(descriptor, -1)) != 0)
-            throw_errno(errno);
-        if (std::rename(name.c_str(), target.c_str()) != 0)
-            throw_errno(errno);
-        name.clear();
-    }
-
-  private:
-    fs::path target;
-    fs::path name;
-    int descriptor = -1;
-};
 
 // The values as they are shown, in 8 bits.
 BytePicture bytes_of(const Picture &picture, float scale, Display display) {
@@ -166,6 +100,7 @@ std::string why_unwritable(const std::string &path, int width, int height) {
         } else if (errno != ENOENT) {
             return std::strerror(errno);
         }
+        remove_leftovers(target.parent_path());
         const TemporaryFile trial(target);
         return {};
     } catch (const std::system_error &error) {

@@ -3,12 +3,16 @@
 #include "tests/libvantor/scripted_scene.h"
 
 #include "libvantor/images/files.h"
+#include "libvantor/images/temporary_file.h"
 
 #include <algorithm>
 #include <csignal>
+#include <fcntl.h>
 #include <fstream>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 
 namespace {
@@ -277,6 +281,76 @@ TEST(Pictures, FolderHoldsNothingButThePicture) {
     const mode_t mask = umask(0);
     umask(mask);
     EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "a.png").permissions()), 0666u & ~mask);
+}
+
+// The number of a process that has ended.
+pid_t dead_process() {
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(0);
+    waitpid(child, nullptr, 0);
+    return child;
+}
+
+TEST(Pictures, WhatKilledProcessesLeftIsRemoved) {
+    const fs::path folder = scripted::path_of("leftovers");
+    fs::create_directory(folder);
+    // Killed in the middle of writing.
+    const pid_t child = fork();
+    if (child == 0) {
+        vantor::TemporaryFile file(folder / "a.png");
+        file.write("half of a picture");
+        std::raise(SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    ASSERT_EQ(names_in(folder).size(), 1U);
+    ASSERT_TRUE(names_in(folder).front().starts_with(".vantor." + std::to_string(child) + "."));
+
+    EXPECT_EQ(vantor::why_unwritable(folder / "b.png", 4, 4), "");
+    EXPECT_EQ(names_in(folder), std::vector<std::string>{});
+}
+
+TEST(Pictures, WhatMayBeOthersStays) {
+    const fs::path folder = scripted::path_of("not_leftovers");
+    fs::create_directory(folder);
+    const std::string dead = std::to_string(dead_process());
+    std::vector<std::string> names{".vantor." + std::to_string(getppid()) + ".0",
+                                   ".vantor." + dead,
+                                   ".vantor." + dead + ".",
+                                   ".vantor." + dead + ".1.png",
+                                   ".vantor.-" + dead + ".1",
+                                   ".vantor.x.1",
+                                   "vantor." + dead + ".1"};
+    for (const std::string &name : names)
+        std::ofstream(folder / name) << "text";
+    // Of a process that cannot be asked: held open in a container.
+    names.push_back(".vantor." + dead + ".2");
+    const int held = open((folder / names.back()).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    // What only looks like one.
+    names.push_back(".vantor." + dead + ".3");
+    fs::create_directory(folder / names.back());
+    names.push_back(".vantor." + dead + ".4");
+    fs::create_symlink("vantor." + dead + ".1", folder / names.back());
+
+    EXPECT_EQ(vantor::why_unwritable(folder / "b.png", 4, 4), "");
+    std::vector<std::string> left = names_in(folder);
+    std::ranges::sort(names);
+    std::ranges::sort(left);
+    EXPECT_EQ(left, names);
+    close(held);
+    // While this process writes, others leave its file alone.
+    const vantor::TemporaryFile ours(folder / "b.png");
+    EXPECT_EQ(names_in(folder).size(), names.size() + 1);
+    const pid_t other = fork();
+    if (other == 0) {
+        vantor::remove_leftovers(folder);
+        _exit(0);
+    }
+    waitpid(other, nullptr, 0);
+    EXPECT_EQ(names_in(folder).size(), names.size()); // without the one that was held
 }
 
 TEST(Pictures, ALinkStaysALink) {
