@@ -35,9 +35,10 @@ std::shared_ptr<const Texture> TextureFile::texture(ColorSpace space) {
 
 TextureFile *TextureFiles::open(const std::string &path, const CallReport &report) {
     auto found = files.find(path);
-    if (found == files.end()) {
+    if (found == files.end() || found->second.was_interrupted) {
         ReadPicture read = read_picture(path);
-        found = files.emplace(path, Opened{TextureFile(std::move(read.raster)), std::move(read.why_not)}).first;
+        Opened opened{TextureFile(std::move(read.raster)), std::move(read.why_not), read.was_interrupted};
+        found = files.insert_or_assign(path, std::move(opened)).first;
     }
     if (!found->second.why_not.empty())
         report.diagnostic(joined({"cannot read the picture: ", found->second.why_not, "; it is grey"}));

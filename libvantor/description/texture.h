@@ -28,13 +28,15 @@ class TextureFile {
 
 class TextureFiles {
   public:
-    /// The file at the path, read when first asked for; reported each time, if it cannot be read.
+    /// The file at the path, read when first asked for, and again if that was interrupted; reported each
+    /// time, if it cannot be read.
     TextureFile *open(const std::string &path, const CallReport &report);
 
   private:
     struct Opened {
         TextureFile file;
         std::string why_not; // empty if it could be read
+        bool was_interrupted;
     };
     std::unordered_map<std::string, Opened> files; // moves none of its elements
 };

@@ -44,11 +44,21 @@ void check_exr_header(const std::string &path, long file_size) {
     if (std::max(display.width * display.height, data.width * data.height) >
         std::max(always_possible, pixels_per_byte * file_size))
         refuse_as_too_short();
+
+    // The library decodes a row of tiles, or as many lines as a compression takes together, at a time.
+    constexpr long most_lines_together = 256;
+    const long lines =
+        header.hasTileDescription() ? static_cast<long>(header.tileDescription().ySize) : most_lines_together;
+    double sample_count = 4; // a line of colours and alpha
+    for (auto channel = header.channels().begin(); channel != header.channels().end(); ++channel)
+        sample_count += static_cast<double>(std::min(lines, data.height));
+    check_memory(display.width, display.height, header.channels().findChannel("A") != nullptr,
+                 static_cast<double>(data.width) * sample_count * sizeof(float));
 }
 
 } // namespace
 
-Raster read_exr(const std::string &path, long file_size) {
+Raster read_exr(const std::string &path, long file_size, const Interrupt &interrupt) {
     check_exr_header(path, file_size);
     Imf::InputFile file(path.c_str(), 0);
     const Window display(file.header().displayWindow());
@@ -87,6 +97,7 @@ Raster read_exr(const std::string &path, long file_size) {
     raster.pixels.reserve(count);
     raster.alpha.reserve(has_alpha ? count : 0);
     for (long y = display.y0; y < display.y0 + display.height; ++y) {
+        interrupt.check();
         const bool has_line = y >= data.y0 && y < data.y0 + data.height;
         if (has_line)
             file.readPixels(static_cast<int>(y));

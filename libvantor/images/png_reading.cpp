@@ -35,10 +35,17 @@ class PngReader {
         if (!info || !try_header())
             throw std::runtime_error(message);
     }
-    void read_rows(png_bytepp rows) {
-        if (!try_rows(rows))
+    /// The next row, or what one pass of an interlaced picture adds to it.
+    void read_row(png_bytep row) {
+        if (!try_row(row))
             throw std::runtime_error(message);
     }
+    void read_end() {
+        if (!try_end())
+            throw std::runtime_error(message);
+    }
+    /// How often all rows are gone through; once if the picture is not interlaced.
+    int passes() const { return pass_count; }
     png_uint_32 width() const { return png_get_image_width(png, info); }
     png_uint_32 height() const { return png_get_image_height(png, info); }
     bool is_deep() const { return png_get_bit_depth(png, info) == 16; }
@@ -52,14 +59,19 @@ class PngReader {
         png_read_info(png, info);
         png_set_expand(png);
         png_set_gray_to_rgb(png);
-        png_set_interlace_handling(png);
+        pass_count = png_set_interlace_handling(png);
         png_read_update_info(png, info);
         return true;
     }
-    bool try_rows(png_bytepp rows) {
+    bool try_row(png_bytep row) {
         if (setjmp(png_jmpbuf(png)))
             return false;
-        png_read_image(png, rows);
+        png_read_row(png, row, nullptr);
+        return true;
+    }
+    bool try_end() {
+        if (setjmp(png_jmpbuf(png)))
+            return false;
         png_read_end(png, nullptr);
         return true;
     }
@@ -73,12 +85,43 @@ class PngReader {
     std::FILE *file;
     png_structp png = nullptr;
     png_infop info = nullptr;
+    int pass_count = 1;
     char message[200] = "there is not enough memory for it";
 };
 
+// From sRGB, for every value of 16 bits.
+const std::vector<float> &linear_words() {
+    static const std::vector<float> table = [] {
+        std::vector<float> values(65536);
+        for (std::size_t i = 0; i < values.size(); ++i)
+            values[i] = linear_of_srgb(static_cast<float>(i) / 65535);
+        return values;
+    }();
+    return table;
+}
+
+// Adds a row of pixels of 3 or 4 channels.
+void append_bytes(Raster &raster, const png_byte *row, bool has_alpha) {
+    const std::array<float, 256> &decoded = linear_bytes();
+    const std::size_t channels = has_alpha ? 4 : 3;
+    for (int x = 0; x < raster.width; ++x, row += channels)
+        append(raster, has_alpha, {decoded[row[0]], decoded[row[1]], decoded[row[2]]},
+               has_alpha ? static_cast<float>(row[3]) / 255 : 1.0f);
+}
+
+// The same of 16 bits.
+void append_words(Raster &raster, const png_byte *row, bool has_alpha) {
+    const std::vector<float> &decoded = linear_words();
+    const std::size_t channels = has_alpha ? 4 : 3;
+    const auto word = [&row](std::size_t i) { return static_cast<std::size_t>(row[2 * i] << 8 | row[2 * i + 1]); };
+    for (int x = 0; x < raster.width; ++x, row += 2 * channels)
+        append(raster, has_alpha, {decoded[word(0)], decoded[word(1)], decoded[word(2)]},
+               has_alpha ? static_cast<float>(word(3)) / 65535 : 1.0f);
+}
+
 } // namespace
 
-Raster read_png(const std::string &path, long file_size) {
+Raster read_png(const std::string &path, long file_size, const Interrupt &interrupt) {
     PngReader reader(path);
     reader.read_header();
     check_size(reader.width(), reader.height());
@@ -90,34 +133,25 @@ Raster read_png(const std::string &path, long file_size) {
 
     const bool has_alpha = reader.has_alpha();
     const bool is_deep = reader.is_deep();
-    const std::size_t channels = has_alpha ? 4 : 3;
-    const std::size_t row_bytes = width * channels * (is_deep ? 2 : 1);
-    // Not set to zero: what a file that is cut off lacks takes no memory.
-    const auto bytes = std::make_unique_for_overwrite<png_byte[]>(row_bytes * height);
-    std::vector<png_bytep> rows;
-    rows.reserve(height);
-    for (std::size_t y = 0; y < height; ++y)
-        rows.push_back(bytes.get() + y * row_bytes);
-    reader.read_rows(rows.data());
+    const std::size_t row_bytes = width * (has_alpha ? 4 : 3) * (is_deep ? 2 : 1);
+    // The passes of an interlaced picture fill its rows together.
+    const std::size_t kept_rows = reader.passes() > 1 ? height : 1;
+    check_memory(reader.width(), reader.height(), has_alpha, static_cast<double>(row_bytes * kept_rows));
 
-    const std::array<float, 256> &decoded = linear_bytes();
     Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}, true};
     raster.pixels.reserve(width * height);
     raster.alpha.reserve(has_alpha ? width * height : 0);
-    for (std::size_t i = 0; i < width * height; ++i) {
-        float value[4] = {0, 0, 0, 1};
-        for (std::size_t c = 0; c < channels; ++c) {
-            const std::size_t at = i * channels + c;
-            const int deep = is_deep ? bytes[2 * at] << 8 | bytes[2 * at + 1] : 0;
-            const bool is_linear = c == 3;
-            if (is_deep)
-                value[c] =
-                    is_linear ? static_cast<float>(deep) / 65535 : linear_of_srgb(static_cast<float>(deep) / 65535);
-            else
-                value[c] = is_linear ? static_cast<float>(bytes[at]) / 255 : decoded[bytes[at]];
+    // Not set to zero: what a file that is cut off lacks takes no memory.
+    const auto bytes = std::make_unique_for_overwrite<png_byte[]>(row_bytes * kept_rows);
+    for (int pass = 1; pass <= reader.passes(); ++pass)
+        for (std::size_t y = 0; y < height; ++y) {
+            interrupt.check();
+            png_byte *row = bytes.get() + (y % kept_rows) * row_bytes;
+            reader.read_row(row);
+            if (pass == reader.passes())
+                (is_deep ? append_words : append_bytes)(raster, row, has_alpha);
         }
-        append(raster, has_alpha, {value[0], value[1], value[2]}, value[3]);
-    }
+    reader.read_end();
     return raster;
 }
 

@@ -1,6 +1,7 @@
-// Readers: each format's part of reading pictures. They throw what is wrong with a file.
+// Readers: each format's part of reading pictures. They throw what is wrong with a file, and Interrupted.
 #pragma once
 
+#include "libvantor/base/interrupt.h"
 #include "libvantor/images/raster.h"
 
 #include <string>
@@ -9,6 +10,10 @@ namespace vantor {
 
 /// Throws unless it is a size that a picture may have.
 void check_size(long width, long height);
+
+/// Throws if the picture would take more memory than it may, as a texture of colours (and alpha) with its smaller
+/// copies, and so many bytes more while it is decoded.
+void check_memory(long width, long height, bool has_alpha, double decoding_bytes);
 
 /// For files whose picture takes more than they can hold, however well it is compressed.
 [[noreturn]] void refuse_as_too_short();
@@ -20,8 +25,8 @@ inline void append(Raster &raster, bool has_alpha, Color color, float alpha) {
         raster.alpha.push_back(alpha);
 }
 
-Raster read_exr(const std::string &path, long file_size);
-Raster read_jpeg(const std::string &path, long file_size);
-Raster read_png(const std::string &path, long file_size);
+Raster read_exr(const std::string &path, long file_size, const Interrupt &interrupt);
+Raster read_jpeg(const std::string &path, long file_size, const Interrupt &interrupt);
+Raster read_png(const std::string &path, long file_size, const Interrupt &interrupt);
 
 } // namespace vantor

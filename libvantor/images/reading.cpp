@@ -5,6 +5,9 @@
 #include "libvantor/images/readers.h"
 
 #include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <stdexcept>
@@ -21,6 +24,39 @@ void check_size(long width, long height) {
         throw std::runtime_error(joined({"the picture has more than ", std::to_string(most_pixels), " pixels"}));
 }
 
+namespace {
+
+// What pictures may take, in MiB.
+long memory_limit() {
+    constexpr long standard = 4096;
+    const char *given = std::getenv("VANTOR_PICTURE_MEMORY");
+    const std::string_view text = given ? given : "";
+    if (text.empty())
+        return standard;
+    long limit = 0;
+    const char *const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, limit);
+    if (error != std::errc() || rest != end || limit < 1)
+        throw std::runtime_error(
+            joined({"VANTOR_PICTURE_MEMORY is ", in_quotes(text), "; expected a number of MiB, 1 or more"}));
+    return limit;
+}
+
+} // namespace
+
+void check_memory(long width, long height, bool has_alpha, double decoding_bytes) {
+    // Each copy has a quarter of the pixels of the one before.
+    constexpr double with_copies = 4.0 / 3.0;
+    const double pixel_bytes = sizeof(Color) + (has_alpha ? sizeof(float) : 0);
+    const double bytes =
+        static_cast<double>(width) * static_cast<double>(height) * pixel_bytes * with_copies + decoding_bytes;
+    const long needed = static_cast<long>(std::ceil(bytes / (1 << 20)));
+    const long limit = memory_limit();
+    if (needed > limit)
+        throw std::runtime_error(joined({"the picture would take ", std::to_string(needed), " MiB of memory, and may ",
+                                         std::to_string(limit), " (VANTOR_PICTURE_MEMORY says how many it may)"}));
+}
+
 void refuse_as_too_short() { throw std::runtime_error("the file is too short for its picture"); }
 
 namespace {
@@ -35,7 +71,7 @@ long size_of(const std::string &path) {
     return found.st_size;
 }
 
-Raster read(const std::string &path) {
+Raster read(const std::string &path, const Interrupt &interrupt) {
     const long file_size = size_of(path);
     char start[8] = {};
     std::ifstream file(path, std::ios::binary);
@@ -44,19 +80,22 @@ Raster read(const std::string &path) {
     file.read(start, sizeof start);
     const std::string_view signature(start, sizeof start);
     if (signature == "\x89PNG\r\n\x1a\n")
-        return read_png(path, file_size);
+        return read_png(path, file_size, interrupt);
     if (signature.starts_with("\xff\xd8\xff"))
-        return read_jpeg(path, file_size);
+        return read_jpeg(path, file_size, interrupt);
     if (signature.starts_with("\x76\x2f\x31\x01"))
-        return read_exr(path, file_size);
+        return read_exr(path, file_size, interrupt);
     throw std::runtime_error("it is no PNG, JPEG or OpenEXR file");
 }
 
 } // namespace
 
 ReadPicture read_picture(const std::string &path) {
+    const Interrupt interrupt;
     try {
-        return {read(path), {}};
+        return {read(path, interrupt), {}};
+    } catch (const Interrupted &) {
+        return {{}, "interrupted", true};
     } catch (const std::system_error &error) {
         return {{}, error.code().message()};
     } catch (const std::bad_alloc &) {

@@ -2,15 +2,20 @@
 #include "libvantor/images/reading.h"
 
 #include "libvantor/images/formats.h"
+#include "tests/libvantor/interrupts.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <ImfChannelList.h>
 #include <ImfOutputFile.h>
 #include <ImfTiledOutputFile.h>
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <png.h>
 #include <random>
+
+// After <cstdio>, whose types it uses without including it.
+#include <jpeglib.h>
 
 namespace {
 
@@ -328,6 +333,119 @@ TEST(Reading, HugePicturesAreRefused) {
     check("the file is too short for its picture");
     png[17] = png[21] = 1;
     check("the picture has more than 268435456 pixels");
+}
+
+// While it lives, pictures may take that much.
+class PictureMemory {
+  public:
+    explicit PictureMemory(const char *limit) { setenv("VANTOR_PICTURE_MEMORY", limit, 1); }
+    ~PictureMemory() { unsetenv("VANTOR_PICTURE_MEMORY"); }
+    PictureMemory(const PictureMemory &) = delete;
+    PictureMemory &operator=(const PictureMemory &) = delete;
+};
+
+TEST(Reading, PicturesThatTakeTooMuchMemoryAreRefused) {
+    const std::string path = path_of("wide.png");
+    const auto why_not = [&](const char *limit) {
+        const PictureMemory memory(limit);
+        return vantor::read_picture(path).why_not;
+    };
+    // A million pixels of 12 bytes and their copies, and a row of bytes.
+    write_png(path, 1024, 1024, 8, PNG_COLOR_TYPE_GRAY, {1024, std::vector<png_byte>(1024)});
+    EXPECT_EQ(why_not("16"), "the picture would take 17 MiB of memory, and may 16 (VANTOR_PICTURE_MEMORY says how "
+                             "many it may)");
+    EXPECT_EQ(why_not("17"), "");
+    // The passes of an interlaced one need all rows.
+    write_png(path, 1024, 1024, 8, PNG_COLOR_TYPE_GRAY, {1024, std::vector<png_byte>(1024)}, true);
+    EXPECT_TRUE(why_not("17").starts_with("the picture would take 19 MiB of memory, and may 17"));
+    EXPECT_EQ(why_not("19"), "");
+
+    const Imath::Box2i window({0, 0}, {1023, 1023});
+    write_exr(path, {"Y", "A"}, window, window);
+    EXPECT_TRUE(why_not("16").starts_with("the picture would take 24 MiB of memory, and may 16"));
+    EXPECT_EQ(why_not("24"), "");
+    write_bytes(path, vantor::jpeg_file({1024, 1024, std::vector<std::uint8_t>(3 << 20)}, ""));
+    EXPECT_TRUE(why_not("15").starts_with("the picture would take 16 MiB of memory, and may 15"));
+    EXPECT_EQ(why_not("16"), "");
+
+    for (const char *bad : {"0", "-1", "4 GiB", "1e3", "99999999999999999999"})
+        EXPECT_EQ(why_not(bad),
+                  "VANTOR_PICTURE_MEMORY is \"" + std::string(bad) + "\"; expected a number of MiB, 1 or more");
+    EXPECT_EQ(why_not(""), "");
+}
+
+TEST(Reading, SmallFilesOfHugePicturesAreRefusedWithoutASetting) {
+    const std::string path = path_of("small_of_huge.png");
+    write_png(path, 16384, 16384, 1, PNG_COLOR_TYPE_GRAY, {16384, std::vector<png_byte>(2048)});
+    EXPECT_LT(std::filesystem::file_size(path), 40000U);
+    EXPECT_EQ(vantor::read_picture(path).why_not, "the picture would take 4097 MiB of memory, and may 4096 "
+                                                  "(VANTOR_PICTURE_MEMORY says how many it may)");
+}
+
+// The picture of jpeg_of_ramp() in several scans, the last of which comes once more so often.
+std::string jpeg_with_scans(int repeats) {
+    jpeg_compress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char *bytes = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &bytes, &size);
+    info.image_width = 64;
+    info.image_height = 48;
+    info.input_components = 3;
+    info.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&info);
+    jpeg_simple_progression(&info);
+    jpeg_start_compress(&info, TRUE);
+    std::vector<JSAMPLE> row(192, 100);
+    JSAMPROW start = row.data();
+    while (info.next_scanline < info.image_height)
+        jpeg_write_scanlines(&info, &start, 1);
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    std::string file(reinterpret_cast<const char *>(bytes), size);
+    std::free(bytes);
+    const std::string scan = file.substr(file.rfind("\xff\xda"));
+    const std::string scan_alone = scan.substr(0, scan.size() - 2); // without the end of the picture
+    file.resize(file.size() - scan.size());
+    for (int i = 0; i < repeats; ++i)
+        file += scan_alone;
+    return file + scan;
+}
+
+TEST(Reading, JpegWithTooManyScansIsRefused) {
+    const std::string path = path_of("scans.jpg");
+    write_bytes(path, jpeg_with_scans(900));
+    EXPECT_EQ(vantor::read_picture(path).why_not, "");
+    write_bytes(path, jpeg_with_scans(20000));
+    EXPECT_EQ(vantor::read_picture(path).why_not, "the file has more than 1000 scans");
+}
+
+TEST(Reading, InterruptIsHeardBetweenRows) {
+    const std::string path = path_of("interrupted");
+    std::vector<std::string> files = good_files();
+    files.push_back(jpeg_with_scans(100));
+    write_png(path, 64, 64, 8, PNG_COLOR_TYPE_GRAY, {64, std::vector<png_byte>(64)}, true);
+    files.push_back(bytes_of(path));
+    const scripted::InterruptHandler handler;
+    int interrupts = 0;
+    for (const std::string &file : files) {
+        write_bytes(path, file);
+        const Raster whole = read(path);
+        const long polls = scripted::polls_of([&] { read(path); });
+        EXPECT_GE(polls, whole.height);
+        for (const long at : {1L, polls / 2, polls}) {
+            const vantor::InterruptAtPoll interrupt(at);
+            const ReadPicture picture = vantor::read_picture(path);
+            EXPECT_FALSE(picture.raster);
+            EXPECT_EQ(picture.why_not, "interrupted");
+            EXPECT_TRUE(picture.was_interrupted);
+            EXPECT_EQ(interrupt.polls(), at);
+            EXPECT_EQ(handler.count(), ++interrupts); // the script's own handler hears of it
+        }
+        EXPECT_FALSE(vantor::read_picture(path).was_interrupted);
+    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "libvantor/images/reading.h"
 #include "libvantor/patterns/image.h"
 
+#include "tests/libvantor/interrupts.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <cmath>
@@ -218,6 +219,21 @@ TEST(TextureFile, IsReadOnce) {
     const auto first = texture_of(files, path, ColorSpace::Linear);
     std::filesystem::remove(path);
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(texture_of(files, path, ColorSpace::Linear), first); }), "");
+}
+
+TEST(TextureFile, IsGreyWhenInterruptedAndReadAnewTheNextTime) {
+    const std::string path = path_of("interrupted.png");
+    write(path, png_file({1, 1, {255, 255, 255}}, ""));
+    const scripted::InterruptHandler handler;
+    TextureFiles files;
+    {
+        const InterruptAtPoll interrupt(1);
+        const std::string errors =
+            errors_of([&] { EXPECT_EQ(texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0).g, 0.5f); });
+        EXPECT_NE(errors.find(": cannot read the picture: interrupted; it is grey\n"), std::string::npos) << errors;
+        EXPECT_EQ(handler.count(), 1);
+    }
+    EXPECT_EQ(errors_of([&] { EXPECT_EQ(texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0).g, 1); }), "");
 }
 
 // Through the doors.
