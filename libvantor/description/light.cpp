@@ -50,17 +50,24 @@ std::vector<Light> environment_of(Raster picture, Color scale, const VtTransform
     return {EnvironmentLight{std::move(environment)}};
 }
 
-// Sets values that are no radiance to 0; returns how many pixels had any.
+// Sets values that are no radiance to 0; returns how many pixels had any that are not to be expected.
 long remove_unusable(std::vector<Color> &pixels) {
     // Far brighter than any light, and yet the sum over all pixels of a picture stays finite.
     constexpr float most = 1e18f;
+    float brightest = 0;
+    for (const Color &c : pixels)
+        for (const float value : {c.r, c.g, c.b})
+            if (value > brightest && value <= most)
+                brightest = value;
+    // Filters that sharpen, as those that scale pictures do, swing below 0 beside what is bright.
+    const float expected = -0.1f * brightest;
     long count = 0;
     for (Color &c : pixels) {
         bool is_good = true;
         for (float *value : {&c.r, &c.g, &c.b})
             if (!(*value >= 0 && *value <= most)) {
+                is_good = is_good && *value >= expected && *value < 0;
                 *value = 0;
-                is_good = false;
             }
         count += is_good ? 0 : 1;
     }

@@ -376,6 +376,31 @@ TEST(Environment, UnusablePicturesAreReported) {
                             "that are no radiance (0 to 1e18 are; they count as 0)\n");
 }
 
+TEST(Environment, NegativeValuesBesideBrightOnesAreBlack) {
+    // What is left of 10 by a filter that sharpens: down to a tenth below 0.
+    const auto errors = [](float lowest) {
+        const std::string path = write_picture("sharp.exr", 4, 2, [&](int x, int) {
+            return x == 1 ? Rgb{10, 10, 10} : x == 2 ? Rgb{-0.25f, 0.5f, lowest} : Rgb{0.5f, 0.5f, 0.5f};
+        });
+        Scene scene;
+        return scripted::errors_of([&] { scene.light("environment", "name", path); });
+    };
+    EXPECT_EQ(errors(-1), "");
+    EXPECT_NE(errors(-1.25f).find("has 2 pixels with values that are no radiance"), std::string::npos);
+
+    const std::string path = write_picture("sharp.exr", 4, 2, [](int x, int) {
+        return x == 1 ? Rgb{10, 10, 10} : Rgb{-0.25f, 0.5f, -1};
+    });
+    Scene scene;
+    const List none;
+    scene.NewCamera("panorama", const_cast<List &>(none));
+    scene.light("environment", "name", path);
+    float lowest = 1;
+    for (const Rgb &value : scene.render(16, 8, 1).values)
+        lowest = std::min({lowest, value[0], value[1], value[2]});
+    EXPECT_EQ(lowest, 0);
+}
+
 // What the paper's formulas give, worked out apart from the code: turbidity; the sun's angle from the zenith; the angle
 // of the direction from there, and its azimuth from the sun's; radiance and luminance.
 struct SkySample {
