@@ -22,15 +22,17 @@ void *short_of_memory() {
 
 // The C library's own, which these stand before: for the image libraries, too.
 extern "C" {
-void *__libc_malloc(std::size_t size);
-void *__libc_calloc(std::size_t count, std::size_t size);
-void *__libc_realloc(void *block, std::size_t size);
+void *__libc_malloc(std::size_t size) noexcept;
+void *__libc_calloc(std::size_t count, std::size_t size) noexcept;
+void *__libc_realloc(void *block, std::size_t size) noexcept;
 
-void *malloc(std::size_t size) { return fails_now() ? short_of_memory() : __libc_malloc(size); }
-void *calloc(std::size_t count, std::size_t size) {
+void *malloc(std::size_t size) noexcept { return fails_now() ? short_of_memory() : __libc_malloc(size); }
+void *calloc(std::size_t count, std::size_t size) noexcept {
     return fails_now() ? short_of_memory() : __libc_calloc(count, size);
 }
-void *realloc(void *block, std::size_t size) { return fails_now() ? short_of_memory() : __libc_realloc(block, size); }
+void *realloc(void *block, std::size_t size) noexcept {
+    return fails_now() ? short_of_memory() : __libc_realloc(block, size);
+}
 }
 
 namespace {
