@@ -47,7 +47,7 @@ long memory_limit() {
 void check_memory(long width, long height, bool has_alpha, double decoding_bytes) {
     // Each copy has a quarter of the pixels of the one before.
     constexpr double with_copies = 4.0 / 3.0;
-    const double pixel_bytes = sizeof(Color) + (has_alpha ? sizeof(float) : 0);
+    const auto pixel_bytes = static_cast<double>(sizeof(Color) + (has_alpha ? sizeof(float) : 0));
     const double bytes =
         static_cast<double>(width) * static_cast<double>(height) * pixel_bytes * with_copies + decoding_bytes;
     const long needed = static_cast<long>(std::ceil(bytes / (1 << 20)));
