@@ -73,8 +73,9 @@ PerspectiveCamera::FovAxis fov_axis_of(std::string_view word) {
     return PerspectiveCamera::FovAxis::Vertical;
 }
 
-std::optional<Camera> make_perspective(const Parameters &parameters, const View &view, const VtTransform &transform,
+std::optional<Camera> make_perspective(const Parameters &parameters, const VtTransform &transform,
                                        const CallReport &report) {
+    const View view(parameters, report);
     parameters.complain_without("aperture_radius", {"focus_distance"}, report);
     const double aperture = parameters.number("aperture_radius");
     const VtVector3 aperture_right = transformed_direction(scaled(view.aside, aperture), transform);
@@ -107,8 +108,9 @@ std::optional<Camera> make_perspective(const Parameters &parameters, const View 
     return Camera(camera);
 }
 
-std::optional<Camera> make_orthographic(const Parameters &parameters, const View &view, const VtTransform &transform,
+std::optional<Camera> make_orthographic(const Parameters &parameters, const VtTransform &transform,
                                         const CallReport &report) {
+    const View view(parameters, report);
     const double half_height = 0.5 * parameters.number("height");
     const VtVector3 right = transformed_direction(scaled(view.aside, half_height), transform);
     const VtVector3 up = transformed_direction(scaled(view.above, half_height), transform);
@@ -123,7 +125,9 @@ std::optional<Camera> make_orthographic(const Parameters &parameters, const View
     return Camera(OrthographicCamera{to_float(position), to_float(ahead), to_float(right), to_float(up)});
 }
 
-Camera make_panorama(const View &view, const VtTransform &transform) {
+std::optional<Camera> make_panorama(const Parameters &parameters, const VtTransform &transform,
+                                    const CallReport &report) {
+    const View view(parameters, report);
     VtVector3 axes[] = {transformed_direction(view.ahead, transform), transformed_direction(view.aside, transform),
                         transformed_direction(view.above, transform)};
     to_common_unit(axes);
@@ -131,16 +135,19 @@ Camera make_panorama(const View &view, const VtTransform &transform) {
     return Camera(PanoramaCamera{to_float(position), to_float(axes[0]), to_float(axes[1]), to_float(axes[2])});
 }
 
+constexpr CameraMaker makers[] = {
+    {"orthographic", make_orthographic},
+    {"panorama", make_panorama},
+    {"perspective", make_perspective},
+};
+
 } // namespace
+
+std::span<const CameraMaker> camera_makers() { return makers; }
 
 std::optional<Camera> make_camera(const Type &type, const Parameters &parameters, const VtTransform &transform,
                                   const CallReport &report) {
-    const View view(parameters, report);
-    if (type.name == "orthographic")
-        return make_orthographic(parameters, view, transform, report);
-    if (type.name == "panorama")
-        return make_panorama(view, transform);
-    return make_perspective(parameters, view, transform, report);
+    return maker_of(camera_makers(), type).make(parameters, transform, report);
 }
 
 } // namespace vantor

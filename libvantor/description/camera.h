@@ -3,7 +3,7 @@
 
 #include "libvantor/base/numbers.h"
 #include "libvantor/base/warp.h"
-#include "libvantor/parameters/reader.h"
+#include "libvantor/parameters/type_maker.h"
 
 #include <optional>
 #include <variant>
@@ -112,6 +112,11 @@ class Camera {
   private:
     Kind kind;
 };
+
+using CameraMaker = TypeMaker<std::optional<Camera>(const Parameters &, const VtTransform &, const CallReport &)>;
+
+/// One for each type of camera.
+std::span<const CameraMaker> camera_makers();
 
 /// Under the transform, which is usable. Nothing, after a diagnostic, if it would reach too far.
 std::optional<Camera> make_camera(const Type &type, const Parameters &parameters, const VtTransform &transform,

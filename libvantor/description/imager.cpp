@@ -26,7 +26,7 @@ Filter filter_of(const Parameters &parameters) {
     return filter;
 }
 
-std::optional<FileImager> make_file_imager(const Parameters &parameters, const CallReport &report) {
+std::optional<Imager> make_file_imager(const Parameters &parameters, const CallReport &report) {
     const std::string path = parameters.text("name");
     if (!has_known_format(path)) {
         parameters.complain(
@@ -49,16 +49,23 @@ std::optional<FileImager> make_file_imager(const Parameters &parameters, const C
                       parameters.is_given("filter") || parameters.is_given("filter_width")};
 }
 
+std::optional<Imager> make_settings(const Parameters &parameters, const CallReport &) {
+    return Settings{static_cast<std::uint32_t>(parameters.integer("seed")),
+                    static_cast<int>(parameters.integer("max_depth")), static_cast<float>(parameters.number("clamp")),
+                    parameters.is_on("final_gather")};
+}
+
+constexpr ImagerMaker makers[] = {
+    {"file", make_file_imager},
+    {"settings", make_settings},
+};
+
 } // namespace
 
+std::span<const ImagerMaker> imager_makers() { return makers; }
+
 std::optional<Imager> make_imager(const Type &type, const Parameters &parameters, const CallReport &report) {
-    if (type.name == "settings")
-        return Settings{static_cast<std::uint32_t>(parameters.integer("seed")),
-                        static_cast<int>(parameters.integer("max_depth")),
-                        static_cast<float>(parameters.number("clamp")), parameters.is_on("final_gather")};
-    if (std::optional<FileImager> file = make_file_imager(parameters, report))
-        return std::move(*file);
-    return {};
+    return maker_of(imager_makers(), type).make(parameters, report);
 }
 
 } // namespace vantor

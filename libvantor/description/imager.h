@@ -3,7 +3,7 @@
 
 #include "libvantor/base/aov.h"
 #include "libvantor/images/files.h"
-#include "libvantor/parameters/reader.h"
+#include "libvantor/parameters/type_maker.h"
 
 #include <cstdint>
 #include <optional>
@@ -40,6 +40,11 @@ struct Settings {
 };
 
 using Imager = std::variant<FileImager, Settings>;
+
+using ImagerMaker = TypeMaker<std::optional<Imager>(const Parameters &, const CallReport &)>;
+
+/// One for each type of imager.
+std::span<const ImagerMaker> imager_makers();
 
 /// Nothing, after a diagnostic, if a file's path names no format.
 std::optional<Imager> make_imager(const Type &type, const Parameters &parameters, const CallReport &report);

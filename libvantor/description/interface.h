@@ -1,7 +1,7 @@
 // Interface: how light scatters at a surface, as the script described it.
 #pragma once
 
-#include "libvantor/description/type_maker.h"
+#include "libvantor/parameters/type_maker.h"
 #include "libvantor/scattering/bsdf.h"
 
 namespace vantor {

@@ -1,7 +1,7 @@
 // Interior: what fills the bodies of an interior block.
 #pragma once
 
-#include "libvantor/description/type_maker.h"
+#include "libvantor/parameters/type_maker.h"
 #include "libvantor/scattering/medium.h"
 
 namespace vantor {

@@ -1,8 +1,8 @@
 // Light: what shines, as the script described it.
 #pragma once
 
-#include "libvantor/description/type_maker.h"
 #include "libvantor/lights/light.h"
+#include "libvantor/parameters/type_maker.h"
 
 #include <optional>
 #include <vector>

@@ -32,6 +32,9 @@ struct Object {
 /// The largest coordinate outside that a point may have whose coordinates are at most `reach` inside.
 double outer_reach(double reach, const VtTransform &outer_from_inner);
 
+/// The type of object that has no shape of its own.
+inline constexpr std::string_view instances_type = "instances";
+
 /// The object at all the instances; reports those that cannot be used.
 std::optional<Object> make_instances(VtLong id, const Object &prototype, const Parameters &parameters,
                                      const CallReport &report);

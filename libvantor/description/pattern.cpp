@@ -7,55 +7,83 @@ namespace vantor {
 
 namespace {
 
+// How many patterns a kind is made of, each use counted.
+int parts_of(const Pattern *used) { return used ? used->parts : 0; }
+int parts_of(const Checker &checker) { return 1 + parts_of(checker.a.pattern) + parts_of(checker.b.pattern); }
+int parts_of(const Gradient &) { return 1; }
+int parts_of(const Image &) { return 1; }
+int parts_of(const Mix &mix) {
+    return 1 + parts_of(mix.a.pattern) + parts_of(mix.b.pattern) + parts_of(mix.amount.pattern);
+}
+int parts_of(const Noise &noise) { return 1 + parts_of(noise.a.pattern) + parts_of(noise.b.pattern); }
+
+template <class Kind> std::optional<Pattern> as_pattern(Kind kind, const CallReport &report) {
+    const int parts = parts_of(kind);
+    if (parts > most_parts) {
+        report.diagnostic(
+            joined({"the pattern is made of ", std::to_string(parts), " patterns, counting each use (up to ",
+                    std::to_string(most_parts), " are possible); it is left out"}));
+        return {};
+    }
+    return Pattern{std::move(kind), parts};
+}
+
 Vec3 factors_in(const Parameters &parameters, std::string_view name) { return to_float(parameters.vector(name)); }
 
 PatternSpace space_in(const Parameters &parameters) {
     return parameters.choice("space") == "uv" ? PatternSpace::Uv : PatternSpace::Object;
 }
 
-Checker make_checker(const Parameters &parameters, const PatternFinder &find) {
-    return {color_or_pattern(parameters, "a", find), color_or_pattern(parameters, "b", find), space_in(parameters),
-            factors_in(parameters, "scale")};
+std::optional<Pattern> make_checker(const Parameters &parameters, const PatternFinders &find,
+                                    const CallReport &report) {
+    return as_pattern(Checker{color_or_pattern(parameters, "a", find.pattern),
+                              color_or_pattern(parameters, "b", find.pattern), space_in(parameters),
+                              factors_in(parameters, "scale")},
+                      report);
 }
 
-Image make_image(const Parameters &parameters, TextureFile &file) {
+std::optional<Pattern> make_image(const Parameters &parameters, const PatternFinders &find, const CallReport &report) {
+    TextureFile *file = find.texture("texture");
+    if (!file)
+        return {};
     const std::string_view space = parameters.choice("color_space");
     const std::string_view wrap = parameters.choice("wrap");
     const std::string_view filter = parameters.choice("filter");
     const Vec3 scale = factors_in(parameters, "scale");
     const Vec3 offset = to_float(parameters.vector("offset"));
-    return {file.texture(space == "srgb"     ? ColorSpace::Srgb
-                         : space == "linear" ? ColorSpace::Linear
-                                             : ColorSpace::AsFile),
-            wrap == "clamp"    ? Image::Wrap::Clamp
-            : wrap == "mirror" ? Image::Wrap::Mirror
-            : wrap == "black"  ? Image::Wrap::Black
-                               : Image::Wrap::Repeat,
-            filter == "nearest"     ? Image::Filter::Nearest
-            : filter == "trilinear" ? Image::Filter::Trilinear
-                                    : Image::Filter::Bilinear,
-            parameters.choice("channel") == "alpha",
-            {scale.x, scale.y},
-            {offset.x, offset.y}};
+    return as_pattern(Image{file->texture(space == "srgb"     ? ColorSpace::Srgb
+                                          : space == "linear" ? ColorSpace::Linear
+                                                              : ColorSpace::AsFile),
+                            wrap == "clamp"    ? Image::Wrap::Clamp
+                            : wrap == "mirror" ? Image::Wrap::Mirror
+                            : wrap == "black"  ? Image::Wrap::Black
+                                               : Image::Wrap::Repeat,
+                            filter == "nearest"     ? Image::Filter::Nearest
+                            : filter == "trilinear" ? Image::Filter::Trilinear
+                                                    : Image::Filter::Bilinear,
+                            parameters.choice("channel") == "alpha",
+                            {scale.x, scale.y},
+                            {offset.x, offset.y}},
+                      report);
 }
 
-Noise make_noise(const Parameters &parameters, const PatternFinder &find) {
-    return {color_or_pattern(parameters, "a", find),
-            color_or_pattern(parameters, "b", find),
-            space_in(parameters),
-            factors_in(parameters, "scale"),
-            parameters.integer("octaves"),
-            static_cast<float>(parameters.number("lacunarity")),
-            static_cast<float>(parameters.number("gain"))};
+std::optional<Pattern> make_noise(const Parameters &parameters, const PatternFinders &find, const CallReport &report) {
+    return as_pattern(
+        Noise{color_or_pattern(parameters, "a", find.pattern), color_or_pattern(parameters, "b", find.pattern),
+              space_in(parameters), factors_in(parameters, "scale"), parameters.integer("octaves"),
+              static_cast<float>(parameters.number("lacunarity")), static_cast<float>(parameters.number("gain"))},
+        report);
 }
 
-Mix make_mix(const Parameters &parameters, const PatternFinder &find) {
+std::optional<Pattern> make_mix(const Parameters &parameters, const PatternFinders &find, const CallReport &report) {
     const std::string_view mode = parameters.choice("mode");
-    return {color_or_pattern(parameters, "a", find), color_or_pattern(parameters, "b", find),
-            number_or_pattern(parameters, "amount", find),
-            mode == "multiply" ? Mix::Mode::Multiply
-            : mode == "add"    ? Mix::Mode::Add
-                               : Mix::Mode::Mix};
+    return as_pattern(Mix{color_or_pattern(parameters, "a", find.pattern),
+                          color_or_pattern(parameters, "b", find.pattern),
+                          number_or_pattern(parameters, "amount", find.pattern),
+                          mode == "multiply" ? Mix::Mode::Multiply
+                          : mode == "add"    ? Mix::Mode::Add
+                                             : Mix::Mode::Mix},
+                      report);
 }
 
 // The positions of so many colours: those that are given, if they can be used, or even ones from 0 to 1.
@@ -78,7 +106,7 @@ std::vector<float> positions_in(const Parameters &parameters, std::size_t count,
     return positions;
 }
 
-std::optional<Gradient> make_gradient(const Parameters &parameters, const CallReport &report) {
+std::optional<Pattern> make_gradient(const Parameters &parameters, const PatternFinders &, const CallReport &report) {
     const std::vector<Color> colors = copied(parameters.vector3_array("colors"), to_color);
     const auto is_usable = [](Color c) {
         return c.r >= 0 && c.g >= 0 && c.b >= 0 && largest_component(c) <= 1e18f && is_finite(c);
@@ -93,29 +121,13 @@ std::optional<Gradient> make_gradient(const Parameters &parameters, const CallRe
         {}, space_in(parameters), to_float(parameters.vector("origin")), to_float(parameters.vector("direction"))};
     for (std::size_t i = 0; i < colors.size(); ++i)
         gradient.stops.push_back({positions[i], colors[i]});
-    return gradient;
+    return as_pattern(std::move(gradient), report);
 }
 
-// How many patterns a kind is made of, each use counted.
-int parts_of(const Pattern *used) { return used ? used->parts : 0; }
-int parts_of(const Checker &checker) { return 1 + parts_of(checker.a.pattern) + parts_of(checker.b.pattern); }
-int parts_of(const Gradient &) { return 1; }
-int parts_of(const Image &) { return 1; }
-int parts_of(const Mix &mix) {
-    return 1 + parts_of(mix.a.pattern) + parts_of(mix.b.pattern) + parts_of(mix.amount.pattern);
-}
-int parts_of(const Noise &noise) { return 1 + parts_of(noise.a.pattern) + parts_of(noise.b.pattern); }
-
-template <class Kind> std::optional<Pattern> as_pattern(Kind kind, const CallReport &report) {
-    const int parts = parts_of(kind);
-    if (parts > most_parts) {
-        report.diagnostic(
-            joined({"the pattern is made of ", std::to_string(parts), " patterns, counting each use (up to ",
-                    std::to_string(most_parts), " are possible); it is left out"}));
-        return {};
-    }
-    return Pattern{std::move(kind), parts};
-}
+constexpr PatternMaker makers[] = {
+    {"checker", make_checker}, {"gradient", make_gradient}, {"image", make_image},
+    {"mix", make_mix},         {"noise", make_noise},
+};
 
 } // namespace
 
@@ -135,24 +147,11 @@ NumberOrPattern number_or_pattern(const Parameters &parameters, std::string_view
             pattern_in(parameters, name, find)};
 }
 
-std::optional<Pattern> make_pattern(const Type &type, const Parameters &parameters, const PatternFinder &find,
-                                    const TextureFinder &find_texture, const CallReport &report) {
-    if (type.name == "checker")
-        return as_pattern(make_checker(parameters, find), report);
-    if (type.name == "mix")
-        return as_pattern(make_mix(parameters, find), report);
-    if (type.name == "noise")
-        return as_pattern(make_noise(parameters, find), report);
-    if (type.name == "image") {
-        TextureFile *file = find_texture("texture");
-        if (!file)
-            return {};
-        return as_pattern(make_image(parameters, *file), report);
-    }
-    std::optional<Gradient> gradient = make_gradient(parameters, report);
-    if (!gradient)
-        return {};
-    return as_pattern(std::move(*gradient), report);
+std::span<const PatternMaker> pattern_makers() { return makers; }
+
+std::optional<Pattern> make_pattern(const Type &type, const Parameters &parameters, const PatternFinders &find,
+                                    const CallReport &report) {
+    return maker_of(pattern_makers(), type).make(parameters, find, report);
 }
 
 } // namespace vantor

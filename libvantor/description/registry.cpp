@@ -87,7 +87,7 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
             const int index = find(parameters.id(name), EntityKind::Texture, parameters, name, call);
             return index < 0 ? nullptr : textures[static_cast<std::size_t>(index)];
         };
-        if (std::optional<Pattern> pattern = make_pattern(*type, parameters, find_used, find_texture, call))
+        if (std::optional<Pattern> pattern = make_pattern(*type, parameters, {find_used, find_texture}, call))
             return appended(patterns, std::move(*pattern));
         break;
     }
@@ -129,7 +129,7 @@ std::optional<Material> Registry::find_material(const Type &type, const Paramete
 
 std::optional<Object> Registry::find_object(VtLong id, const Type &type, const Parameters &parameters,
                                             const CallReport &call) const {
-    if (type.name == "instances") {
+    if (type.name == instances_type) {
         const int index = find(parameters.id("object"), EntityKind::Object, parameters, "object", call);
         if (index < 0)
             return {};

@@ -8,41 +8,40 @@ namespace vantor {
 
 namespace {
 
-// A shape of any kind that is made of it.
-template <class Kind> std::optional<Shape> as_shape(std::optional<Kind> kind) {
+// A shape of any kind, made by the function of that kind.
+template <auto make_kind> std::optional<Shape> make_of_kind(const Parameters &parameters, const CallReport &report) {
+    auto kind = make_kind(parameters, report);
     if (!kind)
         return {};
     return Shape(std::move(*kind));
 }
 
+std::optional<Shape> make_quad_shape(const Parameters &parameters, const CallReport &report) {
+    std::optional<QuadOrMesh> quad = make_quad(parameters, report);
+    if (!quad)
+        return {};
+    return std::visit([](auto &kind) { return Shape(std::move(kind)); }, *quad);
+}
+
+std::optional<Shape> make_sphere_shape(const Parameters &parameters, const CallReport &) {
+    return make_sphere(parameters);
+}
+
+constexpr ShapeMaker makers[] = {
+    {"box", make_of_kind<make_box>},         {"cone", make_of_kind<make_cone>},
+    {"curves", make_of_kind<make_curves>},   {"cylinder", make_of_kind<make_cylinder>},
+    {"disk", make_of_kind<make_disk>},       {"mesh", make_of_kind<make_mesh>},
+    {"patches", make_of_kind<make_patches>}, {"quad", make_quad_shape},
+    {"sphere", make_sphere_shape},           {"subdivision", make_of_kind<make_subdivision>},
+    {"torus", make_of_kind<make_torus>},
+};
+
 } // namespace
 
+std::span<const ShapeMaker> shape_makers() { return makers; }
+
 std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, const CallReport &report) {
-    if (type.name == "mesh")
-        return as_shape(make_mesh(parameters, report));
-    if (type.name == "patches")
-        return as_shape(make_patches(parameters, report));
-    if (type.name == "quad") {
-        std::optional<QuadOrMesh> quad = make_quad(parameters, report);
-        if (!quad)
-            return {};
-        return std::visit([](auto &kind) { return Shape(std::move(kind)); }, *quad);
-    }
-    if (type.name == "box")
-        return as_shape(make_box(parameters, report));
-    if (type.name == "subdivision")
-        return as_shape(make_subdivision(parameters, report));
-    if (type.name == "cone")
-        return as_shape(make_cone(parameters, report));
-    if (type.name == "curves")
-        return as_shape(make_curves(parameters, report));
-    if (type.name == "cylinder")
-        return as_shape(make_cylinder(parameters, report));
-    if (type.name == "disk")
-        return as_shape(make_disk(parameters, report));
-    if (type.name == "torus")
-        return as_shape(make_torus(parameters, report));
-    return make_sphere(parameters);
+    return maker_of(shape_makers(), type).make(parameters, report);
 }
 
 float reach_of(const Shape &shape) {

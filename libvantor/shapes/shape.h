@@ -1,6 +1,7 @@
 // Shape: what can be placed, in its own space.
 #pragma once
 
+#include "libvantor/parameters/type_maker.h"
 #include "libvantor/shapes/cone.h"
 #include "libvantor/shapes/curves.h"
 #include "libvantor/shapes/disk.h"
@@ -11,6 +12,11 @@
 namespace vantor {
 
 using Shape = std::variant<TriangleMesh, Quads, Sphere, Disk, Cone, Torus, Curves>;
+
+using ShapeMaker = TypeMaker<std::optional<Shape>(const Parameters &, const CallReport &)>;
+
+/// One for each type of object that has a shape of its own.
+std::span<const ShapeMaker> shape_makers();
 
 /// Nothing, after a diagnostic, if there is nothing to see.
 std::optional<Shape> make_shape(const Type &type, const Parameters &parameters, const CallReport &report);

@@ -104,6 +104,18 @@ std::optional<Trimmer> make_box_trimmer(const Parameters &parameters, const Call
     return BoxTrimmer{low, high, parameters.choice("keep") == "inside"};
 }
 
+std::optional<Trimmer> make_plane(const Parameters &parameters, const CallReport &) {
+    VtVector3 normal = parameters.vector("normal");
+    normal.Normalize();
+    return PlaneTrimmer{to_float(parameters.vector("point")), to_float(normal)};
+}
+
+constexpr TrimmerMaker makers[] = {
+    {"box", make_box_trimmer},
+    {"curve", make_curve},
+    {"plane", make_plane},
+};
+
 } // namespace
 
 CurveTrimmer::CurveTrimmer(std::span<const VtVector2> corners, bool keeps_the_inside) : keeps_inside(keeps_the_inside) {
@@ -155,14 +167,10 @@ bool CurveTrimmer::contains(Point2f uv) const {
     return is_inside;
 }
 
+std::span<const TrimmerMaker> trimmer_makers() { return makers; }
+
 std::optional<Trimmer> make_trimmer(const Type &type, const Parameters &parameters, const CallReport &report) {
-    if (type.name == "curve")
-        return make_curve(parameters, report);
-    if (type.name == "box")
-        return make_box_trimmer(parameters, report);
-    VtVector3 normal = parameters.vector("normal");
-    normal.Normalize();
-    return PlaneTrimmer{to_float(parameters.vector("point")), to_float(normal)};
+    return maker_of(trimmer_makers(), type).make(parameters, report);
 }
 
 bool keeps(const Trimmer &trimmer, Point2f uv, Vec3 point) {

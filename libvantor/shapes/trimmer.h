@@ -1,6 +1,7 @@
 // Trimmer: what cuts away parts of a surface.
 #pragma once
 
+#include "libvantor/parameters/type_maker.h"
 #include "libvantor/shapes/arrays.h"
 #include "libvantor/shapes/surface_parameters.h"
 
@@ -60,6 +61,11 @@ struct BoxTrimmer {
 
 /// Planes and boxes lie in the object's space.
 using Trimmer = std::variant<CurveTrimmer, PlaneTrimmer, BoxTrimmer>;
+
+using TrimmerMaker = TypeMaker<std::optional<Trimmer>(const Parameters &, const CallReport &)>;
+
+/// One for each type of trimmer.
+std::span<const TrimmerMaker> trimmer_makers();
 
 /// Nothing, after a diagnostic, if it can cut nothing.
 std::optional<Trimmer> make_trimmer(const Type &type, const Parameters &parameters, const CallReport &report);
