@@ -32,7 +32,7 @@ std::string time_text(double seconds) {
     return joined({std::to_string(minutes / 60), " h ", std::to_string(minutes % 60), " min"});
 }
 
-Progress::Progress(long steps) : total(steps), is_shown(isatty(STDERR_FILENO) == 1) {}
+Progress::Progress(const char *pass, long steps) : name(pass), total(steps), is_shown(isatty(STDERR_FILENO) == 1) {}
 
 Progress::~Progress() {
     // Carriage return, and the terminal's "erase to the end of the line".
@@ -40,8 +40,8 @@ Progress::~Progress() {
         std::fputs("\r\x1b[K", stderr);
 }
 
-void Progress::done_one() {
-    done.fetch_add(1, std::memory_order_relaxed);
+void Progress::done(long steps) {
+    steps_done.fetch_add(steps, std::memory_order_relaxed);
     const bool is_handled = static_cast<bool>(the_handler());
     if (!is_shown && !is_handled)
         return;
@@ -54,7 +54,8 @@ void Progress::done_one() {
     if (now - printed < std::chrono::milliseconds(is_handled ? 20 : 200))
         return;
     printed = now;
-    const double fraction = static_cast<double>(done.load(std::memory_order_relaxed)) / static_cast<double>(total);
+    const double fraction =
+        static_cast<double>(steps_done.load(std::memory_order_relaxed)) / static_cast<double>(total);
     if (is_handled) {
         the_handler()(fraction);
         return;
@@ -63,7 +64,7 @@ void Progress::done_one() {
     has_line = true;
     const double seconds = std::chrono::duration<double>(now - start).count();
     const double left = seconds * (1 - fraction) / fraction;
-    std::fprintf(stderr, "\rvantor: render: %3.0f %%, %s left\x1b[K", 100 * fraction, time_text(left).c_str());
+    std::fprintf(stderr, "\rvantor: %s: %3.0f %%, %s left\x1b[K", name, 100 * fraction, time_text(left).c_str());
 }
 
 } // namespace vantor

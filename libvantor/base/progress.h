@@ -16,24 +16,26 @@ std::string time_text(double seconds);
 using ProgressHandler = std::function<void(double fraction)>;
 void set_progress_handler(ProgressHandler handler);
 
-/// The line is wiped when the object goes. Any thread may call done_one().
+/// The line is wiped when the object goes. Any thread may call done().
 class Progress {
   public:
-    explicit Progress(long steps);
+    /// The pass is named as in messages.
+    Progress(const char *pass, long steps);
     ~Progress();
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
 
-    /// One more step is done.
-    void done_one();
+    /// So many more steps are done, 1 or more.
+    void done(long steps);
 
   private:
     using Clock = std::chrono::steady_clock;
 
+    const char *const name;
     const long total;
     const bool is_shown;
     const Clock::time_point start = Clock::now();
-    std::atomic<long> done = 0;
+    std::atomic<long> steps_done = 0;
     std::mutex printing;
     Clock::time_point printed = start; // guarded by printing
     bool has_line = false;             // likewise

@@ -4,6 +4,7 @@
 #include "libvantor/base/bits.h"
 #include "libvantor/radiosity/patch_points.h"
 
+#include <bit>
 #include <numbers>
 #include <numeric>
 
@@ -20,14 +21,40 @@ std::uint32_t morton_code_of(Vec3 unit) {
     return morton_code(ten_bits(unit.x), ten_bits(unit.y), ten_bits(unit.z));
 }
 
-template <class Element, class Less>
-void sort(std::vector<Element> &elements, const Interrupt &interrupt, const Less &less) {
-    std::uint32_t comparisons = 0;
-    std::ranges::sort(elements, [&](const Element &a, const Element &b) {
-        if (++comparisons % 65536 == 0)
-            interrupt.check();
-        return less(a, b);
-    });
+struct Keyed {
+    std::uint64_t key;
+    std::uint32_t index;
+};
+
+// By keys of that many bits; the order of equal keys stays. Many elements are sorted from the lowest digit to the
+// highest, in a time that grows with their number only: Knuth, "The Art of Computer Programming", 5.2.5.
+void sort_by_key(std::vector<Keyed> &elements, int key_bits, const Interrupt &interrupt) {
+    constexpr int digit_bits = 11;
+    constexpr std::size_t digits = std::size_t{1} << digit_bits;
+    if (elements.size() < digits) {
+        std::ranges::stable_sort(elements, {}, &Keyed::key);
+        return;
+    }
+    std::vector<Keyed> sorted(elements.size());
+    for (int shift = 0; shift < key_bits; shift += digit_bits) {
+        const auto digit_of = [&](const Keyed &e) { return e.key >> shift & (digits - 1); };
+        std::vector<std::size_t> ends(digits);
+        for (const Keyed &element : elements)
+            ++ends[digit_of(element)];
+        std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), std::size_t{0});
+        for (std::size_t i = 0; i < elements.size(); ++i) {
+            if (i % 65536 == 0)
+                interrupt.check();
+            sorted[ends[digit_of(elements[i])]++] = elements[i];
+        }
+        elements.swap(sorted);
+    }
+}
+
+// Ascends with the number, which is finite; 0 and -0 have the same key.
+std::uint32_t ascending_key_of(float number) {
+    const auto bits = std::bit_cast<std::uint32_t>(number + 0.0f);
+    return bits >> 31 ? ~bits : bits | 0x80000000u;
 }
 
 } // namespace
@@ -122,32 +149,29 @@ void Patches::Maker::add_groups(std::uint32_t placement, std::vector<std::uint32
     const Vec3 extent = high - low;
     const float scale = 1 / std::max(largest_coordinate(extent), std::numeric_limits<float>::min());
 
-    struct Member {
-        std::uint64_t key;
-        std::uint32_t triangle;
-    };
-    std::vector<Member> members;
+    // A key has 30 bits of the place, and above them 5 of the facing. The triangles come in their order.
+    constexpr int place_bits = 30;
+    std::vector<Keyed> members;
     members.reserve(triangles.size());
     for (const std::uint32_t triangle : triangles) {
         interrupt.check();
         const PatchPoint middle = point_in_world(*surface.shape, map, triangle, {1 / 3.0f, 1 / 3.0f});
         const std::uint64_t facing = facing_of(middle.normal);
-        members.push_back({facing << 32 | morton_code_of((middle.point - low) * scale), triangle});
+        members.push_back({facing << place_bits | morton_code_of((middle.point - low) * scale), triangle});
     }
-    sort(members, interrupt,
-         [](Member a, Member b) { return a.key != b.key ? a.key < b.key : a.triangle < b.triangle; });
+    sort_by_key(members, place_bits + 5, interrupt);
 
     double group_area = 0;
     for (std::size_t i = 0; i < members.size(); ++i) {
         interrupt.check();
-        if (i == 0 || members[i].key >> 32 != members[i - 1].key >> 32 ||
+        if (i == 0 || members[i].key >> place_bits != members[i - 1].key >> place_bits ||
             group_area >= sizes.patch_side() * sizes.patch_side()) {
             patches.all.push_back({placement, static_cast<std::uint32_t>(patches.facets.size()), 0, 0});
             group_area = 0;
             ++group_count;
         }
-        group_area += sizes.area_of_triangle(placement, members[i].triangle);
-        const std::uint32_t panel = surface.first_panel + members[i].triangle;
+        group_area += sizes.area_of_triangle(placement, members[i].index);
+        const std::uint32_t panel = surface.first_panel + members[i].index;
         patches.panels[panel].first_patch = static_cast<std::uint32_t>(patches.all.size() - 1);
         patches.facets.push_back({panel, 0, 0});
         ++patches.all.back().facet_count;
@@ -192,35 +216,40 @@ void Patches::Maker::add_grid_corners(std::size_t placement, std::uint32_t primi
 // is likely to have its points side by side.
 void Patches::Maker::merge(const std::vector<Corner> &lattice, std::size_t first_corner) {
     const Vec3 direction = normalized({0.3713f, 0.8147f, 0.4451f});
-    std::vector<std::uint32_t> order(lattice.size());
-    std::iota(order.begin(), order.end(), 0u);
+    std::vector<Keyed> order;
+    order.reserve(lattice.size());
     std::vector<float> depths(lattice.size());
-    for (std::size_t i = 0; i < lattice.size(); ++i) {
+    for (std::uint32_t i = 0; i < lattice.size(); ++i) {
         interrupt.check();
         depths[i] = dot(lattice[i].point, direction);
+        order.push_back({ascending_key_of(depths[i]), i});
     }
-    sort(order, interrupt,
-         [&](std::uint32_t a, std::uint32_t b) { return depths[a] != depths[b] ? depths[a] < depths[b] : a < b; });
+    sort_by_key(order, 32, interrupt);
 
     const auto tolerance = [&](const Corner &c) {
         return std::max(0.02f * c.cell_side, 1e-6f * largest_coordinate(c.point));
     };
     // The vertices so far, by the corner that stands for each.
-    std::vector<std::uint32_t> merged;
-    for (const std::uint32_t i : order) {
+    struct Vertex {
+        Corner corner;
+        float depth;
+    };
+    std::vector<Vertex> merged;
+    for (const Keyed &keyed : order) {
         interrupt.check();
+        const std::uint32_t i = keyed.index;
         const Corner &corner = lattice[i];
         const float reach = tolerance(corner);
         std::size_t v = merged.size();
         bool is_found = false;
-        while (v > 0 && !is_found && depths[i] - depths[merged[v - 1]] <= reach) {
-            const Corner &other = lattice[merged[--v]];
+        while (v > 0 && !is_found && depths[i] - merged[v - 1].depth <= reach) {
+            const Corner &other = merged[--v].corner;
             is_found = length(corner.point - other.point) <= std::min(reach, tolerance(other)) &&
                        dot(corner.normal, other.normal) >= least_cosine;
         }
         if (!is_found) {
             v = merged.size();
-            merged.push_back(i);
+            merged.push_back({corner, depths[i]});
         }
         patches.corners[first_corner + i] = static_cast<std::uint32_t>(patches.vertices + v);
     }

@@ -37,7 +37,7 @@ std::size_t least_of(const Shape &shape) {
 
 Patches::Sizes::Sizes(std::span<const Placement> placements, std::span<const Surface> of_placements, std::size_t budget,
                       const Interrupt &stop)
-    : placed(placements), surfaces(of_placements), interrupt(stop) {
+    : placed(placements), surfaces(of_placements), interrupt(stop), triangle_areas(placements.size()) {
     choose_placements(budget);
     choose_side(budget);
 }
@@ -52,13 +52,6 @@ int Patches::Sizes::MeshDivision::operator()(double area) const {
     return static_cast<int>(std::clamp(n, 1.0, most_columns));
 }
 
-double Patches::Sizes::area_of_triangle(std::size_t placement, std::uint32_t triangle) const {
-    const auto [shape, map, first_panel] = surfaces[placement];
-    const auto &mesh = std::get<TriangleMesh>(*shape);
-    const TriangleMesh::Triangle &t = mesh.triangles[triangle];
-    return area_of(map.point(mesh.points[t[0]]), map.point(mesh.points[t[1]]), map.point(mesh.points[t[2]]));
-}
-
 double Patches::Sizes::area_of_quad(std::size_t placement, std::uint32_t quad) const {
     const auto [shape, map, first_panel] = surfaces[placement];
     const Quads::Corners &c = std::get<Quads>(*shape).corners[quad];
@@ -70,15 +63,25 @@ double Patches::Sizes::radius_of_sphere(std::size_t placement) const {
     return static_cast<double>(std::get<Sphere>(*shape).radius) * std::cbrt(std::fabs(map.determinant));
 }
 
-double Patches::Sizes::area_of_placement(std::size_t i) const {
-    const Shape &shape = *surfaces[i].shape;
-    if (std::holds_alternative<Sphere>(shape))
+// Keeps the areas of its triangles.
+double Patches::Sizes::area_of_placement(std::size_t i) {
+    const auto &[shape, map, first_panel] = surfaces[i];
+    if (std::holds_alternative<Sphere>(*shape))
         return 4 * static_cast<double>(pi) * radius_of_sphere(i) * radius_of_sphere(i);
-    const bool is_mesh = std::holds_alternative<TriangleMesh>(shape);
     double sum = 0;
-    for (std::uint32_t p = 0; p < primitives_of(shape); ++p) {
+    if (const auto *mesh = std::get_if<TriangleMesh>(shape)) {
+        triangle_areas[i].reserve(mesh->triangles.size());
+        for (const TriangleMesh::Triangle &t : mesh->triangles) {
+            interrupt.check();
+            triangle_areas[i].push_back(
+                area_of(map.point(mesh->points[t[0]]), map.point(mesh->points[t[1]]), map.point(mesh->points[t[2]])));
+            sum += triangle_areas[i].back();
+        }
+        return sum;
+    }
+    for (std::uint32_t p = 0; p < primitives_of(*shape); ++p) {
         interrupt.check();
-        sum += is_mesh ? area_of_triangle(i, p) : area_of_quad(i, p);
+        sum += area_of_quad(i, p);
     }
     return sum;
 }

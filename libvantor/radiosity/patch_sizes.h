@@ -38,14 +38,16 @@ class Patches::Sizes {
     int rows_of_sphere(std::size_t placement) const;
 
     /// Areas in the world.
-    double area_of_triangle(std::size_t placement, std::uint32_t triangle) const;
+    double area_of_triangle(std::size_t placement, std::uint32_t triangle) const {
+        return triangle_areas[placement][triangle];
+    }
     double area_of_quad(std::size_t placement, std::uint32_t quad) const;
 
     /// Of an ellipsoid roughly: as a sphere of the same volume.
     double radius_of_sphere(std::size_t placement) const;
 
   private:
-    double area_of_placement(std::size_t i) const;
+    double area_of_placement(std::size_t i);
     double count_of(std::size_t i) const;
     void choose_placements(std::size_t budget);
     void choose_side(std::size_t budget);
@@ -54,6 +56,7 @@ class Patches::Sizes {
     std::span<const Surface> surfaces;
     const Interrupt &interrupt;
     std::vector<std::size_t> kept;
+    std::vector<std::vector<double>> triangle_areas; // of the placements; of meshes that have patches
     double total_area = 0;
     double side = 0;
 };

@@ -9,6 +9,12 @@
 
 namespace vantor {
 
+/// A colour for each side of a surface.
+struct SideColors {
+    Color front;
+    Color back;
+};
+
 /// Pieces of about equal area, each of one placement. Constant once made; the placements' objects have to outlive it.
 ///
 /// A primitive is a panel: a parallelogram or sphere in columns and rows, a triangle in n^2 equal triangles. Triangles
@@ -46,11 +52,12 @@ class Patches {
 
     /// From a value of each patch to one of each vertex: the mean of the patches around it, by area. Where patches are
     /// groups of triangles, the means are spread as far as the groups are wide. Throws Interrupted.
-    std::vector<Color> at_vertices(std::span<const Color> of_patches, const Interrupt &interrupt) const;
+    std::vector<SideColors> at_vertices(std::span<const SideColors> of_patches, const Interrupt &interrupt) const;
 
   private:
     class Maker;
     class Sizes;
+    class VertexMeans;
 
     struct Patch {
         std::uint32_t placement;
@@ -86,6 +93,7 @@ class Patches {
     static Footing footing_in_grid(const Panel &panel, Point2f uv);
     static Footing footing_in_triangle(const Panel &panel, Point2f uv);
     static Footing footing(const Panel &panel, bool is_triangle, Point2f uv);
+    std::pair<std::array<std::uint32_t, 4>, std::size_t> vertices_of(const Patch &patch, const Facet &facet) const;
     bool footing_at(const Hit &hit, const Panel *&panel, Footing &result) const;
 
     std::vector<Patch> all;

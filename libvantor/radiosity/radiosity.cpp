@@ -6,6 +6,7 @@
 // way to treat small lights, gathering them by chance, would take many times the rays for the same error.
 #include "libvantor/radiosity/radiosity.h"
 
+#include "libvantor/base/progress.h"
 #include "libvantor/base/tiles.h"
 
 #include <unistd.h>
@@ -60,22 +61,28 @@ int rays_of_side(std::size_t side_count) {
 
 Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt) {
     Exchange exchange{std::vector<Row>(side_count), std::vector<SideLight>(side_count)};
+    // A step is a ray, shot or spared.
+    Progress progress("radiosity", static_cast<long>(side_count) * gathering.rays());
     for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
         for (std::size_t i = first; i < end; ++i) {
             interrupt.check();
             const auto side = static_cast<std::uint32_t>(i);
             exchange.lights[i] = gathering.light_of(side);
             gathering.see(side, 0, probing_rays, exchange.rows[i]);
+            progress.done(probing_rays);
         }
     });
 
     // The insides of closed bodies, and what lies in the dark otherwise, need no more.
+    if (gathering.rays() == probing_rays)
+        return exchange;
     const std::vector<char> are_reached = reached_by_light(exchange, interrupt);
     for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
         for (std::size_t i = first; i < end; ++i) {
             interrupt.check();
-            if (are_reached[i] && gathering.rays() > probing_rays)
+            if (are_reached[i])
                 gathering.see(static_cast<std::uint32_t>(i), probing_rays, gathering.rays(), exchange.rows[i]);
+            progress.done(gathering.rays() - probing_rays);
         }
     });
     return exchange;
@@ -145,15 +152,13 @@ void Radiosity::solve(const Registry &registry, const World &world, const Report
     const Exchange exchange = gather_all(gathering, side_count, interrupt);
     const Balance balance = balance_of(exchange.rows, exchange.lights, interrupt);
 
-    std::vector<Color> fronts;
-    std::vector<Color> backs;
+    std::vector<SideColors> indirect;
     long rays = 0;
     for (std::size_t side = 0; side < side_count; side += 2) {
-        fronts.push_back(balance.indirect[side]);
-        backs.push_back(balance.indirect[side + 1]);
+        indirect.push_back({balance.indirect[side], balance.indirect[side + 1]});
         rays += exchange.rows[side].rays + exchange.rows[side + 1].rays;
     }
-    light.emplace(patches, fronts, backs, interrupt);
+    light.emplace(patches, indirect, interrupt);
     revision = registry.revision();
     if (isatty(STDERR_FILENO) == 1)
         report.note(joined({"radiosity: ", std::to_string(patches->size()), " patches, ", std::to_string(rays),

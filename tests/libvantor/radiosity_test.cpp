@@ -280,7 +280,7 @@ TEST(Radiosity, InterruptStopsTheSpreadingOfLight) {
     description.sheet(100);
     const vantor::Interrupt none;
     const vantor::Patches patches(description.registry.placements(), 500, none);
-    const std::vector<vantor::Color> light(patches.size());
+    const std::vector<vantor::SideColors> light(patches.size());
     expect_prompt(static_cast<long>(patches.size()), [&] {
         const vantor::Interrupt interrupt;
         patches.at_vertices(light, interrupt);
