@@ -23,9 +23,18 @@ std::optional<std::vector<std::size_t>> counts_of(const Parameters &parameters, 
                                                   const CallReport &report) {
     if (!parameters.is_given("counts"))
         return std::vector{point_count};
-    std::vector<std::size_t> counts = copied(parameters.long_array("counts"), [](VtLong count) {
-        return static_cast<std::size_t>(std::max<VtLong>(0, count));
-    });
+    const VtInstanceArray<VtLong> &given = parameters.long_array("counts");
+    // An array of any size costs a script nothing until it is read.
+    if (static_cast<std::size_t>(given.Size()) > point_count) {
+        parameters.complain("counts",
+                            joined({"has ", counted(static_cast<long>(given.Size()), "element"),
+                                    " (expected at most as many as there are points, ", std::to_string(point_count),
+                                    "); nothing of the curves will be seen"}),
+                            report);
+        return {};
+    }
+    std::vector<std::size_t> counts =
+        copied(given, [](VtLong count) { return static_cast<std::size_t>(std::max<VtLong>(0, count)); });
     const std::size_t sum = std::accumulate(counts.begin(), counts.end(), std::size_t{0});
     if (sum == point_count)
         return counts;
@@ -56,18 +65,21 @@ std::vector<double> even_radii(double radius, const Spline &spline, const std::v
 std::vector<double> radii_of(const Parameters &parameters, std::size_t point_count, const Spline &spline,
                              const std::vector<std::size_t> &counts, const CallReport &report) {
     if (parameters.is_given("radii")) {
-        std::vector<double> radii = copied(parameters.double_array("radii"));
-        // Of a Hermite curve every other one is a slope, which may be negative.
-        const auto is_usable_radius = [](double radius) { return std::fabs(radius) <= 1e9; };
-        if (radii.size() == point_count && std::ranges::all_of(radii, is_usable_radius)) {
-            parameters.complain_beside("radii", {"radius"}, report);
-            return radii;
+        const VtInstanceArray<double> &given = parameters.double_array("radii");
+        const bool is_one_for_each = static_cast<std::size_t>(given.Size()) == point_count;
+        if (is_one_for_each) {
+            std::vector<double> radii = copied(given);
+            // Of a Hermite curve every other one is a slope, which may be negative.
+            const auto is_usable_radius = [](double radius) { return std::fabs(radius) <= 1e9; };
+            if (std::ranges::all_of(radii, is_usable_radius)) {
+                parameters.complain_beside("radii", {"radius"}, report);
+                return radii;
+            }
         }
         const std::string wrong =
-            radii.size() == point_count
-                ? "has unusable elements (expected numbers up to 1e9)"
-                : joined({"has ", counted(static_cast<long>(radii.size()), "element"),
-                          " (expected one for each of the ", std::to_string(point_count), " points)"});
+            is_one_for_each ? "has unusable elements (expected numbers up to 1e9)"
+                            : joined({"has ", counted(static_cast<long>(given.Size()), "element"),
+                                      " (expected one for each of the ", std::to_string(point_count), " points)"});
         parameters.complain("radii", joined({wrong, "; \"radius\" counts instead"}), report);
     }
     return even_radii(parameters.number("radius"), spline, counts);

@@ -67,7 +67,14 @@ class Reader {
                                " (expected four for each face, as all are quads without \"counts\")"});
             return {};
         }
-        std::vector<VtLong> counts = copied(parameters.long_array("counts"));
+        const VtInstanceArray<VtLong> &array = parameters.long_array("counts");
+        // An array of any size costs a script nothing until it is read.
+        if (static_cast<std::size_t>(array.Size()) > index_count) {
+            refuse("counts", {"has ", counted(static_cast<long>(array.Size()), "element"),
+                              " (expected at most as many as there are indices, ", given, ")"});
+            return {};
+        }
+        std::vector<VtLong> counts = copied(array);
         const auto wrong = std::ranges::find_if(counts, [](VtLong n) { return n < 3; });
         if (wrong != counts.end()) {
             refuse("counts", {"has ", std::to_string(*wrong), " as element ", std::to_string(wrong - counts.begin()),
@@ -86,15 +93,17 @@ class Reader {
     }
 
     bool read_faces(Polygons &polygons) const {
-        const std::vector<VtLong> indices = copied(parameters.long_array("indices"));
-        const std::optional<std::vector<VtLong>> counts = read_counts(indices.size());
-        if (!counts)
-            return false;
+        const VtInstanceArray<VtLong> &given = parameters.long_array("indices");
+        const auto index_count = static_cast<std::size_t>(given.Size());
         const auto levels = static_cast<std::size_t>(parameters.integer("levels"));
-        if (indices.size() > most_triangles >> (2 * levels - 1)) {
+        if (index_count > most_triangles >> (2 * levels - 1)) {
             refuse("levels", {"makes more than ", std::to_string(most_triangles), " triangles (expected fewer)"});
             return false;
         }
+        const std::optional<std::vector<VtLong>> counts = read_counts(index_count);
+        if (!counts)
+            return false;
+        const std::vector<VtLong> indices = copied(given);
 
         std::size_t outside = 0, unusable = 0, repeated = 0;
         std::size_t first_bad = 0;

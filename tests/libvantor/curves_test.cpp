@@ -181,8 +181,9 @@ TEST(Curves, BadInputIsOneLineEach) {
         unusable.Add({i == 0 ? std::numeric_limits<double>::infinity() : i, 0, 0});
         still.Add({1, 1, 1});
     }
-    Indices few, odd, negative;
+    Indices few, many, odd, negative;
     scripted::fill(few, {4, 4});
+    scripted::fill(many, {9, 0, 0, 0, 0, 0, 0, 0, 0, 0});
     scripted::fill(odd, {4, 3, 2});
     scripted::fill(negative, {9, -4});
     VtInstanceArray<double> radii;
@@ -196,6 +197,9 @@ TEST(Curves, BadInputIsOneLineEach) {
     EXPECT_EQ(refused(points, "counts", few),
               head + "item 3: parameter \"counts\" adds up to 8 points (expected as many as there "
                      "are, 9); nothing of the curves will be seen\n");
+    EXPECT_EQ(refused(points, "counts", many),
+              head + "item 3: parameter \"counts\" has 10 elements (expected at most as many as there are points, 9); "
+                     "nothing of the curves will be seen\n");
     EXPECT_EQ(accepted(points, "counts", odd), head + "item 3: parameter \"counts\" leaves out 2 curves, the first of "
                                                       "them 1 (with the step 1, 4, 5, 6 ... points come out even)\n");
     EXPECT_EQ(accepted(points, "counts", negative),

@@ -220,9 +220,11 @@ TEST(Subdivision, FacesThatCannotBeNeighboursHaveBorders) {
 TEST(Subdivision, BadInputIsOneLineEach) {
     const std::string head = "vantor: newObject \"subdivision\": ";
     const std::string unseen = "; nothing of the object will be seen\n";
-    Indices counts, few, small, odd, strange, wild;
+    Indices counts, few, many, small, odd, strange, wild;
     scripted::fill(counts, {4, 4, 4, 4, 4, 4});
     scripted::fill(few, {4, 4});
+    for (int i = 0; i < 25; ++i)
+        many.Add(4);
     scripted::fill(small, {4, 4, 4, 4, 4, 2, 2});
     scripted::fill(odd, {0, 1, 2});
     scripted::fill(strange, {0, 1, 0, 6, -5, 99});
@@ -244,6 +246,10 @@ TEST(Subdivision, BadInputIsOneLineEach) {
               head +
                   "item 5: parameter \"counts\" adds up to 8 corners (expected as many "
                   "as there are indices, 24)" +
+                  unseen);
+    EXPECT_EQ(refused(cube_indices, "counts", many),
+              head +
+                  "item 5: parameter \"counts\" has 25 elements (expected at most as many as there are indices, 24)" +
                   unseen);
     EXPECT_EQ(refused(cube_indices, "counts", small),
               head + "item 5: parameter \"counts\" has 2 as element 5 (expected 3 or more corners)" + unseen);
