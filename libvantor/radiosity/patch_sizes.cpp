@@ -97,8 +97,10 @@ void Patches::Sizes::choose_placements(std::size_t budget) {
         if (areas[i] > 0 && std::isfinite(areas[i]))
             kept.push_back(i);
     }
-    const auto share = [&](std::size_t i) { return areas[i] / static_cast<double>(least_of(placed[i].object->shape)); };
-    std::ranges::stable_sort(kept, [&](std::size_t a, std::size_t b) { return share(a) > share(b); });
+    const auto area_of_patch = [&](std::size_t i) {
+        return areas[i] / static_cast<double>(least_of(placed[i].object->shape));
+    };
+    std::ranges::stable_sort(kept, [&](std::size_t a, std::size_t b) { return area_of_patch(a) > area_of_patch(b); });
 
     const std::size_t most = std::max<std::size_t>(budget, 256);
     std::size_t count = 0;

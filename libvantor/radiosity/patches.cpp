@@ -16,14 +16,14 @@ Hit Patches::point_of(std::uint32_t index, Point2f numbers) const {
     const Patch &patch = all[index];
     const Facet *facet = &facets[patch.first_facet];
     if (patch.facet_count > 1) {
-        // The facet by its share of the area; what is left of the number is as good as new.
+        // A facet is chosen in proportion to its area. Given the choice, the rest of the number is uniform again.
         const float wanted = numbers.u * patch.area;
         const Facet *end = facet + patch.facet_count;
         const Facet *found =
             std::upper_bound(facet, end - 1, wanted, [](float area, const Facet &f) { return area < f.area_up_to; });
         const float before = found == facet ? 0.0f : (found - 1)->area_up_to;
-        const float share = found->area_up_to - before;
-        numbers.u = share > 0 ? std::clamp((wanted - before) / share, 0.0f, 0x1.fffffep-1f) : 0.5f;
+        const float area = found->area_up_to - before;
+        numbers.u = area > 0 ? std::clamp((wanted - before) / area, 0.0f, 0x1.fffffep-1f) : 0.5f;
         facet = found;
     }
 
