@@ -102,7 +102,7 @@ template <Analytic Kind> void occlude(const RTCOccludedFunctionNArguments *argum
     const auto &placed = *static_cast<const PlacedShape<Kind> *>(arguments->geometryUserPtr);
     for (unsigned i = 0; i < arguments->N; ++i) {
         Crossing crossing;
-        // Embree marks a blocked way by a negative end.
+        // Embree marks an occluded ray by a negative end.
         if (arguments->valid[i] != 0 && find(placed, arguments->ray, arguments->N, i, crossing))
             RTCRayN_tfar(arguments->ray, arguments->N, i) = -std::numeric_limits<float>::infinity();
     }

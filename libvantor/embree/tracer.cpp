@@ -168,27 +168,27 @@ void Tracer::intersect_in_packets(std::span<const Ray> rays, bool are_coherent, 
     }
 }
 
-void Tracer::occluded(std::span<const Segment> ways, std::span<char> are_occluded) const {
+void Tracer::occluded(std::span<const Segment> segments, std::span<char> are_occluded) const {
     if (has_wide_packets)
-        occluded_in_packets<RTCRay16>(ways, are_occluded);
+        occluded_in_packets<RTCRay16>(segments, are_occluded);
     else
-        occluded_in_packets<RTCRay8>(ways, are_occluded);
+        occluded_in_packets<RTCRay8>(segments, are_occluded);
 }
 
 template <class Packet>
-void Tracer::occluded_in_packets(std::span<const Segment> ways, std::span<char> are_occluded) const {
+void Tracer::occluded_in_packets(std::span<const Segment> segments, std::span<char> are_occluded) const {
     constexpr std::size_t width = width_of<Packet>;
     RayQuery query(false);
 
     Packet packet{};
-    for (std::size_t first = 0; first < ways.size(); first += width) {
-        const std::size_t used = std::min(width, ways.size() - first);
+    for (std::size_t first = 0; first < segments.size(); first += width) {
+        const std::size_t used = std::min(width, segments.size() - first);
         for (std::size_t lane = 0; lane < used; ++lane) {
-            const Segment &way = ways[first + lane];
-            set_ray(packet, lane, way.from, way.direction, way.reach);
+            const Segment &segment = segments[first + lane];
+            set_ray(packet, lane, segment.from, segment.direction, segment.reach);
         }
         query.occlude(Mask<width>(used).lanes, structure->top_level(), packet);
-        // Embree marks a blocked way by a negative end.
+        // Embree marks an occluded ray by a negative end.
         for (std::size_t lane = 0; lane < used; ++lane)
             are_occluded[first + lane] = packet.tfar[lane] < 0 ? 1 : 0;
     }

@@ -35,8 +35,8 @@ class Tracer {
     /// The first surface on each ray. Rays are coherent if neighbours start and go nearly alike.
     void intersect(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const;
 
-    /// Whether there is anything on each of the ways.
-    void occluded(std::span<const Segment> ways, std::span<char> are_occluded) const;
+    /// Whether there is anything on each of the segments.
+    void occluded(std::span<const Segment> segments, std::span<char> are_occluded) const;
 
     /// All surfaces on the ray, the nearest first. Not always possible: it has to be prepared for, and is where there
     /// are many bodies.
@@ -54,7 +54,8 @@ class Tracer {
 
     template <class Packet>
     void intersect_in_packets(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const;
-    template <class Packet> void occluded_in_packets(std::span<const Segment> ways, std::span<char> are_occluded) const;
+    template <class Packet>
+    void occluded_in_packets(std::span<const Segment> segments, std::span<char> are_occluded) const;
 
     std::unique_ptr<AccelerationStructure> structure;
     bool has_wide_packets;

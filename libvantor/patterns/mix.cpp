@@ -4,18 +4,18 @@
 namespace vantor {
 
 Color Mix::evaluate(const PatternPoint &at) const {
-    const float share = std::clamp(vantor::evaluate(amount, at), 0.0f, 1.0f);
+    const float t = std::clamp(vantor::evaluate(amount, at), 0.0f, 1.0f);
     const Color first = vantor::evaluate(a, at);
     const Color second = vantor::evaluate(b, at);
     switch (mode) {
     case Mode::Mix:
         break;
     case Mode::Multiply:
-        return first * mixed({1, 1, 1}, second, share);
+        return first * mixed({1, 1, 1}, second, t);
     case Mode::Add:
-        return first + second * share;
+        return first + second * t;
     }
-    return mixed(first, second, share);
+    return mixed(first, second, t);
 }
 
 } // namespace vantor

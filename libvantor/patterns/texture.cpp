@@ -21,7 +21,7 @@ struct Cover {
         first = static_cast<int>(low);
         end = std::min(static_cast<int>(std::ceil(high)), fine_size);
     }
-    float share(int fine_place) const {
+    float weight(int fine_place) const {
         const auto begin = static_cast<float>(fine_place);
         return std::max(std::min(begin + 1, high) - std::max(begin, low), 0.0f);
     }
@@ -38,11 +38,11 @@ Raster halved(const Raster &fine) {
             float total = 0;
             for (int i = rows.first; i < rows.end; ++i)
                 for (int j = columns.first; j < columns.end; ++j) {
-                    const float share = rows.share(i) * columns.share(j);
-                    color += fine.at(j, i) * share;
+                    const float weight = rows.weight(i) * columns.weight(j);
+                    color += fine.at(j, i) * weight;
                     if (!fine.alpha.empty())
-                        alpha += fine.alpha[fine.index(j, i)] * share;
-                    total += share;
+                        alpha += fine.alpha[fine.index(j, i)] * weight;
+                    total += weight;
                 }
             coarse.pixels.push_back(color * (1 / total));
             if (!fine.alpha.empty())

@@ -82,8 +82,8 @@ std::vector<Vec3> moved_points(const Polygons &polygons, const std::vector<Vec3>
         const Vec3 sharper = moved_point(p, now[v], rule_of(now[v], is_corner));
         result[v] = sharper;
         if (now[v].fading_creases > 0) {
-            const float share = now[v].fading / static_cast<float>(now[v].fading_creases);
-            result[v] = sharper * share + moved_point(p, then[v], rule_of(then[v], is_corner)) * (1 - share);
+            const float t = now[v].fading / static_cast<float>(now[v].fading_creases);
+            result[v] = sharper * t + moved_point(p, then[v], rule_of(then[v], is_corner)) * (1 - t);
         }
     }
     return result;

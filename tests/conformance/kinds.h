@@ -23,22 +23,22 @@ struct ElementType {
     const char *parameter;
 };
 template <class Type> constexpr ElementType element_type{};
-template <> constexpr ElementType element_type<VtLong>{VtArgTag::Long, VtArgTag::LongArray, "Long", "i"};
-template <> constexpr ElementType element_type<double>{VtArgTag::Double, VtArgTag::DoubleArray, "Double", "d"};
-template <>
-constexpr ElementType element_type<VtVector2>{VtArgTag::Vector2, VtArgTag::Vector2Array, "Vector2", "8VtVectorILi2EE"};
-template <>
-constexpr ElementType element_type<VtVector3>{VtArgTag::Vector3, VtArgTag::Vector3Array, "Vector3", "8VtVectorILi3EE"};
-template <>
-constexpr ElementType element_type<VtVector4>{VtArgTag::Vector4, VtArgTag::Vector4Array, "Vector4", "8VtVectorILi4EE"};
-template <>
-constexpr ElementType element_type<VtMatrix2>{VtArgTag::Matrix2, VtArgTag::Matrix2Array, "Matrix2", "8VtMatrixILi2EE"};
-template <>
-constexpr ElementType element_type<VtMatrix3>{VtArgTag::Matrix3, VtArgTag::Matrix3Array, "Matrix3", "8VtMatrixILi3EE"};
-template <>
-constexpr ElementType element_type<VtMatrix4>{VtArgTag::Matrix4, VtArgTag::Matrix4Array, "Matrix4", "8VtMatrixILi4EE"};
-template <> constexpr ElementType element_type<VtTransform>{VtArgTag::Transform, VtArgTag::TransformArray, "Transform",
-                                                            "11VtTransform"};
+template <> inline constexpr ElementType element_type<VtLong>{VtArgTag::Long, VtArgTag::LongArray, "Long", "i"};
+template <> inline constexpr ElementType element_type<double>{VtArgTag::Double, VtArgTag::DoubleArray, "Double", "d"};
+template <> inline constexpr ElementType element_type<VtVector2>{VtArgTag::Vector2, VtArgTag::Vector2Array, "Vector2",
+                                                                 "8VtVectorILi2EE"};
+template <> inline constexpr ElementType element_type<VtVector3>{VtArgTag::Vector3, VtArgTag::Vector3Array, "Vector3",
+                                                                 "8VtVectorILi3EE"};
+template <> inline constexpr ElementType element_type<VtVector4>{VtArgTag::Vector4, VtArgTag::Vector4Array, "Vector4",
+                                                                 "8VtVectorILi4EE"};
+template <> inline constexpr ElementType element_type<VtMatrix2>{VtArgTag::Matrix2, VtArgTag::Matrix2Array, "Matrix2",
+                                                                 "8VtMatrixILi2EE"};
+template <> inline constexpr ElementType element_type<VtMatrix3>{VtArgTag::Matrix3, VtArgTag::Matrix3Array, "Matrix3",
+                                                                 "8VtMatrixILi3EE"};
+template <> inline constexpr ElementType element_type<VtMatrix4>{VtArgTag::Matrix4, VtArgTag::Matrix4Array, "Matrix4",
+                                                                 "8VtMatrixILi4EE"};
+template <> inline constexpr ElementType element_type<VtTransform>{VtArgTag::Transform, VtArgTag::TransformArray,
+                                                                   "Transform", "11VtTransform"};
 
 /// Calls visit with a zero value of each such type: all kinds of values but the text.
 template <class Visit> void for_each_element_type(Visit visit) {

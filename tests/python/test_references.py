@@ -469,7 +469,8 @@ class GrowthTest(unittest.TestCase):
         self.assertLess(self.scene_rounds(sys.gettotalrefcount, 10), 10)
 
     def test_native_memory_does_not_grow(self):
-        self.assertLess(self.growth(native_bytes_in_use(self), 20), 20 * 16)
+        # What the C library counts for the smallest block that can be lost in a round is 32 bytes.
+        self.assertLess(self.growth(native_bytes_in_use(self), 20), 20 * 32)
 
     def test_native_memory_does_not_grow_with_scenes(self):
         # A library may keep a cache; a scene lost in each round is far more.
