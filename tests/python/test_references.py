@@ -427,9 +427,9 @@ class GrowthTest(unittest.TestCase):
             self.one_round()
 
     def growth(self, measure, rounds):
-        """The least growth in three attempts: what a cache does once is no leak."""
+        """The least growth in six attempts: a leak shows in each, what a cache does only in some."""
         attempts = []
-        for _ in range(3):
+        for _ in range(6):
             before = measure()
             for _ in range(rounds):
                 self.one_round()
@@ -469,8 +469,7 @@ class GrowthTest(unittest.TestCase):
         self.assertLess(self.scene_rounds(sys.gettotalrefcount, 10), 10)
 
     def test_native_memory_does_not_grow(self):
-        # What the C library counts for the smallest block that can be lost in a round is 32 bytes.
-        self.assertLess(self.growth(native_bytes_in_use(self), 20), 20 * 32)
+        self.assertLess(self.growth(native_bytes_in_use(self), 20), 20 * 16)
 
     def test_native_memory_does_not_grow_with_scenes(self):
         # A library may keep a cache; a scene lost in each round is far more.
