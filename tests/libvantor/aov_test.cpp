@@ -49,8 +49,9 @@ TEST(AovTable, EveryNameGivesAPictureThatIsNotBlack) {
     scene.AddObject(scene.object("sphere"));
     for (const std::string_view name : aov_names)
         for (const char *ending : {".exr", ".png"}) {
-            const std::string path = scripted::path_of(std::string(name) + ending);
-            scripted::List list("name", path, "what", std::string(name));
+            const std::string what(name);
+            const std::string path = scripted::path_of(what + ending);
+            scripted::List list("name", path, "what", what);
             scene.ImagerBegin(scene.NewImager("file", list));
         }
     EXPECT_EQ(scripted::errors_of([&] { scene.Render(16, 16, 8, 0, 0, 1, 1); }), "");

@@ -20,17 +20,19 @@ void *short_of_memory() {
 
 } // namespace
 
-// The C library's own, which these stand before: for the image libraries, too.
+// These stand before the C library's own, and for the image libraries, too: so they have to be seen from outside.
 extern "C" {
 void *__libc_malloc(std::size_t size) noexcept;
 void *__libc_calloc(std::size_t count, std::size_t size) noexcept;
 void *__libc_realloc(void *block, std::size_t size) noexcept;
 
-void *malloc(std::size_t size) noexcept { return fails_now() ? short_of_memory() : __libc_malloc(size); }
-void *calloc(std::size_t count, std::size_t size) noexcept {
+[[gnu::visibility("default")]] void *malloc(std::size_t size) noexcept {
+    return fails_now() ? short_of_memory() : __libc_malloc(size);
+}
+[[gnu::visibility("default")]] void *calloc(std::size_t count, std::size_t size) noexcept {
     return fails_now() ? short_of_memory() : __libc_calloc(count, size);
 }
-void *realloc(void *block, std::size_t size) noexcept {
+[[gnu::visibility("default")]] void *realloc(void *block, std::size_t size) noexcept {
     return fails_now() ? short_of_memory() : __libc_realloc(block, size);
 }
 }

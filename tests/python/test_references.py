@@ -427,7 +427,7 @@ class GrowthTest(unittest.TestCase):
             self.one_round()
 
     def growth(self, measure, rounds):
-        """The least growth in six attempts: a leak shows in each, what a cache does only in some."""
+        """The least growth in six attempts: a leak shows in each, a cache only in some."""
         attempts = []
         for _ in range(6):
             before = measure()
