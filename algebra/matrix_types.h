@@ -1,4 +1,4 @@
-// The Python types matrix2, matrix3 and matrix4, for whoever takes or makes such objects.
+// The Python types matrix2, matrix3 and matrix4, for code that takes or makes such objects.
 #pragma once
 
 #include "algebra/vt_matrix.h"

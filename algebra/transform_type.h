@@ -1,4 +1,4 @@
-// The Python type transform, for whoever takes or makes such objects.
+// The Python type transform, for code that takes or makes such objects.
 #pragma once
 
 #include "algebra/vt_transform.h"

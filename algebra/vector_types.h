@@ -1,4 +1,4 @@
-// The Python types vector2, vector3 and vector4, for whoever takes or makes such objects.
+// The Python types vector2, vector3 and vector4, for code that takes or makes such objects.
 #pragma once
 
 #include "algebra/vt_vector.h"

@@ -6,7 +6,7 @@
 /// N row vectors, contiguous, row 0 first, and nothing else. Element (r, c) is component c of row r, so that the N x N
 /// doubles lie row after row (row-major). A default-constructed matrix is all zeros.
 ///
-/// Nothing here checks an index. What a row means mathematically is the business of whoever uses the matrix; the
+/// Nothing here checks an index. What a row means mathematically is decided by the code that uses the matrix; the
 /// renderer interface treats points as rows (p' = p M).
 template <int N> class VtMatrix {
   public:

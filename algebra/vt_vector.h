@@ -7,7 +7,7 @@
 /// N doubles, contiguous, in component order, and nothing else: no base class, no virtual operation, no heap storage.
 ///
 /// Any double may stand in any component, NaN and infinities included. A default-constructed vector is all zeros.
-/// Nothing here checks an index; whoever indexes has checked it or fixed it.
+/// Nothing here checks an index; callers have checked it, or it is a constant.
 ///
 /// Results are bit-identical on every machine: sums are accumulated in component order, without fused multiply-add
 /// (compile with -ffp-contract=off) and without reassociation.

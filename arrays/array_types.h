@@ -1,4 +1,4 @@
-// The nine Python array types, for whoever takes or makes such objects.
+// The nine Python array types, for code that takes or makes such objects.
 #pragma once
 
 #include "algebra/vt_base.h"

@@ -46,7 +46,7 @@ template <class T> class VtInstanceArray {
     /// The number of elements, negative after SetSize() with a negative number.
     VtLong Size() const { return size; }
 
-    /// The chain, for whoever wants to see the blocks; null when there is no storage.
+    /// The first block of the chain; null when there is no storage.
     const VtArrayBlock<T> *FirstBlock() const { return first; }
 
     /// Makes n the number of elements. False if a block could not be allocated.

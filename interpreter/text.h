@@ -9,7 +9,7 @@
 #include <string_view>
 
 /// Collects ASCII text and numbers and makes one Python string of them. Running out of memory is remembered, and
-/// reported by finish(); whoever has much more to write asks failed() first.
+/// reported by finish(); a caller with much more to write asks failed() first.
 class Text {
   public:
     Text() = default;

@@ -6,7 +6,7 @@
 // Without a handler the library tells its messages and its progress in its own way, as on the error stream. While one
 // is set, they go to the handler instead. There is one handler of each kind in a process, for all scenes; it may be set
 // and taken away between calls, by the thread that makes them. The functions have C names, so that they can be asked
-// for by dlsym(); whoever uses them has to get on without.
+// for by dlsym(); a program has to work without them.
 
 extern "C" {
 

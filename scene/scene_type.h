@@ -1,4 +1,4 @@
-// The Python type scene, for whoever makes such objects.
+// The Python type scene, for code that makes such objects.
 #pragma once
 
 #include "interpreter/object.h"

@@ -1,4 +1,4 @@
-// VtLocalSceneProxy: the doors to a scene. They decide nothing.
+// VtLocalSceneProxy: the entry points of the interface. They forward to the registry and to the passes.
 #include "renderer/vt_local_scene_proxy.h"
 
 #include "libvantor/base/threads.h"
@@ -24,7 +24,7 @@ struct Scene {
     Radiosity radiosity;
 };
 
-// The one guard around every door: whatever goes wrong inside is reported, and the script goes on.
+// The guard of every entry point: exceptions become messages, and the script goes on.
 template <class Work> void enter(void *record, const char *call, Work work) noexcept {
     if (!record) {
         vantor::report_out_of_memory("the scene could not be made");

@@ -57,7 +57,7 @@ Interrupt::~Interrupt() {
 bool Interrupt::requested() const {
     if (counts_polls.load(std::memory_order_relaxed) && ++poll_count == interrupted_poll) {
         std::raise(SIGINT);
-        // The compiler knows nothing of the handler: it might read what that writes before.
+        // The compiler does not know that the handler ran: it could move the read below before this line.
         std::atomic_signal_fence(std::memory_order_seq_cst);
     }
     return was_requested.load(std::memory_order_relaxed);

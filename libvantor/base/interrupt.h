@@ -3,8 +3,8 @@
 
 namespace vantor {
 
-/// Thrown out of work that is of no use unless it is finished. No std::exception: whoever handles errors does not take
-/// it for one.
+/// Thrown out of work whose unfinished result is discarded. Not a std::exception, so that no handler of errors catches
+/// it.
 struct Interrupted {};
 
 /// While it lives, SIGINT is noted and then passed on to the handler that was there before, so that a script sees its
@@ -19,8 +19,8 @@ class Interrupt {
     Interrupt(const Interrupt &) = delete;
     Interrupt &operator=(const Interrupt &) = delete;
 
-    /// Whether SIGINT came since the scope began. For work whose finished part is kept. Any thread, at the price of two
-    /// memory reads.
+    /// Whether SIGINT came since the scope began. For work whose finished part is kept. Any thread may call it; it
+    /// costs two memory reads.
     bool requested() const;
 
     /// Throws Interrupted if SIGINT came since the scope began. For work that is kept as a whole or not at all.

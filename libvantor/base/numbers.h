@@ -1,4 +1,4 @@
-// Float vectors, frames and affine maps: what rendering computes with; and the one door from the script's doubles.
+// Float vectors, frames and affine maps: what rendering computes with; and the conversions from the script's doubles.
 #pragma once
 
 #include "algebra/vt_transform_algebra.h"
@@ -32,7 +32,7 @@ inline Vec3 normalized(Vec3 a) { return a * (1.0f / length(a)); }
 inline float largest_coordinate(Vec3 a) { return std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)}); }
 inline bool is_finite(Vec3 a) { return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z); }
 
-/// Whether its direction is known: its square neither underflows nor overflows.
+/// Whether it can be normalized: its squared length neither underflows nor overflows.
 inline bool has_direction(Vec3 a) {
     const float square = dot(a, a);
     return square >= std::numeric_limits<float>::min() && square <= std::numeric_limits<float>::max();
@@ -107,7 +107,7 @@ Affine to_float(const VtTransform &transform);
 /// (0, 0, 0, 1), and it is not singular.
 const char *why_unusable(const VtTransform &transform);
 
-// What little is computed in the script's doubles.
+// Computed in the script's doubles.
 VtVector3 difference(const VtVector3 &a, const VtVector3 &b);
 constexpr double dot(const VtVector3 &a, const VtVector3 &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 constexpr VtVector3 cross(const VtVector3 &a, const VtVector3 &b) {

@@ -46,7 +46,7 @@ void Progress::done(long steps) {
     if (!is_shown && !is_handled)
         return;
 
-    // Whoever finds the lock taken has nothing newer to tell.
+    // If another thread holds the lock, it prints a figure as new as this one.
     const std::unique_lock lock(printing, std::try_to_lock);
     if (!lock)
         return;
@@ -54,8 +54,8 @@ void Progress::done(long steps) {
     if (now - printed < std::chrono::milliseconds(is_handled ? 20 : 200))
         return;
     printed = now;
-    const double fraction =
-        static_cast<double>(steps_done.load(std::memory_order_relaxed)) / static_cast<double>(total);
+    const double fraction = static_cast<double>(steps_done.load(std::memory_order_relaxed)) /
+                            static_cast<double>(total.load(std::memory_order_relaxed));
     if (is_handled) {
         the_handler()(fraction);
         return;

@@ -12,7 +12,8 @@ namespace vantor {
 /// "12 s", "3 min 20 s" or "2 h 5 min"; of 0 seconds or more.
 std::string time_text(double seconds);
 
-/// Who is told the fraction that is done, instead of the error stream; an empty one ends that. Not during a pass.
+/// Receives the fraction that is done, in place of the line on the error stream; an empty handler restores the line.
+/// Must not be set during a pass.
 using ProgressHandler = std::function<void(double fraction)>;
 void set_progress_handler(ProgressHandler handler);
 
@@ -28,11 +29,14 @@ class Progress {
     /// So many more steps are done, 1 or more.
     void done(long steps);
 
+    /// So many more steps are to be done than was known; fewer if below 0.
+    void expect(long steps) { total.fetch_add(steps, std::memory_order_relaxed); }
+
   private:
     using Clock = std::chrono::steady_clock;
 
     const char *const name;
-    const long total;
+    std::atomic<long> total;
     const bool is_shown;
     const Clock::time_point start = Clock::now();
     std::atomic<long> steps_done = 0;

@@ -17,7 +17,7 @@ struct Point2f {
 
 namespace sobol {
 
-/// A good mix of 32 bits. Mueller, "Prospecting for Hash Functions", the variant lowbias32.
+/// A hash of 32 bits with little bias. Mueller, "Prospecting for Hash Functions", the variant lowbias32.
 constexpr std::uint32_t hash(std::uint32_t x) {
     x ^= x >> 16;
     x *= 0x7feb352du;
@@ -80,12 +80,12 @@ class Sampler {
         return {sobol::unit_float(first(index, seed)), sobol::unit_float(second(index, seed))};
     }
 
-    /// For decisions that stratification does not help: a hash, at a fraction of the price.
+    /// For decisions that gain nothing from stratification: a hash, at a fraction of the cost.
     float unstratified(std::uint32_t dimension) const {
         return sobol::unit_float(sobol::hash(reversed_index ^ seed_of(dimension)));
     }
 
-    /// With all 32 bits, for choices among very many.
+    /// With all 32 bits, for a choice among millions.
     double get_1d(std::uint32_t dimension) const {
         const std::uint32_t seed = seed_of(dimension);
         return first(shuffled(seed), seed) * 0x1p-32;

@@ -84,7 +84,7 @@ Report::Report() {
 
 void Report::diagnostic(std::string_view text) {
     ++count;
-    // Who takes messages counts them, too.
+    // A handler gets every message and folds repeats itself.
     if (is_handled(true, text) || mode == Mode::Silent)
         return;
     const auto now = std::chrono::steady_clock::now();

@@ -40,7 +40,7 @@ class Report {
     bool refuses_pictures() const { return mode == Mode::Strict && count > 0; }
     long diagnostics() const { return count; }
 
-    /// Prints how often each line would have come again.
+    /// Prints how many times each repeated line was left out.
     void print_counts() noexcept;
 
   private:
@@ -93,14 +93,14 @@ std::string left_out(std::size_t count, std::string_view noun, std::size_t first
 /// no UTF-8, "?". Every line is printed so, whatever it quotes.
 std::string printable(std::string_view text);
 
-/// A text of the script in double quotes; long ones are cut. Not
-/// named "quoted": called with a std::string, that name finds std::quoted, too, once a header brings it in.
+/// A text of the script in double quotes; long ones are cut. It is not named "quoted", which a call with a std::string
+/// would also look up in std (std::quoted).
 std::string in_quotes(std::string_view text);
 
 /// A number in its shortest form, independent of the locale.
 std::string text_of(double number);
 
-/// For the moments when no scene is at hand and no memory left: prints without allocating.
+/// For errors without a scene or without memory: prints without allocating.
 void report_out_of_memory(const char *what_happened) noexcept;
 
 } // namespace vantor

@@ -34,7 +34,7 @@ inline Vec3 disk(Point2f sample) {
     return {radius * turn.cosine, radius * turn.sine, 0};
 }
 
-/// Malley's method: uniform disk, lifted. Density cos(theta)/pi around +Z. Pharr, Jakob, Humphreys, "Physically Based
+/// Malley's method: uniform disk, lifted; pdf cos(theta)/pi around +Z. Pharr, Jakob, Humphreys, "Physically Based
 /// Rendering", 4th ed., A.5.3.
 inline Vec3 cosine_hemisphere(Point2f sample) {
     const Vec3 d = disk(sample);
@@ -42,16 +42,16 @@ inline Vec3 cosine_hemisphere(Point2f sample) {
 }
 inline float cosine_hemisphere_pdf(float cosine) { return cosine * inverse_pi; }
 
-/// Directions around +Z whose 1 - cosine is at most `height`, 0 < height <= 2: a cap of the unit sphere, by uniform
-/// solid angle. The height is 1 - cos(cone angle), given so that small cones lose no digits.
-inline Vec3 cone(Point2f sample, float height) {
+/// Directions of a cone around +Z, by uniform solid angle. The cone is given by 1 - cos(half angle), above 0 and at
+/// most 2, so that small cones lose no digits.
+inline Vec3 cone(Point2f sample, float one_minus_cos_theta) {
     // Archimedes: the area of a cap of the sphere goes with its height.
-    const float drop = height * sample.u;
+    const float drop = one_minus_cos_theta * sample.u;
     const float radius = std::sqrt(drop * (2 - drop));
     const SineCosine turn = sine_cosine_of_turn(sample.v);
     return {radius * turn.cosine, radius * turn.sine, 1 - drop};
 }
-inline float cone_pdf(float height) { return 1 / (2 * pi * height); }
+inline float cone_pdf(float one_minus_cos_theta) { return 1 / (2 * pi * one_minus_cos_theta); }
 
 /// Barycentric coordinates, uniform on a triangle; pdf 1/area. The square is folded along its diagonal, which keeps
 /// more neighbours together than the square root does (Heitz, "A Low-Distortion Map Between Triangle and Square",

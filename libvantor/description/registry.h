@@ -32,7 +32,7 @@ struct Placement {
     }
 };
 
-/// How far a description has come: what has changed between two of them is told by their numbers.
+/// The state of a description, as counts of its changes: two of them tell what changed in between.
 struct Revision {
     std::size_t placements = 0; ///< How many there are; they are only ever added.
     unsigned long lights = 0;   ///< Grows when a light is made, switched on or switched off.

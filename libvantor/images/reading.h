@@ -1,4 +1,4 @@
-// Reading pictures: PNG, JPEG and OpenEXR files, told apart by their first bytes.
+// Reading pictures: PNG, JPEG and OpenEXR files, recognised by their first bytes.
 #pragma once
 
 #include "libvantor/images/raster.h"

@@ -10,7 +10,7 @@ struct Path {
     Ray ray;                   ///< From its latest vertex; at first from the camera.
     const Sampler sampler;     ///< Every random number of the path.
     MediumStack media;         ///< Those that the ray starts in.
-    AovSample *aovs = nullptr; ///< What it sees first goes here; null if nobody asks.
+    AovSample *aovs = nullptr; ///< Receives what the path sees first; may be null.
     Color radiance{};          ///< What has been found so far of the radiance that arrives at the camera.
 
     Color throughput{1, 1, 1};      ///< The product of value * cosine / pdf over its vertices.

@@ -29,10 +29,10 @@ std::size_t edit_distance(std::string_view a, std::string_view b) {
 std::string_view name_of(std::string_view word) { return word; }
 template <class Named> std::string_view name_of(const Named &entry) { return entry.name; }
 
-// The name that is probably meant: a slip of the pen away, one change in three letters or so; or one that begins like
-// that, or that it ends with. Null if there is none.
+// The known name that is most likely meant: within about one edit for every three letters; or one that begins with the
+// word, or that the word ends with. Null if there is none.
 template <class Named> const Named *nearest(std::string_view wrong, std::span<const Named> known) {
-    // A longer word is nobody's slip of the pen; it is not worth comparing.
+    // A longer word is no misspelling of any of these names.
     constexpr std::size_t longest = 40;
     if (wrong.size() > longest)
         return nullptr;
@@ -341,7 +341,7 @@ const Type *find_type(EntityKind kind, const char *name, const CallReport &repor
 
 Parameters read_parameters(const Type &type, const VtArgList &list, const CallReport &report) {
     Parameters result(type);
-    // A parameter that something has been said about is not missing besides.
+    // A parameter whose value was reported is not reported as missing, too.
     std::vector<bool> is_spoken_of(type.parameters.size());
     const auto speak_of = [&](const Parameter *parameter) {
         if (parameter)

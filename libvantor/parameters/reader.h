@@ -52,7 +52,7 @@ class Parameters {
     /// Reports what is wrong with the value of a parameter that is given: "item <i>: parameter "<name>" <text>".
     void complain(std::string_view name, std::string_view text, const CallReport &report) const;
 
-    /// Likewise, of parameters that are given for nothing: without another, or beside it.
+    /// Reports that parameters have no effect: without another one, or beside it.
     void complain_without(std::string_view other, std::initializer_list<std::string_view> names,
                           const CallReport &report) const;
     void complain_beside(std::string_view other, std::initializer_list<std::string_view> names,

@@ -7,7 +7,7 @@ namespace vantor {
 
 namespace {
 
-// Made at the first use: the tables stand in other files, whose order at start is nobody's.
+// Made at the first use: the tables are static objects of other files, whose order of construction is unspecified.
 std::span<const EntityNames> all_tables() {
     static const EntityNames names[] = {
         {EntityKind::Camera, "newCamera", "a camera", tables::camera_types()},

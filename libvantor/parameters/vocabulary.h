@@ -8,7 +8,7 @@
 
 namespace vantor {
 
-/// What a script creates. Ids of all entities come from one sequence, so that a mistaken one can be told.
+/// What a script creates. Ids of all entities come from one sequence, so that an id of the wrong kind is recognised.
 enum class EntityKind { Camera, Imager, Interface, Interior, Light, Material, Object, Pattern, Texture, Trimmer };
 
 /// What a parameter's value has to be.

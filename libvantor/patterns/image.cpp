@@ -5,7 +5,7 @@ namespace vantor {
 
 namespace {
 
-// A coordinate near the picture, which shows what lies at the given one.
+// Where in or next to the picture a coordinate far outside of it is looked up.
 float brought_near(float x, Image::Wrap wrap) {
     switch (wrap) {
     case Image::Wrap::Repeat:

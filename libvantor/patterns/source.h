@@ -13,7 +13,7 @@ struct Pattern;
 struct PatternPoint {
     Point2f uv;             ///< Texture coordinates, v upwards.
     Vec3 point;             ///< In the object's space.
-    Point2f footprint = {}; ///< How far u and v reach of what the pixel sees; 0 where nobody knows.
+    Point2f footprint = {}; ///< The extent in u and v of what the pixel sees; 0 if unknown.
 };
 
 /// The colour of the pattern there, linear Rec. 709.

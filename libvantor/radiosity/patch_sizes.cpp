@@ -35,14 +35,14 @@ std::size_t least_of(const Shape &shape) {
 
 } // namespace
 
-Patches::Sizes::Sizes(std::span<const Placement> placements, std::span<const Surface> of_placements, std::size_t budget,
-                      const Interrupt &stop)
+PatchSizes::PatchSizes(std::span<const Placement> placements, std::span<const PatchData::Surface> of_placements,
+                       std::size_t budget, const Interrupt &stop)
     : placed(placements), surfaces(of_placements), interrupt(stop), triangle_areas(placements.size()) {
     choose_placements(budget);
     choose_side(budget);
 }
 
-int Patches::Sizes::MeshDivision::operator()(double area) const {
+int PatchSizes::MeshDivision::operator()(double area) const {
     const double exact = std::sqrt(area) / side;
     if (exact < 0.75)
         return 0;
@@ -52,19 +52,19 @@ int Patches::Sizes::MeshDivision::operator()(double area) const {
     return static_cast<int>(std::clamp(n, 1.0, most_columns));
 }
 
-double Patches::Sizes::area_of_quad(std::size_t placement, std::uint32_t quad) const {
+double PatchSizes::area_of_quad(std::size_t placement, std::uint32_t quad) const {
     const auto [shape, map, first_panel] = surfaces[placement];
     const Quads::Corners &c = std::get<Quads>(*shape).corners[quad];
     return 2 * area_of(map.point(c[0]), map.point(c[1]), map.point(c[3]));
 }
 
-double Patches::Sizes::radius_of_sphere(std::size_t placement) const {
+double PatchSizes::radius_of_sphere(std::size_t placement) const {
     const auto [shape, map, first_panel] = surfaces[placement];
     return static_cast<double>(std::get<Sphere>(*shape).radius) * std::cbrt(std::fabs(map.determinant));
 }
 
 // Keeps the areas of its triangles.
-double Patches::Sizes::area_of_placement(std::size_t i) {
+double PatchSizes::area_of_placement(std::size_t i) {
     const auto &[shape, map, first_panel] = surfaces[i];
     if (std::holds_alternative<Sphere>(*shape))
         return 4 * static_cast<double>(pi) * radius_of_sphere(i) * radius_of_sphere(i);
@@ -87,7 +87,7 @@ double Patches::Sizes::area_of_placement(std::size_t i) {
 }
 
 // The placements that have most area for each of their patches, as many as there may be.
-void Patches::Sizes::choose_placements(std::size_t budget) {
+void PatchSizes::choose_placements(std::size_t budget) {
     std::vector<double> areas(placed.size());
     for (std::size_t i = 0; i < placed.size(); ++i) {
         interrupt.check();
@@ -112,7 +112,7 @@ void Patches::Sizes::choose_placements(std::size_t budget) {
 }
 
 // How long the side of a patch is, so that there are about as many as wanted.
-void Patches::Sizes::choose_side(std::size_t budget) {
+void PatchSizes::choose_side(std::size_t budget) {
     std::size_t least = 0;
     for (const std::size_t i : kept)
         least += least_of(placed[i].object->shape);
@@ -128,7 +128,7 @@ void Patches::Sizes::choose_side(std::size_t budget) {
     }
 }
 
-double Patches::Sizes::count_of(std::size_t i) const {
+double PatchSizes::count_of(std::size_t i) const {
     const Shape &shape = *surfaces[i].shape;
     if (std::holds_alternative<Sphere>(shape))
         return 2.0 * rows_of_sphere(i) * rows_of_sphere(i);
@@ -153,7 +153,7 @@ double Patches::Sizes::count_of(std::size_t i) const {
     return count + grouped / (side * side);
 }
 
-std::array<int, 2> Patches::Sizes::columns_and_rows(std::size_t placement, std::uint32_t quad) const {
+std::array<int, 2> PatchSizes::columns_and_rows(std::size_t placement, std::uint32_t quad) const {
     const auto [shape, map, first_panel] = surfaces[placement];
     const Quads::Corners &c = std::get<Quads>(*shape).corners[quad];
     // A strip that is thinner than a patch has no more of them than goes with its area.
@@ -164,11 +164,11 @@ std::array<int, 2> Patches::Sizes::columns_and_rows(std::size_t placement, std::
     return {rounded_columns(u, side, most / rows), rows};
 }
 
-int Patches::Sizes::rows_of_sphere(std::size_t placement) const {
+int PatchSizes::rows_of_sphere(std::size_t placement) const {
     return std::max(2, rounded_columns(static_cast<double>(pi) * radius_of_sphere(placement), side, 1024));
 }
 
-Patches::Sizes::MeshDivision Patches::Sizes::division_of(std::size_t placement) const {
+PatchSizes::MeshDivision PatchSizes::division_of(std::size_t placement) const {
     double largest = 0;
     const std::size_t count = primitives_of(*surfaces[placement].shape);
     for (std::uint32_t p = 0; p < count; ++p) {

@@ -1,18 +1,19 @@
 // Patch sizes: which surfaces have patches, and into how many each of their primitives is divided.
 #pragma once
 
-#include "libvantor/radiosity/patches.h"
+#include "libvantor/base/interrupt.h"
+#include "libvantor/radiosity/patch_data.h"
 
 namespace vantor {
 
 /// Chosen so that the patches have about equal areas and are about as many as the budget says. A placement is named by
 /// its index.
-class Patches::Sizes {
+class PatchSizes {
   public:
     /// The surfaces are those of the placements and have to outlive it. Throws Interrupted, and so do all that take
     /// long.
-    Sizes(std::span<const Placement> placements, std::span<const Surface> of_placements, std::size_t budget,
-          const Interrupt &stop);
+    PatchSizes(std::span<const Placement> placements, std::span<const PatchData::Surface> of_placements,
+               std::size_t budget, const Interrupt &stop);
 
     /// The placements that have patches, in their order.
     const std::vector<std::size_t> &placements_with_patches() const { return kept; }
@@ -53,7 +54,7 @@ class Patches::Sizes {
     void choose_side(std::size_t budget);
 
     std::span<const Placement> placed;
-    std::span<const Surface> surfaces;
+    std::span<const PatchData::Surface> surfaces;
     const Interrupt &interrupt;
     std::vector<std::size_t> kept;
     std::vector<std::vector<double>> triangle_areas; // of the placements; of meshes that have patches

@@ -1,20 +1,13 @@
 // Patches: the diffuse surfaces of a scene in small pieces, and the lattice on which light is interpolated.
 #include "libvantor/radiosity/patches.h"
 
-#include "libvantor/radiosity/patch_maker.h"
 #include "libvantor/radiosity/patch_points.h"
 
 namespace vantor {
 
-Patches::Patches(std::span<const Placement> placements, std::size_t budget, const Interrupt &interrupt) {
-    for (const Placement &placement : placements)
-        surfaces.push_back({&placement.object->shape, to_float(placement.world_from_object), none});
-    Maker(*this, placements, budget, interrupt);
-}
-
 Hit Patches::point_of(std::uint32_t index, Point2f numbers) const {
-    const Patch &patch = all[index];
-    const Facet *facet = &facets[patch.first_facet];
+    const Patch &patch = data.patches[index];
+    const Facet *facet = &data.facets[patch.first_facet];
     if (patch.facet_count > 1) {
         // A facet is chosen in proportion to its area. Given the choice, the rest of the number is uniform again.
         const float wanted = numbers.u * patch.area;
@@ -27,8 +20,8 @@ Hit Patches::point_of(std::uint32_t index, Point2f numbers) const {
         facet = found;
     }
 
-    const Panel &panel = panels[facet->panel];
-    const Surface &surface = surfaces[patch.placement];
+    const Panel &panel = data.panels[facet->panel];
+    const Surface &surface = data.surfaces[patch.placement];
     Point2f uv;
     if (std::holds_alternative<TriangleMesh>(*surface.shape)) {
         uv = point_in_triangle_cell(panel.columns, facet->cell, numbers);
@@ -99,10 +92,10 @@ Patches::Footing Patches::footing(const Panel &panel, bool is_triangle, Point2f 
 }
 
 bool Patches::footing_at(const Hit &hit, const Panel *&panel, Footing &result) const {
-    const Surface &surface = surfaces[hit.placement];
+    const Surface &surface = data.surfaces[hit.placement];
     if (surface.first_panel == none)
         return false;
-    panel = &panels[surface.first_panel + hit.primitive];
+    panel = &data.panels[surface.first_panel + hit.primitive];
     const bool is_triangle = std::holds_alternative<TriangleMesh>(*surface.shape);
     const Point2f uv = is_triangle ? hit.on_primitive
                                    : parameters_at(*surface.shape, hit.primitive, hit.on_primitive,
@@ -127,7 +120,7 @@ bool Patches::interpolation_at(const Hit &hit, Interpolation &result) const {
     if (!footing_at(hit, panel, found))
         return false;
     for (std::size_t i = 0; i < 4; ++i)
-        result.vertices[i] = corners[panel->first_corner + found.corners[i]];
+        result.vertices[i] = data.corners[panel->first_corner + found.corners[i]];
     result.weights = found.weights;
     return true;
 }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "libvantor/base/interrupt.h"
-#include "libvantor/description/registry.h"
 #include "libvantor/embree/hit.h"
+#include "libvantor/radiosity/patch_data.h"
 
 #include <span>
 
@@ -26,14 +26,13 @@ struct SideColors {
 /// too small for all placements to have one for each primitive or direction, the least of them go without.
 class Patches {
   public:
-    static constexpr std::uint32_t none = ~0u;
+    static constexpr std::uint32_t none = PatchData::none;
 
-    /// About as many patches as the budget says, 1 or more. Throws Interrupted.
-    Patches(std::span<const Placement> placements, std::size_t budget, const Interrupt &interrupt);
+    explicit Patches(PatchData parts) : data(std::move(parts)) {}
 
-    std::size_t size() const { return all.size(); }
-    float area(std::uint32_t patch) const { return all[patch].area; }
-    std::uint32_t placement(std::uint32_t patch) const { return all[patch].placement; }
+    std::size_t size() const { return data.patches.size(); }
+    float area(std::uint32_t patch) const { return data.patches[patch].area; }
+    std::uint32_t placement(std::uint32_t patch) const { return data.patches[patch].placement; }
 
     /// A point of a patch: two numbers make a uniform one. As if a ray had met it.
     Hit point_of(std::uint32_t patch, Point2f numbers) const;
@@ -55,34 +54,11 @@ class Patches {
     std::vector<SideColors> at_vertices(std::span<const SideColors> of_patches, const Interrupt &interrupt) const;
 
   private:
-    class Maker;
-    class Sizes;
-    class VertexMeans;
+    using Patch = PatchData::Patch;
+    using Facet = PatchData::Facet;
+    using Panel = PatchData::Panel;
+    using Surface = PatchData::Surface;
 
-    struct Patch {
-        std::uint32_t placement;
-        std::uint32_t first_facet;
-        std::uint32_t facet_count;
-        float area;
-    };
-    // A cell of a panel: what patches consist of.
-    struct Facet {
-        std::uint32_t panel;
-        std::uint32_t cell;
-        float area_up_to; // of the patch's facets, this one included
-    };
-    struct Panel {
-        std::uint32_t first_patch; // of its first cell; the cells' patches follow each other
-        std::uint32_t first_corner;
-        std::uint16_t columns; // a triangle's n in both
-        std::uint16_t rows;
-        bool is_grouped;
-    };
-    struct Surface {
-        const Shape *shape;
-        Affine world_from_object;
-        std::uint32_t first_panel = none;
-    };
     // Where a point lies in a panel: its cell, and the cell's corners in the panel's lattice.
     struct Footing {
         std::uint32_t cell;
@@ -96,13 +72,7 @@ class Patches {
     std::pair<std::array<std::uint32_t, 4>, std::size_t> vertices_of(const Patch &patch, const Facet &facet) const;
     bool footing_at(const Hit &hit, const Panel *&panel, Footing &result) const;
 
-    std::vector<Patch> all;
-    std::vector<Facet> facets;
-    std::vector<Panel> panels;
-    std::vector<Surface> surfaces;      // of the placements
-    std::vector<std::uint32_t> corners; // of the panels' lattices: vertices
-    std::size_t vertices = 0;
-    int spreading_rounds = 0;
+    PatchData data;
 };
 
 } // namespace vantor

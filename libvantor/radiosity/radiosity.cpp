@@ -8,6 +8,7 @@
 
 #include "libvantor/base/progress.h"
 #include "libvantor/base/tiles.h"
+#include "libvantor/radiosity/patch_maker.h"
 
 #include <unistd.h>
 
@@ -49,6 +50,9 @@ std::vector<char> reached_by_light(const Exchange &exchange, const Interrupt &in
     return are_reached;
 }
 
+// Of all sides together, shot or spared.
+long ray_count(std::size_t side_count) { return static_cast<long>(side_count) * rays_of_side(side_count); }
+
 } // namespace
 
 int rays_of_side(std::size_t side_count) {
@@ -59,10 +63,9 @@ int rays_of_side(std::size_t side_count) {
     return rays;
 }
 
-Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt) {
+Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt,
+                    Progress &progress) {
     Exchange exchange{std::vector<Row>(side_count), std::vector<SideLight>(side_count)};
-    // A step is a ray, shot or spared.
-    Progress progress("radiosity", static_cast<long>(side_count) * gathering.rays());
     for_each_stretch(side_count, interrupt, [&](std::size_t first, std::size_t end) {
         for (std::size_t i = first; i < end; ++i) {
             interrupt.check();
@@ -142,14 +145,19 @@ void Radiosity::pass(const Registry &registry, WorldCache &worlds, Report &repor
 }
 
 void Radiosity::solve(const Registry &registry, const World &world, const Report &report, const Interrupt &interrupt) {
-    const auto patches = std::make_shared<const Patches>(registry.placements(), budget, interrupt);
+    // The steps of gathering are known only when the patches are made; until then they are what the budget allows.
+    const long rays_expected = ray_count(2 * budget);
+    Progress progress("radiosity", rays_expected);
+    const auto patches =
+        std::make_shared<const Patches>(divide_into_patches(registry.placements(), budget, interrupt, progress));
     if (patches->size() == 0) {
         report.note("radiosity: there is nothing to do (opaque diffuse meshes, quads, boxes and spheres have patches)");
         return;
     }
     const std::size_t side_count = 2 * patches->size();
+    progress.expect(ray_count(side_count) - rays_expected);
     const Gathering gathering(world, *patches, rays_of_side(side_count));
-    const Exchange exchange = gather_all(gathering, side_count, interrupt);
+    const Exchange exchange = gather_all(gathering, side_count, interrupt, progress);
     const Balance balance = balance_of(exchange.rows, exchange.lights, interrupt);
 
     std::vector<SideColors> indirect;

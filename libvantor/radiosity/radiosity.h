@@ -29,7 +29,7 @@ struct Exchange {
     std::vector<Row> rows;
     std::vector<SideLight> lights;
 };
-Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt);
+Exchange gather_all(const Gathering &gathering, std::size_t side_count, const Interrupt &interrupt, Progress &progress);
 
 /// What a scene keeps of its radiosity pass.
 class Radiosity {

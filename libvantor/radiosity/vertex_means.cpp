@@ -4,8 +4,10 @@
 
 namespace vantor {
 
-/// The mean of what is added to each vertex, weighted by area.
-class Patches::VertexMeans {
+namespace {
+
+// The mean of what is added to each vertex, weighted by area.
+class VertexMeans {
   public:
     explicit VertexMeans(std::size_t vertex_count) : sums(vertex_count), areas(vertex_count) {}
 
@@ -15,7 +17,7 @@ class Patches::VertexMeans {
         areas[vertex] += area;
     }
 
-    /// Vertices to which nothing was added keep their values. Afterwards nothing has been added to any.
+    // Vertices to which nothing was added keep their values. Afterwards nothing has been added to any.
     void take(std::vector<SideColors> &values) {
         for (std::size_t v = 0; v < values.size(); ++v)
             if (areas[v] > 0)
@@ -29,16 +31,18 @@ class Patches::VertexMeans {
     std::vector<float> areas;
 };
 
+} // namespace
+
 // The vertices around a facet, and how many there are.
 std::pair<std::array<std::uint32_t, 4>, std::size_t> Patches::vertices_of(const Patch &patch,
                                                                           const Facet &facet) const {
-    const Panel &panel = panels[facet.panel];
-    const std::uint32_t *lattice = &corners[panel.first_corner];
+    const Panel &panel = data.panels[facet.panel];
+    const std::uint32_t *lattice = &data.corners[panel.first_corner];
     if (panel.is_grouped)
         return {{lattice[0], lattice[1], lattice[2], lattice[2]}, 3};
 
     // From a point in the middle of its cell.
-    const bool is_triangle = std::holds_alternative<TriangleMesh>(*surfaces[patch.placement].shape);
+    const bool is_triangle = std::holds_alternative<TriangleMesh>(*data.surfaces[patch.placement].shape);
     const std::uint32_t column = facet.cell % panel.columns;
     const std::uint32_t row = facet.cell / panel.columns;
     const Point2f in_grid{(static_cast<float>(column) + 0.5f) / static_cast<float>(panel.columns),
@@ -58,7 +62,7 @@ std::vector<SideColors> Patches::at_vertices(std::span<const SideColors> of_patc
         float area;
     };
     std::vector<Triangle> grouped;
-    std::vector<std::uint32_t> numbers(vertices, none);
+    std::vector<std::uint32_t> numbers(data.vertex_count, none);
     std::vector<std::uint32_t> numbered;
     const auto number_of = [&](std::uint32_t vertex) {
         if (numbers[vertex] == none) {
@@ -68,23 +72,23 @@ std::vector<SideColors> Patches::at_vertices(std::span<const SideColors> of_patc
         return numbers[vertex];
     };
 
-    VertexMeans of_all(vertices);
-    for (std::size_t p = 0; p < all.size(); ++p) {
+    VertexMeans of_all(data.vertex_count);
+    for (std::size_t p = 0; p < data.patches.size(); ++p) {
         interrupt.check();
-        const Patch &patch = all[p];
+        const Patch &patch = data.patches[p];
         float before = 0;
         for (std::uint32_t f = 0; f < patch.facet_count; ++f) {
-            const Facet &facet = facets[patch.first_facet + f];
+            const Facet &facet = data.facets[patch.first_facet + f];
             const float area = facet.area_up_to - before;
             before = facet.area_up_to;
             const auto [around, count] = vertices_of(patch, facet);
             for (std::size_t i = 0; i < count; ++i)
                 of_all.add(around[i], of_patches[p], area);
-            if (panels[facet.panel].is_grouped)
+            if (data.panels[facet.panel].is_grouped)
                 grouped.push_back({{number_of(around[0]), number_of(around[1]), number_of(around[2])}, area});
         }
     }
-    std::vector<SideColors> result(vertices);
+    std::vector<SideColors> result(data.vertex_count);
     of_all.take(result);
 
     std::vector<SideColors> spread;
@@ -92,7 +96,7 @@ std::vector<SideColors> Patches::at_vertices(std::span<const SideColors> of_patc
     for (const std::uint32_t vertex : numbered)
         spread.push_back(result[vertex]);
     VertexMeans of_grouped(numbered.size());
-    for (int round = 0; round < spreading_rounds; ++round) {
+    for (int round = 0; round < data.spreading_rounds; ++round) {
         for (std::size_t t = 0; t < grouped.size(); ++t) {
             if (t % 4096 == 0)
                 interrupt.check();

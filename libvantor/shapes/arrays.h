@@ -17,7 +17,7 @@ inline bool has_area(Vec3 a, Vec3 b, Vec3 c) {
     return has_direction(cross(b - a, c - a));
 }
 
-// Neither does a NaN pass, as largest_coordinate() may lose one.
+// NaN is checked apart, because largest_coordinate() may ignore one.
 inline bool is_usable(Vec3 p) { return is_finite(p) && largest_coordinate(p) <= largest_reach; }
 
 // Whether the array has all the elements that its size says; reported if not.

@@ -7,7 +7,7 @@ namespace vantor {
 
 namespace {
 
-// More than this take more memory than a picture is worth, and come from a slip of the pen.
+// More than this take gigabytes, and are most likely a mistyped number.
 constexpr std::size_t most_triangles = 50'000'000;
 
 // A place along one side of the grid.

@@ -16,7 +16,7 @@ namespace vantor {
 /// Of creases that stay, and of borders.
 constexpr float infinitely_sharp = std::numeric_limits<float>::infinity();
 
-/// Polygons and what the rules ask of them.
+/// Polygons, with the sharpness of their edges and corners.
 struct Polygons {
     Topology topology;
     std::vector<Vec3> points;

@@ -18,7 +18,7 @@ std::optional<Cone> cone_between(const Parameters &parameters, double base, doub
     return Cone{CanonicalMap(from, axis, greater), base / greater, tip / greater, parameters.is_on("caps")};
 }
 
-// Whatever is not there has t that is no number or infinite, and then none of the comparisons holds.
+// A crossing that does not exist has a t that is NaN or infinite, for which every comparison is false.
 void add_side(const Cone &cone, const CanonicalRay &ray, double start, Crossings &result) {
     // x^2 + z^2 = radius(y)^2 along the ray, from where it is near: a t^2 + 2 b t + c = 0.
     const Double3 o = ray.at(start);

@@ -24,7 +24,7 @@ std::optional<std::vector<std::size_t>> counts_of(const Parameters &parameters, 
     if (!parameters.is_given("counts"))
         return std::vector{point_count};
     const VtInstanceArray<VtLong> &given = parameters.long_array("counts");
-    // An array of any size costs a script nothing until it is read.
+    // Untouched elements of an array take no memory, so a script may give any size: it is checked first.
     if (static_cast<std::size_t>(given.Size()) > point_count) {
         parameters.complain("counts",
                             joined({"has ", counted(static_cast<long>(given.Size()), "element"),

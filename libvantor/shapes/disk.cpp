@@ -21,7 +21,7 @@ Crossings crossings(const Disk &disk, const CanonicalRay &ray) {
     const double t = -ray.origin.y / ray.direction.y;
     const Double3 p = ray.at(t);
     const double square = p.x * p.x + p.z * p.z;
-    // A ray along the disk gives no number, which fails both.
+    // A ray along the disk gives NaN, which fails both comparisons.
     if (square <= 1 && square >= disk.hole * disk.hole)
         result.add({t, {0, 1, 0}, 0});
     return result;

@@ -15,7 +15,7 @@ constexpr Index nobody = ~0u; ///< The twin of a half-edge at a border.
 /// Polygons as half-edges: each runs along one side of one face, counter-clockwise.
 struct Topology {
     std::vector<Index> vertex; // where the half-edge begins
-    std::vector<Index> twin;   // the half-edge the other way, of the neighbouring face; nobody at a border
+    std::vector<Index> twin;   // the half-edge the other way, of the neighbouring face; `nobody` at a border
     std::vector<Index> edge;
     std::vector<Index> next; // around the face
     std::vector<Index> prev;

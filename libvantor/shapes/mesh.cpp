@@ -38,7 +38,7 @@ template <std::size_t corners, class Visit> void for_each_face(const VtInstanceA
 
 void add_face(TriangleMesh &mesh, const Face<3> &face) { mesh.triangles.push_back(face); }
 
-// Along the diagonal that has a half on either side: a corner that points inwards has only one such.
+// Splits along a diagonal that lies inside the quad: with a reflex corner, only one does.
 void add_face(TriangleMesh &mesh, const Face<4> &face) {
     const auto point = [&](std::size_t i) { return mesh.points[face[i]]; };
     const auto normal = [&](std::size_t i, std::size_t j, std::size_t k) {
@@ -197,7 +197,7 @@ std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallRe
     if (parameters.is_given("colors"))
         add_colors(mesh, parameters, report);
 
-    // Embree reads no point that no triangle names, but wants none beyond its range in the buffer either.
+    // Embree never reads a point that no triangle uses, but requires all coordinates in the buffer to be in its range.
     for (Vec3 &p : mesh.points)
         if (!is_usable(p))
             p = {};

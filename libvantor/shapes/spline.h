@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// What each of a segment's four control points counts for.
+/// The weight of each of a segment's four control points.
 using CubicWeights = std::array<double, 4>;
 
 /// The sum of four points or numbers, each times its weight.

@@ -9,7 +9,7 @@ namespace vantor {
 
 namespace {
 
-// More than this take more memory than a picture is worth, and come from a slip of the pen.
+// More than this take gigabytes, and are most likely a mistyped number.
 constexpr std::size_t most_triangles = 20'000'000;
 
 // What a script gives, and what is wrong with it.
@@ -52,7 +52,7 @@ class Reader {
     }
 
   private:
-    // Nothing can be seen of it after that.
+    // Finer than this, no difference can be seen.
     void refuse(std::string_view name, std::initializer_list<std::string_view> parts) const {
         parameters.complain(name, joined({joined(parts), "; nothing of the object will be seen"}), report);
     }
@@ -68,7 +68,7 @@ class Reader {
             return {};
         }
         const VtInstanceArray<VtLong> &array = parameters.long_array("counts");
-        // An array of any size costs a script nothing until it is read.
+        // Untouched elements of an array take no memory, so a script may give any size: it is checked first.
         if (static_cast<std::size_t>(array.Size()) > index_count) {
             refuse("counts", {"has ", counted(static_cast<long>(array.Size()), "element"),
                               " (expected at most as many as there are indices, ", given, ")"});
@@ -159,8 +159,21 @@ class Reader {
         ++t.faces;
     }
 
+    // The indices of a list that is left out if there are more than make sense: as of any array, its size is checked
+    // before its elements are read.
+    std::vector<VtLong> at_most(std::size_t most, const char *name) const {
+        const VtInstanceArray<VtLong> &array = parameters.long_array(name);
+        if (static_cast<std::size_t>(array.Size()) <= most)
+            return copied(array);
+        parameters.complain(name,
+                            joined({"has ", counted(static_cast<long>(array.Size()), "element"), " (expected at most ",
+                                    std::to_string(most), "); it is left out"}),
+                            report);
+        return {};
+    }
+
     void read_creases(Polygons &polygons, const std::vector<Ends> &ends) const {
-        const std::vector<VtLong> points = copied(parameters.long_array("crease_edges"));
+        const std::vector<VtLong> points = at_most(2 * ends.size(), "crease_edges");
         const std::size_t count = points.size() / 2;
         if (points.size() % 2 != 0) {
             parameters.complain("crease_edges",
@@ -169,19 +182,20 @@ class Reader {
         }
         std::vector<float> weights(count, infinitely_sharp);
         if (parameters.is_given("crease_weights")) {
-            const std::vector<float> given =
-                copied(parameters.double_array("crease_weights"), [](double w) { return static_cast<float>(w); });
-            if (given.size() != count)
+            const VtInstanceArray<double> &given = parameters.double_array("crease_weights");
+            if (static_cast<std::size_t>(given.Size()) == count)
+                weights = copied(given, [](double w) { return static_cast<float>(w); });
+            else
                 parameters.complain("crease_weights",
-                                    joined({"has ", counted(static_cast<long>(given.size()), "element"),
+                                    joined({"has ", counted(static_cast<long>(given.Size()), "element"),
                                             " (expected one for each of the ", std::to_string(count),
                                             " crease edges); it is left out"}),
                                     report);
-            else if (!std::ranges::all_of(given, [](float weight) { return weight >= 0; }))
+            if (!std::ranges::all_of(weights, [](float weight) { return weight >= 0; })) {
                 parameters.complain("crease_weights", "has unusable elements (expected numbers from 0); it is left out",
                                     report);
-            else
-                weights = given;
+                weights.assign(count, infinitely_sharp);
+            }
         }
 
         std::size_t missing = 0, first_missing = 0;
@@ -203,7 +217,7 @@ class Reader {
     void read_corners(Polygons &polygons) const {
         std::size_t missing = 0;
         std::size_t first_missing = 0;
-        const std::vector<VtLong> points = copied(parameters.long_array("corner_points"));
+        const std::vector<VtLong> points = at_most(polygons.corners.size(), "corner_points");
         for (std::size_t i = 0; i < points.size(); ++i) {
             const VtLong point = points[i];
             if (point >= 0 && static_cast<std::size_t>(point) < polygons.corners.size())

@@ -24,7 +24,7 @@ class InterruptHandler {
 
     int count() const { return counted; }
 
-    /// Whether whoever put another in its place has put it back.
+    /// Whether the handler of before is back.
     bool is_in_place() const {
         struct sigaction now;
         sigaction(SIGINT, nullptr, &now);

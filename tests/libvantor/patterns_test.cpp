@@ -159,7 +159,7 @@ TEST(Patterns, Nest) {
     expect_near(evaluate(mix, at_uv(1.5f, 0.25f)), {0.1875f, 0.1875f, 0.4375f});
 }
 
-// Through the doors.
+// Through the scene interface.
 
 VtLong pattern(Scene &scene, const char *type, List list) { return scene.NewPattern(type, list); }
 

@@ -1,4 +1,5 @@
 // Radiosity: form factors and balances that are known in closed form, and pictures made with the pass's result.
+#include "libvantor/radiosity/patch_maker.h"
 #include "libvantor/radiosity/radiosity.h"
 #include "tests/libvantor/description.h"
 #include "tests/libvantor/interrupted_report.h"
@@ -14,12 +15,17 @@ using scripted::expect_prompt;
 using scripted::List;
 using scripted::Scene;
 
+vantor::Patches patches_of(const Description &description, std::size_t budget, const vantor::Interrupt &interrupt) {
+    vantor::Progress progress("radiosity", 1);
+    return vantor::divide_into_patches(description.registry.placements(), budget, interrupt, progress);
+}
+
 /// The part of the rays from the fronts of one placement that meet the fronts of another, by the areas of its patches.
 double form_factor(const Description &description, std::uint32_t from, std::uint32_t to, int rays, long &all_rays) {
     const vantor::Interrupt interrupt;
     vantor::WorldCache worlds;
     const vantor::World &world = worlds.current(description.registry, interrupt);
-    const vantor::Patches patches(description.registry.placements(), 200, interrupt);
+    const vantor::Patches patches = patches_of(description, 200, interrupt);
     const vantor::Gathering gathering(world, patches, rays);
     double sum = 0;
     double area = 0;
@@ -71,7 +77,7 @@ TEST(Radiosity, RowsOfAClosedRoomAddUpToOne) {
     const vantor::Interrupt interrupt;
     vantor::WorldCache worlds;
     const vantor::World &world = worlds.current(description.registry, interrupt);
-    const vantor::Patches patches(description.registry.placements(), 150, interrupt);
+    const vantor::Patches patches = patches_of(description, 150, interrupt);
     EXPECT_EQ(patches.size(), 150u);
     const vantor::Gathering gathering(world, patches, 256);
     for (std::uint32_t patch = 0; patch < patches.size(); ++patch) {
@@ -99,7 +105,7 @@ TEST(Radiosity, ClosedRoomHasEmissionOverOneMinusReflectance) {
         const vantor::Interrupt interrupt;
         vantor::WorldCache worlds;
         const vantor::World &world = worlds.current(description.registry, interrupt);
-        const vantor::Patches patches(description.registry.placements(), 150, interrupt);
+        const vantor::Patches patches = patches_of(description, 150, interrupt);
         const vantor::Gathering gathering(world, patches, 64);
         // Every wall shines with emission 1, and so sends an irradiance of 1 everywhere.
         std::vector<vantor::Row> rows(patches.size() * 2);
@@ -271,7 +277,7 @@ TEST(Radiosity, InterruptStopsTheMakingOfPatches) {
     for (const std::size_t budget : {20000, 500})
         expect_prompt(3 * triangles, [&] {
             const vantor::Interrupt interrupt;
-            const vantor::Patches patches(description.registry.placements(), budget, interrupt);
+            const vantor::Patches patches = patches_of(description, budget, interrupt);
         });
 }
 
@@ -279,7 +285,7 @@ TEST(Radiosity, InterruptStopsTheSpreadingOfLight) {
     Description description;
     description.sheet(100);
     const vantor::Interrupt none;
-    const vantor::Patches patches(description.registry.placements(), 500, none);
+    const vantor::Patches patches = patches_of(description, 500, none);
     const std::vector<vantor::SideColors> light(patches.size());
     expect_prompt(static_cast<long>(patches.size()), [&] {
         const vantor::Interrupt interrupt;

@@ -284,6 +284,12 @@ TEST(Subdivision, BadInputIsOneLineEach) {
     EXPECT_EQ(accepted(cube_indices, "corner_points", wild),
               head + "item 5: parameter \"corner_points\" leaves out 2 elements, the first of them 1 (expected indices "
                      "from 0 to 7)\n");
+    Indices huge; // not to be copied
+    huge.SetSize(2147483647);
+    for (const char *name : {"crease_edges", "corner_points"}) {
+        const std::string line = accepted(cube_indices, name, huge);
+        EXPECT_NE(line.find(" has 2147483647 elements (expected at most "), std::string::npos) << line;
+    }
     EXPECT_EQ(accepted(cube_indices, "counts", counts), "");
     EXPECT_EQ(scripted::errors_of([&] {
                   EXPECT_FALSE(subdivided({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}}, {0, 1, 2, 3}));

@@ -236,7 +236,7 @@ TEST(TextureFile, IsGreyWhenInterruptedAndReadAnewTheNextTime) {
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0).g, 1); }), "");
 }
 
-// Through the doors.
+// Through the scene interface.
 
 TEST(NewTexture, SaysWhatCannotBeRead) {
     scripted::Scene scene;

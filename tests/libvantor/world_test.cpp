@@ -1,4 +1,4 @@
-// World: what a scene keeps between passes, and that nobody can see whether it did.
+// World: what a scene keeps between passes, and that pictures do not depend on it.
 #include "libvantor/integrators/render.h"
 #include "libvantor/radiosity/radiosity.h"
 #include "tests/libvantor/description.h"
@@ -232,7 +232,7 @@ TEST(World, StepByStepOrAtOnceThePictureIsTheSame) {
     }
 }
 
-// A mesh that is placed only through instances; whatever the moment, an interrupt is told as one, and does no harm.
+// A mesh that is placed only through instances; at every moment, an interrupt is reported as one and does no harm.
 TEST(World, AnInterruptedBuildOfInstancesIsNoMistake) {
     setenv("VANTOR_DIAGNOSTICS", "strict", 1);
     const auto describe = [](Scene &scene) {

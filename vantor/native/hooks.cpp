@@ -36,7 +36,7 @@ struct Message {
     std::string text;
 };
 
-// What the library has told since the last call began. It tells from any thread.
+// What the library has reported since the last call began. It may report from any thread.
 std::mutex collecting;
 std::vector<Message> collected;
 
