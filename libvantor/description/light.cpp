@@ -41,36 +41,43 @@ Affine of_directions(const VtTransform &transform) {
     return to_float(unmoved);
 }
 
-// No light if it is black.
-std::vector<Light> environment_of(Raster picture, Color scale, const VtTransform &transform) {
-    picture.alpha = {}; // unused
-    auto environment = std::make_shared<const Environment>(std::move(picture), scale, of_directions(transform));
+// No light if it is black. Throws Interrupted.
+std::vector<Light> environment_of(Raster picture, Color scale, const VtTransform &transform,
+                                  const Interrupt &interrupt) {
+    auto environment =
+        std::make_shared<const Environment>(std::move(picture), scale, of_directions(transform), interrupt);
     if (environment->is_black())
         return {};
     return {EnvironmentLight{std::move(environment)}};
 }
 
 // Sets values that are no radiance to 0; returns how many pixels had any that are not to be expected.
-long remove_unusable(std::vector<Color> &pixels) {
+long remove_unusable(Raster &picture, const Interrupt &interrupt) {
+    if (picture.format().is_srgb())
+        return 0; // 0 to 1
     // Far brighter than any light, and yet the sum over all pixels of a picture stays finite.
     constexpr float most = 1e18f;
+    const auto for_each_pixel = [&](const auto &work) {
+        for (int y = 0; y < picture.height(); ++y) {
+            interrupt.check();
+            for (int x = 0; x < picture.width(); ++x)
+                work(picture.at(x, y));
+        }
+    };
     float brightest = 0;
-    for (const Color &c : pixels)
+    for_each_pixel([&](Color c) {
         for (const float value : {c.r, c.g, c.b})
             if (value > brightest && value <= most)
                 brightest = value;
+    });
     // Filters that sharpen, as those that scale pictures do, swing below 0 beside what is bright.
     const float expected = -0.1f * brightest;
     long count = 0;
-    for (Color &c : pixels) {
-        bool is_good = true;
-        for (float *value : {&c.r, &c.g, &c.b})
-            if (!(*value >= 0 && *value <= most)) {
-                is_good = is_good && *value >= expected && *value < 0;
-                *value = 0;
-            }
-        count += is_good ? 0 : 1;
-    }
+    for_each_pixel([&](Color c) {
+        const auto is_good = [&](float value) { return value >= expected && value <= most; };
+        count += is_good(c.r) && is_good(c.g) && is_good(c.b) ? 0 : 1;
+    });
+    picture.make_usable(most, interrupt);
     return count;
 }
 
@@ -87,7 +94,7 @@ DescribedLight make_distant(const Parameters &parameters, const VtTransform &tra
 DescribedLight make_environment(const Parameters &parameters, const VtTransform &transform, const CallReport &report) {
     const Color radiance = parameters.color("radiance");
     if (!parameters.is_given("name"))
-        return {environment_of({1, 1, {{1, 1, 1}}, {}}, radiance, transform)};
+        return {environment_of(Raster(1, 1, {{1, 1, 1}}), radiance, transform, Interrupt())};
 
     const std::string path = parameters.text("name");
     ReadPicture read = read_picture(path);
@@ -97,12 +104,13 @@ DescribedLight make_environment(const Parameters &parameters, const VtTransform 
             report);
         return {};
     }
-    if (const long count = remove_unusable(read.raster->pixels); count > 0)
+    const Interrupt interrupt;
+    if (const long count = remove_unusable(*read.raster, interrupt); count > 0)
         parameters.complain("name",
                             joined({"has ", counted(count, "pixel"),
                                     " with values that are no radiance (0 to 1e18 are; they count as 0)"}),
                             report);
-    return {environment_of(std::move(*read.raster), radiance, transform)};
+    return {environment_of(std::move(*read.raster), radiance, transform, interrupt)};
 }
 
 DescribedLight make_point(const Parameters &parameters, const VtTransform &transform, const CallReport &) {
@@ -126,7 +134,7 @@ DescribedLight make_sky(const Parameters &parameters, const VtTransform &transfo
     const SkyModel model(to_sun, parameters.number("turbidity"));
     const auto scale = static_cast<float>(parameters.number("scale"));
     std::vector<Light> lights = environment_of(sky_picture(model, to_sun, has_sun, parameters.color("ground_albedo")),
-                                               {scale, scale, scale}, transform);
+                                               {scale, scale, scale}, transform, Interrupt());
     if (has_sun)
         lights.push_back(distant_light(to_sun, sun_diameter, model.sun_irradiance() * scale, transform));
     return {std::move(lights)};
@@ -174,7 +182,12 @@ bool is_placed(const Type &type) { return maker_of(light_makers(), type).make !=
 
 DescribedLight make_light(const Type &type, const Parameters &parameters, const VtTransform &transform,
                           const CallReport &report) {
-    return maker_of(light_makers(), type).make(parameters, transform, report);
+    try {
+        return maker_of(light_makers(), type).make(parameters, transform, report);
+    } catch (const Interrupted &) {
+        report.diagnostic("interrupted; the light is black");
+        return {};
+    }
 }
 
 } // namespace vantor

@@ -53,7 +53,8 @@ std::optional<Pattern> make_image(const Parameters &parameters, const PatternFin
     const Vec3 offset = to_float(parameters.vector("offset"));
     return as_pattern(Image{file->texture(space == "srgb"     ? ColorSpace::Srgb
                                           : space == "linear" ? ColorSpace::Linear
-                                                              : ColorSpace::AsFile),
+                                                              : ColorSpace::AsFile,
+                                          filter == "trilinear", report),
                             wrap == "clamp"    ? Image::Wrap::Clamp
                             : wrap == "mirror" ? Image::Wrap::Mirror
                             : wrap == "black"  ? Image::Wrap::Black

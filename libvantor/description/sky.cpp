@@ -82,8 +82,8 @@ Raster sky_picture(const SkyModel &model, const VtVector3 &to_sun, bool has_sun,
     // A pixel of 0.7 degrees is finer than anything in the model; the sun is a light of its own.
     constexpr int width = 512;
     constexpr int height = 256;
-    Raster picture{width, height, {}, {}};
-    picture.pixels.reserve(std::size_t{width} * height);
+    std::vector<Color> picture;
+    picture.reserve(std::size_t{width} * height);
     Color ground_irradiance;
     for (int row = 0; row < height / 2; ++row) {
         const double polar = std::numbers::pi * (row + 0.5) / height;
@@ -93,14 +93,14 @@ Raster sky_picture(const SkyModel &model, const VtVector3 &to_sun, bool has_sun,
             const VtVector3 direction(std::sin(polar) * std::sin(turn), std::cos(polar),
                                       -std::sin(polar) * std::cos(turn));
             const Color radiance = model.radiance(direction);
-            picture.pixels.push_back(radiance);
+            picture.push_back(radiance);
             ground_irradiance += radiance * static_cast<float>(std::cos(polar) * solid_angle);
         }
     }
     if (has_sun)
         ground_irradiance += model.sun_irradiance() * static_cast<float>(std::max(to_sun[1], 0.0));
-    picture.pixels.resize(std::size_t{width} * height, ground_albedo * ground_irradiance * inverse_pi);
-    return picture;
+    picture.resize(std::size_t{width} * height, ground_albedo * ground_irradiance * inverse_pi);
+    return {width, height, picture};
 }
 
 } // namespace vantor

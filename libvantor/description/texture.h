@@ -5,7 +5,6 @@
 #include "libvantor/patterns/texture.h"
 
 #include <memory>
-#include <optional>
 #include <unordered_map>
 
 namespace vantor {
@@ -16,14 +15,28 @@ enum class ColorSpace { AsFile, Srgb, Linear };
 /// One picture file. A file that cannot be read is a grey of 0.5, in every colour space.
 class TextureFile {
   public:
-    explicit TextureFile(std::optional<Raster> picture);
+    TextureFile();
 
-    std::shared_ptr<const Texture> texture(ColorSpace space);
+    /// Throws Interrupted.
+    TextureFile(Raster of, const Interrupt &interrupt);
+
+    /// Made when first asked for; smaller copies of the picture only where they are wanted. If that is interrupted, it
+    /// is reported, and the texture is grey this time.
+    std::shared_ptr<const Texture> texture(ColorSpace space, bool has_smaller_copies, const CallReport &report);
 
   private:
-    std::shared_ptr<const Texture> as_file;
-    std::shared_ptr<const Texture> otherwise; // made when first asked for
+    using SharedTexture = std::shared_ptr<const Texture>;
+
+    // Both are the same picture.
+    struct Textures {
+        SharedTexture alone;
+        SharedTexture with_smaller_copies;
+    };
+
+    Raster picture;
     bool is_grey;
+    Textures as_file;
+    Textures otherwise; // with the other coding
 };
 
 class TextureFiles {

@@ -27,6 +27,25 @@ struct Window {
     }
 };
 
+// Those of the channels R, G, B and A that there are; or Y in place of the colours.
+struct PictureChannels {
+    PixelFormat format{SampleType::Half, true, false};
+    std::vector<const char *> names; // in the order of a pixel
+
+    explicit PictureChannels(const Imf::ChannelList &channels) {
+        format.is_grey = !channels.findChannel("R") && !channels.findChannel("G") && !channels.findChannel("B");
+        if (format.is_grey && !channels.findChannel("Y"))
+            throw std::runtime_error("the file has neither the channels R, G and B nor Y");
+        format.has_alpha = channels.findChannel("A") != nullptr;
+        names = format.is_grey ? std::vector{"Y"} : std::vector{"R", "G", "B"};
+        if (format.has_alpha)
+            names.push_back("A");
+        for (const char *name : names)
+            if (const Imf::Channel *channel = channels.findChannel(name); channel && channel->type != Imf::HALF)
+                format.type = SampleType::Float;
+    }
+};
+
 // Before the file is opened in earnest, which takes memory for every line.
 void check_exr_header(const std::string &path, long file_size) {
     Imf::StdIFStream stream(path.c_str());
@@ -52,8 +71,46 @@ void check_exr_header(const std::string &path, long file_size) {
     double sample_count = 4; // a line of colours and alpha
     for (auto channel = header.channels().begin(); channel != header.channels().end(); ++channel)
         sample_count += static_cast<double>(std::min(lines, data.height));
-    check_memory(display.width, display.height, header.channels().findChannel("A") != nullptr,
+    check_memory(display.width, display.height, PictureChannels(header.channels()).format,
                  static_cast<double>(data.width) * sample_count * sizeof(float));
+}
+
+// Halves are read as the 16 bits that they are.
+template <class Sample>
+void read_lines(Imf::InputFile &file, const PictureChannels &channels, Raster &raster, const Interrupt &interrupt) {
+    constexpr Imf::PixelType type = sizeof(Sample) == 2 ? Imf::HALF : Imf::FLOAT;
+    const Window display(file.header().displayWindow());
+    const Window data(file.header().dataWindow());
+
+    // One line of the data window at a time, so that a file that is cut off takes no memory for what it lacks.
+    const auto pixel_size = static_cast<long>(channels.names.size());
+    std::vector<Sample> line(static_cast<std::size_t>(data.width * pixel_size));
+    const Imath::Box2i one_line({file.header().dataWindow().min.x, 0}, {file.header().dataWindow().max.x, 0});
+    Imf::FrameBuffer frame;
+    for (std::size_t i = 0; i < channels.names.size(); ++i) {
+        // Of colours that the file lacks all values are 0.
+        Imf::Slice slice = Imf::Slice::Make(type, &line[i], one_line, channels.names.size() * sizeof(Sample));
+        slice.yStride = 0; // every line goes to the same place
+        frame.insert(channels.names[i], slice);
+    }
+    file.setFrameBuffer(frame);
+
+    // What of a line is in both windows.
+    const long begin = std::clamp(data.x0 - display.x0, 0L, display.width);
+    const long end = std::clamp(data.x0 + data.width - display.x0, begin, display.width);
+    for (long y = 0; y < display.height; ++y) {
+        interrupt.check();
+        Sample *const row = raster.row<Sample>(static_cast<int>(y));
+        std::fill_n(row, display.width * pixel_size, Sample{0});
+        const long in_data = y + display.y0 - data.y0;
+        if (in_data < 0 || in_data >= data.height)
+            continue;
+        file.readPixels(static_cast<int>(y + display.y0));
+        if (begin == end)
+            continue;
+        std::copy_n(line.begin() + (begin + display.x0 - data.x0) * pixel_size, (end - begin) * pixel_size,
+                    row + begin * pixel_size);
+    }
 }
 
 } // namespace
@@ -61,54 +118,13 @@ void check_exr_header(const std::string &path, long file_size) {
 Raster read_exr(const std::string &path, long file_size, const Interrupt &interrupt) {
     check_exr_header(path, file_size);
     Imf::InputFile file(path.c_str(), 0);
+    const PictureChannels channels(file.header().channels());
     const Window display(file.header().displayWindow());
-    const Window data(file.header().dataWindow());
-
-    // One line of the data window at a time, so that a file that is cut off takes no memory for what it lacks.
-    struct Pixel {
-        Color color;
-        float alpha = 1;
-    };
-    std::vector<Pixel> line(static_cast<std::size_t>(data.width));
-    const Imf::ChannelList &channels = file.header().channels();
-    const bool is_grey = !channels.findChannel("R") && !channels.findChannel("G") && !channels.findChannel("B");
-    if (is_grey && !channels.findChannel("Y"))
-        throw std::runtime_error("the file has neither the channels R, G and B nor Y");
-    const bool has_alpha = channels.findChannel("A") != nullptr;
-    const Imath::Box2i one_line({file.header().dataWindow().min.x, 0}, {file.header().dataWindow().max.x, 0});
-    Imf::FrameBuffer frame;
-    const auto insert = [&](const char *name, float &value, double missing) {
-        Imf::Slice slice = Imf::Slice::Make(Imf::FLOAT, &value, one_line, sizeof(Pixel), 0, 1, 1, missing);
-        slice.yStride = 0; // every line goes to the same place
-        frame.insert(name, slice);
-    };
-    Pixel &first = line.front();
-    insert(is_grey ? "Y" : "R", first.color.r, 0);
-    if (!is_grey) {
-        insert("G", first.color.g, 0);
-        insert("B", first.color.b, 0);
-    }
-    if (has_alpha)
-        insert("A", first.alpha, 1);
-    file.setFrameBuffer(frame);
-
-    Raster raster{static_cast<int>(display.width), static_cast<int>(display.height), {}, {}};
-    const auto count = static_cast<std::size_t>(display.width) * static_cast<std::size_t>(display.height);
-    raster.pixels.reserve(count);
-    raster.alpha.reserve(has_alpha ? count : 0);
-    for (long y = display.y0; y < display.y0 + display.height; ++y) {
-        interrupt.check();
-        const bool has_line = y >= data.y0 && y < data.y0 + data.height;
-        if (has_line)
-            file.readPixels(static_cast<int>(y));
-        for (long x = display.x0; x < display.x0 + display.width; ++x) {
-            const bool has_pixel = has_line && x >= data.x0 && x < data.x0 + data.width;
-            Pixel pixel = has_pixel ? line[static_cast<std::size_t>(x - data.x0)] : Pixel{{}, 0};
-            if (is_grey)
-                pixel.color = {pixel.color.r, pixel.color.r, pixel.color.r};
-            append(raster, has_alpha, pixel.color, pixel.alpha);
-        }
-    }
+    Raster raster(static_cast<int>(display.width), static_cast<int>(display.height), channels.format);
+    if (channels.format.type == SampleType::Half)
+        read_lines<std::uint16_t>(file, channels, raster, interrupt);
+    else
+        read_lines<float>(file, channels, raster, interrupt);
     return raster;
 }
 

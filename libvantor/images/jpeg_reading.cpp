@@ -7,7 +7,6 @@
 #include <memory>
 #include <stdexcept>
 #include <system_error>
-#include <vector>
 
 // After <cstdio>, whose types they use without including it.
 #include <jpeglib.h>
@@ -46,8 +45,8 @@ class JpegReader {
         if (!try_begin())
             fail();
     }
-    void read_row(std::vector<JSAMPLE> &row) {
-        if (!try_row(row.data()))
+    void read_row(JSAMPROW row) {
+        if (!try_row(row))
             fail();
     }
     /// What the library keeps of a file in several scans until the last of them is read.
@@ -61,6 +60,7 @@ class JpegReader {
     }
     JDIMENSION width() const { return info.image_width; }
     JDIMENSION height() const { return info.image_height; }
+    bool is_grey() const { return info.jpeg_color_space == JCS_GRAYSCALE; }
 
   private:
     [[noreturn]] void fail() const {
@@ -75,7 +75,7 @@ class JpegReader {
         info.progress = &progress;
         jpeg_stdio_src(&info, file);
         jpeg_read_header(&info, TRUE);
-        info.out_color_space = JCS_RGB;
+        info.out_color_space = is_grey() ? JCS_GRAYSCALE : JCS_RGB;
         return true;
     }
     bool try_begin() {
@@ -136,18 +136,13 @@ Raster read_jpeg(const std::string &path, long file_size, const Interrupt &inter
     // A bit for each block of 8 x 8 pixels is little even for arithmetic coding.
     if (width * height / 64 / 64 > file_size)
         refuse_as_too_short();
-    check_memory(width, height, false, reader->decoding_bytes());
+    const PixelFormat format{SampleType::Byte, reader->is_grey(), false};
+    check_memory(width, height, format, reader->decoding_bytes());
 
     reader->begin();
-    const std::array<float, 256> &decoded = linear_bytes();
-    Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}, true};
-    raster.pixels.reserve(static_cast<std::size_t>(width * height));
-    std::vector<JSAMPLE> row(3 * static_cast<std::size_t>(width));
-    for (long y = 0; y < height; ++y) {
-        reader->read_row(row);
-        for (std::size_t i = 0; i < row.size(); i += 3)
-            raster.pixels.push_back({decoded[row[i]], decoded[row[i + 1]], decoded[row[i + 2]]});
-    }
+    Raster raster(static_cast<int>(width), static_cast<int>(height), format);
+    for (int y = 0; y < raster.height(); ++y)
+        reader->read_row(raster.row<JSAMPLE>(y));
     return raster;
 }
 

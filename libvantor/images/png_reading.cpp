@@ -1,10 +1,10 @@
 // Reading PNG files, by libpng.
 #include "libvantor/images/readers.h"
 
+#include <bit>
 #include <cerrno>
 #include <csetjmp>
 #include <cstdio>
-#include <memory>
 #include <png.h>
 #include <stdexcept>
 #include <system_error>
@@ -30,7 +30,7 @@ class PngReader {
     PngReader(const PngReader &) = delete;
     PngReader &operator=(const PngReader &) = delete;
 
-    /// From here on the picture is colours, and alpha if it has any, of 8 or 16 bits each.
+    /// From here on the picture is grey or colours, and alpha if it has any, of 8 or 16 bits each.
     void read_header() {
         if (!info || !try_header())
             throw std::runtime_error(message);
@@ -48,8 +48,11 @@ class PngReader {
     int passes() const { return pass_count; }
     png_uint_32 width() const { return png_get_image_width(png, info); }
     png_uint_32 height() const { return png_get_image_height(png, info); }
-    bool is_deep() const { return png_get_bit_depth(png, info) == 16; }
-    bool has_alpha() const { return (png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA) != 0; }
+    PixelFormat format() const {
+        const int type = png_get_color_type(png, info);
+        return {png_get_bit_depth(png, info) == 16 ? SampleType::Word : SampleType::Byte,
+                (type & PNG_COLOR_MASK_COLOR) == 0, (type & PNG_COLOR_MASK_ALPHA) != 0};
+    }
 
   private:
     bool try_header() {
@@ -58,7 +61,8 @@ class PngReader {
         png_init_io(png, file);
         png_read_info(png, info);
         png_set_expand(png);
-        png_set_gray_to_rgb(png);
+        if constexpr (std::endian::native == std::endian::little)
+            png_set_swap(png); // words
         pass_count = png_set_interlace_handling(png);
         png_read_update_info(png, info);
         return true;
@@ -89,67 +93,24 @@ class PngReader {
     char message[200] = "there is not enough memory for it";
 };
 
-// From sRGB, for every value of 16 bits.
-const std::vector<float> &linear_words() {
-    static const std::vector<float> table = [] {
-        std::vector<float> values(65536);
-        for (std::size_t i = 0; i < values.size(); ++i)
-            values[i] = linear_of_srgb(static_cast<float>(i) / 65535);
-        return values;
-    }();
-    return table;
-}
-
-// Adds a row of pixels of 3 or 4 channels.
-void append_bytes(Raster &raster, const png_byte *row, bool has_alpha) {
-    const std::array<float, 256> &decoded = linear_bytes();
-    const std::size_t channels = has_alpha ? 4 : 3;
-    for (int x = 0; x < raster.width; ++x, row += channels)
-        append(raster, has_alpha, {decoded[row[0]], decoded[row[1]], decoded[row[2]]},
-               has_alpha ? static_cast<float>(row[3]) / 255 : 1.0f);
-}
-
-// The same of 16 bits.
-void append_words(Raster &raster, const png_byte *row, bool has_alpha) {
-    const std::vector<float> &decoded = linear_words();
-    const std::size_t channels = has_alpha ? 4 : 3;
-    const auto word = [&row](std::size_t i) { return static_cast<std::size_t>(row[2 * i] << 8 | row[2 * i + 1]); };
-    for (int x = 0; x < raster.width; ++x, row += 2 * channels)
-        append(raster, has_alpha, {decoded[word(0)], decoded[word(1)], decoded[word(2)]},
-               has_alpha ? static_cast<float>(word(3)) / 65535 : 1.0f);
-}
-
 } // namespace
 
 Raster read_png(const std::string &path, long file_size, const Interrupt &interrupt) {
     PngReader reader(path);
     reader.read_header();
     check_size(reader.width(), reader.height());
-    const std::size_t width = reader.width();
-    const std::size_t height = reader.height();
     // A pixel has at least a bit, and compression makes at most 1032 bytes of one (zlib's technical details).
-    if (width * height / 8 / 1032 > static_cast<std::size_t>(file_size))
+    if (std::size_t{reader.width()} * reader.height() / 8 / 1032 > static_cast<std::size_t>(file_size))
         refuse_as_too_short();
+    const PixelFormat format = reader.format();
+    check_memory(reader.width(), reader.height(), format, 0);
 
-    const bool has_alpha = reader.has_alpha();
-    const bool is_deep = reader.is_deep();
-    const std::size_t row_bytes = width * (has_alpha ? 4 : 3) * (is_deep ? 2 : 1);
-    // The passes of an interlaced picture fill its rows together.
-    const std::size_t kept_rows = reader.passes() > 1 ? height : 1;
-    check_memory(reader.width(), reader.height(), has_alpha, static_cast<double>(row_bytes * kept_rows));
-
-    Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}, true};
-    raster.pixels.reserve(width * height);
-    raster.alpha.reserve(has_alpha ? width * height : 0);
-    // Not set to zero: what a file that is cut off lacks takes no memory.
-    const auto bytes = std::make_unique_for_overwrite<png_byte[]>(row_bytes * kept_rows);
-    for (int pass = 1; pass <= reader.passes(); ++pass)
-        for (std::size_t y = 0; y < height; ++y) {
+    Raster raster(static_cast<int>(reader.width()), static_cast<int>(reader.height()), format);
+    for (int pass = 0; pass < reader.passes(); ++pass)
+        for (int y = 0; y < raster.height(); ++y) {
             interrupt.check();
-            png_byte *row = bytes.get() + (y % kept_rows) * row_bytes;
-            reader.read_row(row);
-            if (pass == reader.passes())
-                (is_deep ? append_words : append_bytes)(raster, row, has_alpha);
+            reader.read_row(format.type == SampleType::Byte ? raster.row<png_byte>(y)
+                                                            : reinterpret_cast<png_bytep>(raster.row<png_uint_16>(y)));
         }
     reader.read_end();
     return raster;

@@ -11,19 +11,12 @@ namespace vantor {
 /// Throws unless it is a size that a picture may have.
 void check_size(long width, long height);
 
-/// Throws if the picture would take more memory than it may, as a texture of colours (and alpha) with its smaller
-/// copies, and so many bytes more while it is decoded.
-void check_memory(long width, long height, bool has_alpha, double decoding_bytes);
+/// Throws if the picture would take more memory than it may: its pixels, what a light or a texture makes of them, and
+/// so many bytes more while it is decoded.
+void check_memory(long width, long height, PixelFormat format, double decoding_bytes);
 
 /// For files whose picture takes more than they can hold, however well it is compressed.
 [[noreturn]] void refuse_as_too_short();
-
-/// Adds a pixel, and its alpha if the picture has any.
-inline void append(Raster &raster, bool has_alpha, Color color, float alpha) {
-    raster.pixels.push_back(color);
-    if (has_alpha)
-        raster.alpha.push_back(alpha);
-}
 
 Raster read_exr(const std::string &path, long file_size, const Interrupt &interrupt);
 Raster read_jpeg(const std::string &path, long file_size, const Interrupt &interrupt);

@@ -44,12 +44,12 @@ long memory_limit() {
 
 } // namespace
 
-void check_memory(long width, long height, bool has_alpha, double decoding_bytes) {
-    // Each copy has a quarter of the pixels of the one before.
-    constexpr double with_copies = 4.0 / 3.0;
-    const auto pixel_bytes = static_cast<double>(sizeof(Color) + (has_alpha ? sizeof(float) : 0));
-    const double bytes =
-        static_cast<double>(width) * static_cast<double>(height) * pixel_bytes * with_copies + decoding_bytes;
+void check_memory(long width, long height, PixelFormat format, double decoding_bytes) {
+    // For each pixel: the smaller copies of colours and alpha take 4 floats / 3, the table of an environment up to 5
+    // bytes.
+    constexpr double made_of_it = 16.0 / 3.0;
+    const double pixel_bytes = static_cast<double>(format.bytes()) + made_of_it;
+    const double bytes = static_cast<double>(width) * static_cast<double>(height) * pixel_bytes + decoding_bytes;
     const long needed = static_cast<long>(std::ceil(bytes / (1 << 20)));
     const long limit = memory_limit();
     if (needed > limit)

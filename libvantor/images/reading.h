@@ -15,11 +15,11 @@ struct ReadPicture {
 };
 
 /// PNG: 8 or 16 bits, grey, palette or colours; JPEG: grey or colours; the values of both are taken as sRGB. OpenEXR:
-/// the channels R, G and B, or Y, of the display window; values as they stand in the file, be they negative or not
-/// finite. Colours of OpenEXR files are multiplied by their alpha, those of PNG files are not, as these formats have
-/// it. A picture has up to 2^28 pixels. What it will take is found out before it is decoded: more than
-/// VANTOR_PICTURE_MEMORY says, in MiB, is refused. Ctrl-C is heard between two rows. Nothing is thrown, whatever is in
-/// the file.
+/// the channels R, G and B, or Y, of the display window, halves if all of them are; values as they stand in the file,
+/// be they negative or not finite. Colours of OpenEXR files are multiplied by their alpha, those of PNG files are not,
+/// as these formats have it. A picture has up to 2^28 pixels. What it will take is found out before it is decoded: more
+/// than VANTOR_PICTURE_MEMORY says, in MiB, is refused. Ctrl-C is heard between two rows. Nothing is thrown, whatever
+/// is in the file.
 ReadPicture read_picture(const std::string &path);
 
 } // namespace vantor

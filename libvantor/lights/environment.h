@@ -18,8 +18,8 @@ namespace vantor {
 class Environment {
   public:
     /// The picture has at least one pixel, and its pixels are finite and not negative; radiance is the picture times
-    /// the scale. The transform is that of directions, and has a determinant of 1 or -1.
-    Environment(Raster of, Color its_scale, const Affine &world_from_local);
+    /// the scale. The transform is that of directions, and has a determinant of 1 or -1. Throws Interrupted.
+    Environment(Raster of, Color its_scale, const Affine &world_from_local, const Interrupt &interrupt);
 
     /// Whether no light comes from it.
     bool is_black() const { return !distribution; }
@@ -43,6 +43,7 @@ class Environment {
     // Per solid angle in the world, for a pdf in its own space and a direction of the world.
     float in_world(float local_pdf, Vec3 direction) const;
     float cell_pdf(int column, int row) const;
+    float pixel_solid_angle(int row) const;
     Color interpolated(Point2f point) const;
 
     Raster picture;

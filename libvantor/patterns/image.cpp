@@ -21,6 +21,8 @@ float brought_near(float x, Image::Wrap wrap) {
 
 // The pixel that stands for one at most a picture's size away; -1 for none.
 int wrapped(int i, int size, Image::Wrap wrap) {
+    if (i >= 0 && i < size)
+        return i;
     switch (wrap) {
     case Image::Wrap::Repeat:
         return (i % size + size) % size;
@@ -29,45 +31,48 @@ int wrapped(int i, int size, Image::Wrap wrap) {
         return std::min(turn, 2 * size - 1 - turn);
     }
     case Image::Wrap::Black:
-        return i >= 0 && i < size ? i : -1;
+        return -1;
     case Image::Wrap::Clamp:
         break;
     }
     return std::clamp(i, 0, size - 1);
 }
 
-Color pixel_at(const Image &image, const Raster &level, int x, int y) {
-    const int column = wrapped(x, level.width, image.wrap);
-    const int row = wrapped(y, level.height, image.wrap);
+// Column and row are wrapped.
+Color pixel_at(const Image &image, const Raster &level, int column, int row) {
     if (column < 0 || row < 0)
         return {};
     if (!image.shows_alpha)
         return level.at(column, row);
-    const float alpha = level.alpha.empty() ? 1.0f : level.alpha[level.index(column, row)];
+    const float alpha = level.alpha_at(column, row);
     return {alpha, alpha, alpha};
 }
 
 Color nearest(const Image &image, const Raster &level, Point2f uv) {
-    return pixel_at(image, level, static_cast<int>(std::floor(uv.u * static_cast<float>(level.width))),
-                    static_cast<int>(std::floor(uv.v * static_cast<float>(level.height))));
+    const int column = static_cast<int>(std::floor(uv.u * static_cast<float>(level.width())));
+    const int row = static_cast<int>(std::floor(uv.v * static_cast<float>(level.height())));
+    return pixel_at(image, level, wrapped(column, level.width(), image.wrap), wrapped(row, level.height(), image.wrap));
 }
 
 Color bilinear(const Image &image, const Raster &level, Point2f uv) {
-    const float x = uv.u * static_cast<float>(level.width) - 0.5f;
-    const float y = uv.v * static_cast<float>(level.height) - 0.5f;
+    const float x = uv.u * static_cast<float>(level.width()) - 0.5f;
+    const float y = uv.v * static_cast<float>(level.height()) - 0.5f;
     const int left = static_cast<int>(std::floor(x));
     const int above = static_cast<int>(std::floor(y));
+    const int columns[] = {wrapped(left, level.width(), image.wrap), wrapped(left + 1, level.width(), image.wrap)};
     const float to_right = x - static_cast<float>(left);
     const auto row = [&](int i) {
-        return mixed(pixel_at(image, level, left, i), pixel_at(image, level, left + 1, i), to_right);
+        const int from_above = wrapped(i, level.height(), image.wrap);
+        return mixed(pixel_at(image, level, columns[0], from_above), pixel_at(image, level, columns[1], from_above),
+                     to_right);
     };
     return mixed(row(above), row(above + 1), y - static_cast<float>(above));
 }
 
 Color trilinear(const Image &image, Point2f uv, Point2f footprint) {
     const std::vector<Raster> &levels = image.texture->levels;
-    const float pixels = std::max({1.0f, footprint.u * static_cast<float>(levels.front().width),
-                                   footprint.v * static_cast<float>(levels.front().height)});
+    const float pixels = std::max({1.0f, footprint.u * static_cast<float>(levels.front().width()),
+                                   footprint.v * static_cast<float>(levels.front().height())});
     const float level = std::min(std::log2(pixels), static_cast<float>(levels.size() - 1));
     const auto finer = static_cast<std::size_t>(level);
     const Color color = bilinear(image, levels[finer], uv);

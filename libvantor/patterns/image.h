@@ -17,7 +17,7 @@ struct Image {
         Trilinear ///< Likewise, and between the two levels of which a pixel is as large as the footprint.
     };
 
-    std::shared_ptr<const Texture> texture;
+    std::shared_ptr<const Texture> texture; ///< With smaller copies, if the filter is trilinear.
     Wrap wrap;
     Filter filter;
     bool shows_alpha; ///< As a grey, in place of the colours.

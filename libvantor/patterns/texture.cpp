@@ -5,8 +5,6 @@ namespace vantor {
 
 namespace {
 
-float usable(float value) { return value > 0 && std::isfinite(value) ? value : 0.0f; }
-
 // The pixels of a finer row that a pixel of a coarser one covers.
 struct Cover {
     int first;
@@ -27,12 +25,14 @@ struct Cover {
     }
 };
 
-Raster halved(const Raster &fine) {
-    Raster coarse{std::max(fine.width / 2, 1), std::max(fine.height / 2, 1), {}, {}};
-    for (int y = 0; y < coarse.height; ++y) {
-        const Cover rows(y, fine.height, coarse.height);
-        for (int x = 0; x < coarse.width; ++x) {
-            const Cover columns(x, fine.width, coarse.width);
+Raster halved(const Raster &fine, const Interrupt &interrupt) {
+    Raster coarse(std::max(fine.width() / 2, 1), std::max(fine.height() / 2, 1),
+                  {SampleType::Float, fine.format().is_grey, fine.format().has_alpha});
+    for (int y = 0; y < coarse.height(); ++y) {
+        interrupt.check();
+        const Cover rows(y, fine.height(), coarse.height());
+        for (int x = 0; x < coarse.width(); ++x) {
+            const Cover columns(x, fine.width(), coarse.width());
             Color color;
             float alpha = 0;
             float total = 0;
@@ -40,13 +40,11 @@ Raster halved(const Raster &fine) {
                 for (int j = columns.first; j < columns.end; ++j) {
                     const float weight = rows.weight(i) * columns.weight(j);
                     color += fine.at(j, i) * weight;
-                    if (!fine.alpha.empty())
-                        alpha += fine.alpha[fine.index(j, i)] * weight;
+                    if (fine.format().has_alpha)
+                        alpha += fine.alpha_at(j, i) * weight;
                     total += weight;
                 }
-            coarse.pixels.push_back(color * (1 / total));
-            if (!fine.alpha.empty())
-                coarse.alpha.push_back(alpha / total);
+            coarse.set(x, y, color * (1 / total), alpha / total);
         }
     }
     return coarse;
@@ -54,25 +52,11 @@ Raster halved(const Raster &fine) {
 
 } // namespace
 
-Texture::Texture(Raster picture) {
-    for (Color &pixel : picture.pixels)
-        pixel = {usable(pixel.r), usable(pixel.g), usable(pixel.b)};
-    for (float &alpha : picture.alpha)
-        alpha = std::min(usable(alpha), 1.0f);
-    levels.push_back(std::move(picture));
-    while (levels.back().width > 1 || levels.back().height > 1)
-        levels.push_back(halved(levels.back()));
-}
+Texture::Texture(Raster picture) { levels.push_back(std::move(picture)); }
 
-Raster with_other_coding(const Raster &picture) {
-    Raster result = picture;
-    result.is_from_srgb = !picture.is_from_srgb;
-    const auto recoded = [&](float value) {
-        return picture.is_from_srgb ? srgb_of_linear(value) : linear_of_srgb(value);
-    };
-    for (Color &pixel : result.pixels)
-        pixel = {recoded(pixel.r), recoded(pixel.g), recoded(pixel.b)};
-    return result;
+void Texture::add_smaller_copies(const Interrupt &interrupt) {
+    while (levels.back().width() > 1 || levels.back().height() > 1)
+        levels.push_back(halved(levels.back(), interrupt));
 }
 
 } // namespace vantor

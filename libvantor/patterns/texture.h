@@ -5,18 +5,19 @@
 
 namespace vantor {
 
-/// Level 0 is the picture; each next level has half its width and height, rounded down, to the last of one pixel
-/// (Williams, "Pyramidal Parametrics", 1983). A pixel is the mean of those that it covers, so that all levels have the
-/// mean of the picture. Pixels are three floats, and one more where there is alpha.
+/// Level 0 is the picture, as its file holds it; each next level has half its width and height, rounded down, to the
+/// last of one pixel (Williams, "Pyramidal Parametrics", 1983). A pixel of a smaller level is the mean of those that it
+/// covers, so that all levels have the mean of the picture. Means are floats, whatever the file has: rounded to its 8
+/// bits, dark values would change by half of themselves.
 struct Texture {
     std::vector<Raster> levels;
 
-    /// Of a picture with at least one pixel. What is not finite or negative becomes 0.
+    /// Of a picture with at least one pixel, and usable values. Without smaller copies, only what shows the picture
+    /// itself may use it.
     explicit Texture(Raster picture);
-};
 
-/// The picture with its values taken as the script says, not as the file says: one that was decoded from sRGB as it
-/// stands in the file, or any other as if it stood there in sRGB.
-Raster with_other_coding(const Raster &picture);
+    /// Makes the smaller copies. Throws Interrupted.
+    void add_smaller_copies(const Interrupt &interrupt);
+};
 
 } // namespace vantor

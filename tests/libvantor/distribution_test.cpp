@@ -1,7 +1,9 @@
 // The distribution of a grid: where its points fall, against the weights.
 #include "libvantor/lights/distribution.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <random>
 
 namespace {
@@ -15,6 +17,11 @@ Point2f numbers(std::mt19937 &random) {
     return {u, number()};
 }
 
+Distribution distribution_of(const std::vector<float> &weights, int columns, int rows) {
+    return {columns, rows,
+            [&](int row, std::span<float> to) { std::copy_n(weights.begin() + row * columns, columns, to.begin()); }};
+}
+
 TEST(Distribution, DrawsCellsByTheirWeights) {
     constexpr int columns = 7;
     constexpr int rows = 5;
@@ -25,7 +32,7 @@ TEST(Distribution, DrawsCellsByTheirWeights) {
         weights.push_back(static_cast<float>(1 + random() % 20));
         total += weights.back();
     }
-    const Distribution distribution(weights, columns, rows);
+    const Distribution distribution = distribution_of(weights, columns, rows);
 
     // Each cell in quarters, to see that points are uniform inside.
     constexpr int draws = 200000;
@@ -58,7 +65,7 @@ TEST(Distribution, NeverDrawsACellWithoutWeight) {
     // others.
     const std::vector<float> weights{0, 0, 0,         0, /**/ 0, 1, 0,      0, /**/ 0, 0,
                                      0, 0, /**/ 3e9f, 0, 1e-9f,  0, /**/ 0, 0, 0,      0};
-    const Distribution distribution(weights, 4, 5);
+    const Distribution distribution = distribution_of(weights, 4, 5);
     const float last = 1 - 0x1p-24f;
     for (const float u : {0.0f, 0x1p-24f, 0.3f, 0.5f, last})
         for (const float v : {0.0f, 0x1p-24f, 0.3f, 0.5f, last}) {
@@ -71,9 +78,42 @@ TEST(Distribution, NeverDrawsACellWithoutWeight) {
     EXPECT_EQ(distribution.pmf(3, 4), 0);
 }
 
+// Where a search through all sums finds the number: the last step that begins at it or before, and has a width.
+TEST(Distribution, FindsWhatASearchThroughAllSumsFinds) {
+    std::mt19937 random(2);
+    for (const int columns : {1, 2, 3, 4, 7, 64, 333, 1000})
+        for (const double bright : {1.0, 1e4, 1e9}) {
+            std::vector<float> weights;
+            for (int i = 0; i < columns; ++i)
+                weights.push_back(random() % 3 == 0 ? 0.0f : static_cast<float>(random() % 100));
+            weights[random() % weights.size()] = static_cast<float>(bright);
+            const Distribution distribution = distribution_of(weights, columns, 1);
+            // All weights are whole numbers.
+            const double total = std::accumulate(weights.begin(), weights.end(), 0.0);
+            std::vector<float> sums{0};
+            double sum = 0;
+            for (const float weight : weights)
+                sums.push_back(static_cast<float>((sum += weight) * (1 / total)));
+            std::vector<float> asked;
+            for (const float s : sums)
+                for (const float number : {std::nextafter(s, 0.0f), s, std::nextafter(s, 1.0f)})
+                    if (number < 1)
+                        asked.push_back(number);
+            for (int i = 0; i < 4096; ++i)
+                asked.push_back(static_cast<float>(i) / 4096);
+            for (const float number : asked) {
+                const Distribution::Sample sample = distribution.sample({number, 0.5f});
+                const auto above = std::upper_bound(sums.begin(), sums.end(), number);
+                ASSERT_NE(above, sums.end());
+                ASSERT_EQ(sample.column, above - sums.begin() - 1) << number << " of " << columns;
+                ASSERT_EQ(sample.within.u, (number - *(above - 1)) / (*above - *(above - 1)));
+            }
+        }
+}
+
 TEST(Distribution, OneCellIsTheWholeSquare) {
     const std::vector<float> weights{5};
-    const Distribution distribution(weights, 1, 1);
+    const Distribution distribution = distribution_of(weights, 1, 1);
     const Distribution::Sample sample = distribution.sample({0.25f, 0.75f});
     EXPECT_EQ(sample.within.u, 0.25f);
     EXPECT_EQ(sample.within.v, 0.75f);

@@ -36,10 +36,10 @@ VtTransform odd_transform() {
 }
 
 Raster patchwork() {
-    Raster raster{7, 5, {}, {}};
+    std::vector<Color> colors;
     for (int i = 0; i < 35; ++i)
-        raster.pixels.push_back({static_cast<float>(i % 4), static_cast<float>(7 * i % 11), 0.5f});
-    return raster;
+        colors.push_back({static_cast<float>(i % 4), static_cast<float>(7 * i % 11), 0.5f});
+    return {7, 5, colors};
 }
 
 struct Case {
@@ -66,8 +66,8 @@ std::vector<Case> cases() {
         {"distant", DistantLight{{0, 0.6f, 0.8f}, color}},
         {"distant disk", DistantDiskLight{{0, 0.6f, 0.8f}, 0.1f, color}},
         {"narrow disk", DistantDiskLight{{0, 0.6f, 0.8f}, 1e-5f, color}},
-        {"environment",
-         EnvironmentLight{std::make_shared<const Environment>(patchwork(), Color{1, 1, 1}, to_float(identity()))}},
+        {"environment", EnvironmentLight{std::make_shared<const Environment>(patchwork(), Color{1, 1, 1},
+                                                                             to_float(identity()), Interrupt())}},
     };
 }
 
@@ -287,8 +287,8 @@ TEST(LightSampling, PowersAreThoseOfTheFormulas) {
     EXPECT_NEAR(power(SpotLight{{}, {0, 0, 1}, grey, 1, 1}), 2 * pi * 2, 1e-4);
     EXPECT_NEAR(power(DistantLight{{0, 0, 1}, grey}), pi * 9 * 2, 1e-4);
     EXPECT_NEAR(power(DistantDiskLight{{0, 0, 1}, 0.1f, grey}), pi * 9 * 2, 1e-4);
-    const Raster constant{1, 1, {{1, 1, 1}}, {}};
-    EXPECT_NEAR(power(EnvironmentLight{std::make_shared<const Environment>(constant, grey, Affine())}),
+    const Raster constant(1, 1, {{1, 1, 1}});
+    EXPECT_NEAR(power(EnvironmentLight{std::make_shared<const Environment>(constant, grey, Affine(), Interrupt())}),
                 pi * 9 * 4 * pi * 2, 1e-2);
 }
 

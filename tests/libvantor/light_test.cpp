@@ -1,6 +1,7 @@
 // Spots, disks in the sky, environments and skies, against closed forms.
 #include "libvantor/description/sky.h"
 #include "libvantor/lights/environment.h"
+#include "tests/libvantor/interrupts.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <ImfChannelList.h>
@@ -157,11 +158,11 @@ TEST(Distant, PenumbraIsAsWideAsTheDisk) {
 
 Environment environment(int width, int height, const std::function<Color(int, int)> &color,
                         const VtTransform &world_from_local = vantor::identity()) {
-    Raster raster{width, height, {}, {}};
+    Raster raster(width, height, vantor::PixelFormat());
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
-            raster.pixels.push_back(color(x, y));
-    return {std::move(raster), {1, 1, 1}, vantor::to_float(world_from_local)};
+            raster.set(x, y, color(x, y));
+    return {std::move(raster), {1, 1, 1}, vantor::to_float(world_from_local), vantor::Interrupt()};
 }
 
 Color patchwork(int x, int y) {
@@ -401,6 +402,23 @@ TEST(Environment, NegativeValuesBesideBrightOnesAreBlack) {
     EXPECT_EQ(lowest, 0);
 }
 
+TEST(Environment, InterruptStopsItsMaking) {
+    // A poll for each row.
+    scripted::expect_prompt(300, [] { environment(2, 300, patchwork); });
+
+    const std::string path = write_picture("interrupted.exr", 4, 200, [](int, int) { return Rgb{1, 1, 1}; });
+    const scripted::InterruptHandler handler;
+    const auto errors = [&] {
+        Scene scene;
+        return scripted::errors_of([&] { scene.light("environment", "name", path); });
+    };
+    // After the reading, which polls as often.
+    const vantor::InterruptAtPoll interrupt(450);
+    EXPECT_EQ(errors(), "vantor: newLight \"environment\": interrupted; the light is black\n");
+    EXPECT_EQ(handler.count(), 1);
+    EXPECT_EQ(errors(), "");
+}
+
 // What the paper's formulas give, worked out apart from the code: turbidity; the sun's angle from the zenith; the angle
 // of the direction from there, and its azimuth from the sun's; radiance and luminance.
 struct SkySample {
@@ -448,8 +466,11 @@ TEST(Sky, IsFiniteAndPositiveEverywhere) {
         for (const double polar : {0.0, 45.0, 89.0, 90.0}) {
             const VtVector3 to_sun = at_angles(polar, 0);
             const Raster picture = sky_picture(vantor::SkyModel(to_sun, turbidity), to_sun, true, {0.2f, 0.2f, 0.2f});
-            for (const Color &c : picture.pixels)
-                ASSERT_TRUE(is_finite(c) && c.r >= 0 && c.g >= 0 && c.b >= 0 && largest_component(c) > 0);
+            for (int y = 0; y < picture.height(); ++y)
+                for (int x = 0; x < picture.width(); ++x) {
+                    const Color c = picture.at(x, y);
+                    ASSERT_TRUE(is_finite(c) && c.r >= 0 && c.g >= 0 && c.b >= 0 && largest_component(c) > 0);
+                }
         }
 }
 

@@ -22,14 +22,32 @@ using Filter = Image::Filter;
 
 // A picture whose greys are given row by row, from the top.
 Raster greys(int width, int height, std::vector<float> values) {
-    Raster raster{width, height, {}, {}};
+    std::vector<Color> colors;
     for (const float value : values)
-        raster.pixels.push_back({value, value, value});
-    return raster;
+        colors.push_back({value, value, value});
+    return {width, height, colors};
+}
+
+// Colours and alpha of floats.
+Raster with_alpha(const Raster &raster, const std::vector<float> &alphas) {
+    Raster result(raster.width(), raster.height(), {SampleType::Float, false, true});
+    for (int i = 0; i < static_cast<int>(alphas.size()); ++i) {
+        const int x = i % raster.width();
+        const int y = i / raster.width();
+        result.set(x, y, raster.at(x, y), alphas[static_cast<std::size_t>(i)]);
+    }
+    return result;
+}
+
+Texture with_smaller_copies(Raster raster) {
+    Texture texture(std::move(raster));
+    texture.add_smaller_copies(Interrupt());
+    return texture;
 }
 
 Image image_of(Raster raster, Filter filter, Wrap wrap = Wrap::Repeat) {
-    return {std::make_shared<const Texture>(std::move(raster)), wrap, filter, false, {1, 1}, {0, 0}};
+    return {
+        std::make_shared<const Texture>(with_smaller_copies(std::move(raster))), wrap, filter, false, {1, 1}, {0, 0}};
 }
 
 float value_at(const Image &image, float u, float v, Point2f footprint = {}) {
@@ -38,9 +56,10 @@ float value_at(const Image &image, float u, float v, Point2f footprint = {}) {
 
 double mean_of(const Raster &raster) {
     double sum = 0;
-    for (const Color &pixel : raster.pixels)
-        sum += pixel.g;
-    return sum / static_cast<double>(raster.pixels.size());
+    for (int y = 0; y < raster.height(); ++y)
+        for (int x = 0; x < raster.width(); ++x)
+            sum += raster.at(x, y).g;
+    return sum / raster.width() / raster.height();
 }
 
 TEST(Texture, EveryLevelHasTheMeanOfThePicture) {
@@ -50,37 +69,39 @@ TEST(Texture, EveryLevelHasTheMeanOfThePicture) {
         std::vector<float> values(static_cast<std::size_t>(width * height));
         for (float &value : values)
             value = any(engine);
-        const Texture texture(greys(width, height, values));
+        const Texture texture = with_smaller_copies(greys(width, height, values));
         const double mean = mean_of(texture.levels.front());
         for (std::size_t i = 1; i < texture.levels.size(); ++i) {
             const Raster &level = texture.levels[i];
-            EXPECT_EQ(level.width, std::max(texture.levels[i - 1].width / 2, 1));
-            EXPECT_EQ(level.height, std::max(texture.levels[i - 1].height / 2, 1));
+            EXPECT_EQ(level.width(), std::max(texture.levels[i - 1].width() / 2, 1));
+            EXPECT_EQ(level.height(), std::max(texture.levels[i - 1].height() / 2, 1));
             EXPECT_NEAR(mean_of(level), mean, 1e-6) << width << " x " << height << " level " << i;
         }
-        EXPECT_EQ(texture.levels.back().pixels.size(), 1u);
+        EXPECT_EQ(texture.levels.back().width(), 1);
+        EXPECT_EQ(texture.levels.back().height(), 1);
     }
 }
 
 TEST(Texture, PixelsOfALevelAreMeansOfThoseThatTheyCover) {
-    const Texture texture(greys(4, 2, {0, 1, 2, 3, 4, 5, 6, 7}));
+    const Texture texture = with_smaller_copies(greys(4, 2, {0, 1, 2, 3, 4, 5, 6, 7}));
     ASSERT_EQ(texture.levels.size(), 3u);
     EXPECT_FLOAT_EQ(texture.levels[1].at(0, 0).r, 2.5f);
     EXPECT_FLOAT_EQ(texture.levels[1].at(1, 0).r, 4.5f);
     // Three pixels become one and a half each.
-    const Texture odd(greys(3, 1, {3, 6, 9}));
+    const Texture odd = with_smaller_copies(greys(3, 1, {3, 6, 9}));
     EXPECT_FLOAT_EQ(odd.levels[1].at(0, 0).r, 6);
-    const Texture five(greys(5, 1, {0, 10, 20, 30, 40}));
+    const Texture five = with_smaller_copies(greys(5, 1, {0, 10, 20, 30, 40}));
     EXPECT_FLOAT_EQ(five.levels[1].at(0, 0).r, (0 + 10 + 0.5f * 20) / 2.5f);
     EXPECT_FLOAT_EQ(five.levels[1].at(1, 0).r, (0.5f * 20 + 30 + 40) / 2.5f);
 }
 
-TEST(Texture, ValuesThatAreNoColorsBecomeBlack) {
-    const Texture texture(greys(4, 1, {NAN, -1, INFINITY, 2}));
-    EXPECT_EQ(texture.levels[0].at(0, 0).r, 0);
-    EXPECT_EQ(texture.levels[0].at(1, 0).r, 0);
-    EXPECT_EQ(texture.levels[0].at(2, 0).r, 0);
-    EXPECT_EQ(texture.levels[0].at(3, 0).r, 2);
+TEST(Texture, InterruptStopsTheMakingOfSmallerCopies) {
+    const Raster picture = greys(5, 64, std::vector<float>(5 * 64));
+    // A poll for each row.
+    scripted::expect_prompt(32 + 16 + 8 + 4 + 2 + 1, [&] {
+        Texture texture(picture);
+        texture.add_smaller_copies(Interrupt());
+    });
 }
 
 TEST(Image, BeginsInTheLowerLeftCorner) {
@@ -160,9 +181,7 @@ TEST(Image, StaysInsideWhereverItIsAsked) {
 }
 
 TEST(Image, ShowsAlphaAsAGrey) {
-    Raster raster = greys(2, 1, {5, 6});
-    raster.alpha = {0.25f, 1};
-    Image image = image_of(raster, Filter::Nearest);
+    Image image = image_of(with_alpha(greys(2, 1, {5, 6}), {0.25f, 1}), Filter::Nearest);
     image.shows_alpha = true;
     EXPECT_EQ(value_at(image, 0.25f, 0.5f), 0.25f);
     EXPECT_EQ(value_at(image, 0.75f, 0.5f), 1);
@@ -177,9 +196,16 @@ void write(const std::string &path, const std::string &bytes) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
-std::shared_ptr<const Texture> texture_of(TextureFiles &files, const std::string &path, ColorSpace space) {
+std::shared_ptr<const Texture> texture_of(TextureFiles &files, const std::string &path, ColorSpace space,
+                                          bool has_smaller_copies = false) {
     Report report;
-    return files.open(path, CallReport(report, "newTexture"))->texture(space);
+    return files.open(path, CallReport(report, "newTexture"))
+        ->texture(space, has_smaller_copies, CallReport(report, "newPattern"));
+}
+
+Texture texture_of(TextureFile file, ColorSpace space) {
+    Report report;
+    return *file.texture(space, false, CallReport(report, "newPattern"));
 }
 
 TEST(TextureFile, ColorSpaces) {
@@ -207,9 +233,53 @@ TEST(TextureFile, OpenExrIsLinearAndItsColorsAreDividedByTheirAlpha) {
     EXPECT_EQ(texture_of(files, path, ColorSpace::Linear), texture_of(files, path, ColorSpace::AsFile));
     EXPECT_NEAR(texture_of(files, path, ColorSpace::Srgb)->levels[0].at(0, 0).r, std::pow(0.555 / 1.055, 2.4), 1e-6);
 
-    Raster faint = greys(1, 1, {0.2f});
-    faint.alpha = {0.5f};
-    EXPECT_FLOAT_EQ(TextureFile(faint).texture(ColorSpace::AsFile)->levels[0].at(0, 0).r, 0.4f);
+    const TextureFile faint(with_alpha(greys(1, 1, {0.2f}), {0.5f}), Interrupt());
+    EXPECT_FLOAT_EQ(texture_of(faint, ColorSpace::AsFile).levels[0].at(0, 0).r, 0.4f);
+}
+
+TEST(TextureFile, ValuesThatAreNoColorsBecomeBlack) {
+    const TextureFile file(greys(4, 1, {NAN, -1, INFINITY, 2}), Interrupt());
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(texture_of(file, ColorSpace::AsFile).levels[0].at(x, 0).r, x == 3 ? 2 : 0) << x;
+}
+
+TEST(TextureFile, MakesSmallerCopiesOnlyWhereTheyAreWanted) {
+    const std::string path = path_of("copies.png");
+    write(path, png_file({8, 4, std::vector<std::uint8_t>(8 * 4 * 3, 200)}, ""));
+    TextureFiles files;
+    for (const ColorSpace space : {ColorSpace::Linear, ColorSpace::AsFile}) {
+        const auto whole = texture_of(files, path, space, true);
+        const auto alone = texture_of(files, path, space);
+        EXPECT_EQ(whole->levels.size(), 4u);
+        ASSERT_EQ(alone->levels.size(), 1u);
+        EXPECT_EQ(alone->levels[0].at(7, 3).g, whole->levels[0].at(7, 3).g);
+        EXPECT_FLOAT_EQ(alone->levels[0].at(0, 0).g, whole->levels[3].at(0, 0).g);
+        EXPECT_EQ(texture_of(files, path, space, true), whole);
+        EXPECT_EQ(texture_of(files, path, space), alone);
+    }
+}
+
+TEST(TextureFile, IsGreyForOnceWhereTheMakingOfSmallerCopiesIsInterrupted) {
+    const std::string path = path_of("copied.png");
+    write(path, png_file({1, 64, std::vector<std::uint8_t>(64 * 3, 255)}, ""));
+    const scripted::InterruptHandler handler;
+    TextureFiles files;
+    Report report;
+    TextureFile *file = files.open(path, CallReport(report, "newTexture"));
+    const CallReport call(report, "newPattern");
+    {
+        const InterruptAtPoll interrupt(20);
+        const std::string errors = errors_of([&] {
+            const auto texture = file->texture(ColorSpace::AsFile, true, call);
+            EXPECT_EQ(texture->levels.size(), 1u);
+            EXPECT_EQ(texture->levels[0].at(0, 0).g, 0.5f);
+        });
+        EXPECT_EQ(errors, "vantor: newPattern: interrupted; the picture is grey\n");
+        EXPECT_EQ(handler.count(), 1);
+    }
+    const auto texture = file->texture(ColorSpace::AsFile, true, call);
+    EXPECT_EQ(texture->levels.size(), 7u);
+    EXPECT_EQ(texture->levels[0].at(0, 0).g, 1);
 }
 
 TEST(TextureFile, IsReadOnce) {

@@ -36,8 +36,22 @@ template <class Work> std::string unlocked(Work work) {
     return error;
 }
 
-PyObject *bytes_of(const void *numbers, std::size_t size) {
-    return PyByteArray_FromStringAndSize(static_cast<const char *>(numbers), static_cast<Py_ssize_t>(size));
+// A bytearray of what the function makes of each pixel, row after row; the interpreter's lock is not held meanwhile.
+template <class Function> PyObject *bytes_of(const vantor::Raster &raster, const Function &value_of) {
+    using Value = decltype(value_of(0, 0));
+    const auto count = static_cast<std::size_t>(raster.width()) * static_cast<std::size_t>(raster.height());
+    PyObject *bytes = PyByteArray_FromStringAndSize(nullptr, static_cast<Py_ssize_t>(count * sizeof(Value)));
+    if (!bytes)
+        return nullptr;
+    char *to = PyByteArray_AS_STRING(bytes);
+    unlocked([&] {
+        for (int y = 0; y < raster.height(); ++y)
+            for (int x = 0; x < raster.width(); ++x, to += sizeof(Value)) {
+                const Value value = value_of(x, y);
+                std::memcpy(to, &value, sizeof value);
+            }
+    });
+    return bytes;
 }
 
 // The colours of a picture as a script has them: float32, three for each pixel.
@@ -95,12 +109,12 @@ PyObject *read_picture(PyObject *, PyObject *argument) {
         return file_error("read", path, error.empty() ? read.why_not : error);
 
     const vantor::Raster &raster = *read.raster;
-    Reference colors(bytes_of(raster.pixels.data(), raster.pixels.size() * sizeof(Color)));
-    Reference alpha(raster.alpha.empty() ? (Py_INCREF(Py_None), Py_None)
-                                         : bytes_of(raster.alpha.data(), raster.alpha.size() * sizeof(float)));
+    Reference colors(bytes_of(raster, [&](int x, int y) { return raster.at(x, y); }));
+    Reference alpha(raster.format().has_alpha ? bytes_of(raster, [&](int x, int y) { return raster.alpha_at(x, y); })
+                                              : (Py_INCREF(Py_None), Py_None));
     if (!colors || !alpha)
         return nullptr;
-    return Py_BuildValue("iiNN", raster.width, raster.height, colors.release(), alpha.release());
+    return Py_BuildValue("iiNN", raster.width(), raster.height(), colors.release(), alpha.release());
 }
 
 PyObject *write_picture(PyObject *, PyObject *arguments) {

@@ -53,10 +53,10 @@ vantor::Raster read_tiff(const std::string &path) {
     std::vector<uint32_t> pixels(std::size_t{width} * height);
     if (!TIFFReadRGBAImageOriented(file.get(), width, height, pixels.data(), ORIENTATION_TOPLEFT, 1))
         throw std::runtime_error(message.empty() ? "the file is damaged" : message);
-    vantor::Raster raster{static_cast<int>(width), static_cast<int>(height), {}, {}, true};
-    raster.pixels.reserve(pixels.size());
-    const auto &linear = vantor::linear_bytes();
+    vantor::Raster raster(static_cast<int>(width), static_cast<int>(height), {vantor::SampleType::Byte});
+    auto *sample = raster.row<std::uint8_t>(0);
     for (const uint32_t pixel : pixels)
-        raster.pixels.push_back({linear[TIFFGetR(pixel)], linear[TIFFGetG(pixel)], linear[TIFFGetB(pixel)]});
+        for (const uint32_t value : {TIFFGetR(pixel), TIFFGetG(pixel), TIFFGetB(pixel)})
+            *sample++ = static_cast<std::uint8_t>(value);
     return raster;
 }
