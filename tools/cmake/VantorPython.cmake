@@ -70,7 +70,7 @@ function(vantor_python_module target name facts)
                    # RUNPATH, not RPATH: LD_LIBRARY_PATH goes before it, so that another maker's library can win.
                    # Already in the build folder: otherwise CMake adds that folder, and an empty entry, which means the
                    # current one.
-                   INSTALL_RPATH "$ORIGIN"
+                   INSTALL_RPATH "${VANTOR_RUNPATH}"
                    BUILD_WITH_INSTALL_RPATH ON)
     target_link_options(${target} PRIVATE -Wl,--enable-new-dtags)
     target_include_directories(${target} SYSTEM PRIVATE ${${facts}_INCLUDE})
