@@ -6,6 +6,7 @@ Every imager whose block is open writes a file, all of the same paths.
 """
 
 import sys
+from typing import Any, List, Sequence
 
 from vantorPM import scene, transform, vector3
 
@@ -18,7 +19,7 @@ steps.newCamera("perspective", ["position", eye, "target", target, "fov", 35.0])
 steps.newLight("sky", ["sun_direction", vector3(-0.9, 1.0, 0.7), "scale", 0.55])
 
 
-def add(color, kind, parameters):
+def add(color: Sequence[float], kind: str, parameters: List[Any]) -> None:
     paint = steps.newInterface("plastic", ["color", vector3(*color), "roughness", 0.3])
     steps.materialBegin(steps.newMaterial("surface", ["interface", paint]))
     steps.addObject(steps.newObject(kind, parameters))

@@ -6,6 +6,7 @@ An interior is what light meets within a body. Where bodies are nested, the inne
 """
 
 import sys
+from typing import Any, List
 
 from vantorPM import scene, vector3
 
@@ -33,7 +34,7 @@ glass = stage.newMaterial("surface", ["interface", stage.newInterface("dielectri
 stone = stage.newMaterial("diffuse", ["reflectance", vector3(0.2, 0.19, 0.18)])
 
 
-def body(material, medium, kind, parameters):
+def body(material: int, medium: List[Any], kind: str, parameters: List[Any]) -> None:
     stage.materialBegin(material)
     stage.interiorBegin(stage.newInterior("homogeneous", medium))
     stage.addObject(stage.newObject(kind, parameters))
@@ -41,7 +42,7 @@ def body(material, medium, kind, parameters):
     stage.materialEnd()
 
 
-def ball(x, radius):
+def ball(x: float, radius: float) -> List[Any]:
     return ["center", vector3(x, 0.85, 0), "radius", radius]
 
 

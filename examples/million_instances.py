@@ -18,7 +18,7 @@ pond.newCamera("perspective", ["position", eye, "target", target, "fov", 30.0])
 pond.newLight("sky", ["sun_direction", vector3(-0.85, 0.32, -0.25), "turbidity", 3.0])
 
 
-def height(x, z):
+def height(x: float, z: float) -> float:
     """Two rings of waves that meet."""
     first, second = math.hypot(x + 6, z - 2), math.hypot(x - 9, z + 8)
     wave = math.sin(1.6 * first) * math.exp(-0.06 * first)

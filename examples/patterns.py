@@ -4,6 +4,7 @@
 """
 
 import sys
+from typing import Any, List
 
 from vantorPM import scene, vector2, vector3, vector3array
 
@@ -16,7 +17,7 @@ view = ["position", vector3(0, 2.2, 9.5), "target", vector3(0, 1.55, 0), "fov", 
 room.newCamera("perspective", view)
 
 
-def add(kind, parameters, *surface):
+def add(kind: str, parameters: List[Any], *surface: object) -> None:
     room.materialBegin(room.newMaterial("surface", ["interface", *surface]))
     room.addObject(room.newObject(kind, parameters))
     room.materialEnd()

@@ -7,6 +7,7 @@ Both halves have the same number of samples. They are windows of one picture, in
 
 import sys
 import time
+from typing import Sequence, Tuple
 
 from vantorPM import scene, vector3
 
@@ -18,7 +19,10 @@ eye, target = vector3(0, 1.65, 4.9), vector3(0, 1.6, 0)
 room.newCamera("perspective", ["position", eye, "target", target, "fov", 48.0])
 
 
-def box(color, x, y, z):
+Range = Tuple[float, float]
+
+
+def box(color: Sequence[float], x: Range, y: Range, z: Range) -> None:
     """A box between two numbers along each axis, and its mirror image on the other side."""
     room.materialBegin(room.newMaterial("diffuse", ["reflectance", vector3(*color)]))
     for a, b in ((x[0], x[1]), (-x[1], -x[0])):

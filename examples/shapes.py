@@ -4,6 +4,7 @@
 """
 
 import sys
+from typing import Any, List, Sequence
 
 from vantorPM import intarray, scene, vector3, vector3array
 
@@ -25,7 +26,7 @@ for radiance, lamp in (
     table.lightEnd()
 
 
-def add(color, kind, *parameters):
+def add(color: Sequence[float], kind: str, *parameters: object) -> None:
     """An object of painted wood."""
     paint = table.newInterface("plastic", ["color", vector3(*color), "roughness", 0.3])
     table.materialBegin(table.newMaterial("surface", ["interface", paint]))
@@ -33,7 +34,7 @@ def add(color, kind, *parameters):
     table.materialEnd()
 
 
-def stand(x, z, height):
+def stand(x: float, z: float, height: float) -> List[Any]:
     return ["from", vector3(x, 0, z), "to", vector3(x, height, z)]
 
 

@@ -6,6 +6,7 @@
 import math
 import random
 import sys
+from typing import Sequence
 
 from vantorPM import BezierBasis, BSplineBasis, CatmullRomBasis
 from vantorPM import intarray, scene, vector2, vector2array, vector3, vector3array
@@ -23,7 +24,7 @@ night.addObject(night.newObject("sphere", ["center", vector3(0, 1.2, 0), "radius
 night.lightEnd()
 
 
-def add(color, kind, *parameters):
+def add(color: Sequence[float], kind: str, *parameters: object) -> None:
     night.materialBegin(night.newMaterial("diffuse", ["reflectance", vector3(*color)]))
     night.addObject(night.newObject(kind, list(parameters)))
     night.materialEnd()

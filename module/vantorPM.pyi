@@ -2,10 +2,14 @@
 
 These are its documentation and its types; the module itself carries no doc strings.
 
-Making objects. At run time the name of each class below is a function of the module that makes an
-object; the stub shows the class so that a checker knows what the function makes. The type itself
-cannot be called, subclassed, copied, pickled or weakly referenced. So isinstance() needs
-type(vector3(0, 0, 0)) instead of vector3, and an annotation with "|" stands in quotes.
+Making objects. vector3 and its like are functions, each of which makes an object of a type of the
+same name. The types are no part of the module, and cannot be called, subclassed, copied, pickled or
+weakly referenced; isinstance() needs type(vector3(0, 0, 0)). For a checker they have an underscore:
+
+    if TYPE_CHECKING:
+        from vantorPM import _vector3
+
+    def middle(a: "_vector3", b: "_vector3") -> "_vector3": ...
 
 Calling. Arguments are positional, keywords are refused. A method with several arguments also takes
 them as one tuple: v.set((0, 1.0)) is v.set(0, 1.0). Where a signature says *ignored, any arguments
@@ -36,8 +40,8 @@ and parameters stand in docs/vocabulary.md. Points are rows (p' = p M), coordina
 right-handed, angles are in degrees. Each call holds the interpreter's lock until it returns.
 """
 
-from typing import Any, Generic, Iterator, List, Optional, SupportsFloat, SupportsIndex, TypeVar
-from typing import Union, final
+from typing import Any, Generic, Iterator, List, Literal, Optional, SupportsFloat, SupportsIndex
+from typing import TypeVar, Union, final
 
 from typing_extensions import Self
 
@@ -53,11 +57,28 @@ _Assigned = TypeVar("_Assigned")
 # lists that a script builds up in a variable.
 _Parameters = List[Any]
 
+# The types of the renderer that ships with the module, for completion. The module passes on any
+# text, as another renderer has other types.
+# vocabulary
+_CameraType = Literal["orthographic", "panorama", "perspective"]
+_ImagerType = Literal["file", "settings"]
+_InterfaceType = Literal["conductor", "dielectric", "diffuse", "plastic", "principled"]
+_InteriorType = Literal["homogeneous"]
+_LightType = Literal["area", "distant", "environment", "point", "sky", "spot"]
+_MaterialType = Literal["diffuse", "surface"]
+_ObjectType = Literal[
+    "box", "cone", "curves", "cylinder", "disk", "instances", "mesh", "patches", "quad", "sphere",
+    "subdivision", "torus"
+]
+_PatternType = Literal["checker", "gradient", "image", "mix", "noise"]
+_TrimmerType = Literal["box", "curve", "plane"]
+# end of vocabulary
+
 class error(Exception):
     """The module's error class. Nothing raises it: the module's own errors are SystemErrors."""
 
 @final
-class scene:
+class _scene:
     """A scene in the renderer: what the script describes, and what is rendered.
 
     The creation methods new... make an entity and return its id, an int that other methods and
@@ -82,43 +103,40 @@ class scene:
     Printed as the interpreter prints any object.
     """
 
-    def __init__(self, n: _Integer = ..., /) -> None:
-        """Makes an empty scene. n, 10240 if left out, is the budget of patches of a radiosity
-        pass; the renderer that ships with the module takes 1 to 1000000.
-        """
-
-    def newCamera(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newCamera(self, type: Union[_CameraType, str, None], parameters: _Parameters, /) -> int:
         """Makes a camera and returns its id. A picture is taken with the camera that was made last.
         """
 
-    def newImager(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newImager(self, type: Union[_ImagerType, str, None], parameters: _Parameters, /) -> int:
         """Makes an imager, what becomes of a finished picture, and returns its id."""
 
-    def newInterface(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newInterface(
+        self, type: Union[_InterfaceType, str, None], parameters: _Parameters, /
+    ) -> int:
         """Makes an interface, how a surface scatters light, and returns its id. A material refers
         to it."""
 
-    def newInterior(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newInterior(self, type: Union[_InteriorType, str, None], parameters: _Parameters, /) -> int:
         """Makes an interior, the medium that fills an object, and returns its id."""
 
-    def newLight(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newLight(self, type: Union[_LightType, str, None], parameters: _Parameters, /) -> int:
         """Makes a light, which is on, and returns its id."""
 
-    def newMaterial(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newMaterial(self, type: Union[_MaterialType, str, None], parameters: _Parameters, /) -> int:
         """Makes a material and returns its id. It applies to the objects that are added within its
         block."""
 
-    def newObject(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newObject(self, type: Union[_ObjectType, str, None], parameters: _Parameters, /) -> int:
         """Makes an object, a shape, and returns its id. addObject() puts it into the scene."""
 
-    def newPattern(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newPattern(self, type: Union[_PatternType, str, None], parameters: _Parameters, /) -> int:
         """Makes a pattern, a parameter that varies over a surface, and returns its id."""
 
     def newTexture(self, type: Optional[str], /) -> int:
         """Makes a texture and returns its id. The one creation method without parameters: a list
         is a TypeError."""
 
-    def newTrimmer(self, type: Optional[str], parameters: _Parameters, /) -> int:
+    def newTrimmer(self, type: Union[_TrimmerType, str, None], parameters: _Parameters, /) -> int:
         """Makes a trimmer, which cuts pieces out of a surface, and returns its id."""
 
     def imagerBegin(self, id: _Integer, /) -> None:
@@ -157,7 +175,7 @@ class scene:
         """Puts this object into the scene, within the open blocks. An object may be added more than
         once."""
 
-    def transformBegin(self, transform: transform, /) -> None:
+    def transformBegin(self, transform: _transform, /) -> None:
         """Opens a block in which cameras and lights are made, and objects added, under a copy of
         the transform. The innermost of nested blocks acts first on a point."""
 
@@ -185,6 +203,11 @@ class scene:
         left corner; 0, 0, 1, 1 where left out. Returns when the picture is done; Ctrl-C ends it
         with KeyboardInterrupt.
         """
+
+def scene(n: _Integer = ..., /) -> _scene:
+    """Makes an empty scene. n, 10240 if left out, is the budget of patches of a radiosity
+    pass; the renderer that ships with the module takes 1 to 1000000.
+    """
 
 class _Vector:
     """What the vectors share: a sequence of N components, which are doubles of any value."""
@@ -228,25 +251,25 @@ class _Vector:
         """The printed form, which stands with the type."""
 
 @final
-class vector2(_Vector):
+class _vector2(_Vector):
     """Two components. Printed as "vector2( 1, 2 )"."""
 
-    def __init__(self, x: _Real, y: _Real, /) -> None:
-        """The vector (x, y). There is no form without arguments, or from another vector."""
+def vector2(x: _Real, y: _Real, /) -> _vector2:
+    """The vector (x, y). There is no form without arguments, or from another vector."""
 
 @final
-class vector3(_Vector):
+class _vector3(_Vector):
     """Three components: a point, a direction or a colour. Printed as "vector3( 1, 2, 3 )"."""
 
-    def __init__(self, x: _Real, y: _Real, z: _Real, /) -> None:
-        """The vector (x, y, z). There is no form without arguments, or from another vector."""
+def vector3(x: _Real, y: _Real, z: _Real, /) -> _vector3:
+    """The vector (x, y, z). There is no form without arguments, or from another vector."""
 
 @final
-class vector4(_Vector):
+class _vector4(_Vector):
     """Four components. Printed as "vector4( 1, 2, 3, 4 )"."""
 
-    def __init__(self, x: _Real, y: _Real, z: _Real, w: _Real, /) -> None:
-        """The vector (x, y, z, w). There is no form without arguments, or from another vector."""
+def vector4(x: _Real, y: _Real, z: _Real, w: _Real, /) -> _vector4:
+    """The vector (x, y, z, w). There is no form without arguments, or from another vector."""
 
 class _Matrix(Generic[_Row]):
     """What the matrices share: N row vectors of N components. A matrix is no sequence: no len(), no
@@ -264,29 +287,29 @@ class _Matrix(Generic[_Row]):
         """The printed form, which stands with the type."""
 
 @final
-class matrix2(_Matrix[vector2]):
+class _matrix2(_Matrix[_vector2]):
     """Two rows of two. Printed as "matrix2( (1, 2), (3, 4) )"."""
 
-    def __init__(self, r0: vector2, r1: vector2, /) -> None:
-        """The matrix with copies of the rows, row 0 first."""
+def matrix2(r0: _vector2, r1: _vector2, /) -> _matrix2:
+    """The matrix with copies of the rows, row 0 first."""
 
 @final
-class matrix3(_Matrix[vector3]):
+class _matrix3(_Matrix[_vector3]):
     """Three rows of three. Printed as "matrix3( (1, 2, 3), (4, 5, 6), (7, 8, 9) )"."""
 
-    def __init__(self, r0: vector3, r1: vector3, r2: vector3, /) -> None:
-        """The matrix with copies of the rows, row 0 first."""
+def matrix3(r0: _vector3, r1: _vector3, r2: _vector3, /) -> _matrix3:
+    """The matrix with copies of the rows, row 0 first."""
 
 @final
-class matrix4(_Matrix[vector4]):
+class _matrix4(_Matrix[_vector4]):
     """Four rows of four. Printed as
     "matrix4( (1, 2, 3, 4), (5, 6, 7, 8), (9, 10, 11, 12), (13, 14, 15, 16) )"."""
 
-    def __init__(self, r0: vector4, r1: vector4, r2: vector4, r3: vector4, /) -> None:
-        """The matrix with copies of the rows, row 0 first."""
+def matrix4(r0: _vector4, r1: _vector4, r2: _vector4, r3: _vector4, /) -> _matrix4:
+    """The matrix with copies of the rows, row 0 first."""
 
 @final
-class transform:
+class _transform:
     """A transformation: a 4x4 matrix M that takes a point p = (x, y, z, 1), a row, to p M.
 
     A translation therefore stands in row 3. Rotations are counter-clockwise when looked at against
@@ -297,13 +320,10 @@ class transform:
     Printed as "transform( (1, 0, 0, 0), (0, 1, 0, 0), (0, 0, 1, 0), (0, 0, 0, 1) )", row 0 first.
     """
 
-    def __init__(self, *ignored: object) -> None:
-        """A transform whose sixteen entries are 0: not the identity."""
-
-    def get(self, row: _Integer, /) -> vector4:
+    def get(self, row: _Integer, /) -> _vector4:
         """A new vector with a copy of the row, 0 <= row < 4. IndexError outside."""
 
-    def matrix(self, *ignored: object) -> matrix4:
+    def matrix(self, *ignored: object) -> _matrix4:
         """A new matrix with a copy of the sixteen entries."""
 
     def zero(self, *ignored: object) -> Self:
@@ -312,18 +332,18 @@ class transform:
     def identity(self, *ignored: object) -> Self:
         """Ones on the diagonal, zeros elsewhere. Returns the transform itself."""
 
-    def scaling(self, factors: vector3, /) -> Self:
+    def scaling(self, factors: _vector3, /) -> Self:
         """Scales x, y and z: the diagonal is (f0, f1, f2, 1). Returns the transform itself."""
 
-    def translation(self, offset: vector3, /) -> Self:
+    def translation(self, offset: _vector3, /) -> Self:
         """Moves by the offset: the identity with row 3 = (o0, o1, o2, 1). Returns the transform
         itself."""
 
-    def alignmentToZ(self, direction: vector3, /) -> Self:
+    def alignmentToZ(self, direction: _vector3, /) -> Self:
         """Turns the direction to +Z on the shortest way. A direction along -Z turns half around X,
         a zero direction gives the identity. Returns the transform itself."""
 
-    def alignmentTo(self, a: vector3, b: vector3, /) -> Self:
+    def alignmentTo(self, a: _vector3, b: _vector3, /) -> Self:
         """Turns direction a to direction b on the shortest way, about a x b. Opposite directions
         turn half around an axis perpendicular to both, a zero vector gives the identity. Returns
         the transform itself."""
@@ -340,7 +360,7 @@ class transform:
         """Turns about the Z axis, +X toward +Y, by an angle in degrees. With c and s its cosine and
         sine, rows 0 and 1 are (c, s, 0, 0), (-s, c, 0, 0). Returns the transform itself."""
 
-    def rotationAroundAxis(self, point: vector3, direction: vector3, angle: _Real, /) -> Self:
+    def rotationAroundAxis(self, point: _vector3, direction: _vector3, angle: _Real, /) -> Self:
         """Turns about the line through the point along the direction, by an angle in degrees:
         Rodrigues' rotation formula between two translations. A zero direction gives the identity.
         Returns the transform itself."""
@@ -349,7 +369,7 @@ class transform:
         """Mirrors in the plane z = 0: the diagonal is (1, 1, -1, 1). Returns the transform
         itself."""
 
-    def compose(self, other: transform, /) -> Self:
+    def compose(self, other: _transform, /) -> Self:
         """Makes the value the product of itself and the other: on points, what it was acts first.
         t.compose(t) squares t. Returns the transform itself."""
 
@@ -360,12 +380,15 @@ class transform:
     def __repr__(self) -> str:
         """The printed form, which stands with the type."""
 
-def compose(a: transform, b: transform, /) -> transform:
+def transform(*ignored: object) -> _transform:
+    """A transform whose sixteen entries are 0: not the identity."""
+
+def compose(a: _transform, b: _transform, /) -> _transform:
     """A new transform, the matrix product a x b; on points, a acts first. Entry (i, j) is
     a(i,0) b(0,j) + a(i,1) b(1,j) + a(i,2) b(2,j) + a(i,3) b(3,j), added from left to right. a and b
     stay as they are."""
 
-def invert(a: transform, /) -> transform:
+def invert(a: _transform, /) -> _transform:
     """A new transform, the inverse of a by Cramer's rule: the adjugate times 1 / determinant. a
     stays as it is.
 
@@ -373,21 +396,21 @@ def invert(a: transform, /) -> transform:
     small its entries are, and gives its adjugate instead: scaling by 0.001 does. There is no error.
     """
 
-def BezierBasis(*ignored: object) -> matrix4:
+def BezierBasis(*ignored: object) -> _matrix4:
     """A new matrix with the basis of cubic Bezier curves, for use as a parameter.
 
     As with every basis here, a segment with the control points P0 to P3 is
     p(t) = (t^3 t^2 t 1) B (P0 P1 P2 P3), 0 <= t <= 1: row 0 holds the coefficients of t^3.
     """
 
-def BSplineBasis(*ignored: object) -> matrix4:
+def BSplineBasis(*ignored: object) -> _matrix4:
     """A new matrix with the basis of uniform cubic B-splines; see BezierBasis()."""
 
-def CatmullRomBasis(*ignored: object) -> matrix4:
+def CatmullRomBasis(*ignored: object) -> _matrix4:
     """A new matrix with the basis of Catmull-Rom splines of tension 1/2; see BezierBasis(). A
     segment runs from P1 to P2."""
 
-def HermiteBasis(*ignored: object) -> matrix4:
+def HermiteBasis(*ignored: object) -> _matrix4:
     """A new matrix with the basis of cubic Hermite curves; see BezierBasis(). P0 and P2 are the
     ends, P1 and P3 the tangents there."""
 
@@ -463,68 +486,68 @@ class _Array(Generic[_Given, _Taken, _Assigned]):
         it."""
 
 @final
-class intarray(_Array[int, _Integer, _Integer]):
+class _intarray(_Array[int, _Integer, _Integer]):
     """An array of integers of 32 bits. Printed as "[intarray 1, 2, 3 ]"."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def intarray(*ignored: object) -> _intarray:
+    """An empty array."""
 
 @final
-class floatarray(_Array[float, _Real, _Integer]):
+class _floatarray(_Array[float, _Real, _Integer]):
     """An array of doubles. Item assignment takes an integer, so that a[0] = 2.7 stores 2.0; set()
     and add() take fractions. Printed as "[floatarray 1, 2.5, 3 ]"."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def floatarray(*ignored: object) -> _floatarray:
+    """An empty array."""
 
 @final
-class vector2array(_Array[vector2, vector2, vector2]):
+class _vector2array(_Array[_vector2, _vector2, _vector2]):
     """An array of vector2. Printed as "[vector2array ( 1, 2 ), ( 3, 4 ) ]"."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def vector2array(*ignored: object) -> _vector2array:
+    """An empty array."""
 
 @final
-class vector3array(_Array[vector3, vector3, vector3]):
+class _vector3array(_Array[_vector3, _vector3, _vector3]):
     """An array of vector3. Printed as "[vector3array ( 1, 2, 3 ), ( 4, 5, 6 ) ]"."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def vector3array(*ignored: object) -> _vector3array:
+    """An empty array."""
 
 @final
-class vector4array(_Array[vector4, vector4, vector4]):
+class _vector4array(_Array[_vector4, _vector4, _vector4]):
     """An array of vector4. Printed as "[vector4array ( 1, 2, 3, 4 ), ( 5, 6, 7, 8 ) ]"."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def vector4array(*ignored: object) -> _vector4array:
+    """An empty array."""
 
 @final
-class matrix2array(_Array[matrix2, matrix2, matrix2]):
+class _matrix2array(_Array[_matrix2, _matrix2, _matrix2]):
     """An array of matrix2. Printed as "[matrix2array [ ( 1, 0 ), ( 0, 1 ) ] ]"."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def matrix2array(*ignored: object) -> _matrix2array:
+    """An empty array."""
 
 @final
-class matrix3array(_Array[matrix3, matrix3, matrix3]):
+class _matrix3array(_Array[_matrix3, _matrix3, _matrix3]):
     """An array of matrix3. Printed as
     "[matrix3array [ ( 1, 0, 0 ), ( 0, 1, 0 ), ( 0, 0, 1 ) ] ]"."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def matrix3array(*ignored: object) -> _matrix3array:
+    """An empty array."""
 
 @final
-class matrix4array(_Array[matrix4, matrix4, matrix4]):
+class _matrix4array(_Array[_matrix4, _matrix4, _matrix4]):
     """An array of matrix4. Printed as "[matrix4array [ ( 1, 0, 0, 0 ), ( 0, 1, 0, 0 ),
     ( 0, 0, 1, 0 ), ( 0, 0, 0, 1 ) ] ]", on one line."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def matrix4array(*ignored: object) -> _matrix4array:
+    """An empty array."""
 
 @final
-class transformarray(_Array[transform, transform, transform]):
+class _transformarray(_Array[_transform, _transform, _transform]):
     """An array of transforms; a matrix4 is refused. Elements that setSize() adds are all zeros, not
     the identity. Printed like a matrix4array, with "transformarray" in its place."""
 
-    def __init__(self, *ignored: object) -> None:
-        """An empty array."""
+def transformarray(*ignored: object) -> _transformarray:
+    """An empty array."""

@@ -51,7 +51,7 @@ class Transform:
     def __eq__(self, other):
         return self.rows == other.rows if isinstance(other, Transform) else NotImplemented
 
-    __hash__ = None
+    __hash__ = None  # type: ignore[assignment]
 
     def __repr__(self):
         return "Transform({})".format(self.rows)

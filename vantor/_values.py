@@ -2,6 +2,7 @@
 
 import operator
 import os
+from typing import Any
 
 import vantorPM
 
@@ -9,7 +10,7 @@ from . import _native
 from ._handles import Handle
 from ._transforms import Transform
 
-_VECTORS = {2: vantorPM.vector2, 3: vantorPM.vector3, 4: vantorPM.vector4}
+_VECTORS: "dict[int, Any]" = {2: vantorPM.vector2, 3: vantorPM.vector3, 4: vantorPM.vector4}
 _MODULE_TYPES = {
     type(value): name
     for name in ("intarray", "floatarray", "vector2array", "vector3array", "vector4array",
