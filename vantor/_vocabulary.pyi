@@ -193,19 +193,19 @@ class _PrincipledInterface(TypedDict, total=False):
 
     # the colour of the body, of the metal, and of light that has gone through the glass; 0 to 1
     base_color: Optional[_Color]
-    # the share of metal; the rest is body and glass; 0 to 1
+    # the fraction of metal; the rest is body and glass; 0 to 1
     metallic: Optional[_Number]
     # of all but the coat; below 0.03 it counts as 0.03; 0 to 1
     roughness: Optional[_Number]
     # the gloss on the body, which reflects 0.08 times as much straight on; 0 to 1
     specular: Optional[_Number]
-    # the share of a clear coat over all of it, with an index of refraction of 1.5; 0 to 1
+    # the fraction of a clear coat over all of it, with an index of refraction of 1.5; 0 to 1
     clearcoat: Optional[_Number]
     # of the coat; below 0.03 it counts as 0.03; 0 to 1
     clearcoat_roughness: Optional[_Number]
     # white at grazing angles on the body, as of cloth; 0 to 1
     sheen: Optional[_Number]
-    # the share of glass in what is no metal; the rest is body; 0 to 1
+    # the fraction of glass in what is no metal; the rest is body; 0 to 1
     transmission: Optional[_Number]
     # the index of refraction of the glass; the outside is the front; 1.1 to 3
     ior: Optional[_Number]
@@ -309,7 +309,7 @@ class _SurfaceMaterial(_SurfaceMaterialRequired, total=False):
     color: Optional[Union[_Color, Pattern]]
     # in place of the interface's own roughness; left out, that stands; 0 to 1
     roughness: Optional[Union[_Number, Pattern]]
-    # the share of light that meets the surface; the rest passes straight through; 0 to 1
+    # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
     bump: Optional[Pattern]
@@ -651,7 +651,7 @@ class _ConductorMaterial(TypedDict, total=False):
     color: Optional[Union[_Color, Union[_Color, Pattern]]]
     # 0 is smooth, as is all below 0.03; its square is the alpha of GGX microfacets; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
-    # the share of light that meets the surface; the rest passes straight through; 0 to 1
+    # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
     bump: Optional[Pattern]
@@ -674,7 +674,7 @@ class _DielectricMaterial(TypedDict, total=False):
     color: Optional[Union[_Color, Union[_Color, Pattern]]]
     # 0 is smooth, as is all below 0.03; its square is the alpha of GGX microfacets; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
-    # the share of light that meets the surface; the rest passes straight through; 0 to 1
+    # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
     bump: Optional[Pattern]
@@ -694,7 +694,7 @@ class _PlasticMaterial(TypedDict, total=False):
     ior: Optional[_Number]
     # 0 is smooth, as is all below 0.03; its square is the alpha of GGX microfacets; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
-    # the share of light that meets the surface; the rest passes straight through; 0 to 1
+    # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
     bump: Optional[Pattern]
@@ -712,25 +712,25 @@ class _PrincipledMaterial(TypedDict, total=False):
 
     # the colour of the body, of the metal, and of light that has gone through the glass; 0 to 1
     base_color: Optional[Union[_Color, Pattern]]
-    # the share of metal; the rest is body and glass; 0 to 1
+    # the fraction of metal; the rest is body and glass; 0 to 1
     metallic: Optional[_Number]
     # of all but the coat; below 0.03 it counts as 0.03; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
     # the gloss on the body, which reflects 0.08 times as much straight on; 0 to 1
     specular: Optional[_Number]
-    # the share of a clear coat over all of it, with an index of refraction of 1.5; 0 to 1
+    # the fraction of a clear coat over all of it, with an index of refraction of 1.5; 0 to 1
     clearcoat: Optional[_Number]
     # of the coat; below 0.03 it counts as 0.03; 0 to 1
     clearcoat_roughness: Optional[_Number]
     # white at grazing angles on the body, as of cloth; 0 to 1
     sheen: Optional[_Number]
-    # the share of glass in what is no metal; the rest is body; 0 to 1
+    # the fraction of glass in what is no metal; the rest is body; 0 to 1
     transmission: Optional[_Number]
     # the index of refraction of the glass; the outside is the front; 1.1 to 3
     ior: Optional[_Number]
     # in place of the interface's own colour; left out, that stands; 0 to 1
     color: Optional[Union[_Color, Pattern]]
-    # the share of light that meets the surface; the rest passes straight through; 0 to 1
+    # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
     bump: Optional[Pattern]

@@ -1,4 +1,4 @@
-// Distribution: points of the unit square with a density that is constant on each cell of a grid.
+// Distribution: points of the unit square with a piecewise-constant pdf.
 #pragma once
 
 #include "libvantor/base/random.h"

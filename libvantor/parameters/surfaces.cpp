@@ -15,7 +15,7 @@ constexpr Parameter surface_parameters[] = {
     {"roughness", ValueKind::NumberOrPattern, fraction, Presence::Optional, none, "",
      "in place of the interface's own roughness; left out, that stands"},
     {"opacity", ValueKind::NumberOrPattern, fraction, Presence::Default, value(1), "",
-     "the share of light that meets the surface; the rest passes straight through"},
+     "the fraction of light that meets the surface; the rest passes straight through"},
     {"bump", ValueKind::PatternId, any, Presence::Optional, none, "",
      "a pattern whose luminance is a height above the surface, which its normals follow"},
     {"bump_height", ValueKind::Number, coordinate, Presence::Default, value(1), "length",
