@@ -6,9 +6,11 @@ Run by run.py in a fresh process for each row; prints JSON.
 import json
 import math
 import os
+import struct
 import sys
 import tempfile
 import time
+import zlib
 
 import memory
 
@@ -40,6 +42,20 @@ def grid(module, count):
     return places
 
 
+def colors_png(side):
+    """A PNG file of 8-bit colours."""
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(
+            ">I", zlib.crc32(kind + data))
+
+    rows = zlib.compressobj(1)
+    row = bytes(1) + bytes(i * 7 % 256 for i in range(3 * side))
+    compressed = b"".join(rows.compress(row) for _ in range(side)) + rows.flush()
+    header = struct.pack(">IIBBBBB", side, side, 8, 2, 0, 0, 0)
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", compressed)
+            + chunk(b"IEND", b""))
+
+
 def small_box(module, scene):
     return scene.newObject("box", ["min", module.vector3(0.2, 0.2, 0.2),
                                    "max", module.vector3(0.8, 0.8, 0.8)])
@@ -62,6 +78,18 @@ def add_one_by_one(module, scene, places):
         scene.transformEnd()
 
 
+def add_textured_box(module, scene, png):
+    with tempfile.NamedTemporaryFile(suffix=".png") as file:
+        file.write(png)
+        file.flush()
+        texture = scene.newTexture(file.name)
+    pattern = scene.newPattern("image", ["texture", texture])
+    interface = scene.newInterface("diffuse", [])
+    scene.materialBegin(scene.newMaterial("surface", ["interface", interface, "color", pattern]))
+    scene.addObject(small_box(module, scene))
+    scene.materialEnd()
+
+
 # Of each row: how many things, what a script has, and how the scene gets it.
 ROWS = {
     "a mesh of 1e6 triangles": (10 ** 6, lambda module: hills(module, 1000, 500), add_mesh),
@@ -70,12 +98,15 @@ ROWS = {
         10 ** 6, lambda module: grid(module, 10 ** 6), add_instances),
     "1e6 boxes, added one by one": (
         10 ** 6, lambda module: grid(module, 10 ** 6), add_one_by_one),
+    "a texture of 8192 x 8192, 8 bits": (
+        8192 ** 2, lambda module: colors_png(8192), add_textured_box),
 }
 # Seconds to reach for another pass of an unchanged scene.
 AGAIN = "a mesh of 1e6 triangles", 0.01
 # Seconds and bytes to reach.
 LIMITS = (("a mesh of 1e6 triangles", 0.4, 125), ("a mesh of 1e7 triangles", 3, 125),
-          ("1e6 boxes, one object of places", 1, 300))
+          ("1e6 boxes, one object of places", 1, 300),
+          ("a texture of 8192 x 8192, 8 bits", 0.5, 4))
 QUICK = [row for row, (count, _, _) in ROWS.items() if count <= 10 ** 6]
 
 

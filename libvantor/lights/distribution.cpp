@@ -29,12 +29,15 @@ double cumulate(std::span<const double> weights, std::span<float> sums) {
     return total;
 }
 
-// The stretches of the guide to so many steps: a power of two. It leaves four or more sums to search, which lie
-// together in memory, and takes a quarter of theirs. Floats count the stretches exactly.
-std::size_t stretches_for(int steps) {
+// The stretches of a guide to so many steps: a power of two, which leaves about so many sums to search, or up to twice
+// as many. Floats count the stretches exactly.
+std::size_t stretches_for(int steps, std::size_t sums_left) {
     constexpr std::size_t most = 1 << 24;
-    return std::bit_floor(std::clamp(static_cast<std::size_t>(steps) / 4, std::size_t{1}, most));
+    return std::bit_floor(std::clamp(static_cast<std::size_t>(steps) / sums_left, std::size_t{1}, most));
 }
+
+// All columns' guides take a quarter of what their sums do.
+constexpr std::size_t sums_left_of_columns = 4;
 
 void make_guide(std::span<const float> sums, std::span<std::uint32_t> guide) {
     const auto stretches = static_cast<float>(guide.size() - 1);
@@ -52,9 +55,9 @@ void make_guide(std::span<const float> sums, std::span<std::uint32_t> guide) {
 } // namespace
 
 Distribution::Distribution(int columns, int rows, const RowOfWeights &row_of_weights)
-    : row_length(static_cast<std::size_t>(columns) + 1), guide_length(stretches_for(columns) + 1),
+    : row_length(static_cast<std::size_t>(columns) + 1), guide_length(stretches_for(columns, sums_left_of_columns) + 1),
       row_sums(static_cast<std::size_t>(rows) + 1), column_sums(row_length * static_cast<std::size_t>(rows)),
-      row_guide(stretches_for(rows) + 1), column_guides(guide_length * static_cast<std::size_t>(rows)) {
+      row_guide(stretches_for(rows, 1) + 1), column_guides(guide_length * static_cast<std::size_t>(rows)) {
     std::vector<double> row_weights;
     row_weights.reserve(static_cast<std::size_t>(rows));
     std::vector<float> weights(row_length - 1);
