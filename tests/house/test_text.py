@@ -10,8 +10,9 @@ import repository
 
 CPP = (".h", ".cpp")
 PYTHON = (".py", ".pyi")
-HASH = ("CMakeLists.txt", ".cmake", "Makefile", "packages.txt", ".clang-tidy")
+HASH = ("CMakeLists.txt", ".cmake", "Makefile", "packages.txt", ".clang-tidy", ".toml")
 LINKER = (".map",)
+TABBED = ("Makefile", "debian/rules")
 DOCUMENTS = (".md", ".json")
 
 # The version that the sources are formatted with; others break lines elsewhere.
@@ -72,7 +73,7 @@ class TextTest(unittest.TestCase):
 
     def test_no_tabs_no_carriage_returns_and_no_blanks_at_the_end_of_a_line(self):
         for path in [*others(), *repository.files(*DOCUMENTS, ".txt")]:
-            unwanted = r"\s\Z|\r|.\t" if path.endswith("Makefile") else r"\s\Z|\r|\t"
+            unwanted = r"\s\Z|\r|.\t" if path in TABBED else r"\s\Z|\r|\t"
             with self.subTest(path):
                 self.assertEqual([number for number, line in
                                   enumerate(repository.text(path).split("\n"), 1)
