@@ -10,17 +10,14 @@ import shutil
 import signal
 import struct
 import tempfile
-import threading
 import time
 import traceback
 import weakref
 
 from . import _native
+from ._children import forking, how_ended, kill_child, start_child, waited
 from ._messages import SceneError, tell
 from ._picture import Picture
-
-_forking = threading.Lock()
-
 
 class JobError(RuntimeError):
     """The process of a job has ended without a result."""
@@ -47,25 +44,18 @@ class Job:
             raise
 
     def _fork(self):
-        # One at a time: a child that had the writing end of another's pipe would hide its end. And
-        # no Ctrl-C in between: the child is not ready for it, and the parent does not know it yet.
-        with _forking:
+        with forking():
             self._pipe, child_end = os.pipe()
-            mask = signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGINT})
             try:
-                parent = os.getpid()
-                self._pid = _native.fork()
-                if self._pid == 0:
-                    _run_child(parent, self._work, child_end, self._progress)
+                self._pid = start_child(_run_child, self._work, child_end, self._progress)
                 self._clean = weakref.finalize(
-                    self, _abandon, parent, self._pid, self._pipe, self._folder
+                    self, _abandon, os.getpid(), self._pid, self._pipe, self._folder
                 )
             except BaseException:
                 os.close(self._pipe)
                 raise
             finally:
                 os.close(child_end)
-                signal.pthread_sigmask(signal.SIG_SETMASK, mask)
 
     @property
     def progress(self):
@@ -127,17 +117,13 @@ class Job:
     def _end_of_child(self):
         """(layers, messages, error)"""
         self._clean.detach()
-        status = _waited(self._pid)
+        status = waited(self._pid)
         os.close(self._pipe)
         shutil.rmtree(self._folder, ignore_errors=True)
         try:
             return pickle.loads(self._received)
         except (pickle.UnpicklingError, EOFError, ValueError, IndexError):
-            if os.WIFSIGNALED(status):
-                number = os.WTERMSIG(status)
-                how = "by signal {} ({})".format(number, signal.strsignal(number))
-            else:
-                how = "with status {}".format(os.WEXITSTATUS(status))
+            how = how_ended(status)
             return {}, [], "the process of the job has ended {}".format(how)
 
     def _picture(self):
@@ -153,42 +139,24 @@ class Job:
         return Picture.of_pass(self._work, layers)
 
 
-def _run_child(parent, work, pipe, progress):
-    """What the forked process does. It never returns to the script."""
-    status = 1
+def _run_child(work, pipe, progress):
+    """What the forked process does."""
+    signals = []
+    signal.signal(signal.SIGINT, lambda *_: signals.append(1))  # the renderer looks for it, too
+    signal.pthread_sigmask(signal.SIG_UNBLOCK, {signal.SIGINT})
+    _native.progress_into(progress)
+    messages = []
     try:
-        _native.end_with(parent)
-        signals = []
-        signal.signal(signal.SIGINT, lambda *_: signals.append(1))  # the renderer looks for it, too
-        signal.pthread_sigmask(signal.SIG_UNBLOCK, {signal.SIGINT})
-        _native.progress_into(progress)
-        messages = []
-        try:
-            outcome = ({} if signals else work.run(messages), messages, None)
-        except BaseException:
-            outcome = ({}, messages, "the job has failed: " + traceback.format_exc().strip())
-        data = memoryview(pickle.dumps(outcome, pickle.HIGHEST_PROTOCOL))
-        while data:
-            data = data[os.write(pipe, data) :]
-        status = 0
-    finally:
-        # Not the interpreter's end: what it would clean up and write out is the script's.
-        os._exit(status)
-
-
-def _waited(pid):
-    """The status of a child that has ended, or ends now."""
-    try:
-        return os.waitpid(pid, 0)[1]
-    except ChildProcessError:  # the script has waited for it, or ignores its children
-        return 0
+        outcome = ({} if signals else work.run(messages), messages, None)
+    except BaseException:
+        outcome = ({}, messages, "the job has failed: " + traceback.format_exc().strip())
+    data = memoryview(pickle.dumps(outcome, pickle.HIGHEST_PROTOCOL))
+    while data:
+        data = data[os.write(pipe, data) :]
 
 
 def _abandon(owner, pid, pipe, folder):
     """Ends a job that nobody waits for any more."""
-    if os.getpid() != owner:
-        return
-    os.kill(pid, signal.SIGKILL)
-    _waited(pid)
-    os.close(pipe)
-    shutil.rmtree(folder, ignore_errors=True)
+    if kill_child(owner, pid):
+        os.close(pipe)
+        shutil.rmtree(folder, ignore_errors=True)

@@ -12,12 +12,13 @@ class Pass:
     a folder that nobody sees, beside the files of the script's own imagers; one that offers its
     pictures hands over the numbers instead."""
 
-    def __init__(self, scene, size, window, aovs, filtering):
+    def __init__(self, scene, size, window, aovs, filtering, with_files=True):
         self.scene = scene
         self.width, self.height, self.samples = size
         self.window = window
         self.aovs = aovs
         self.filtering = filtering
+        self._with_files = with_files
         self._imagers = []
         self._files = {}
         self._check_aovs()
@@ -32,13 +33,7 @@ class Pass:
     @property
     def pixel_window(self):
         """x0, y0, x1, y1 of the window: the pixels whose centres lie in it."""
-        x0, y0, x1, y1 = self.window
-        return (
-            _first_pixel(x0, self.width),
-            _first_pixel(y0, self.height),
-            _first_pixel(x1, self.width),
-            _first_pixel(y1, self.height),
-        )
+        return pixel_window(self.window, self.width, self.height)
 
     def prepare(self, folder):
         """Makes the imagers of the pass, whose files stand in the folder."""
@@ -52,7 +47,7 @@ class Pass:
                     own[name] = imager.parameters[name]
         filtering = self.filtering or own
         self._files = {aov: os.path.join(folder, aov + ".exr") for aov in self.aovs}
-        self._imagers = [self.scene.id_of(imager) for imager in last]
+        self._imagers = [self.scene.id_of(imager) for imager in last if self._with_files]
         for aov, path in self._files.items():
             self._imagers.append(self.scene.own_imager(path, aov, filtering))
 
@@ -116,6 +111,17 @@ def aov_parameter():
         if "albedo" in parameter.choices:
             return parameter
     return None
+
+
+def pixel_window(window, width, height):
+    """Of a window in fractions, the pixels whose centres lie in it: x0, y0, x1, y1."""
+    x0, y0, x1, y1 = window
+    return (
+        _first_pixel(x0, width),
+        _first_pixel(y0, height),
+        _first_pixel(x1, width),
+        _first_pixel(y1, height),
+    )
 
 
 def _first_pixel(fraction, size):

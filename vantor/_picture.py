@@ -68,6 +68,10 @@ class Picture:
         """What the picture has: "color", and what else its pass was asked for."""
         return tuple(self._layers)
 
+    def layers(self):
+        """All of its numbers, for another Picture."""
+        return self._layers
+
     def buffer(self, name="color"):
         """The numbers as a memoryview of float32, (height, width, 3)."""
         return memoryview(self._layer(name)).cast("f", (self.height, self.width, 3))

@@ -156,9 +156,17 @@ class Scene:
         The filter is that of the imager "file". With wait=False the pass runs in a process of its
         own, and a Job is returned. Where no picture comes of it, SceneError says why.
         """
+        return self.render_for(script_place(), width, height, samples, window, aovs, filter,
+                               filter_width, wait)
+
+    # For the handles, and for the other parts of this package.
+
+    def render_for(self, place, width, height, samples=64, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
+                   filter=None, filter_width=None, wait=True, with_files=True):
+        """As render(), with the place of the script that its messages belong to; with_files=False
+        leaves out the file imager that the script has made last."""
         aovs = (aovs,) if isinstance(aovs, str) else tuple(aovs)
         filtering = {"filter": filter, "filter_width": filter_width}
-        place = script_place()
         _checks.tell_all(self, place)
         work = Pass(
             self,
@@ -166,6 +174,7 @@ class Scene:
             _native.numbers(window, (4,)),
             ("color", *(aov for aov in aovs if aov != "color")),
             {name: value for name, value in filtering.items() if value is not None},
+            with_files,
         )
         if not wait:
             return Job(work, self.strict, place)
@@ -180,8 +189,6 @@ class Scene:
         if not layers:
             raise SceneError(work.why_nothing(messages))
         return Picture.of_pass(work, layers)
-
-    # For the handles, and for the other parts of this package.
 
     def id_of(self, handle, kind=None):
         """The number of a handle of this scene, and of that kind."""

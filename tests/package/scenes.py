@@ -56,3 +56,12 @@ def run_script(script, *arguments, library=None, **environment):
     done = subprocess.run([sys.executable, "-c", script, *arguments], env=variables, timeout=120,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, universal_newlines=True)
     return done.returncode, done.stdout, done.stderr
+
+
+def is_ended(pid):
+    """Whether a process has ended and only waits for somebody to ask for its status."""
+    try:
+        with open("/proc/{}/stat".format(pid)) as file:
+            return file.read().rpartition(")")[2].split()[0] in "ZX"
+    except OSError:
+        return True

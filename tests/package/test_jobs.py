@@ -10,7 +10,7 @@ import unittest
 import warnings
 
 import vantor as vt
-from scenes import PackageTest, ball_scene, lit_scene, run_script
+from scenes import PackageTest, ball_scene, is_ended, lit_scene, run_script
 
 
 def children():
@@ -137,15 +137,6 @@ class JobTest(PackageTest):
             while os.path.exists("/proc/" + output.strip()) and not is_ended(output.strip()):
                 self.assertLess(time.monotonic(), deadline)
                 time.sleep(0.05)
-
-
-def is_ended(pid):
-    """Whether a process has ended and only waits for somebody to ask for its status."""
-    try:
-        with open("/proc/{}/stat".format(pid)) as file:
-            return file.read().rpartition(")")[2].split()[0] in "ZX"
-    except OSError:
-        return True
 
 
 if __name__ == "__main__":

@@ -1,0 +1,23 @@
+"""Files that are written whole or not at all."""
+
+import contextlib
+import os
+import tempfile
+
+
+def write_whole(path, data):
+    """Writes bytes under a temporary name beside the path, and then renames the file."""
+    folder, name = os.path.split(os.path.abspath(path))
+    descriptor, temporary = tempfile.mkstemp(prefix="." + name + ".", dir=folder)
+    try:
+        with open(descriptor, "wb") as file:
+            file.write(data)
+        # As any new file's: mkstemp lets nobody else read.
+        mask = os.umask(0)
+        os.umask(mask)
+        os.chmod(temporary, 0o666 & ~mask)
+        os.replace(temporary, path)
+    except BaseException:
+        with contextlib.suppress(OSError):
+            os.remove(temporary)
+        raise

@@ -1,0 +1,158 @@
+"""vantor.farm: frames and animations on many machines, by Dask's distributed scheduler.
+
+    import vantor.farm
+    from distributed import Client
+
+    picture = vantor.farm.render("scene.py", 1920, 1080, samples=256, client=Client(address))
+    vantor.farm.animate(build, range(100), "turn.{:04}.png", 640, 480, client=Client(address))
+
+A scene cannot travel: the function or the script that builds it does. Without a client nothing is
+started, and everything is rendered here; the pictures are the same, bit for bit.
+"""
+
+import os
+import tempfile
+
+from . import _native, _values
+from ._farm_jobs import (
+    AnimationJob,
+    FarmError,
+    FarmJob,
+    FrameJob,
+    check_open,
+    raise_failures,
+)
+from ._files import write_whole
+from ._messages import script_place
+from ._passes import pixel_window
+from ._picture import Picture
+from ._render_process import Piece, encoded
+from ._source import Source
+from ._windows import cut, fractions
+
+__all__ = ["AnimationJob", "FarmError", "FarmJob", "FrameJob", "animate", "render"]
+
+# So many pieces for each worker: fewer, and the last to finish is waited for; more, and each costs
+# its own preparation. bench/farm.py has figures.
+_PIECES_OF_A_WORKER = 4
+_LEAST_PIECES = 16
+
+
+def render(source, width, height, samples=64, *, client=None, frame=None, pieces=None,
+           window=(0.0, 0.0, 1.0, 1.0), aovs=(), filter=None, filter_width=None, wait=True):
+    """Renders a picture on the workers of a distributed.Client, in windows.
+
+    source is a function that returns a Scene, or the path of a script that makes one in the
+    variable "scene". A frame, if one is given, is the function's argument, or the script's variable
+    "frame". pieces is about how many windows the picture is cut into. Everything else is as for
+    Scene.render(): with wait=False, a FrameJob is returned, without a client a Job.
+    """
+    place = script_place()
+    source = Source(source)
+    options = {"aovs": aovs, "filter": filter, "filter_width": filter_width}
+    if client is None:
+        scene = source.build(frame)
+        return scene.render_for(place, width, height, samples, window, wait=wait, with_files=False,
+                                **options)
+    _check(client)
+    size = tuple(map(_values.integer, (width, height, samples)))
+    pixels = pixel_window(_native.numbers(window, (4,)), width, height)
+    if pixels[0] >= pixels[2] or pixels[1] >= pixels[3]:
+        raise ValueError("a picture of {} x {} has no pixels in the window {}".format(
+            width, height, tuple(window)))
+    count = pieces or max(_PIECES_OF_A_WORKER * len(client.nthreads()), _LEAST_PIECES)
+    parts = {
+        part: Piece(frame, size, fractions(part, width, height), options, place[:2], None)
+        for part in cut(pixels, _values.integer(count))
+    }
+    job = FrameJob(client, _pickled(source), parts, (width, height), pixels)
+    return job.result() if wait else job
+
+
+def animate(source, frames, path, width, height, samples=64, *, client=None, exposure=0.0,
+            display=None, filter=None, filter_width=None, again=False, wait=True):
+    """Renders frames into files, each on one worker of a distributed.Client.
+
+    source is as for render(); frames are what it is given, one after another, such as range(100).
+    path is that of a frame, by str.format: "turn.{:04}.png". Files that are there already are not
+    made again, unless again=True: what was stopped goes on where it was. Files are written by this
+    script, each when its frame is finished. Returns the paths; with wait=False, and a client, an
+    AnimationJob. If frames fail, the others are made all the same, and FarmError tells of it.
+    """
+    place = script_place()
+    source = Source(source)
+    frames = list(frames)
+    paths = _paths(frames, os.fspath(path))
+    ending = os.path.splitext(os.fspath(path))[1]
+    _check_format(ending, exposure, display)
+    size = tuple(map(_values.integer, (width, height, samples)))
+    options = {"filter": filter, "filter_width": filter_width}
+    finished = {name: not again and os.path.exists(name) for name in paths}
+    parts = {
+        name: Piece(frame, size, (0.0, 0.0, 1.0, 1.0), options, place[:2],
+                    (ending, exposure, display))
+        for name, frame in zip(paths, frames) if not finished[name]
+    }
+    if client is None:
+        if not wait:
+            raise TypeError("animate: wait=False needs a client")
+        return _animate_here(source, parts, finished, place)
+    _check(client)
+    job = AnimationJob(client, _pickled(source), parts, finished)
+    return job.result() if wait else job
+
+
+def _animate_here(source, parts, finished, place):
+    failures = []
+    for path, piece in parts.items():
+        try:
+            scene = source.build(piece.frame)
+            picture = scene.render_for(place, *piece.size, with_files=False, **piece.options)
+            write_whole(path, encoded(picture, *piece.file))
+        except Exception as error:
+            failures.append((path, error))
+    raise_failures(failures, len(finished))
+    return list(finished)
+
+
+def _paths(frames, pattern):
+    """The absolute path of each frame."""
+    try:
+        paths = [os.path.abspath(pattern.format(frame)) for frame in frames]
+    except (LookupError, ValueError, TypeError) as error:
+        raise ValueError('path: expected one such as "frame.{{:04}}.png", got {!r}: {}'.format(
+            pattern, error)) from None
+    if len(set(paths)) < len(paths):
+        raise ValueError('path: expected a name of its own for each frame, as by '
+                         '"frame.{{:04}}.png", got {!r}'.format(pattern))
+    for folder in sorted({os.path.dirname(path) for path in paths}):
+        if not os.path.isdir(folder):
+            raise FileNotFoundError("path: there is no folder {}".format(folder))
+    return paths
+
+
+def _check_format(ending, exposure, display):
+    """Tries to write a picture, before hours of work for one that cannot be."""
+    with tempfile.TemporaryDirectory(prefix="vantor-farm-") as folder:
+        black = Picture(1, 1, {"color": bytearray(12)})
+        black.save(os.path.join(folder, "black" + ending), exposure, display)
+
+
+def _check(client):
+    """That a client can be worked with."""
+    try:
+        from distributed import Client
+    except ImportError:
+        Client = ()
+    if not isinstance(client, Client):
+        raise TypeError("client: expected a distributed.Client or None, got {!r}".format(client))
+    if client.asynchronous:
+        raise TypeError("client: expected one that is not asynchronous; jobs can be awaited")
+    check_open(client)
+
+
+def _pickled(source):
+    """The source, with functions of the script itself as a whole."""
+    import cloudpickle
+
+    return cloudpickle.dumps(source)
