@@ -29,6 +29,7 @@ from ._handles import (
     Texture,
     Trimmer,
 )
+from . import _help
 from ._job import Job, JobError
 from ._messages import SceneError, SceneWarning
 from ._models import Model, load
@@ -37,6 +38,8 @@ from ._scene import Scene
 from ._transforms import Transform, look_at, matrix, rotate, scale, translate
 from ._values import to_numpy
 from ._vocabulary import vocabulary
+
+_help.document()
 
 __all__ = [
     "Camera",

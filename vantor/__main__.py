@@ -9,10 +9,10 @@
 import argparse
 import os
 import platform
-import runpy
 import sys
 
-from . import Scene, SceneError, _native, load, vocabulary
+from . import SceneError, _native, farm, load, vocabulary
+from ._source import NoSceneError, Source
 from ._studio import scene_of_model
 from ._vocabulary import ALL
 
@@ -28,14 +28,15 @@ def size_of(text):
 
 def render(arguments):
     """The script makes a Scene in the variable "scene"; what it keeps for __main__ does not run."""
-    folder = os.path.dirname(os.path.abspath(arguments.script))
-    sys.path.insert(0, folder)
-    names = runpy.run_path(arguments.script, run_name="__vantor__")
-    scene = names.get("scene")
-    if not isinstance(scene, Scene):
-        raise SystemExit('vantor: {} makes no vantor.Scene in the variable "scene"'.format(
-            arguments.script))
-    draw(scene, arguments)
+    if arguments.scheduler is None:
+        return draw(Source(arguments.script).build(), arguments)
+    try:
+        from distributed import Client
+    except ImportError:
+        raise SystemExit("vantor: --scheduler needs distributed (Debian: python3-distributed)")
+    with Client(arguments.scheduler) as client:
+        size = (*arguments.size, arguments.samples)
+        save(farm.render(arguments.script, *size, client=client), arguments)
 
 
 def show(arguments):
@@ -43,7 +44,11 @@ def show(arguments):
 
 
 def draw(scene, arguments):
-    picture = scene.render(*arguments.size, samples=arguments.samples)
+    size = (*arguments.size, arguments.samples)
+    save(scene.render(*size), arguments)
+
+
+def save(picture, arguments):
     picture.save(arguments.output, exposure=arguments.exposure)
     print(arguments.output)
 
@@ -102,6 +107,8 @@ def parser():
     rendering = command("render", render, "Renders the scene that a script describes.")
     rendering.add_argument("script")
     add_picture_options(rendering, "out.png")
+    rendering.add_argument("--scheduler", metavar="ADDRESS",
+                           help="of a cluster of Dask distributed whose workers render")
     showing = command("show", show, "Renders a model file, on a ground under a sky.")
     showing.add_argument("model")
     add_picture_options(showing, "out.png")
@@ -115,7 +122,7 @@ def main(arguments=None):
     chosen = parser().parse_args(arguments)
     try:
         chosen.run(chosen)
-    except (OSError, LookupError, SceneError) as error:
+    except (OSError, LookupError, NoSceneError, SceneError, farm.FarmError) as error:
         message = error.args[0] if isinstance(error, LookupError) else error
         raise SystemExit("vantor: {}".format(message)) from None
 

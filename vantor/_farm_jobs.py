@@ -12,6 +12,7 @@ import weakref
 
 from ._files import write_whole
 from ._messages import SceneWarning
+from ._progress import wait_with_bar
 from ._render_process import Renderer
 from ._windows import Canvas
 
@@ -56,13 +57,15 @@ class FarmJob:
         """Stops all workers' pieces. What is finished by then is the result."""
         self._collector.cancel()
 
-    def result(self, timeout=None):
-        """Waits for the result. Raises what the function or the script that builds the scene has
-        raised, SceneError if there is no picture, FarmError for what went wrong on the way,
-        CancelledError if it was cancelled before anything was finished, and TimeoutError after the
-        timeout, in seconds; the job then goes on."""
+    def result(self, timeout=None, *, progress=False):
+        """Waits for the result; with progress, under a bar of tqdm. Raises what the function or the
+        script that builds the scene has raised, SceneError if there is no picture, FarmError for
+        what went wrong on the way, CancelledError if it was cancelled before anything was finished,
+        and TimeoutError after the timeout, in seconds; the job then goes on."""
         # Not for ever: on some systems Ctrl-C does not wake up who waits for a thread.
         end = None if timeout is None else time.monotonic() + timeout
+        if progress:
+            wait_with_bar(self, "render", end)
         while not self.done():
             left = 1.0 if end is None else end - time.monotonic()
             if left <= 0:

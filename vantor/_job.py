@@ -18,6 +18,8 @@ from . import _native
 from ._children import forking, how_ended, kill_child, start_child, waited
 from ._messages import SceneError, tell
 from ._picture import Picture
+from ._progress import wait_with_bar
+
 
 class JobError(RuntimeError):
     """The process of a job has ended without a result."""
@@ -73,11 +75,13 @@ class Job:
             self._is_cancelled = True
             os.kill(self._pid, signal.SIGINT)
 
-    def result(self, timeout=None):
-        """Waits for the Picture. Raises SceneError if there is none, JobError if the process has
-        crashed, CancelledError if it was cancelled before a pixel was finished, and TimeoutError
-        after the timeout, in seconds; the job then goes on."""
+    def result(self, timeout=None, *, progress=False):
+        """Waits for the Picture; with progress, under a bar of tqdm. Raises SceneError if there is
+        none, JobError if the process has crashed, CancelledError if it was cancelled before a pixel
+        was finished, and TimeoutError after the timeout, in seconds; the job then goes on."""
         end = None if timeout is None else time.monotonic() + timeout
+        if progress:
+            wait_with_bar(self, "render", end)
         while not self.done():
             left = None if end is None else end - time.monotonic()
             if left is not None and left <= 0:

@@ -147,22 +147,24 @@ class Scene:
         self._call("radiosity")
 
     def render(self, width, height, samples=64, *, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
-               filter=None, filter_width=None, wait=True):
+               filter=None, filter_width=None, wait=True, progress=False):
         """Renders a picture.
 
         width and height are those of the whole picture, in pixels; samples are for each pixel. The
         window, x0 y0 x1 y1 in fractions from the upper left corner, is the part that is rendered.
         aovs are names of further values, such as "albedo" and "depth", which the Picture then has.
         The filter is that of the imager "file". With wait=False the pass runs in a process of its
-        own, and a Job is returned. Where no picture comes of it, SceneError says why.
+        own, and a Job is returned. With progress=True, it is waited for such a Job under a bar of
+        tqdm. Where no picture comes of it, SceneError says why.
         """
         return self.render_for(script_place(), width, height, samples, window, aovs, filter,
-                               filter_width, wait)
+                               filter_width, wait, progress)
 
     # For the handles, and for the other parts of this package.
 
     def render_for(self, place, width, height, samples=64, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
-                   filter=None, filter_width=None, wait=True, with_files=True):
+                   filter=None, filter_width=None, wait=True, progress=False,
+                   with_files=True):
         """As render(), with the place of the script that its messages belong to; with_files=False
         leaves out the file imager that the script has made last."""
         aovs = (aovs,) if isinstance(aovs, str) else tuple(aovs)
@@ -178,6 +180,8 @@ class Scene:
         )
         if not wait:
             return Job(work, self.strict, place)
+        if progress:
+            return Job(work, self.strict, place).result(progress=True)
         messages = []
         try:
             work.prepare(self.folder())

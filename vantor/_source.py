@@ -6,6 +6,10 @@ import sys
 from ._scene import Scene
 
 
+class NoSceneError(TypeError):
+    """A source has built something else."""
+
+
 class Source:
     """A function that returns a Scene, or the path of a script that makes one in the variable
     "scene". It can be pickled: of a script, the text travels."""
@@ -33,8 +37,9 @@ class Source:
         else:
             scene = self._run(frame)
         if not isinstance(scene, Scene):
-            raise TypeError("{} {}".format(self, "returns no vantor.Scene" if self._function else
-                                           'makes no vantor.Scene in the variable "scene"'))
+            what = ("returns no vantor.Scene" if self._function else
+                    'makes no vantor.Scene in the variable "scene"')
+            raise NoSceneError("{} {}".format(self, what))
         return scene
 
     def _run(self, frame):

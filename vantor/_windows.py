@@ -4,9 +4,9 @@ import math
 
 from ._picture import Picture
 
-# Pieces begin and end at multiples of this. The renderer works on blocks of 4 x 4 pixels, and
-# renders those twice that two windows share; 16 leaves a block of its own to other renderers.
-_GRID = 16
+# Pieces begin and end at multiples of this: the renderer works on blocks of 4 x 4 pixels, and those
+# that two windows share would be rendered twice.
+_GRID = 8
 
 _PIXEL = 12  # bytes
 

@@ -34,18 +34,20 @@ __all__ = ["AnimationJob", "FarmError", "FarmJob", "FrameJob", "animate", "rende
 
 # So many pieces for each worker: fewer, and the last to finish is waited for; more, and each costs
 # its own preparation. bench/farm.py has figures.
-_PIECES_OF_A_WORKER = 4
+_PIECES_OF_A_WORKER = 8
 _LEAST_PIECES = 16
 
 
 def render(source, width, height, samples=64, *, client=None, frame=None, pieces=None,
-           window=(0.0, 0.0, 1.0, 1.0), aovs=(), filter=None, filter_width=None, wait=True):
+           window=(0.0, 0.0, 1.0, 1.0), aovs=(), filter=None, filter_width=None, wait=True,
+           progress=False):
     """Renders a picture on the workers of a distributed.Client, in windows.
 
     source is a function that returns a Scene, or the path of a script that makes one in the
     variable "scene". A frame, if one is given, is the function's argument, or the script's variable
     "frame". pieces is about how many windows the picture is cut into. Everything else is as for
-    Scene.render(): with wait=False, a FrameJob is returned, without a client a Job.
+    Scene.render(): with wait=False, a FrameJob is returned, without a client a Job; with
+    progress=True, a bar is shown.
     """
     place = script_place()
     source = Source(source)
@@ -53,7 +55,7 @@ def render(source, width, height, samples=64, *, client=None, frame=None, pieces
     if client is None:
         scene = source.build(frame)
         return scene.render_for(place, width, height, samples, window, wait=wait, with_files=False,
-                                **options)
+                                progress=progress, **options)
     _check(client)
     size = tuple(map(_values.integer, (width, height, samples)))
     pixels = pixel_window(_native.numbers(window, (4,)), width, height)
@@ -66,18 +68,20 @@ def render(source, width, height, samples=64, *, client=None, frame=None, pieces
         for part in cut(pixels, _values.integer(count))
     }
     job = FrameJob(client, _pickled(source), parts, (width, height), pixels)
-    return job.result() if wait else job
+    return job.result(progress=progress) if wait else job
 
 
 def animate(source, frames, path, width, height, samples=64, *, client=None, exposure=0.0,
-            display=None, filter=None, filter_width=None, again=False, wait=True):
+            display=None, filter=None, filter_width=None, again=False, wait=True,
+            progress=False):
     """Renders frames into files, each on one worker of a distributed.Client.
 
     source is as for render(); frames are what it is given, one after another, such as range(100).
     path is that of a frame, by str.format: "turn.{:04}.png". Files that are there already are not
     made again, unless again=True: what was stopped goes on where it was. Files are written by this
     script, each when its frame is finished. Returns the paths; with wait=False, and a client, an
-    AnimationJob. If frames fail, the others are made all the same, and FarmError tells of it.
+    AnimationJob. If frames fail, the others are made all the same, and FarmError tells of it. With
+    progress=True, a bar is shown: of all frames, without a client of each.
     """
     place = script_place()
     source = Source(source)
@@ -96,18 +100,19 @@ def animate(source, frames, path, width, height, samples=64, *, client=None, exp
     if client is None:
         if not wait:
             raise TypeError("animate: wait=False needs a client")
-        return _animate_here(source, parts, finished, place)
+        return _animate_here(source, parts, finished, place, progress)
     _check(client)
     job = AnimationJob(client, _pickled(source), parts, finished)
-    return job.result() if wait else job
+    return job.result(progress=progress) if wait else job
 
 
-def _animate_here(source, parts, finished, place):
+def _animate_here(source, parts, finished, place, progress):
     failures = []
     for path, piece in parts.items():
         try:
             scene = source.build(piece.frame)
-            picture = scene.render_for(place, *piece.size, with_files=False, **piece.options)
+            picture = scene.render_for(place, *piece.size, with_files=False, progress=progress,
+                                       **piece.options)
             write_whole(path, encoded(picture, *piece.file))
         except Exception as error:
             failures.append((path, error))

@@ -6,6 +6,7 @@ import sys
 import unittest
 
 import vantor as vt
+import vantorPM
 from scenes import PackageTest
 from test_models import binary_ply, why_not
 
@@ -38,6 +39,12 @@ class CommandTest(PackageTest):
         self.assertEqual(self.vantor(*asked), (0, "a.exr\n", ""))
         picture = vt.Picture.load(self.path("a.exr"))
         self.assertEqual((picture.width, picture.height), (20, 10))
+
+    def test_help(self):
+        self.assertIn("vantor.vocabulary()", vantorPM.__doc__)
+        for kind, name in (("camera", "perspective"), ("light", "spot"), ("object", "sphere")):
+            self.assertIn('"{}"'.format(name), getattr(vt.Scene, kind).__doc__)
+        self.assertIn("samples", vt.Scene.render.__doc__)
 
     @unittest.skipIf(why_not, why_not)
     def test_show(self):

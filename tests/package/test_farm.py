@@ -63,7 +63,7 @@ class WindowsTest(unittest.TestCase):
                 x0, y0, x1, y1 = window
                 self.assertEqual(sorted(pixels),
                                  [(x, y) for x in range(x0, x1) for y in range(y0, y1)])
-                self.assertLessEqual(len(parts), max(4, 3 * count) + (x1 + y1) // 16)
+                self.assertLessEqual(len(parts), max(4, 3 * count) + (x1 + y1) // 8)
 
     def test_fractions_name_the_same_pixels(self):
         from vantor._passes import pixel_window

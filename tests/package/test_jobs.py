@@ -2,6 +2,8 @@
 
 import asyncio
 import concurrent.futures
+import contextlib
+import io
 import os
 import signal
 import threading
@@ -11,6 +13,11 @@ import warnings
 
 import vantor as vt
 from scenes import PackageTest, ball_scene, is_ended, lit_scene, run_script
+
+try:
+    import tqdm
+except ImportError:
+    tqdm = None
 
 
 def children():
@@ -70,6 +77,19 @@ class JobTest(PackageTest):
         self.assertNotIn("/", str(said[0].message))
         self.assertGreater(max(picture.buffer().cast("B").cast("f")), 0)
         job.cancel()  # of one that is done: nothing
+
+    @unittest.skipUnless(tqdm, "this interpreter has no tqdm (Debian: python3-tqdm)")
+    def test_a_bar_is_shown(self):
+        shown = io.StringIO()
+        with contextlib.redirect_stderr(shown):
+            picture = ball_scene().render(20, 15, 4, progress=True)
+        self.assertIn("render: 100%", shown.getvalue())
+        self.assertEqual(bytes(picture.buffer()), bytes(ball_scene().render(20, 15, 4).buffer()))
+
+    @unittest.skipIf(tqdm, "this interpreter has tqdm")
+    def test_a_bar_that_cannot_be_shown_is_said(self):
+        self.assertRaisesRegex(ImportError, "needs tqdm", ball_scene().render, 20, 15, 4,
+                               progress=True)
 
     def test_cancelling_at_once(self):
         job = long_job()
