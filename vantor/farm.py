@@ -33,9 +33,11 @@ from ._windows import cut, fractions
 __all__ = ["AnimationJob", "FarmError", "FarmJob", "FrameJob", "animate", "render"]
 
 # So many pieces for each worker: fewer, and the last to finish is waited for; more, and each costs
-# its own preparation. bench/farm.py has figures.
+# its own preparation. More in all than the last, and the scheduler has no time for them. See
+# bench/farm.py.
 _PIECES_OF_A_WORKER = 8
 _LEAST_PIECES = 16
+_MOST_PIECES = 2000
 
 
 def render(source, width, height, samples=64, *, client=None, frame=None, pieces=None,
@@ -62,7 +64,8 @@ def render(source, width, height, samples=64, *, client=None, frame=None, pieces
     if pixels[0] >= pixels[2] or pixels[1] >= pixels[3]:
         raise ValueError("a picture of {} x {} has no pixels in the window {}".format(
             width, height, tuple(window)))
-    count = pieces or max(_PIECES_OF_A_WORKER * len(client.nthreads()), _LEAST_PIECES)
+    workers = len(client.nthreads())
+    count = pieces or max(min(_PIECES_OF_A_WORKER * workers, _MOST_PIECES), _LEAST_PIECES, workers)
     parts = {
         part: Piece(frame, size, fractions(part, width, height), options, place[:2], None)
         for part in cut(pixels, _values.integer(count))
