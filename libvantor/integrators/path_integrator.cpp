@@ -39,17 +39,21 @@ void PathIntegrator::trace(std::span<Path> paths) const {
     Wave wave(paths, world, first_dimension);
     for (int step = 0; step < most_steps && !wave.is_over(); ++step) {
         wave.intersect(world.tracer, step == 0);
-        scatter_in_media(wave);
-        add_emission(wave);
-        pass_through(wave);
-        record_first_hits(wave);
-        end_at_limits(wave);
-        look_irradiance_up(wave);
-        prepare_bsdfs(wave);
-        sample_direct_light(wave);
+        wave.for_each_chunk([&](std::span<Vertex> vertices) {
+            scatter_in_media(wave, vertices);
+            add_emission(vertices);
+            pass_through(wave, vertices);
+            record_first_hits(wave, vertices);
+            end_at_limits(vertices);
+            look_irradiance_up(vertices);
+            prepare_bsdfs(vertices);
+            sample_direct_light(wave, vertices);
+        });
         trace_shadow_rays(wave);
-        scatter(wave);
-        play_roulette(wave);
+        wave.for_each_chunk([&](std::span<Vertex> vertices) {
+            scatter(wave, vertices);
+            play_roulette(wave, vertices);
+        });
         wave.advance();
     }
 }
@@ -63,10 +67,10 @@ Color PathIntegrator::clamped(Color radiance, bool is_indirect) const {
 }
 
 // Where the ray goes through a medium, it may be scattered there before it reaches a surface.
-void PathIntegrator::scatter_in_media(Wave &wave) const {
+void PathIntegrator::scatter_in_media(Wave &wave, std::span<Vertex> vertices) const {
     if (!world.has_media)
         return;
-    for (Vertex &vertex : wave.vertices()) {
+    for (Vertex &vertex : vertices) {
         Path &path = *vertex.path;
         if (path.media.innermost() == MediumStack::none)
             continue;
@@ -111,8 +115,8 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
 
 // Emitted light that the ray has found. Where direct light at the vertex before could have found it too, the two are
 // weighed by their pdfs.
-void PathIntegrator::add_emission(Wave &wave) const {
-    for (Vertex &vertex : wave.vertices()) {
+void PathIntegrator::add_emission(std::span<Vertex> vertices) const {
+    for (Vertex &vertex : vertices) {
         Path &path = *vertex.path;
         if (vertex.kind == Kind::Surface) {
             const Hit &hit = *vertex.hit;
@@ -135,10 +139,10 @@ void PathIntegrator::add_emission(Wave &wave) const {
 }
 
 // Through a surface that is not quite opaque, paths go straight on by chance.
-void PathIntegrator::pass_through(Wave &wave) const {
+void PathIntegrator::pass_through(const Wave &wave, std::span<Vertex> vertices) const {
     if (world.is_opaque)
         return;
-    for (Vertex &vertex : wave.vertices()) {
+    for (Vertex &vertex : vertices) {
         if (vertex.kind != Kind::Surface)
             continue;
         const float opacity = vertex.surface->opacity();
@@ -151,25 +155,25 @@ void PathIntegrator::pass_through(Wave &wave) const {
     }
 }
 
-void PathIntegrator::record_first_hits(Wave &wave) const {
+void PathIntegrator::record_first_hits(const Wave &wave, std::span<const Vertex> vertices) const {
     if (!wave.has_aovs())
         return;
-    for (const Vertex &vertex : wave.vertices())
+    for (const Vertex &vertex : vertices)
         if (vertex.kind == Kind::Surface && vertex.path->aovs && vertex.path->bounces == 0)
             vertex.path->aovs->record(*vertex.hit, *vertex.surface, placement_at(*vertex.hit));
 }
 
-void PathIntegrator::end_at_limits(Wave &wave) const {
-    for (Vertex &vertex : wave.vertices())
+void PathIntegrator::end_at_limits(std::span<Vertex> vertices) const {
+    for (Vertex &vertex : vertices)
         if (vertex.is_scattering() && (vertex.path->finds_only_lights || vertex.path->bounces >= settings.max_bounces))
             vertex.kind = Kind::Ended;
 }
 
 // Indirect light that is known beforehand. All that is left to the path is direct light.
-void PathIntegrator::look_irradiance_up(Wave &wave) const {
+void PathIntegrator::look_irradiance_up(std::span<const Vertex> vertices) const {
     if (!indirect.cache)
         return;
-    for (const Vertex &vertex : wave.vertices()) {
+    for (const Vertex &vertex : vertices) {
         Path &path = *vertex.path;
         if (vertex.kind != Kind::Surface || !vertex.surface->is_diffuse() ||
             path.diffuse_surfaces++ < indirect.surfaces_before)
@@ -182,14 +186,14 @@ void PathIntegrator::look_irradiance_up(Wave &wave) const {
     }
 }
 
-void PathIntegrator::prepare_bsdfs(Wave &wave) const {
-    for (Vertex &vertex : wave.vertices())
+void PathIntegrator::prepare_bsdfs(std::span<Vertex> vertices) const {
+    for (Vertex &vertex : vertices)
         if (vertex.kind == Kind::Surface)
             vertex.bsdf.emplace(InPlace{*vertex.surface});
 }
 
-void PathIntegrator::sample_direct_light(Wave &wave) const {
-    for (const Vertex &vertex : wave.vertices()) {
+void PathIntegrator::sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const {
+    for (const Vertex &vertex : vertices) {
         if (vertex.kind == Kind::Surface && !vertex.surface->is_specular())
             light_surface(wave, vertex);
         else if (vertex.kind == Kind::Medium && !vertex.is_ray_lit)
@@ -237,8 +241,8 @@ void PathIntegrator::trace_shadow_rays(Wave &wave) const {
         [&](std::uint32_t receiver, Color radiance) { vertices[receiver].path->radiance += radiance; });
 }
 
-void PathIntegrator::scatter(Wave &wave) const {
-    for (Vertex &vertex : wave.vertices())
+void PathIntegrator::scatter(const Wave &wave, std::span<Vertex> vertices) const {
+    for (Vertex &vertex : vertices)
         if (vertex.is_scattering() &&
             !(vertex.kind == Kind::Surface ? scatter_at_surface(wave, vertex) : scatter_at_point(vertex)))
             vertex.kind = Kind::Ended;
@@ -273,8 +277,8 @@ bool PathIntegrator::scatter_at_point(const Vertex &vertex) const {
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle
 // Transport and Image Synthesis", 1990).
-void PathIntegrator::play_roulette(Wave &wave) const {
-    for (Vertex &vertex : wave.vertices()) {
+void PathIntegrator::play_roulette(const Wave &wave, std::span<Vertex> vertices) const {
+    for (Vertex &vertex : vertices) {
         if (!vertex.is_scattering())
             continue;
         Path &path = *vertex.path;

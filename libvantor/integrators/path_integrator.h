@@ -29,18 +29,19 @@ class PathIntegrator {
     void trace(std::span<Path> paths) const;
 
   private:
-    // The stages of a step, in their order. Each works on all vertices of a wave, and decides which go on.
-    void scatter_in_media(Wave &wave) const;
-    void add_emission(Wave &wave) const;
-    void pass_through(Wave &wave) const;
-    void record_first_hits(Wave &wave) const;
-    void end_at_limits(Wave &wave) const;
-    void look_irradiance_up(Wave &wave) const;
-    void prepare_bsdfs(Wave &wave) const;
-    void sample_direct_light(Wave &wave) const;
-    void trace_shadow_rays(Wave &wave) const;
-    void scatter(Wave &wave) const;
-    void play_roulette(Wave &wave) const;
+    // The stages of a step, in their order. Each works on some vertices of a wave, and decides which go on. None is
+    // inlined: into several functions, the compiler inlines what they call; into a very large one, it does not.
+    [[gnu::noinline]] void scatter_in_media(Wave &wave, std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void add_emission(std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void pass_through(const Wave &wave, std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void record_first_hits(const Wave &wave, std::span<const Vertex> vertices) const;
+    [[gnu::noinline]] void end_at_limits(std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void look_irradiance_up(std::span<const Vertex> vertices) const;
+    [[gnu::noinline]] void prepare_bsdfs(std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const;
+    [[gnu::noinline]] void trace_shadow_rays(Wave &wave) const;
+    [[gnu::noinline]] void scatter(const Wave &wave, std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void play_roulette(const Wave &wave, std::span<Vertex> vertices) const;
 
     // What stages do with a single vertex.
     void light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 light, float length) const;

@@ -31,6 +31,9 @@ struct Vertex {
     std::optional<Surface> surface;  ///< At the hit, where there is one.
     std::optional<SurfaceBsdf> bsdf; ///< Of the surface, if it scatters the path.
 
+    // Not that of the compiler, which would fill the rooms for surface and BSDF with zeros first.
+    Vertex() {} // NOLINT(modernize-use-equals-default)
+
     bool is_scattering() const { return kind == Kind::Surface || kind == Kind::Medium; }
     bool goes_on() const { return is_scattering() || kind == Kind::Passed; }
 };
@@ -53,7 +56,7 @@ class Wave {
 
     Wave(std::span<Path> paths, const World &world, std::uint32_t first_dimension)
         : direct_light(world), dimension(first_dimension), rays(paths.size()), hits(paths.size()),
-          samplers(paths.size()), points(paths.size()), all(paths.size()) {
+          samplers(paths.size()), light_points(paths.size()), next_directions(paths.size()), all(paths.size()) {
         growing.reserve(paths.size());
         for (Path &path : paths)
             if (is_traceable(path.ray.origin, path.ray.direction))
@@ -74,18 +77,24 @@ class Wave {
             samplers[i] = growing[i]->sampler;
         }
         tracer.intersect(std::span(rays).first(count), are_coherent, hits);
+        get_2d_of(std::span(samplers).first(count), dimension + light_point, light_points);
+        get_2d_of(std::span(samplers).first(count), dimension + next_direction, next_directions);
         for (std::size_t i = 0; i < count; ++i) {
-            all[i].kind = hits[i].exists ? Vertex::Kind::Surface : Vertex::Kind::Escaped;
-            all[i].is_ray_lit = false;
-            all[i].path = growing[i];
-            all[i].hit = &hits[i];
+            Vertex &vertex = all[i];
+            vertex.kind = hits[i].exists ? Vertex::Kind::Surface : Vertex::Kind::Escaped;
+            vertex.is_ray_lit = false;
+            vertex.path = growing[i];
+            vertex.hit = &hits[i];
+            vertex.light_point = light_points[i];
+            vertex.next_direction = next_directions[i];
         }
-        get_2d_of(std::span(samplers).first(count), dimension + light_point, points);
-        for (std::size_t i = 0; i < count; ++i)
-            all[i].light_point = points[i];
-        get_2d_of(std::span(samplers).first(count), dimension + next_direction, points);
-        for (std::size_t i = 0; i < count; ++i)
-            all[i].next_direction = points[i];
+    }
+
+    /// Calls work for some vertices after the others: as many as stay in the first cache from one stage to the next.
+    template <class Work> void for_each_chunk(Work work) {
+        constexpr std::size_t size = 16;
+        for (std::span<Vertex> rest = vertices(); !rest.empty(); rest = rest.subspan(std::min(size, rest.size())))
+            work(rest.first(std::min(size, rest.size())));
     }
 
     // The other samples of the present step, made where they are needed.
@@ -118,7 +127,8 @@ class Wave {
     std::vector<Ray> rays;
     std::vector<Hit> hits;
     std::vector<Sampler> samplers;
-    std::vector<Point2f> points;
+    std::vector<Point2f> light_points;
+    std::vector<Point2f> next_directions;
     std::vector<Vertex> all;
 };
 
