@@ -131,10 +131,10 @@ float Raster::alpha_at(int x, int y) const {
         return 1;
     const std::size_t place = index(x, y) + channels - 1;
     if (const auto *bytes = std::get_if<Samples<std::uint8_t>>(&samples))
-        return alphas[(*bytes)[place]];
+        return alphas[bytes->get()[place]];
     if (const auto *words = std::get_if<Samples<std::uint16_t>>(&samples))
-        return alphas[(*words)[place]];
-    return (*std::get_if<Samples<float>>(&samples))[place];
+        return alphas[words->get()[place]];
+    return std::get_if<Samples<float>>(&samples)->get()[place];
 }
 
 Color Raster::divided(const std::uint16_t *pixel) const {
