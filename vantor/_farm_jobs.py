@@ -22,7 +22,7 @@ _INTERVAL = 0.05  # seconds between looks at what has come
 _renderer = Renderer()
 
 # In which Python notes what warnings it has shown.
-_shown = {}
+_shown: dict = {}
 
 
 class FarmError(RuntimeError):

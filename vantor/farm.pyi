@@ -14,7 +14,10 @@ _Source = Union[Callable[..., Scene], str, "os.PathLike[str]"]
 
 class FarmError(RuntimeError): ...
 
+# Jobs are made by render() and animate().
+
 class FarmJob(Awaitable[_Result], Generic[_Result]):
+    def __init__(self, client: Any, pickled_source: bytes, pieces: Any) -> None: ...
     @property
     def progress(self) -> float: ...
     @property
@@ -25,9 +28,15 @@ class FarmJob(Awaitable[_Result], Generic[_Result]):
     def __await__(self) -> Generator[Any, None, _Result]: ...
 
 class FrameJob(FarmJob[Picture]):
+    def __init__(
+        self, client: Any, pickled_source: bytes, pieces: Any, size: Any, window: Any
+    ) -> None: ...
     def preview(self) -> Optional[Picture]: ...
 
-class AnimationJob(FarmJob[List[str]]): ...
+class AnimationJob(FarmJob[List[str]]):
+    def __init__(
+        self, client: Any, pickled_source: bytes, pieces: Any, finished: Any
+    ) -> None: ...
 
 @overload
 def render(
