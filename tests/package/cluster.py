@@ -30,7 +30,7 @@ class Cluster:
             for _ in range(3):
                 self._start_worker()
             self.client = self.new_client()
-            self.client.wait_for_workers(3)
+            self.client.wait_for_workers(3, timeout=120)
         except BaseException:
             self.close()
             raise
@@ -66,7 +66,7 @@ class Cluster:
     def replace_worker(self):
         """Starts another for one that was killed."""
         self._start_worker()
-        self.client.wait_for_workers(3)
+        self.client.wait_for_workers(3, timeout=120)
 
     def children(self):
         """How many processes the workers have started that are there."""

@@ -4,6 +4,7 @@ import collections
 import concurrent.futures
 import functools
 import os
+import sys
 import time
 import unittest
 import warnings
@@ -68,6 +69,8 @@ def crash():
 
 @unittest.skipUnless(distributed, "this interpreter has no distributed (Debian: "
                                   "python3-distributed, for /usr/bin/python3)")
+@unittest.skipIf(hasattr(sys, "gettotalrefcount"),
+                 "the farm has no compiled part for a debug build of the interpreter to look into")
 class ClusterTest(PackageTest):
     @classmethod
     def setUpClass(cls):
@@ -82,7 +85,9 @@ class ClusterTest(PackageTest):
 
     def wait_until(self, holds, job=None):
         """Waits for what must come, of a job while it runs."""
+        end = time.monotonic() + 300
         while not holds():
+            self.assertLess(time.monotonic(), end, self.cluster.log())
             if job and job.done():
                 self.fail("the job is over: {}".format(job.result()))
             time.sleep(0.01)

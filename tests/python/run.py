@@ -72,7 +72,7 @@ def main():
         print("skipped: {}: {}".format(test, reason))
     failed = result.count("failed")
     print("{} passed, {} failed".format(result.count("passed"), failed), flush=True)
-    return 1 if failed or result.testsRun == 0 else 0
+    return 1 if failed or not (result.testsRun or result.skipped) else 0
 
 
 if __name__ == "__main__":
