@@ -29,8 +29,9 @@ class PathIntegrator {
     void trace(std::span<Path> paths) const;
 
   private:
-    // The stages of a step, in their order. Each works on some vertices of a wave, and decides which go on. None is
-    // inlined: into several functions, the compiler inlines what they call; into a very large one, it does not.
+    // The stages of a step, in their order. Each works on some vertices of a wave (shadow rays are traced for all of
+    // them at once) and decides which go on. They are kept apart because g++ inlines the small functions that they call
+    // into each of them, but not into one very large function.
     [[gnu::noinline]] void scatter_in_media(Wave &wave, std::span<Vertex> vertices) const;
     [[gnu::noinline]] void add_emission(std::span<Vertex> vertices) const;
     [[gnu::noinline]] void pass_through(const Wave &wave, std::span<Vertex> vertices) const;

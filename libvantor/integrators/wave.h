@@ -31,7 +31,7 @@ struct Vertex {
     std::optional<Surface> surface;  ///< At the hit, where there is one.
     std::optional<SurfaceBsdf> bsdf; ///< Of the surface, if it scatters the path.
 
-    // Not that of the compiler, which would fill the rooms for surface and BSDF with zeros first.
+    // Not defaulted: value-initialization would then fill the storage of surface and BSDF with zeros first.
     Vertex() {} // NOLINT(modernize-use-equals-default)
 
     bool is_scattering() const { return kind == Kind::Surface || kind == Kind::Medium; }
@@ -90,7 +90,8 @@ class Wave {
         }
     }
 
-    /// Calls work for some vertices after the others: as many as stay in the first cache from one stage to the next.
+    /// Calls work for all vertices in chunks, in their order. A chunk is small enough to stay in the first-level cache
+    /// from one stage to the next.
     template <class Work> void for_each_chunk(Work work) {
         constexpr std::size_t size = 16;
         for (std::span<Vertex> rest = vertices(); !rest.empty(); rest = rest.subspan(std::min(size, rest.size())))

@@ -70,7 +70,7 @@ def crash():
 @unittest.skipUnless(distributed, "this interpreter has no distributed (Debian: "
                                   "python3-distributed, for /usr/bin/python3)")
 @unittest.skipIf(hasattr(sys, "gettotalrefcount"),
-                 "the farm has no compiled part for a debug build of the interpreter to look into")
+                 "not tried under a debug build: it has no compiled part to check for leaks")
 class ClusterTest(PackageTest):
     @classmethod
     def setUpClass(cls):
