@@ -83,7 +83,7 @@ AccelerationStructure::Placed AccelerationStructure::place(std::size_t index, co
                                                            const Interrupt &interrupt) {
     const Affine map = to_float(placement.world_from_object);
     const bool is_instance = form == Form::Instance || form == Form::ManyInstances;
-    Placed result{form, {}, {{}, map.normals, map.offset, 1, is_instance, nullptr}};
+    Placed result{form, {}, {{}, map, 1, is_instance, nullptr}};
     HitDecoding &decoding = result.decoding;
     if (is_instance) {
         const SharedScene &object = shared_scene(*placement.object, interrupt);

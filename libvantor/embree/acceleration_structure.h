@@ -15,8 +15,7 @@ struct Instancer;
 /// How Embree's hits on a placement are to be read.
 struct HitDecoding {
     HitFormat format;
-    Linear normals;             ///< World from object.
-    Vec3 offset;                ///< Of points, likewise.
+    Affine map;                 ///< World from object, but for instances.
     float front;                ///< -1 where a copy in world space is mirrored and its winding turned round.
     bool is_instance;           ///< Embree's normal is in object space.
     const Instancer *instancer; ///< The placement's instances; null if it has none of its own.

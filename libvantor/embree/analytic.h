@@ -17,6 +17,13 @@ template <Analytic Kind> struct PlacedShape {
     const Object *trimmed; ///< The object, if it is trimmed; the scene's space is its own then. Else null.
 };
 
+/// The point of a part that is nearest to one next to it, or nearly so: what rounding has moved off the surface lies on
+/// it again.
+template <Analytic Kind> Double3 nearest_on_surface(const void *placed_shape, std::uint32_t part, Double3 point) {
+    const auto &placed = *static_cast<const PlacedShape<Kind> *>(placed_shape);
+    return placed.map.point(on_surface(*placed.kind, part, placed.map.point_back(point)));
+}
+
 namespace callbacks {
 
 // Visits the crossings within the ray's reach, the nearest first, as long as visit returns true.

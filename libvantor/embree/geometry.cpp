@@ -17,19 +17,25 @@ Element *new_buffer(RTCDevice device, RTCGeometry geometry, RTCBufferType type, 
 
 // A geometry_of() for each kind of shape. A kind without one does not compile.
 
-OwnedGeometry geometry_of_points(RTCDevice device, std::span<const Vec3> points, const Affine &map) {
+struct MappedPoints {
+    OwnedGeometry geometry;
+    const Vec3 *points;
+};
+MappedPoints geometry_of_points(RTCDevice device, std::span<const Vec3> points, const Affine &map) {
     OwnedGeometry geometry = begin_geometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
     Vec3 *mapped = new_buffer<Vec3>(device, geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT3, points.size());
-    for (const Vec3 &p : points)
-        *mapped++ = map.point(p);
-    return geometry;
+    std::ranges::transform(points, mapped, [&](const Vec3 &p) { return map.point(p); });
+    return {std::move(geometry), mapped};
 }
 
 Geometry geometry_of(RTCDevice device, const TriangleMesh &mesh, const Object &, const Affine &map) {
-    OwnedGeometry geometry = geometry_of_points(device, mesh.points, map);
+    auto [geometry, points] = geometry_of_points(device, mesh.points, map);
     rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, mesh.triangles.data(), 0,
                                sizeof(TriangleMesh::Triangle), mesh.triangles.size());
-    return {std::move(geometry), {.smooth = mesh.normals.empty() ? nullptr : &mesh, .has_winding = true}};
+    return {std::move(geometry),
+            {.primitives = TriangleBuffers{points, mesh.triangles.data(), 0},
+             .smooth = mesh.normals.empty() ? nullptr : &mesh,
+             .has_winding = true}};
 }
 
 // Two triangles each: in packets, they trace faster than Embree's quads.
@@ -42,11 +48,19 @@ Geometry geometry_of(RTCDevice device, const Quads &quads, const Object &, const
         triangles.push_back({first, first + 1, first + 2});
         triangles.push_back({first, first + 2, first + 3});
     }
-    OwnedGeometry geometry = geometry_of_points(device, points, map);
+    auto [geometry, mapped] = geometry_of_points(device, points, map);
     auto *copied = new_buffer<TriangleMesh::Triangle>(device, geometry.get(), RTC_BUFFER_TYPE_INDEX, RTC_FORMAT_UINT3,
                                                       triangles.size());
     std::ranges::copy(triangles, copied);
-    return {std::move(geometry), {.triangles_per_primitive = 2, .has_winding = true}};
+    float error = 0;
+    for (std::size_t i = 0; quads.corners.size() <= 6 && i < triangles.size(); ++i) {
+        const auto &[a, b, c] = triangles[i];
+        const Vec3 edge_u = mapped[b] - mapped[a];
+        const Vec3 edge_v = mapped[c] - mapped[a];
+        error = std::max(error, TriangleBuffers::error_of(edge_u, edge_v, cross(edge_u, edge_v)));
+    }
+    return {std::move(geometry),
+            {.primitives = TriangleBuffers{mapped, copied, error}, .triangles_per_primitive = 2, .has_winding = true}};
 }
 
 Geometry geometry_of(RTCDevice device, const Sphere &sphere, const Object &, const Affine &map) {
@@ -55,7 +69,7 @@ Geometry geometry_of(RTCDevice device, const Sphere &sphere, const Object &, con
     auto *buffer =
         new_buffer<std::array<float, 4>>(device, geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT4, 1);
     *buffer = {center.x, center.y, center.z, sphere.radius * map.uniform_scale()};
-    return {std::move(geometry), {}};
+    return {std::move(geometry), {.primitives = SphereBuffer{buffer}}};
 }
 
 // Never mapped, so that Embree reads their points where they are.
@@ -68,7 +82,7 @@ Geometry geometry_of(RTCDevice device, const Curves &curves, const Object &, con
                                sizeof(std::uint32_t), curves.firsts.size());
     // Ribbons are cut into straight pieces; with Embree's own 4, a cubic that turns much has corners to be seen.
     rtcSetGeometryTessellationRate(geometry.get(), 16);
-    return {std::move(geometry), {.faces_rays = !curves.are_tubes}};
+    return {std::move(geometry), {.primitives = CurveSegments{&curves}, .faces_rays = !curves.are_tubes}};
 }
 
 // By the shape's own formulas, which hold under any transform.
@@ -78,7 +92,11 @@ Geometry geometry_of(RTCDevice device, const Kind &kind, const Object &object, c
     const Object *trimmed = object.trimmers.empty() ? nullptr : &object;
     auto placed = std::make_shared<const PlacedShape<Kind>>(PlacedShape<Kind>{&kind, kind.map.then(map), trimmed});
     set_callbacks(geometry.get(), *placed);
-    return {std::move(geometry), {}, std::move(placed)};
+    // A quartic's roots are known to some thousands of a double's last places.
+    const auto [low, high] = bounds_of(kind, placed->map);
+    const float error = 1e-12f * std::max(largest_coordinate(to_float(low)), largest_coordinate(to_float(high)));
+    const HitFormat format{.primitives = AnalyticSurface{placed.get(), nearest_on_surface<Kind>, error}};
+    return {std::move(geometry), format, std::move(placed)};
 }
 
 // Analytic shapes ask their trimmers themselves; for the others Embree does.

@@ -3,11 +3,13 @@
 
 #include "libvantor/description/object.h"
 #include "libvantor/embree/device.h"
+#include "libvantor/embree/hit_point.h"
 
 namespace vantor {
 
 /// How Embree's hits on a geometry are to be read.
 struct HitFormat {
+    Primitives primitives{};              ///< In the space of the geometry.
     const TriangleMesh *smooth = nullptr; ///< A mesh with normals; null otherwise.
     unsigned triangles_per_primitive = 1; ///< Of Embree's, for each primitive of the shape.
     bool has_winding = false; ///< Embree's normal follows the order of the corners, which a mirroring map turns round.

@@ -22,12 +22,12 @@ struct Segment {
 inline bool is_traceable(Vec3 from, Vec3 direction) { return dot(from, from) + dot(direction, direction) <= 2.5e19f; }
 
 struct Hit {
-    bool exists;    ///< Whether the ray meets anything; the rest is meaningless otherwise.
-    float distance; ///< From the ray's origin.
-    Vec3 point;
+    bool exists;           ///< Whether the ray meets anything; the rest is meaningless otherwise.
+    float distance;        ///< From the ray's origin.
+    Vec3 point;            ///< On its primitive: see PrimitivePoint.
     Vec3 geometric_normal; ///< Unit length, on the front side of the surface.
     Vec3 shading_normal;   ///< Unit length, on the same side; interpolated where a mesh has normals.
-    float clearance;       ///< How far from the point the rounding of its coordinates may reach.
+    float error;           ///< How far along the normal the surface may lie off the point, as rays from there find it.
     std::uint32_t placement;
     std::uint32_t instance;  ///< Which of the placement's instances, where it has any; 0 otherwise.
     std::uint32_t primitive; ///< A triangle or parallelogram of the object.
@@ -35,7 +35,7 @@ struct Hit {
 
     /// Where a ray starts that leaves towards the direction: off the surface, so that it does not hit it again.
     Vec3 origin_towards(Vec3 direction) const {
-        return point + geometric_normal * std::copysign(clearance, dot(geometric_normal, direction));
+        return point + geometric_normal * std::copysign(error, dot(geometric_normal, direction));
     }
 };
 

@@ -3,6 +3,7 @@
 
 #include "libvantor/description/instance.h"
 #include "libvantor/embree/all_hits.h"
+#include "libvantor/shapes/canonical.h"
 
 #include <limits>
 #include <vector>
@@ -26,6 +27,15 @@ struct Instancer {
     const std::vector<Instance> *instances;
     VtTransform world_from_object;
     std::vector<Inverse> inverses{}; ///< Of each place.
+
+    /// A point of the object, at one of the places.
+    Double3 point(std::uint32_t place, Double3 p) const {
+        const Instance &to = (*instances)[place];
+        const Double3 placed = Double3(to.linear.row0) * p.x + Double3(to.linear.row1) * p.y +
+                               Double3(to.linear.row2) * p.z + Double3(to.offset);
+        const VtVector3 result = transformed_point({placed.x, placed.y, placed.z}, world_from_object);
+        return {result[0], result[1], result[2]};
+    }
 };
 
 namespace callbacks {

@@ -60,21 +60,26 @@ Vec3 facing_normal(const Linear &normals, Vec3 tangent, Vec3 direction) {
            (1 / dot(directions.row0, normals.row0));
 }
 
+Double3 mapped_by(const Linear &map, Double3 v) {
+    return Double3(map.row0) * v.x + Double3(map.row1) * v.y + Double3(map.row2) * v.z;
+}
+
 Vec3 sizes(Vec3 v) { return {std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)}; }
 
 // Rays meet an instance in the space of its object, where coordinates may be far larger than in the world: how far
-// along the normal of a hit, in the world, their rounding may reach. The normal is given in the object, and as it is
-// mapped.
-float clearance_in_object(const Linear &normals, Vec3 offset, const Ray &ray, Vec3 point, Vec3 normal, Vec3 mapped) {
-    const Vec3 from = sizes(ray.origin - offset);
-    const Vec3 to = sizes(point - offset);
-    const Vec3 reach{std::max(from.x, to.x), std::max(from.y, to.y), std::max(from.z, to.z)};
+// along the normal of a hit, in the world, the rounding of a ray that starts there may reach, and the error with which
+// the object is met. The normal is given in the object, and as it is mapped.
+float error_in_world(const Linear &normals, Vec3 offset, Vec3 point, float error_in_object, Vec3 normal, Vec3 mapped) {
+    const Vec3 from = sizes(point) + sizes(offset);
     // The map of normals is the transposed one of points back into the object: what is summed there for each
     // coordinate.
-    const Vec3 in_object{dot(sizes(normals.row0), reach), dot(sizes(normals.row1), reach),
-                         dot(sizes(normals.row2), reach)};
-    const float size = largest_coordinate(mapped);
-    return rounding * dot(sizes(normal), in_object) / (size * length(mapped * (1 / size)));
+    const Vec3 in_object{dot(sizes(normals.row0), from), dot(sizes(normals.row1), from),
+                         dot(sizes(normals.row2), from)};
+    const float size = largest_coordinate(normal);
+    const float along_normal =
+        8 * unit_roundoff * dot(sizes(normal), in_object) + error_in_object * size * length(normal * (1 / size));
+    const float mapped_size = largest_coordinate(mapped);
+    return along_normal / (mapped_size * length(mapped * (1 / mapped_size)));
 }
 
 } // namespace
@@ -97,26 +102,36 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     hit.exists = packet.hit.geomID[lane] != RTC_INVALID_GEOMETRY_ID;
     if (!hit.exists)
         return hit;
-    const float distance = packet.ray.tfar[lane];
-    hit.distance = distance;
+    hit.distance = packet.ray.tfar[lane];
     const unsigned instance = packet.hit.instID[0][lane];
     hit.placement = instance != RTC_INVALID_GEOMETRY_ID ? instance : packet.hit.geomID[lane];
-    hit.point = ray.origin + ray.direction * distance;
-    hit.clearance = clearance_of(hit.point, distance);
 
     // Embree's normal follows the winding and has any length.
     const HitDecoding &decoding = structure->decoding(hit.placement);
-    hit.primitive = decoding.format.primitive_of(packet.hit.primID[lane]);
+    const unsigned primitive = packet.hit.primID[lane];
+    hit.primitive = decoding.format.primitive_of(primitive);
     hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
+    const auto roughly = [&] { return Double3(ray.origin) + Double3(ray.direction) * hit.distance; };
     Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
     hit.instance = decoding.instancer ? packet.hit.geomID[lane] : 0;
     const Instancer::Inverse *inverse = decoding.instancer ? &decoding.instancer->inverses[hit.instance] : nullptr;
+    const Primitives &primitives = decoding.format.primitives;
     if (decoding.is_instance) {
-        const Linear normals = inverse ? inverse->normals() : decoding.normals;
+        const Linear normals = inverse ? inverse->normals() : decoding.map.normals;
         const Vec3 in_object = decoding.format.faces_rays ? facing_normal(normals, normal, ray.direction) : normal;
+        const Vec3 offset = inverse ? inverse->offset : decoding.map.offset;
+        const Linear back = transposed(normals);
+        const auto roughly_in_object = [&] { return mapped_by(back, roughly() - Double3(offset)); };
+        const PrimitivePoint found = rebuilt(primitives, primitive, hit.on_primitive, in_object, roughly_in_object);
+        const Double3 point(found.point);
+        hit.point = to_float(inverse ? decoding.instancer->point(hit.instance, point)
+                                     : mapped_by(decoding.map.linear, point) + Double3(offset));
         normal = normals(in_object);
-        const Vec3 offset = inverse ? inverse->offset : decoding.offset;
-        hit.clearance += clearance_in_object(normals, offset, ray, hit.point, in_object, normal);
+        hit.error = error_in_world(normals, offset, hit.point, found.error, in_object, normal);
+    } else {
+        const PrimitivePoint found = rebuilt(primitives, primitive, hit.on_primitive, normal, roughly);
+        hit.point = found.point;
+        hit.error = found.error;
     }
     if (!has_direction(normal)) {
         // Twice the area of a triangle: of one that a transform has made tiny or huge, floats cannot hold the square.
@@ -129,9 +144,10 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
     }
     hit.geometric_normal = normal * (decoding.front / length(normal));
     hit.shading_normal = hit.geometric_normal;
+    hit.error += rounding_along(hit.geometric_normal, hit.point);
 
     if (decoding.format.smooth) {
-        const Linear normals = inverse ? inverse->normals() : decoding.normals;
+        const Linear normals = inverse ? inverse->normals() : decoding.map.normals;
         const Vec3 smooth = normals(
             interpolated_normal(*decoding.format.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
         // Opposite normals at the corners may cancel; the flat normal then stands.

@@ -100,7 +100,7 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
     const float nearest = dot(light - path.ray.origin, path.ray.direction);
     const Vec3 across = path.ray.origin + path.ray.direction * nearest - light;
     // Whatever the height, the pdf fits the choice; a ray that goes through the light is one next to it.
-    const float height = std::max(vantor::length(across), clearance_of(light, std::fabs(nearest)));
+    const float height = std::max(vantor::length(across), rounding_of(light) + 64 * unit_roundoff * std::fabs(nearest));
     const float first = std::atan2(-nearest, height);
     const float last = std::atan2(length - nearest, height);
     const float angle = first + (last - first) * wave.sample_2d(vertex, Wave::lit_distance).u;

@@ -23,7 +23,8 @@ Point2f sample_area(const FlatEmitter &emitter, Point2f numbers) {
 
 bool FlatEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {
     const Point2f uv = sample_area(*this, numbers);
-    const Vec3 point = corner + edge_u * uv.u + edge_v * uv.v;
+    const Vec3 from_corner = edge_u * uv.u + edge_v * uv.v;
+    const Vec3 point = corner + from_corner;
     const Vec3 difference = point - reference;
     const float squared_distance = dot(difference, difference);
     const float distance = std::sqrt(squared_distance);
@@ -33,7 +34,7 @@ bool FlatEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result
 
     // From area to solid angle: dw = cos dA / r^2.
     result.to_light = difference * (1 / distance);
-    result.end = point + normal * clearance_of(point, distance);
+    result.end = point + normal * clearance_of_emitter(point, from_corner, distance);
     result.radiance = emitted;
     result.pdf = squared_distance / (cosine * area);
     return true;

@@ -42,7 +42,13 @@ bool SphereEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &resu
     const Vec3 point = map.point(on_sphere);
 
     result.to_light = normalized(map.linear(direction));
-    result.end = point + normalized(map.normals(on_sphere)) * clearance_of(point, length(point - reference));
+    // Embree computes half of the chord from the square of the distance at which the ray passes the centre, so that the
+    // crossing has an error of 8 u times the distance of the centre over the chord: the ray ends before that. It is at
+    // most the root of the square's error.
+    const float error = 8 * unit_roundoff * distance;
+    const float before = error * (1 + 1 / std::max(half_chord, std::sqrt(error)));
+    const Vec3 end = point + (reference - point) * std::min(before / t, 1.0f);
+    result.end = end + normalized(map.normals(on_sphere)) * (4 * unit_roundoff * largest_coordinate(point));
     result.radiance = emitted;
     result.pdf = pdf(reference, result.to_light, point);
     return true;

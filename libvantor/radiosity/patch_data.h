@@ -39,6 +39,7 @@ struct PatchData {
     std::vector<Facet> facets;
     std::vector<Panel> panels;
     std::vector<Surface> surfaces;      ///< of the placements
+    std::vector<float> reaches;         ///< of each: the largest coordinate of its points, in the world
     std::vector<std::uint32_t> corners; ///< of the panels' lattices: vertices
     std::size_t vertex_count = 0;
     int spreading_rounds = 0; ///< how far the means of vertices are spread where patches are groups

@@ -21,8 +21,10 @@ std::uint32_t morton_code_of(Vec3 unit) {
 
 PatchData without_patches(std::span<const Placement> placements) {
     PatchData data;
-    for (const Placement &placement : placements)
+    for (const Placement &placement : placements) {
         data.surfaces.push_back({&placement.object->shape, to_float(placement.world_from_object)});
+        data.reaches.push_back(static_cast<float>(outer_reach(placement.object->reach, placement.world_from_object)));
+    }
     return data;
 }
 

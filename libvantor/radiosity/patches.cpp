@@ -47,7 +47,7 @@ Hit Patches::point_of(std::uint32_t index, Point2f numbers) const {
     hit.shading_normal = direction_of(place.shading_normal, hit.geometric_normal);
     if (dot(hit.shading_normal, hit.geometric_normal) < 0)
         hit.shading_normal = -hit.shading_normal;
-    hit.clearance = clearance_of(place.point, std::sqrt(patch.area));
+    hit.error = 64 * unit_roundoff * data.reaches[patch.placement];
     hit.placement = patch.placement;
     hit.primitive = primitive;
     hit.on_primitive = uv;

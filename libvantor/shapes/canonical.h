@@ -82,6 +82,7 @@ class CanonicalMap {
     Double3 point_back(Double3 p) const { return direction_back(p - offset); }
     Double3 direction_back(Double3 d) const { return {dot(d, normal_x), dot(d, normal_y), dot(d, normal_z)}; }
     Double3 direction(Double3 d) const { return image_x * d.x + image_y * d.y + image_z * d.z; }
+    Double3 point(Double3 p) const { return direction(p) + offset; }
 
     /// Of normals: the outside of a surface stays outside.
     Double3 normal(Double3 n) const { return normal_x * n.x + normal_y * n.y + normal_z * n.z; }
@@ -126,12 +127,13 @@ inline Double3 away_from_axis(Double3 p) {
     return distance > 0 ? Double3{p.x / distance, 0, p.z / distance} : Double3();
 }
 
-/// A shape of a few formulas in its canonical space.
+/// A shape of a few formulas in its canonical space. on_surface() takes a point next to a part to it.
 template <class Kind>
-concept Analytic = requires(const Kind &kind, const CanonicalRay &ray, Double3 along) {
+concept Analytic = requires(const Kind &kind, const CanonicalRay &ray, Double3 along, std::uint32_t part) {
     { kind.map } -> std::convertible_to<CanonicalMap>;
     { crossings(kind, ray) } -> std::same_as<Crossings>;
     { support(kind, along) } -> std::same_as<double>;
+    { on_surface(kind, part, along) } -> std::same_as<Double3>;
 };
 
 /// A box around it under a further map.

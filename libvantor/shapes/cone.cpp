@@ -75,6 +75,16 @@ double support(const Cone &cone, Double3 along) {
     return std::max(cone.base * across, along.y + cone.tip * across);
 }
 
+Double3 on_surface(const Cone &cone, std::uint32_t part, Double3 p) {
+    if (part == Cone::base_cap)
+        return {p.x, 0, p.z};
+    if (part == Cone::tip_cap)
+        return {p.x, 1, p.z};
+    const double from_axis = std::hypot(p.x, p.z);
+    const double stretch = from_axis > 0 ? cone.radius_at(p.y) / from_axis : 0;
+    return {p.x * stretch, p.y, p.z * stretch};
+}
+
 SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Point2f, Vec3 point) {
     const Double3 p = cone.map.point_back(Double3(point));
     double v = p.y;

@@ -28,6 +28,7 @@ constexpr std::size_t primitives_of(const Cone &) { return 3; }
 
 Crossings crossings(const Cone &cone, const CanonicalRay &ray);
 double support(const Cone &cone, Double3 along);
+Double3 on_surface(const Cone &cone, std::uint32_t part, Double3 p);
 
 /// u runs once around the axis; v from 0 at the base to 1 at the tip, and on caps from 0 at the rim to 1 at the centre.
 SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Point2f, Vec3 point);

@@ -20,6 +20,7 @@ constexpr std::size_t primitives_of(const Disk &) { return 1; }
 
 Crossings crossings(const Disk &disk, const CanonicalRay &ray);
 double support(const Disk &disk, Double3 along);
+inline Double3 on_surface(const Disk &, std::uint32_t, Double3 p) { return {p.x, 0, p.z}; }
 
 /// u runs once around the normal; v from 0 at the rim to 1 at the centre, which a hole leaves out.
 SurfaceParameters parameters_at(const Disk &disk, std::uint32_t, Point2f, Vec3 point);

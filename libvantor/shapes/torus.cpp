@@ -147,6 +147,12 @@ double support(const Torus &torus, Double3 along) {
     return std::hypot(along.x, along.z) + torus.tube * std::sqrt(dot(along, along));
 }
 
+Double3 on_surface(const Torus &torus, std::uint32_t, Double3 p) {
+    const Double3 middle = away_from_axis(p);
+    const Double3 from_middle = p - middle;
+    return middle + from_middle * (torus.tube / std::sqrt(dot(from_middle, from_middle)));
+}
+
 SurfaceParameters parameters_at(const Torus &torus, std::uint32_t, Point2f, Vec3 point) {
     const Double3 p = torus.map.point_back(Double3(point));
     const auto around_tube = static_cast<float>(std::atan2(p.y, std::hypot(p.x, p.z) - 1)) * (0.5f * inverse_pi);

@@ -69,7 +69,7 @@ void Surface::vary(const Hit &hit, const World &world) {
         return;
     if (is_bent) {
         // About half of the width that a pixel sees, and beyond rounding.
-        const float step = (0.5f * pixel_angle * hit.distance + hit.clearance) / in_object.scale;
+        const float step = (0.5f * pixel_angle * hit.distance + rounding_of(hit.point)) / in_object.scale;
         const BumpPoint point{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
         frame = Frame(bent_normal(point, variation, hit.shading_normal));
     }

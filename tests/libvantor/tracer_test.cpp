@@ -173,8 +173,10 @@ TEST(Tracer, FlatInstancesAreClearAtTheirOwnSize) {
     Hit hit;
     tracer.intersect({&ray, 1}, false, {&hit, 1});
     ASSERT_TRUE(hit.exists);
-    EXPECT_GE(hit.clearance, clearance_of(hit.point, hit.distance));
-    EXPECT_LT(hit.clearance, 2 * clearance_of(hit.point, hit.distance));
+    EXPECT_EQ(hit.point.x, 1);
+    EXPECT_GT(hit.error, 0);
+    // Of coordinates and edges up to 2 * sqrt(2): some twenty units in the last place.
+    EXPECT_LT(hit.error, 40 * unit_roundoff * 2.83f);
 }
 
 // A closed body around the origin with about the radius 1, whose points lie on no lines or planes.
