@@ -33,10 +33,11 @@ struct FileImager {
 
 /// How a pass is made.
 struct Settings {
-    std::uint32_t seed = 0; ///< Other numbers for every sample.
-    int max_bounces = 1000; ///< How often the direction of a path changes at most.
-    float clamp = 0;        ///< The radiance that one sample of indirect light has at most; 0 is no limit.
-    bool gathers = false;   ///< After radiosity: the first diffuse surface scatters light itself.
+    std::uint32_t seed = 0;                  ///< Other numbers for every sample.
+    static constexpr int any_bounces = 1000; ///< No limit.
+    int max_bounces = any_bounces;           ///< How often the direction of a path changes at most.
+    float clamp = 0;      ///< The radiance that one sample of indirect light has at most; 0 is no limit.
+    bool gathers = false; ///< After radiosity: the first diffuse surface scatters light itself.
 };
 
 using Imager = std::variant<FileImager, Settings>;

@@ -23,6 +23,11 @@ struct Placement {
     int light;                              ///< The area light that shines from it, an index of lights(); -1 for none.
     const std::vector<Instance> *instances; ///< Where the object stands before that transform; null if it does so once.
 
+    /// Whether rays may go on behind its surface: it bounds a medium, or lets light pass.
+    bool may_be_crossed() const {
+        return interior >= 0 || material->is_see_through() || is_transmissive(material->bsdf);
+    }
+
     /// Whether its surface is not the same at every point.
     bool varies() const { return material->variation || object->has_colors; }
 

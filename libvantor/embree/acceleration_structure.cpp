@@ -15,9 +15,6 @@ constexpr std::size_t most_copied_primitives = 20000;
 // Smaller: rays pass from scene to scene more often, which takes time.
 constexpr std::size_t least_primitives_of_own_scene = 20000;
 
-// From so many bodies on, a point may lie in more of them than one ray after the other can find out in reasonable time.
-constexpr std::size_t least_collected_bodies = 64;
-
 RTCSceneFlags flags_for(std::span<const Placement> placements) {
     std::size_t bodies = 0;
     for (const Placement &placement : placements)
@@ -26,7 +23,8 @@ RTCSceneFlags flags_for(std::span<const Placement> placements) {
     // A ray that slips between two triangles of a body never leaves its medium. Without media, it is one sample among
     // many, and not worth a seventh more time.
     int flags = bodies > 0 ? RTC_SCENE_FLAG_ROBUST : RTC_SCENE_FLAG_NONE;
-    if (bodies >= least_collected_bodies)
+    // What rays have crossed is refused by a filter.
+    if (std::ranges::any_of(placements, [](const Placement &placement) { return placement.may_be_crossed(); }))
         flags |= calls_query_filters;
     return static_cast<RTCSceneFlags>(flags);
 }
@@ -83,7 +81,7 @@ AccelerationStructure::Placed AccelerationStructure::place(std::size_t index, co
                                                            const Interrupt &interrupt) {
     const Affine map = to_float(placement.world_from_object);
     const bool is_instance = form == Form::Instance || form == Form::ManyInstances;
-    Placed result{form, {}, {{}, map, 1, is_instance, nullptr}};
+    Placed result{form, {}, {{}, map, 1, is_instance, placement.may_be_crossed(), nullptr}};
     HitDecoding &decoding = result.decoding;
     if (is_instance) {
         const SharedScene &object = shared_scene(*placement.object, interrupt);

@@ -18,6 +18,7 @@ struct HitDecoding {
     Affine map;                 ///< World from object, but for instances.
     float front;                ///< -1 where a copy in world space is mirrored and its winding turned round.
     bool is_instance;           ///< Embree's normal is in object space.
+    bool may_be_crossed;        ///< Rays may go on behind it.
     const Instancer *instancer; ///< The placement's instances; null if it has none of its own.
 };
 
@@ -41,9 +42,9 @@ class AccelerationStructure {
     RTCDevice of_device() const { return device.get(); }
     RTCScene top_level() const { return top.get(); }
 
-    /// Whether all hits of a ray can be collected. This makes tracing a little slower, and so is only where there are
-    /// many bodies.
-    bool can_collect_hits() const { return (flags & calls_query_filters) != 0; }
+    /// Whether hits can be filtered: all of a ray collected, or those refused that it has crossed. This makes tracing a
+    /// little slower, and so is only where there are surfaces that rays may cross.
+    bool can_filter_hits() const { return (flags & calls_query_filters) != 0; }
     const HitDecoding &decoding(std::uint32_t placement) const { return placed[placement].decoding; }
     const BuildCounts &builds() const { return counts; }
 

@@ -34,8 +34,8 @@ struct AllHits {
 };
 inline thread_local AllHits all_hits;
 
-/// The id of rays that all hits are wanted of. Others have 0.
-inline constexpr unsigned collecting_ray = 1;
+/// The id of rays that all hits are wanted of. Others have their lane.
+inline constexpr unsigned collecting_ray = ~0u;
 
 namespace callbacks {
 

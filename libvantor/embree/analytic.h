@@ -3,6 +3,7 @@
 
 #include "libvantor/description/object.h"
 #include "libvantor/embree/all_hits.h"
+#include "libvantor/embree/crossing.h"
 #include "libvantor/shapes/canonical.h"
 
 #include <cmath>
@@ -27,24 +28,32 @@ template <Analytic Kind> Double3 nearest_on_surface(const void *placed_shape, st
 namespace callbacks {
 
 // Visits the crossings within the ray's reach, the nearest first, as long as visit returns true.
-template <Analytic Kind, class Visit>
-void visit_crossings(const PlacedShape<Kind> &placed, RTCRayN *rays, unsigned n, unsigned i, Visit visit) {
+template <Analytic Kind, class Arguments, class Visit> void
+visit_crossings(const PlacedShape<Kind> &placed, const Arguments &arguments, RTCRayN *rays, unsigned i, Visit visit) {
+    const unsigned n = arguments.N;
+    const Query &query = Query::of(arguments.context);
+    const unsigned id = RTCRayN_id(rays, n, i);
+    const auto is_met = [&](const Crossing &crossing, float t, Vec3 direction) {
+        return !query.crossed || id == collecting_ray ||
+               may_meet(query, id, arguments.geomID, arguments.context->instID[0], t,
+                        dot(placed.map.normal(crossing.normal), Double3(direction)));
+    };
     const Vec3 origin{RTCRayN_org_x(rays, n, i), RTCRayN_org_y(rays, n, i), RTCRayN_org_z(rays, n, i)};
     const Vec3 direction{RTCRayN_dir_x(rays, n, i), RTCRayN_dir_y(rays, n, i), RTCRayN_dir_z(rays, n, i)};
     for (const Crossing &crossing : crossings(*placed.kind, placed.map.ray_back(origin, direction))) {
         // As Embree will see it.
         const auto t = static_cast<float>(crossing.t);
-        if (t > RTCRayN_tnear(rays, n, i) && t <= RTCRayN_tfar(rays, n, i) &&
+        if (t > RTCRayN_tnear(rays, n, i) && t <= RTCRayN_tfar(rays, n, i) && is_met(crossing, t, direction) &&
             (!placed.trimmed || placed.trimmed->keeps(crossing.part, {}, origin + direction * t)) && !visit(crossing))
             return;
     }
 }
 
 // The first of them, if there is one.
-template <Analytic Kind>
-bool find(const PlacedShape<Kind> &placed, RTCRayN *rays, unsigned n, unsigned i, Crossing &found) {
+template <Analytic Kind, class Arguments>
+bool find(const PlacedShape<Kind> &placed, const Arguments &arguments, RTCRayN *rays, unsigned i, Crossing &found) {
     bool is_found = false;
-    visit_crossings(placed, rays, n, i, [&](const Crossing &crossing) {
+    visit_crossings(placed, arguments, rays, i, [&](const Crossing &crossing) {
         found = crossing;
         is_found = true;
         return false;
@@ -78,7 +87,7 @@ template <Analytic Kind> void intersect(const RTCIntersectFunctionNArguments *ar
     RTCHitN *hits = RTCRayHitN_HitN(arguments->rayhit, n);
     for (unsigned i = 0; i < n; ++i) {
         if (arguments->valid[i] != 0 && RTCRayN_id(rays, n, i) == collecting_ray) {
-            visit_crossings(placed, rays, n, i, [&](const Crossing &one) {
+            visit_crossings(placed, *arguments, rays, i, [&](const Crossing &one) {
                 const Vec3 normal = unit_normal(placed, one);
                 all_hits.add({static_cast<float>(one.t),
                               {normal.x, normal.y, normal.z},
@@ -90,7 +99,7 @@ template <Analytic Kind> void intersect(const RTCIntersectFunctionNArguments *ar
             continue;
         }
         Crossing crossing;
-        if (arguments->valid[i] == 0 || !find(placed, rays, n, i, crossing))
+        if (arguments->valid[i] == 0 || !find(placed, *arguments, rays, i, crossing))
             continue;
         const Vec3 normal = unit_normal(placed, crossing);
         RTCRayN_tfar(rays, n, i) = static_cast<float>(crossing.t);
@@ -110,7 +119,7 @@ template <Analytic Kind> void occlude(const RTCOccludedFunctionNArguments *argum
     for (unsigned i = 0; i < arguments->N; ++i) {
         Crossing crossing;
         // Embree marks an occluded ray by a negative end.
-        if (arguments->valid[i] != 0 && find(placed, arguments->ray, arguments->N, i, crossing))
+        if (arguments->valid[i] != 0 && find(placed, *arguments, arguments->ray, i, crossing))
             RTCRayN_tfar(arguments->ray, arguments->N, i) = -std::numeric_limits<float>::infinity();
     }
 }

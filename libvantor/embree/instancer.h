@@ -88,12 +88,30 @@ inline RTCRay ray_into(const Instancer::Inverse &inverse, RTCRayN *rays, unsigne
     return ray;
 }
 
+// As long as it lives, the hits of a query are in one of many instances.
+class WithinInstance {
+  public:
+    WithinInstance(Query &of, unsigned placement, unsigned instance) : query(of) {
+        query.is_in_instance = true;
+        query.placement = placement;
+        query.instance = instance;
+    }
+    ~WithinInstance() { query.is_in_instance = false; }
+    WithinInstance(const WithinInstance &) = delete;
+    WithinInstance &operator=(const WithinInstance &) = delete;
+
+  private:
+    Query &query;
+};
+
 // A hit has the place where others have the geometry, and the geometry where others have the instance.
 inline void intersect_place(const RTCIntersectFunctionNArguments *arguments) {
     const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
     const unsigned n = arguments->N;
     RTCRayN *rays = RTCRayHitN_RayN(arguments->rayhit, n);
     RTCHitN *hits = RTCRayHitN_HitN(arguments->rayhit, n);
+    Query &query = Query::of(arguments->context);
+    const WithinInstance within(query, arguments->geomID, arguments->primID);
     for (unsigned i = 0; i < n; ++i) {
         if (arguments->valid[i] == 0)
             continue;
@@ -109,7 +127,7 @@ inline void intersect_place(const RTCIntersectFunctionNArguments *arguments) {
             all_hits.is_in_instance = false;
             continue;
         }
-        intersect_within(instancer.scene, arguments->context, inner);
+        intersect_within(instancer.scene, query, inner);
         if (inner.hit.geomID == RTC_INVALID_GEOMETRY_ID)
             continue;
         RTCRayN_tfar(rays, n, i) = inner.ray.tfar;
@@ -126,11 +144,13 @@ inline void intersect_place(const RTCIntersectFunctionNArguments *arguments) {
 
 inline void occlude_place(const RTCOccludedFunctionNArguments *arguments) {
     const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
+    Query &query = Query::of(arguments->context);
+    const WithinInstance within(query, arguments->geomID, arguments->primID);
     for (unsigned i = 0; i < arguments->N; ++i) {
         if (arguments->valid[i] == 0)
             continue;
         RTCRay inner = ray_into(instancer.inverses[arguments->primID], arguments->ray, arguments->N, i);
-        occlude_within(instancer.scene, arguments->context, inner);
+        occlude_within(instancer.scene, query, inner);
         if (inner.tfar < 0)
             RTCRayN_tfar(arguments->ray, arguments->N, i) = -std::numeric_limits<float>::infinity();
     }

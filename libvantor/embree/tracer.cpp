@@ -3,7 +3,6 @@
 
 #include "libvantor/embree/acceleration_structure.h"
 #include "libvantor/embree/all_hits.h"
-#include "libvantor/embree/instancer.h"
 
 #include <limits>
 #include <type_traits>
@@ -28,7 +27,7 @@ template <class Rays> void set_ray(Rays &packet, std::size_t lane, Vec3 from, Ve
     packet.tfar[lane] = reach;
     packet.time[lane] = 0;
     packet.mask[lane] = ~0u;
-    packet.id[lane] = 0;
+    packet.id[lane] = static_cast<unsigned>(lane);
     packet.flags[lane] = 0;
 }
 
@@ -42,45 +41,30 @@ template <std::size_t width> struct alignas(4 * width) Mask {
     }
 };
 
-Vec3 interpolated_normal(const TriangleMesh &mesh, std::uint32_t triangle, float u, float v) {
-    const TriangleMesh::Triangle &corners = mesh.triangles[triangle];
-    return mesh.normals[corners[0]] * (1 - u - v) + mesh.normals[corners[1]] * u + mesh.normals[corners[2]] * v;
-}
+// What the rays of a packet have crossed where they start.
+template <std::size_t width> class CrossedInPacket {
+  public:
+    CrossedInPacket(RayQuery &for_query, const AccelerationStructure &structure) : query(for_query) {
+        query.query.structure = &structure;
+    }
 
-// Of a ribbon that is turned towards the ray: across the tangent, in the plane of both. Tangents go by the map of
-// directions, which is, but for its scale, that of the cofactors of the map of normals. The turn is one in the world;
-// the normal is the one in the object that is mapped to it.
-Vec3 facing_normal(const Linear &normals, Vec3 tangent, Vec3 direction) {
-    const Linear directions{cross(normals.row1, normals.row2), cross(normals.row2, normals.row0),
-                            cross(normals.row0, normals.row1)};
-    const Vec3 any_length = directions(tangent);
-    const Vec3 along = any_length * (1 / largest_coordinate(any_length));
-    const Vec3 facing = along * dot(along, direction) - direction * dot(along, along);
-    return Vec3{dot(directions.row0, facing), dot(directions.row1, facing), dot(directions.row2, facing)} *
-           (1 / dot(directions.row0, normals.row0));
-}
+    // The filter is called only if there is anything to refuse.
+    void set(std::span<const RayStart> starts) {
+        if (std::ranges::any_of(starts, [](const RayStart &start) { return !start.crossed.is_empty(); }))
+            set_all(starts);
+        else
+            query.set_crossed(nullptr);
+    }
+    void set_all(std::span<const RayStart> starts) {
+        for (std::size_t lane = 0; lane < starts.size(); ++lane)
+            lists[lane] = &starts[lane].crossed;
+        query.set_crossed(lists);
+    }
 
-Double3 mapped_by(const Linear &map, Double3 v) {
-    return Double3(map.row0) * v.x + Double3(map.row1) * v.y + Double3(map.row2) * v.z;
-}
-
-Vec3 sizes(Vec3 v) { return {std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)}; }
-
-// Rays meet an instance in the space of its object, where coordinates may be far larger than in the world: how far
-// along the normal of a hit, in the world, the rounding of a ray that starts there may reach, and the error with which
-// the object is met. The normal is given in the object, and as it is mapped.
-float error_in_world(const Linear &normals, Vec3 offset, Vec3 point, float error_in_object, Vec3 normal, Vec3 mapped) {
-    const Vec3 from = sizes(point) + sizes(offset);
-    // The map of normals is the transposed one of points back into the object: what is summed there for each
-    // coordinate.
-    const Vec3 in_object{dot(sizes(normals.row0), from), dot(sizes(normals.row1), from),
-                         dot(sizes(normals.row2), from)};
-    const float size = largest_coordinate(normal);
-    const float along_normal =
-        8 * unit_roundoff * dot(sizes(normal), in_object) + error_in_object * size * length(normal * (1 / size));
-    const float mapped_size = largest_coordinate(mapped);
-    return along_normal / (mapped_size * length(mapped * (1 / mapped_size)));
-}
+  private:
+    RayQuery &query;
+    const CrossedSurfaces *lists[width]{};
+};
 
 } // namespace
 
@@ -97,77 +81,23 @@ const BuildCounts &Tracer::builds() const { return structure->builds(); }
 Tracer::~Tracer() = default;
 Tracer::Tracer(Tracer &&) noexcept = default;
 
-template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t lane, const Ray &ray) const {
-    Hit hit;
-    hit.exists = packet.hit.geomID[lane] != RTC_INVALID_GEOMETRY_ID;
-    if (!hit.exists)
-        return hit;
-    hit.distance = packet.ray.tfar[lane];
-    const unsigned instance = packet.hit.instID[0][lane];
-    hit.placement = instance != RTC_INVALID_GEOMETRY_ID ? instance : packet.hit.geomID[lane];
-
-    // Embree's normal follows the winding and has any length.
-    const HitDecoding &decoding = structure->decoding(hit.placement);
-    const unsigned primitive = packet.hit.primID[lane];
-    hit.primitive = decoding.format.primitive_of(primitive);
-    hit.on_primitive = {packet.hit.u[lane], packet.hit.v[lane]};
-    const auto roughly = [&] { return Double3(ray.origin) + Double3(ray.direction) * hit.distance; };
-    Vec3 normal{packet.hit.Ng_x[lane], packet.hit.Ng_y[lane], packet.hit.Ng_z[lane]};
-    hit.instance = decoding.instancer ? packet.hit.geomID[lane] : 0;
-    const Instancer::Inverse *inverse = decoding.instancer ? &decoding.instancer->inverses[hit.instance] : nullptr;
-    const Primitives &primitives = decoding.format.primitives;
-    if (decoding.is_instance) {
-        const Linear normals = inverse ? inverse->normals() : decoding.map.normals;
-        const Vec3 in_object = decoding.format.faces_rays ? facing_normal(normals, normal, ray.direction) : normal;
-        const Vec3 offset = inverse ? inverse->offset : decoding.map.offset;
-        const Linear back = transposed(normals);
-        const auto roughly_in_object = [&] { return mapped_by(back, roughly() - Double3(offset)); };
-        const PrimitivePoint found = rebuilt(primitives, primitive, hit.on_primitive, in_object, roughly_in_object);
-        const Double3 point(found.point);
-        hit.point = to_float(inverse ? decoding.instancer->point(hit.instance, point)
-                                     : mapped_by(decoding.map.linear, point) + Double3(offset));
-        normal = normals(in_object);
-        hit.error = error_in_world(normals, offset, hit.point, found.error, in_object, normal);
-    } else {
-        const PrimitivePoint found = rebuilt(primitives, primitive, hit.on_primitive, normal, roughly);
-        hit.point = found.point;
-        hit.error = found.error;
-    }
-    if (!has_direction(normal)) {
-        // Twice the area of a triangle: of one that a transform has made tiny or huge, floats cannot hold the square.
-        normal = normal * (1 / largest_coordinate(normal));
-        // What has shrunk to nothing has no side.
-        if (!has_direction(normal)) {
-            hit.exists = false;
-            return hit;
-        }
-    }
-    hit.geometric_normal = normal * (decoding.front / length(normal));
-    hit.shading_normal = hit.geometric_normal;
-    hit.error += rounding_along(hit.geometric_normal, hit.point);
-
-    if (decoding.format.smooth) {
-        const Linear normals = inverse ? inverse->normals() : decoding.map.normals;
-        const Vec3 smooth = normals(
-            interpolated_normal(*decoding.format.smooth, hit.primitive, packet.hit.u[lane], packet.hit.v[lane]));
-        // Opposite normals at the corners may cancel; the flat normal then stands.
-        if (has_direction(smooth))
-            hit.shading_normal = normalized(smooth) * std::copysign(1.0f, dot(smooth, hit.geometric_normal));
-    }
-    return hit;
-}
-
 void Tracer::intersect(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
-    if (has_wide_packets)
-        intersect_in_packets<RTCRayHit16>(rays, are_coherent, hits);
-    else
-        intersect_in_packets<RTCRayHit8>(rays, are_coherent, hits);
+    intersect(rays, {}, are_coherent, hits);
 }
 
-template <class Packet>
-void Tracer::intersect_in_packets(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const {
+void Tracer::intersect(std::span<const Ray> rays, std::span<const RayStart> starts, bool are_coherent,
+                       std::span<Hit> hits) const {
+    if (has_wide_packets)
+        intersect_in_packets<RTCRayHit16>(rays, starts, are_coherent, hits);
+    else
+        intersect_in_packets<RTCRayHit8>(rays, starts, are_coherent, hits);
+}
+
+template <class Packet> void Tracer::intersect_in_packets(std::span<const Ray> rays, std::span<const RayStart> starts,
+                                                          bool are_coherent, std::span<Hit> hits) const {
     constexpr std::size_t width = width_of<decltype(Packet::ray)>;
     RayQuery query(are_coherent);
+    CrossedInPacket<width> crossed(query, *structure);
 
     // Lanes that are not in use are looked at all the same, so they hold numbers.
     Packet packet{};
@@ -178,23 +108,81 @@ void Tracer::intersect_in_packets(std::span<const Ray> rays, bool are_coherent, 
             packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
             packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
         }
+        if (!starts.empty())
+            crossed.set(starts.subspan(first, used));
         query.intersect(Mask<width>(used).lanes, structure->top_level(), packet);
         for (std::size_t lane = 0; lane < used; ++lane)
             hits[first + lane] = decoded(packet, lane, rays[first + lane]);
     }
+    if (!starts.empty())
+        leave_before_entering<Packet>(rays, starts, hits);
+}
+
+// Where a ray enters a body, another one may end that it is in, within rounding at the same place: that comes first.
+template <class Packet> void Tracer::leave_before_entering(std::span<const Ray> rays, std::span<const RayStart> starts,
+                                                           std::span<Hit> hits) const {
+    constexpr std::size_t width = width_of<decltype(Packet::ray)>;
+    RayQuery query(false);
+    CrossedInPacket<width> crossed(query, *structure);
+    query.query.finds_only_left = true;
+
+    Packet packet{};
+    std::array<std::size_t, width> indexes;
+    std::array<Ray, width> short_rays;
+    std::array<RayStart, width> of_lanes;
+    std::size_t used = 0;
+    const auto trace = [&] {
+        crossed.set_all(std::span(of_lanes).first(used));
+        query.intersect(Mask<width>(used).lanes, structure->top_level(), packet);
+        for (std::size_t lane = 0; lane < used; ++lane)
+            if (Hit found = decoded(packet, lane, short_rays[lane]); found.exists) {
+                Hit &hit = hits[indexes[lane]];
+                found.distance = hit.distance + dot(found.point - hit.point, short_rays[lane].direction);
+                hit = found;
+            }
+        used = 0;
+    };
+    for (std::size_t i = 0; i < rays.size(); ++i) {
+        const Hit &hit = hits[i];
+        const Vec3 direction = rays[i].direction;
+        if (!hit.exists || dot(hit.geometric_normal, direction) >= 0 ||
+            !structure->decoding(hit.placement).may_be_crossed)
+            continue;
+        // From just before the hit: where the ray comes from afar, its lengths are too rough. What it has crossed
+        // counts next to its start.
+        const float margin = 2 * margin_of(hit, direction);
+        const bool is_near = hit.distance <= 2 * starts[i].crossed.reach();
+        short_rays[used] = {is_near ? rays[i].origin : hit.point - direction * margin, direction};
+        of_lanes[used] = is_near ? starts[i] : RayStart{short_rays[used].origin};
+        set_ray(packet.ray, used, short_rays[used].origin, direction, (is_near ? hit.distance : margin) + margin);
+        packet.hit.geomID[used] = RTC_INVALID_GEOMETRY_ID;
+        packet.hit.instID[0][used] = RTC_INVALID_GEOMETRY_ID;
+        indexes[used] = i;
+        if (++used == width)
+            trace();
+    }
+    if (used > 0)
+        trace();
 }
 
 void Tracer::occluded(std::span<const Segment> segments, std::span<char> are_occluded) const {
-    if (has_wide_packets)
-        occluded_in_packets<RTCRay16>(segments, are_occluded);
-    else
-        occluded_in_packets<RTCRay8>(segments, are_occluded);
+    occluded(segments, {}, are_occluded);
 }
 
-template <class Packet>
-void Tracer::occluded_in_packets(std::span<const Segment> segments, std::span<char> are_occluded) const {
+void Tracer::occluded(std::span<const Segment> segments, std::span<const RayStart> starts,
+                      std::span<char> are_occluded) const {
+    if (has_wide_packets)
+        occluded_in_packets<RTCRay16>(segments, starts, are_occluded);
+    else
+        occluded_in_packets<RTCRay8>(segments, starts, are_occluded);
+}
+
+template <class Packet> void Tracer::occluded_in_packets(std::span<const Segment> segments,
+                                                         std::span<const RayStart> starts,
+                                                         std::span<char> are_occluded) const {
     constexpr std::size_t width = width_of<Packet>;
     RayQuery query(false);
+    CrossedInPacket<width> crossed(query, *structure);
 
     Packet packet{};
     for (std::size_t first = 0; first < segments.size(); first += width) {
@@ -203,6 +191,8 @@ void Tracer::occluded_in_packets(std::span<const Segment> segments, std::span<ch
             const Segment &segment = segments[first + lane];
             set_ray(packet, lane, segment.from, segment.direction, segment.reach);
         }
+        if (!starts.empty())
+            crossed.set(starts.subspan(first, used));
         query.occlude(Mask<width>(used).lanes, structure->top_level(), packet);
         // Embree marks an occluded ray by a negative end.
         for (std::size_t lane = 0; lane < used; ++lane)
@@ -210,7 +200,9 @@ void Tracer::occluded_in_packets(std::span<const Segment> segments, std::span<ch
     }
 }
 
-bool Tracer::can_intersect_all() const { return structure->can_collect_hits(); }
+bool Tracer::has_crossings() const { return structure->can_filter_hits(); }
+
+bool Tracer::can_intersect_all() const { return structure->can_filter_hits(); }
 
 std::vector<Hit> Tracer::intersect_all(const Ray &ray) const {
     RTCRayHit query{};

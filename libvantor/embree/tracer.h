@@ -1,7 +1,7 @@
 // Tracer: rays against everything that is placed.
 #pragma once
 
-#include "libvantor/embree/hit.h"
+#include "libvantor/embree/ray_start.h"
 
 #include <memory>
 #include <span>
@@ -38,8 +38,16 @@ class Tracer {
     /// Whether there is anything on each of the segments.
     void occluded(std::span<const Segment> segments, std::span<char> are_occluded) const;
 
+    /// Whether any surface may be crossed. If so, rays have starts: the surfaces that they have crossed are not met
+    /// again. Where several lie at one place, those of bodies that a ray leaves come before those that it enters.
+    bool has_crossings() const;
+    void intersect(std::span<const Ray> rays, std::span<const RayStart> starts, bool are_coherent,
+                   std::span<Hit> hits) const;
+    void occluded(std::span<const Segment> segments, std::span<const RayStart> starts,
+                  std::span<char> are_occluded) const;
+
     /// All surfaces on the ray, the nearest first. Not always possible: it has to be prepared for, and is where there
-    /// are many bodies.
+    /// are surfaces that may be crossed.
     bool can_intersect_all() const;
     std::vector<Hit> intersect_all(const Ray &ray) const;
 
@@ -52,10 +60,14 @@ class Tracer {
     /// One lane of an Embree packet.
     template <class Packet> Hit decoded(const Packet &packet, std::size_t lane, const Ray &ray) const;
 
+    /// Rays have starts, or `starts` is empty; here and below.
+    template <class Packet> void intersect_in_packets(std::span<const Ray> rays, std::span<const RayStart> starts,
+                                                      bool are_coherent, std::span<Hit> hits) const;
     template <class Packet>
-    void intersect_in_packets(std::span<const Ray> rays, bool are_coherent, std::span<Hit> hits) const;
-    template <class Packet>
-    void occluded_in_packets(std::span<const Segment> segments, std::span<char> are_occluded) const;
+    void leave_before_entering(std::span<const Ray> rays, std::span<const RayStart> starts, std::span<Hit> hits) const;
+    template <class Packet> void occluded_in_packets(std::span<const Segment> segments,
+                                                     std::span<const RayStart> starts,
+                                                     std::span<char> are_occluded) const;
 
     std::unique_ptr<AccelerationStructure> structure;
     bool has_wide_packets;

@@ -28,15 +28,19 @@ class DirectLight {
         return light.is_delta ? 1.0f : power_heuristic(light.pdf, pdf_of_ray);
     }
 
-    /// Notes a sample for a receiver at `from`, a point off its surface, around which there are those media: what it
-    /// brings if all of it arrives.
-    void add(std::uint32_t receiver, Vec3 from, const MediumStack &media, const LightSample &light, Color unoccluded) {
+    /// Notes a sample for a receiver, from which the shadow ray starts, through those media: what it brings if all of
+    /// it arrives.
+    void add(std::uint32_t receiver, const RayStart &start, const MediumStack &media, const LightSample &light,
+             Color unoccluded) {
+        const Vec3 from = start.origin;
         const Segment segment =
             light.is_infinite ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
         if (!is_traceable(segment.from, segment.direction))
             return;
         shadow_rays.segments.push_back(segment);
         shadow_rays.media.push_back(media);
+        if (world.tracer.has_crossings())
+            shadow_rays.starts.push_back(start);
         samples.push_back({receiver, unoccluded});
     }
 

@@ -20,6 +20,7 @@ struct Path {
     bool finds_lights = true;       ///< Only the ray could find a light: it left the camera, or a specular surface.
     bool finds_only_lights = false; ///< Its ray is the last, and counts only for the light that it may find.
     int diffuse_surfaces = 0;       ///< How many it has met.
+    RayStart start{};               ///< Of the ray; where surfaces may be crossed.
 };
 
 } // namespace vantor

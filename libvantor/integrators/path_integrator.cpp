@@ -19,9 +19,10 @@ constexpr int roulette_depth = 3;
 constexpr float last_ray_fraction = 0.25f;
 
 // False if the ray cannot be followed.
-bool leave(Path &path, Vec3 origin, Vec3 direction) {
-    path.ray = {origin, direction};
-    return is_traceable(origin, direction);
+bool leave(Path &path, const RayStart &start, Vec3 direction) {
+    path.ray = {start.origin, direction};
+    path.start = start;
+    return is_traceable(start.origin, direction);
 }
 
 // Lets a BSDF be made where it is kept: copies of it would cost as much as its making.
@@ -34,7 +35,7 @@ struct InPlace {
 
 void PathIntegrator::trace(std::span<Path> paths) const {
     // Surfaces that are passed straight through are no bounces, but steps; more than this are one too many.
-    constexpr int most_steps = 10000;
+    constexpr int most_steps = 100000;
 
     Wave wave(paths, world, first_dimension);
     for (int step = 0; step < most_steps && !wave.is_over(); ++step) {
@@ -75,16 +76,23 @@ void PathIntegrator::scatter_in_media(Wave &wave, std::span<Vertex> vertices) co
         if (path.media.innermost() == MediumStack::none)
             continue;
         const Medium &medium = world.media_of(path.media);
-        const float length = vertex.hit->exists ? vertex.hit->distance : INFINITY;
+        const Vec3 from = path.ray.origin + path.ray.direction * path.start.lead;
+        const float length =
+            vertex.hit->exists ? std::max(0.0f, dot(vertex.hit->point - from, path.ray.direction)) : INFINITY;
         const Vec3 *light = world.lights.position_of(path.ray.origin, wave.sample_light_choice(vertex));
-        vertex.is_ray_lit = light && !path.finds_only_lights && path.bounces < settings.max_bounces;
+        vertex.is_ray_lit = light && !path.finds_only_lights && !is_at_last_bounce(path);
         if (vertex.is_ray_lit)
             light_the_ray(wave, vertex, medium, *light, length);
-        const Medium::DistanceSample sample = medium.sample_distance(length, wave.sample_2d(vertex, Wave::free_path));
+        const Medium::DistanceSample sample =
+            medium.sample_distance(length, wave.sample_2d(vertex, Wave::free_path), path.throughput);
         path.throughput *= sample.weight;
         if (sample.is_scattered) {
             vertex.kind = Kind::Medium;
-            vertex.in_medium = path.ray.origin + path.ray.direction * sample.distance;
+            // Clear of both ends, so that what goes on from there is inside for sure.
+            const float first = path.start.margin;
+            const float last = length - (vertex.hit->exists ? margin_of(*vertex.hit, path.ray.direction) : 0);
+            const float distance = first < last ? std::clamp(sample.distance, first, last) : 0.5f * length;
+            vertex.in_medium = from + path.ray.direction * distance;
         }
     }
 }
@@ -97,8 +105,9 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
     if (is_black(medium.sigma_s))
         return;
     const Path &path = *vertex.path;
-    const float nearest = dot(light - path.ray.origin, path.ray.direction);
-    const Vec3 across = path.ray.origin + path.ray.direction * nearest - light;
+    const Vec3 from = path.ray.origin + path.ray.direction * path.start.lead;
+    const float nearest = dot(light - from, path.ray.direction);
+    const Vec3 across = from + path.ray.direction * nearest - light;
     // Whatever the height, the pdf fits the choice; a ray that goes through the light is one next to it.
     const float height = std::max(vantor::length(across), rounding_of(light) + 64 * unit_roundoff * std::fabs(nearest));
     const float first = std::atan2(-nearest, height);
@@ -110,7 +119,7 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
         return;
     const float inverse_pdf = (last - first) * (height * height + beyond * beyond) / height;
     const Color throughput = path.throughput * (medium.sigma_s * medium.transmittance(distance) * inverse_pdf);
-    light_medium(wave, vertex, medium, path.ray.origin + path.ray.direction * distance, throughput);
+    light_medium(wave, vertex, medium, from + path.ray.direction * distance, throughput);
 }
 
 // Emitted light that the ray has found. Where direct light at the vertex before could have found it too, the two are
@@ -151,7 +160,7 @@ void PathIntegrator::pass_through(const Wave &wave, std::span<Vertex> vertices) 
         Path &path = *vertex.path;
         const Vec3 direction = path.ray.direction;
         cross_surface(path.media, placement_at(*vertex.hit), *vertex.hit, direction);
-        vertex.kind = leave(path, vertex.hit->origin_towards(direction), direction) ? Kind::Passed : Kind::Ended;
+        vertex.kind = leave(path, start_towards(vertex, direction), direction) ? Kind::Passed : Kind::Ended;
     }
 }
 
@@ -165,7 +174,7 @@ void PathIntegrator::record_first_hits(const Wave &wave, std::span<const Vertex>
 
 void PathIntegrator::end_at_limits(std::span<Vertex> vertices) const {
     for (Vertex &vertex : vertices)
-        if (vertex.is_scattering() && (vertex.path->finds_only_lights || vertex.path->bounces >= settings.max_bounces))
+        if (vertex.is_scattering() && (vertex.path->finds_only_lights || is_at_last_bounce(*vertex.path)))
             vertex.kind = Kind::Ended;
 }
 
@@ -217,7 +226,7 @@ void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex) const {
     const float ray_pdf = path.finds_only_lights ? scattered.pdf * last_ray_fraction : scattered.pdf;
     const Color radiance =
         path.throughput * scattered.value * light.contribution * DirectLight::mis_weight(light, ray_pdf);
-    wave.direct_light.add(wave.index_of(vertex), hit.origin_towards(light.to_light), media, light,
+    wave.direct_light.add(wave.index_of(vertex), start_towards(vertex, light.to_light), media, light,
                           clamped(radiance, path.bounces > 0));
 }
 
@@ -232,7 +241,7 @@ void PathIntegrator::light_medium(Wave &wave, const Vertex &vertex, const Medium
     if (!(phase > 0))
         return;
     const Color radiance = throughput * phase * light.contribution * DirectLight::mis_weight(light, phase);
-    wave.direct_light.add(wave.index_of(vertex), point, path.media, light, clamped(radiance, path.bounces > 0));
+    wave.direct_light.add(wave.index_of(vertex), {point}, path.media, light, clamped(radiance, path.bounces > 0));
 }
 
 void PathIntegrator::trace_shadow_rays(Wave &wave) const {
@@ -248,6 +257,13 @@ void PathIntegrator::scatter(const Wave &wave, std::span<Vertex> vertices) const
             vertex.kind = Kind::Ended;
 }
 
+// Where a ray starts that leaves the surface towards the direction.
+RayStart PathIntegrator::start_towards(const Vertex &vertex, Vec3 direction) const {
+    const Path &path = *vertex.path;
+    return world.tracer.has_crossings() ? start_from(*vertex.hit, path.ray.direction, path.start.crossed, direction)
+                                        : RayStart{vertex.hit->origin_towards(direction)};
+}
+
 // False if nothing is scattered, or nowhere that a ray can be followed; here and below.
 bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) const {
     Path &path = *vertex.path;
@@ -261,7 +277,7 @@ bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) 
     path.vertex = hit.point;
     path.direction_pdf = next.pdf;
     path.finds_lights = next.is_specular;
-    return leave(path, hit.origin_towards(next.wi), next.wi);
+    return leave(path, start_towards(vertex, next.wi), next.wi);
 }
 
 bool PathIntegrator::scatter_at_point(const Vertex &vertex) const {
@@ -272,18 +288,21 @@ bool PathIntegrator::scatter_at_point(const Vertex &vertex) const {
     path.vertex = vertex.in_medium;
     path.direction_pdf = medium.phase.evaluate(dot(before, direction));
     path.finds_lights = false;
-    return leave(path, vertex.in_medium, direction);
+    return leave(path, {vertex.in_medium}, direction);
 }
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle
-// Transport and Image Synthesis", 1990).
+// Transport and Image Synthesis", 1990). In a medium that only scatters paths lose nothing, and are long; what ends
+// them is that they leave it. Were they cut by chance, few would count for all: in a dense one, ever fewer for ever
+// more.
 void PathIntegrator::play_roulette(const Wave &wave, std::span<Vertex> vertices) const {
     for (Vertex &vertex : vertices) {
         if (!vertex.is_scattering())
             continue;
         Path &path = *vertex.path;
         const bool is_last = path.finds_only_lights;
-        const float survives = is_last ? last_ray_fraction : std::min(largest_component(path.throughput), 0.95f);
+        const float most = vertex.kind == Kind::Medium ? 1.0f : 0.95f;
+        const float survives = is_last ? last_ray_fraction : std::min(largest_component(path.throughput), most);
         const bool is_played = is_last || path.bounces >= roulette_depth;
         ++path.bounces;
         if (!(survives > 0) || (is_played && wave.sample_unstratified(vertex, Wave::survival) >= survives)) {

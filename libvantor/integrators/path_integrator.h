@@ -51,6 +51,10 @@ class PathIntegrator {
     bool scatter_at_surface(const Wave &wave, const Vertex &vertex) const;
     bool scatter_at_point(const Vertex &vertex) const;
 
+    RayStart start_towards(const Vertex &vertex, Vec3 direction) const;
+    bool is_at_last_bounce(const Path &path) const {
+        return settings.max_bounces < Settings::any_bounces && path.bounces >= settings.max_bounces;
+    }
     Color clamped(Color radiance, bool is_indirect) const;
     const Placement &placement_at(const Hit &hit) const { return world.placements[hit.placement]; }
 

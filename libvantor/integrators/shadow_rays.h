@@ -11,11 +11,13 @@ namespace vantor {
 struct ShadowRays {
     std::vector<Segment> segments;
     std::vector<MediumStack> media; ///< In which each segment starts.
+    std::vector<RayStart> starts;   ///< Of each segment; none where nothing may be crossed.
 
     std::size_t size() const { return segments.size(); }
     void clear() {
         segments.clear();
         media.clear();
+        starts.clear();
     }
 };
 

@@ -76,7 +76,12 @@ class Wave {
             rays[i] = growing[i]->ray;
             samplers[i] = growing[i]->sampler;
         }
-        tracer.intersect(std::span(rays).first(count), are_coherent, hits);
+        if (tracer.has_crossings()) {
+            starts.resize(count);
+            for (std::size_t i = 0; i < count; ++i)
+                starts[i] = growing[i]->start;
+        }
+        tracer.intersect(std::span(rays).first(count), starts, are_coherent, hits);
         get_2d_of(std::span(samplers).first(count), dimension + light_point, light_points);
         get_2d_of(std::span(samplers).first(count), dimension + next_direction, next_directions);
         for (std::size_t i = 0; i < count; ++i) {
@@ -126,6 +131,7 @@ class Wave {
     bool records_aovs = false;
     std::vector<Path *> growing;
     std::vector<Ray> rays;
+    std::vector<RayStart> starts; // of the rays; none where nothing may be crossed
     std::vector<Hit> hits;
     std::vector<Sampler> samplers;
     std::vector<Point2f> light_points;

@@ -110,7 +110,8 @@ SideLight Gathering::light_of(std::uint32_t side) const {
             const float cosine = dot(departure.normal, light.to_light);
             const float mis_weight = DirectLight::mis_weight(light, warp::cosine_hemisphere_pdf(cosine));
             if (cosine > 0)
-                direct_light.add(side, departure.ray.origin, media, light, light.contribution * (cosine * mis_weight));
+                direct_light.add(side, {departure.ray.origin}, media, light,
+                                 light.contribution * (cosine * mis_weight));
         }
 
         Path path{departure.ray, departure.sampler, media};

@@ -24,26 +24,39 @@ struct Medium {
     /// Whether light is scattered within a distance, and where; the weight is its throughput over the pdf of the
     /// outcome.
     ///
-    /// A random channel decides how far the light goes; the pdf is the mean over all three, so that no channel's weight
-    /// exceeds 3 (the balance heuristic over channels: Wilkie et al., "Hero Wavelength Spectral Sampling", 2014).
+    /// A random channel decides how far the light goes, in proportion to what the path still carries of each; the pdf
+    /// is the mean over all three, with the same weights (the balance heuristic over channels: Wilkie et al., "Hero
+    /// Wavelength Spectral Sampling", 2014). So what is carried never grows in sum. Where nothing is scattered, nothing
+    /// is left to chance.
     struct DistanceSample {
         bool is_scattered;
         float distance;
         Color weight;
     };
-    DistanceSample sample_distance(float distance, Point2f u) const {
+    DistanceSample sample_distance(float distance, Point2f u, Color carried = {1, 1, 1}) const {
+        if (is_black(sigma_s))
+            return {false, distance, transmittance(distance)};
         const Color sum = sigma_t();
-        const float coefficient = u.v < 1 / 3.0f ? sum.r : u.v < 2 / 3.0f ? sum.g : sum.b;
+        const Color chances = chances_of(carried);
+        const float coefficient = u.v < chances.r ? sum.r : u.v < chances.r + chances.g ? sum.g : sum.b;
         const float reached = coefficient > 0 ? -std::log1p(-u.u) / coefficient : INFINITY;
         if (reached < distance) {
             const Color left = transmittance(reached);
-            const Color pdfs = sum * left;
-            const float pdf = (pdfs.r + pdfs.g + pdfs.b) * (1 / 3.0f);
+            const Color pdfs = chances * sum * left;
+            const float pdf = pdfs.r + pdfs.g + pdfs.b;
             return {true, reached, pdf > 0 ? sigma_s * left * (1 / pdf) : Color{}};
         }
         const Color left = transmittance(distance);
-        const float probability = (left.r + left.g + left.b) * (1 / 3.0f);
+        const Color probabilities = chances * left;
+        const float probability = probabilities.r + probabilities.g + probabilities.b;
         return {false, distance, probability > 0 ? left * (1 / probability) : Color{}};
+    }
+
+  private:
+    static Color chances_of(Color carried) {
+        const float sum = carried.r + carried.g + carried.b;
+        constexpr float third = 1 / 3.0f;
+        return sum > 0 && std::isfinite(sum) ? carried * (1 / sum) : Color{third, third, third};
     }
 };
 

@@ -48,14 +48,18 @@ MediumStack media_at(Vec3 point, const Tracer &tracer, std::span<const Placement
 
     BodiesAround bodies;
     Ray ray{point, direction};
+    RayStart start{point};
     for (int i = 0; i < most_steps; ++i) {
         Hit hit;
-        tracer.intersect({&ray, 1}, false, {&hit, 1});
+        tracer.intersect({&ray, 1}, {&start, 1}, false, {&hit, 1});
         if (!hit.exists)
             return bodies.media();
         bodies.cross(hit, direction, placements);
-        ray.origin = hit.origin_towards(direction);
+        start = start_from(hit, direction, start.crossed, direction);
+        ray.origin = start.origin;
     }
+    // All that is met from here on was not before.
+    ray.origin = ray.origin + direction * start.crossed.reach();
     if (tracer.can_intersect_all())
         for (const Hit &hit : tracer.intersect_all(ray))
             bodies.cross(hit, direction, placements);

@@ -80,6 +80,37 @@ TEST(Medium, FlightsBringTheTransmittanceAndTheScatteredFraction) {
     EXPECT_EQ(scattered.b, 0);
 }
 
+TEST(Medium, WhatOnlyAbsorbsIsNotLeftToChance) {
+    const Medium medium{{0.1f, 0.5f, 0.0f}, {0, 0, 0}};
+    for_each_pair([&](Point2f numbers) {
+        const Medium::DistanceSample flight = medium.sample_distance(1.5f, numbers);
+        ASSERT_FALSE(flight.is_scattered);
+        ASSERT_EQ(flight.weight.r, std::exp(-0.1f * 1.5f));
+        ASSERT_EQ(flight.weight.g, std::exp(-0.5f * 1.5f));
+        ASSERT_EQ(flight.weight.b, 1);
+    });
+}
+
+TEST(Medium, WhatAPathCarriesNeverGrowsInSum) {
+    // Channels are chosen by what is carried, so that a path that has only one of them follows that alone.
+    const Medium medium{{0.1f, 0.0f, 0.0f}, {0.7f, 20.0f, 0.0f}};
+    for (const vantor::Color carried : {vantor::Color{1, 1, 1}, {1, 0, 0}, {0.2f, 0.001f, 3}, {0, 0, 0}}) {
+        const float before = carried.r + carried.g + carried.b;
+        double through = 0;
+        double scattered = 0;
+        for_each_pair([&](Point2f numbers) {
+            const Medium::DistanceSample flight = medium.sample_distance(1.5f, numbers, carried);
+            const vantor::Color after = carried * flight.weight;
+            ASSERT_LE(after.r + after.g + after.b, before * 1.0001f);
+            (flight.is_scattered ? scattered : through) += after.r / (side * side);
+        });
+        // A grid of 512 steps, as above.
+        const double left = std::exp(-0.8 * 1.5);
+        EXPECT_NEAR(through, carried.r * left, 0.01) << carried.b;
+        EXPECT_NEAR(scattered, carried.r * 0.7 / 0.8 * (1 - left), 0.01) << carried.b;
+    }
+}
+
 TEST(Medium, BodiesAreLeftByThemselves) {
     MediumStack stack;
     EXPECT_EQ(stack.innermost(), MediumStack::none);
