@@ -154,7 +154,10 @@ template <class Packet> void Tracer::leave_before_entering(std::span<const Ray> 
         const bool is_near = hit.distance <= 2 * starts[i].crossed.reach();
         short_rays[used] = {is_near ? rays[i].origin : hit.point - direction * margin, direction};
         of_lanes[used] = is_near ? starts[i] : RayStart{short_rays[used].origin};
-        set_ray(packet.ray, used, short_rays[used].origin, direction, (is_near ? hit.distance : margin) + margin);
+        const float reach = (is_near ? hit.distance : margin) + margin;
+        // Its own other side comes after it, however thin it is.
+        of_lanes[used].crossed.add(hit, true, reach);
+        set_ray(packet.ray, used, short_rays[used].origin, direction, reach);
         packet.hit.geomID[used] = RTC_INVALID_GEOMETRY_ID;
         packet.hit.instID[0][used] = RTC_INVALID_GEOMETRY_ID;
         indexes[used] = i;

@@ -33,7 +33,7 @@ struct InPlace {
 
 } // namespace
 
-void PathIntegrator::trace(std::span<Path> paths) const {
+bool PathIntegrator::trace(std::span<Path> paths) const {
     // Surfaces that are passed straight through are no bounces, but steps; more than this are one too many.
     constexpr int most_steps = 100000;
 
@@ -56,7 +56,11 @@ void PathIntegrator::trace(std::span<Path> paths) const {
             play_roulette(wave, vertices);
         });
         wave.advance();
+        // As often as waves of common paths end, which callers watch between.
+        if (step % 256 == 255 && interrupt.requested())
+            return false;
     }
+    return true;
 }
 
 // Indirect light of one sample, within the limit that keeps rare bright paths from leaving dots. Scaling keeps its

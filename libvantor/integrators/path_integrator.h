@@ -17,16 +17,18 @@ class PathIntegrator {
   public:
     /// Paths use dimensions of their samplers from the first on. With a lookup, they end where it tells them their
     /// indirect light. World and cache have to outlive it.
-    PathIntegrator(const World &of, const Settings &by, std::uint32_t from_dimension,
+    PathIntegrator(const World &of, const Settings &by, std::uint32_t from_dimension, const Interrupt &until,
                    const IrradianceLookup &lookup = {})
-        : world(of), settings(by), first_dimension(from_dimension), indirect(lookup) {}
+        : world(of), settings(by), first_dimension(from_dimension), interrupt(until), indirect(lookup) {}
 
     /// Takes the paths to their ends: each path's radiance is then an estimate of the radiance that arrives along its
     /// first ray, unbiased but for the clamp of the settings.
     ///
     /// Paths of one call advance together, bounce by bounce, because several rays are traced at once much faster than
     /// one by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.
-    void trace(std::span<Path> paths) const;
+    ///
+    /// False if it was interrupted, after hundreds of bounces in a dense medium: the paths are of no use then.
+    bool trace(std::span<Path> paths) const;
 
   private:
     // The stages of a step, in their order. Each works on some vertices of a wave (shadow rays are traced for all of
@@ -61,6 +63,7 @@ class PathIntegrator {
     const World &world;
     const Settings settings;
     const std::uint32_t first_dimension;
+    const Interrupt &interrupt;
     const IrradianceLookup indirect;
 };
 

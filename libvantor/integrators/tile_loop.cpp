@@ -54,7 +54,7 @@ class BlockRenderer {
   public:
     BlockRenderer(const World &of, const View &from, const IrradianceLookup &indirect, const Filter &of_samples,
                   int for_each_pixel, const Interrupt &by, FrameBuffer &into)
-        : world(of), view(from), integrator(of, from.settings, path_dimension, indirect), filter(of_samples),
+        : world(of), view(from), integrator(of, from.settings, path_dimension, by, indirect), filter(of_samples),
           samples(for_each_pixel), interrupt(by), frame(into), has_aovs(needs_first_hits(into)) {}
 
     // Returns how many pixels of the frame are finished: none if it was interrupted.
@@ -126,7 +126,8 @@ int BlockRenderer::render(const PixelArea &block) const {
             return 0;
         const BlockSamples of_block{block, first, std::min(first + wave_samples, samples)};
         start(of_block, wave);
-        integrator.trace(wave.paths);
+        if (!integrator.trace(wave.paths))
+            return 0;
         for (std::size_t i = 0; i < wave.paths.size(); ++i) {
             PixelFilm &pixel = film[of_block.pixel_of(i)];
             if (has_aovs)

@@ -26,9 +26,10 @@ struct SideLight {
 /// Rays from the patches of a world. Every random number is a function of side and ray.
 class Gathering {
   public:
-    /// A multiple of 32 rays from each side. The world and the patches have to outlive it.
-    Gathering(const World &of, const Patches &from, int rays)
-        : world(of), patches(from), ray_count(rays), integrator(of, Settings(), first_path_dimension) {}
+    /// A multiple of 32 rays from each side. The world and the patches have to outlive it. What it finds is of no use
+    /// once it was interrupted.
+    Gathering(const World &of, const Patches &from, int rays, const Interrupt &interrupt)
+        : world(of), patches(from), ray_count(rays), integrator(of, Settings(), first_path_dimension, interrupt) {}
 
     int rays() const { return ray_count; }
 

@@ -156,7 +156,7 @@ void Radiosity::solve(const Registry &registry, const World &world, const Report
     }
     const std::size_t side_count = 2 * patches->size();
     progress.expect(ray_count(side_count) - rays_expected);
-    const Gathering gathering(world, *patches, rays_of_side(side_count));
+    const Gathering gathering(world, *patches, rays_of_side(side_count), interrupt);
     const Exchange exchange = gather_all(gathering, side_count, interrupt, progress);
     const Balance balance = balance_of(exchange.rows, exchange.lights, interrupt);
 

@@ -138,4 +138,65 @@ TEST(Scale, ContactShadowsDoNotDependOnTheCamerasDistance) {
     EXPECT_NEAR(contact_shadow(1, 0.01, 1000), expected, 0.005);
 }
 
+// A room with a bit of everything, under a transform that its lengths are multiplied by `size` in.
+scripted::Pixels still_life(const VtTransform &place, double size) {
+    Scene scene;
+    scene.TransformBegin(place);
+    scene.camera({0.3, 0.9, 2.9}, {0, 0.4, 0}, 40);
+    scene.light("environment", "radiance", 0.3);
+    scene.light("area", "radiance", 20.0);
+    scene.LightBegin();
+    add(scene, scene.object("sphere", "center", VtVector3(-0.8, 2, 0.6), "radius", 0.2), scene.diffuse(0.0));
+    scene.LightEnd();
+    add(scene,
+        scene.object("quad", "origin", VtVector3(-3, 0, 3), "edge_u", VtVector3(6, 0, 0), "edge_v",
+                     VtVector3(0, 0, -6)),
+        scene.diffuse(0.7));
+    add(scene, scene.object("sphere", "center", VtVector3(-0.7, 0.35, 0), "radius", 0.35),
+        scene.surface("dielectric", "ior", 1.5));
+    add(scene,
+        scene.object("cylinder", "from", VtVector3(0.7, 0, -0.3), "to", VtVector3(0.7, 0.8, -0.3), "radius", 0.25),
+        scene.surface("conductor", "roughness", 0.3));
+    List black("reflectance", 0.0);
+    List clear("interface", scene.NewInterface("diffuse", black), "opacity", 0.0);
+    List medium("sigma_a", VtVector3(0.3 / size, 1 / size, 2 / size), "sigma_s", 1.5 / size);
+    scene.InteriorBegin(scene.NewInterior("homogeneous", medium));
+    // It stands on the floor and touches the sheet.
+    add(scene, box(scene, {-0.2, 0, -0.3}, {0.3, 0.5, 0.2}), scene.NewMaterial("surface", clear));
+    scene.InteriorEnd();
+    List half("interface", scene.NewInterface("diffuse", black), "opacity", 0.5);
+    add(scene,
+        scene.object("quad", "origin", VtVector3(-0.2, 0.5, 0.2), "edge_u", VtVector3(0.5, 0, 0), "edge_v",
+                     VtVector3(0, 0, -0.5)),
+        scene.NewMaterial("surface", half));
+    scene.TransformEnd();
+    return scene.render(32, 32, 64);
+}
+
+TEST(Scale, ScaledMovedAndTurnedScenesLookTheSame) {
+    VtTransform start;
+    start.Scaling({1, 1, 1});
+    const scripted::Pixels expected = still_life(start, 1);
+    const auto compare = [&](const VtTransform &place, double size, const char *what) {
+        const scripted::Pixels found = still_life(place, size);
+        EXPECT_NEAR(found.mean() / expected.mean(), 1, 0.01) << what << ' ' << size;
+        // The same numbers are drawn, so that most pixels are the same, too; but paths that rounding leads elsewhere.
+        double difference = 0;
+        for (std::size_t i = 0; i < expected.values.size(); ++i)
+            difference += std::fabs(found.values[i][1] - expected.values[i][1]);
+        EXPECT_LT(difference / static_cast<double>(expected.values.size()), 0.03 * expected.mean())
+            << what << ' ' << size;
+    };
+    for (const double size : {1e-3, 30.0, 1e5}) {
+        VtTransform scaled;
+        scaled.Scaling({size, size, size});
+        compare(scaled, size, "scaled");
+        scaled[3] = {50 * size, -20 * size, 30 * size, 1};
+        compare(scaled, size, "moved");
+    }
+    VtTransform turned;
+    turned.RotationAroundAxis({0, 0, 0}, {1, 2, 3}, 70.0);
+    compare(turned, 1, "turned");
+}
+
 } // namespace
