@@ -26,7 +26,7 @@ double form_factor(const Description &description, std::uint32_t from, std::uint
     vantor::WorldCache worlds;
     const vantor::World &world = worlds.current(description.registry, interrupt);
     const vantor::Patches patches = patches_of(description, 200, interrupt);
-    const vantor::Gathering gathering(world, patches, rays);
+    const vantor::Gathering gathering(world, patches, rays, interrupt);
     double sum = 0;
     double area = 0;
     all_rays = 0;
@@ -79,7 +79,7 @@ TEST(Radiosity, RowsOfAClosedRoomAddUpToOne) {
     const vantor::World &world = worlds.current(description.registry, interrupt);
     const vantor::Patches patches = patches_of(description, 150, interrupt);
     EXPECT_EQ(patches.size(), 150u);
-    const vantor::Gathering gathering(world, patches, 256);
+    const vantor::Gathering gathering(world, patches, 256, interrupt);
     for (std::uint32_t patch = 0; patch < patches.size(); ++patch) {
         vantor::Row row;
         gathering.see(vantor::side_of_patch(patch, false), 0, 256, row);
@@ -106,7 +106,7 @@ TEST(Radiosity, ClosedRoomHasEmissionOverOneMinusReflectance) {
         vantor::WorldCache worlds;
         const vantor::World &world = worlds.current(description.registry, interrupt);
         const vantor::Patches patches = patches_of(description, 150, interrupt);
-        const vantor::Gathering gathering(world, patches, 64);
+        const vantor::Gathering gathering(world, patches, 64, interrupt);
         // Every wall shines with emission 1, and so sends an irradiance of 1 everywhere.
         std::vector<vantor::Row> rows(patches.size() * 2);
         for (std::uint32_t patch = 0; patch < patches.size(); ++patch)
