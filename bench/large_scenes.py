@@ -65,6 +65,13 @@ def add_mesh(module, scene, parameters):
     scene.addObject(scene.newObject("mesh", parameters))
 
 
+def add_shining_mesh(module, scene, parameters):
+    scene.newLight("area", [])
+    scene.lightBegin()
+    add_mesh(module, scene, parameters)
+    scene.lightEnd()
+
+
 def add_instances(module, scene, places):
     scene.addObject(scene.newObject(
         "instances", ["object", small_box(module, scene), "places", places]))
@@ -93,6 +100,8 @@ def add_textured_box(module, scene, png):
 # Of each row: how many things, what a script has, and how the scene gets it.
 ROWS = {
     "a mesh of 1e6 triangles": (10 ** 6, lambda module: hills(module, 1000, 500), add_mesh),
+    "a mesh of 1e6 triangles that shines": (
+        10 ** 6, lambda module: hills(module, 1000, 500), add_shining_mesh),
     "a mesh of 1e7 triangles": (10 ** 7, lambda module: hills(module, 2500, 2000), add_mesh),
     "1e6 boxes, one object of places": (
         10 ** 6, lambda module: grid(module, 10 ** 6), add_instances),

@@ -25,7 +25,7 @@ struct Placement {
 
     /// Whether rays may go on behind its surface: it bounds a medium, or lets light pass.
     bool may_be_crossed() const {
-        return interior >= 0 || material->is_see_through() || is_transmissive(material->bsdf);
+        return interior >= 0 || material->is_see_through() || transmits(material->bsdf);
     }
 
     /// Whether its surface is not the same at every point.

@@ -14,13 +14,20 @@ struct Path {
     Color radiance{};          ///< What has been found so far of the radiance that arrives at the camera.
 
     Color throughput{1, 1, 1};      ///< The product of value * cosine / pdf over its vertices.
-    Vec3 vertex{};                  ///< The point of a surface or medium that the ray left.
+    LightSampleContext vertex{{}};  ///< The point of a surface or medium that the ray left.
     float direction_pdf = 0;        ///< Per solid angle, with which the ray's direction was drawn there.
     int bounces = 0;                ///< How often its direction has changed.
     bool finds_lights = true;       ///< Only the ray could find a light: it left the camera, or a specular surface.
     bool finds_only_lights = false; ///< Its ray is the last, and counts only for the light that it may find.
     int diffuse_surfaces = 0;       ///< How many it has met.
     RayStart start{};               ///< Of the ray; where surfaces may be crossed.
+
+    /// Goes on from there. False if the ray cannot be followed.
+    bool leave(const RayStart &from, Vec3 direction) {
+        ray = {from.origin, direction};
+        start = from;
+        return is_traceable(from.origin, direction);
+    }
 };
 
 } // namespace vantor

@@ -18,13 +18,6 @@ constexpr int roulette_depth = 3;
 // (Veach 9.2.2).
 constexpr float last_ray_fraction = 0.25f;
 
-// False if the ray cannot be followed.
-bool leave(Path &path, const RayStart &start, Vec3 direction) {
-    path.ray = {start.origin, direction};
-    path.start = start;
-    return is_traceable(start.origin, direction);
-}
-
 // Lets a BSDF be made where it is kept: copies of it would cost as much as its making.
 struct InPlace {
     const Surface &surface;
@@ -71,61 +64,6 @@ Color PathIntegrator::clamped(Color radiance, bool is_indirect) const {
     return limit > 0 && is_indirect && largest > limit ? radiance * (limit / largest) : radiance;
 }
 
-// Where the ray goes through a medium, it may be scattered there before it reaches a surface.
-void PathIntegrator::scatter_in_media(Wave &wave, std::span<Vertex> vertices) const {
-    if (!world.has_media)
-        return;
-    for (Vertex &vertex : vertices) {
-        Path &path = *vertex.path;
-        if (path.media.innermost() == MediumStack::none)
-            continue;
-        const Medium &medium = world.media_of(path.media);
-        const Vec3 from = path.ray.origin + path.ray.direction * path.start.lead;
-        const float length =
-            vertex.hit->exists ? std::max(0.0f, dot(vertex.hit->point - from, path.ray.direction)) : INFINITY;
-        const Vec3 *light = world.lights.position_of(path.ray.origin, wave.sample_light_choice(vertex));
-        vertex.is_ray_lit = light && !path.finds_only_lights && !is_at_last_bounce(path);
-        if (vertex.is_ray_lit)
-            light_the_ray(wave, vertex, medium, *light, length);
-        const Medium::DistanceSample sample =
-            medium.sample_distance(length, wave.sample_2d(vertex, Wave::free_path), path.throughput);
-        path.throughput *= sample.weight;
-        if (sample.is_scattered) {
-            vertex.kind = Kind::Medium;
-            // Clear of both ends, so that what goes on from there is inside for sure.
-            const float first = path.start.margin;
-            const float last = length - (vertex.hit->exists ? margin_of(*vertex.hit, path.ray.direction) : 0);
-            const float distance = first < last ? std::clamp(sample.distance, first, last) : 0.5f * length;
-            vertex.in_medium = from + path.ray.direction * distance;
-        }
-    }
-}
-
-// A light that shines from a single point lights the whole ray; most of that comes from next to the light, where few
-// paths are scattered. So the point that is lit is drawn apart from the point of scattering, by equal angles as the
-// light sees them: Kulla, Fajardo, "Importance Sampling Techniques for Path Tracing in Participating Media", 2012.
-void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 light,
-                                   float length) const {
-    if (is_black(medium.sigma_s))
-        return;
-    const Path &path = *vertex.path;
-    const Vec3 from = path.ray.origin + path.ray.direction * path.start.lead;
-    const float nearest = dot(light - from, path.ray.direction);
-    const Vec3 across = from + path.ray.direction * nearest - light;
-    // Whatever the height, the pdf fits the choice; a ray that goes through the light is one next to it.
-    const float height = std::max(vantor::length(across), rounding_of(light) + 64 * unit_roundoff * std::fabs(nearest));
-    const float first = std::atan2(-nearest, height);
-    const float last = std::atan2(length - nearest, height);
-    const float angle = first + (last - first) * wave.sample_2d(vertex, Wave::lit_distance).u;
-    const float beyond = height * std::tan(angle);
-    const float distance = nearest + beyond;
-    if (!(distance > 0 && distance < length))
-        return;
-    const float inverse_pdf = (last - first) * (height * height + beyond * beyond) / height;
-    const Color throughput = path.throughput * (medium.sigma_s * medium.transmittance(distance) * inverse_pdf);
-    light_medium(wave, vertex, medium, from + path.ray.direction * distance, throughput);
-}
-
 // Emitted light that the ray has found. Where direct light at the vertex before could have found it too, the two are
 // weighed by their pdfs.
 void PathIntegrator::add_emission(std::span<Vertex> vertices) const {
@@ -164,7 +102,7 @@ void PathIntegrator::pass_through(const Wave &wave, std::span<Vertex> vertices) 
         Path &path = *vertex.path;
         const Vec3 direction = path.ray.direction;
         cross_surface(path.media, placement_at(*vertex.hit), *vertex.hit, direction);
-        vertex.kind = leave(path, start_towards(vertex, direction), direction) ? Kind::Passed : Kind::Ended;
+        vertex.kind = path.leave(start_towards(vertex, direction), direction) ? Kind::Passed : Kind::Ended;
     }
 }
 
@@ -209,8 +147,8 @@ void PathIntegrator::sample_direct_light(Wave &wave, std::span<const Vertex> ver
     for (const Vertex &vertex : vertices) {
         if (vertex.kind == Kind::Surface && !vertex.surface->is_specular())
             light_surface(wave, vertex);
-        else if (vertex.kind == Kind::Medium && !vertex.is_ray_lit)
-            light_medium(wave, vertex, world.media_of(vertex.path->media), vertex.in_medium, vertex.path->throughput);
+        else if (vertex.kind == Kind::Medium)
+            light_medium(wave, vertex);
     }
 }
 
@@ -219,7 +157,8 @@ void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex) const {
     const Path &path = *vertex.path;
     const Hit &hit = *vertex.hit;
     LightSample light;
-    if (!wave.direct_light.sample(hit.point, wave.sample_light_choice(vertex), vertex.light_point, light))
+    if (!wave.direct_light.sample(vertex.surface->light_context(hit), wave.sample_light_choice(vertex),
+                                  vertex.light_point, light))
         return;
     const BsdfValue scattered = vertex.bsdf->evaluate(light.to_light);
     if (is_black(scattered.value))
@@ -232,20 +171,6 @@ void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex) const {
         path.throughput * scattered.value * light.contribution * DirectLight::mis_weight(light, ray_pdf);
     wave.direct_light.add(wave.index_of(vertex), start_towards(vertex, light.to_light), media, light,
                           clamped(radiance, path.bounces > 0));
-}
-
-// Likewise at a point of a medium, with the phase function and a throughput that reaches up to there.
-void PathIntegrator::light_medium(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 point,
-                                  Color throughput) const {
-    const Path &path = *vertex.path;
-    LightSample light;
-    if (!wave.direct_light.sample(point, wave.sample_light_choice(vertex), vertex.light_point, light))
-        return;
-    const float phase = medium.phase.evaluate(dot(path.ray.direction, light.to_light));
-    if (!(phase > 0))
-        return;
-    const Color radiance = throughput * phase * light.contribution * DirectLight::mis_weight(light, phase);
-    wave.direct_light.add(wave.index_of(vertex), {point}, path.media, light, clamped(radiance, path.bounces > 0));
 }
 
 void PathIntegrator::trace_shadow_rays(Wave &wave) const {
@@ -278,21 +203,10 @@ bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) 
     if (vertex.surface->is_crossed(next.wi))
         cross_surface(path.media, placement_at(hit), hit, next.wi);
     path.throughput *= next.weight;
-    path.vertex = hit.point;
+    path.vertex = vertex.surface->light_context(hit);
     path.direction_pdf = next.pdf;
     path.finds_lights = next.is_specular;
-    return leave(path, start_towards(vertex, next.wi), next.wi);
-}
-
-bool PathIntegrator::scatter_at_point(const Vertex &vertex) const {
-    Path &path = *vertex.path;
-    const Medium &medium = world.media_of(path.media);
-    const Vec3 before = path.ray.direction;
-    const Vec3 direction = medium.phase.sample(before, vertex.next_direction);
-    path.vertex = vertex.in_medium;
-    path.direction_pdf = medium.phase.evaluate(dot(before, direction));
-    path.finds_lights = false;
-    return leave(path, {vertex.in_medium}, direction);
+    return path.leave(start_towards(vertex, next.wi), next.wi);
 }
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle

@@ -47,8 +47,10 @@ class PathIntegrator {
     [[gnu::noinline]] void play_roulette(const Wave &wave, std::span<Vertex> vertices) const;
 
     // What stages do with a single vertex.
-    void light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 light, float length) const;
-    void light_medium(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 point, Color throughput) const;
+    void light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium) const;
+    void light_medium(Wave &wave, const Vertex &vertex) const;
+    void add_medium_light(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 point, Color throughput,
+                          const LightSample &light) const;
     void light_surface(Wave &wave, const Vertex &vertex) const;
     bool scatter_at_surface(const Wave &wave, const Vertex &vertex) const;
     bool scatter_at_point(const Vertex &vertex) const;

@@ -22,12 +22,13 @@ struct Vertex {
     };
 
     Kind kind = Kind::Ended;
-    bool is_ray_lit = false; ///< The light that was chosen has lit the whole ray that led here.
+    bool is_ray_lit = false; ///< Lights that shine from single points lit the whole ray that led here.
     Path *path = nullptr;
     const Hit *hit = nullptr; ///< Of the path's ray.
     Point2f light_point{};    ///< The samples that nearly every vertex needs. See Wave for the others.
     Point2f next_direction{};
     Vec3 in_medium{};                ///< The point of a medium.
+    float distance_pdf = 0;          ///< Per length, with which that was drawn along the ray; unset elsewhere.
     std::optional<Surface> surface;  ///< At the hit, where there is one.
     std::optional<SurfaceBsdf> bsdf; ///< Of the surface, if it scatters the path.
 

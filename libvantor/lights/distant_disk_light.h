@@ -15,7 +15,10 @@ struct DistantDiskLight {
     float one_minus_cos_theta; ///< Of the angle from its middle to its edge; above 0.
     Color irradiance;          ///< Of a surface that faces it.
 
-    float power(float scene_radius) const { return pi * scene_radius * scene_radius * luminance(irradiance); }
+    // A cap of height h has the solid angle 2 pi h, and the vector of the projected disk, whatever its angle.
+    InfiniteLightBounds bounds() const {
+        return {to_light * luminance(irradiance), 2 * pi * one_minus_cos_theta * luminance(radiance())};
+    }
 
     bool sample(Vec3, Point2f numbers, EmissionSample &result) const {
         result.to_light = Frame(to_light).world_from_local(warp::cone(numbers, one_minus_cos_theta));

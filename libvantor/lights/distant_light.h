@@ -12,7 +12,7 @@ struct DistantLight {
     Vec3 to_light;    ///< Unit length.
     Color irradiance; ///< Of a surface that faces it.
 
-    float power(float scene_radius) const { return pi * scene_radius * scene_radius * luminance(irradiance); }
+    InfiniteLightBounds bounds() const { return {to_light * luminance(irradiance), luminance(irradiance)}; }
 
     bool sample(Vec3, Point2f, EmissionSample &result) const {
         result.to_light = to_light;

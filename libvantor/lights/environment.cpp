@@ -53,6 +53,12 @@ class InterpolatedLuminances {
     std::vector<float> after;
 };
 
+// Of the polar angle, over the solid angle between two cosines: the integral of sqrt(1 - c^2).
+double mean_sine(double cos_upper, double cos_lower) {
+    const auto integral = [](double c) { return 0.5 * (c * std::sqrt(std::max(0.0, 1 - c * c)) + std::asin(c)); };
+    return (integral(cos_upper) - integral(cos_lower)) / (cos_upper - cos_lower);
+}
+
 } // namespace
 
 Environment::Environment(Raster of, Color its_scale, const Affine &its_world_from_local, const Interrupt &interrupt)
@@ -66,15 +72,29 @@ Environment::Environment(Raster of, Color its_scale, const Affine &its_world_fro
 
     InterpolatedLuminances luminances(picture, scale);
     double sum = 0;
+    // The mean direction of a pixel is shorter than that of its middle by these: of latitudes, and of longitudes.
+    const double half_turn = std::numbers::pi / static_cast<double>(picture.width());
+    const double shortened = std::sin(half_turn) / half_turn;
     const auto write_weights = [&](int row, std::span<float> weights) {
         interrupt.check();
         luminances.write_next_row(weights);
+        const auto r = static_cast<std::size_t>(row);
         const float solid_angle = pixel_solid_angle(row);
-        for (float &weight : weights)
-            sum += weight *= solid_angle;
+        const float mean_radius = static_cast<float>(shortened * mean_sine(cos_thetas[r], cos_thetas[r + 1]));
+        const float mean_cosine = 0.5f * (cos_thetas[r] + cos_thetas[r + 1]);
+        Vec3 row_vector;
+        for (std::size_t c = 0; c < weights.size(); ++c) {
+            sum += weights[c] *= solid_angle;
+            const float turn = (static_cast<float>(c) + 0.5f) / static_cast<float>(weights.size());
+            const warp::SineCosine along = warp::sine_cosine_of_turn(turn);
+            row_vector =
+                row_vector + Vec3{-mean_radius * along.sine, mean_cosine, mean_radius * along.cosine} * weights[c];
+        }
+        vector = vector + row_vector;
     };
     auto of_picture = std::make_unique<const Distribution>(picture.width(), picture.height(), write_weights);
     total = static_cast<float>(sum);
+    vector = world_from_local(vector);
     if (total > 0 && std::isfinite(total))
         distribution = std::move(of_picture);
 }

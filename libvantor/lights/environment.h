@@ -34,7 +34,10 @@ class Environment {
     Vec3 sample(Point2f numbers, float &direction_pdf) const;
 
     /// The luminance, integrated over all directions of its own space.
-    float flux() const { return total; }
+    float fluence() const { return total; }
+
+    /// The same with the unit vectors of the directions, in the world.
+    Vec3 vector_irradiance() const { return vector; }
 
   private:
     // Where on the picture a direction of its own space is, in pixels.
@@ -54,6 +57,7 @@ class Environment {
     std::vector<float> cos_thetas; // of the polar angle at the rows' edges, from 1 at the top to -1
     std::unique_ptr<const Distribution> distribution;
     float total = 0;
+    Vec3 vector;
 };
 
 /// The light of an environment that is not black.
@@ -63,7 +67,7 @@ struct EnvironmentLight {
 
     std::shared_ptr<const Environment> environment; ///< Behind a pointer, as most lights are smaller.
 
-    float power(float scene_radius) const { return pi * scene_radius * scene_radius * environment->flux(); }
+    InfiniteLightBounds bounds() const { return {environment->vector_irradiance(), environment->fluence()}; }
 
     bool sample(Vec3, Point2f numbers, EmissionSample &result) const {
         result.to_light = environment->sample(numbers, result.pdf);

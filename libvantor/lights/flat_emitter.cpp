@@ -3,6 +3,7 @@
 
 #include "libvantor/base/rounding.h"
 #include "libvantor/base/warp.h"
+#include "libvantor/lights/spherical_polygons.h"
 
 namespace vantor {
 
@@ -21,8 +22,87 @@ Point2f sample_area(const FlatEmitter &emitter, Point2f numbers) {
 
 } // namespace
 
+LightBounds FlatEmitter::bounds() const {
+    const auto box_around = [&](Vec3 center, Vec3 half) {
+        return LightBounds{center, half, normal, 1, 0, area * luminance(emitted)};
+    };
+    const auto sizes = [](Vec3 v) { return Vec3{std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)}; };
+    if (outline == Outline::Parallelogram)
+        return box_around(corner + (edge_u + edge_v) * 0.5f, (sizes(edge_u) + sizes(edge_v)) * 0.5f);
+    if (outline == Outline::Ring) {
+        const auto reach = [](float u, float v) { return std::sqrt(u * u + v * v); };
+        return box_around(corner, {reach(edge_u.x, edge_v.x), reach(edge_u.y, edge_v.y), reach(edge_u.z, edge_v.z)});
+    }
+    const auto middle = [](float u, float v) { return 0.5f * (std::min({0.0f, u, v}) + std::max({0.0f, u, v})); };
+    const auto half = [](float u, float v) { return 0.5f * (std::max({0.0f, u, v}) - std::min({0.0f, u, v})); };
+    return box_around(corner + Vec3{middle(edge_u.x, edge_v.x), middle(edge_u.y, edge_v.y), middle(edge_u.z, edge_v.z)},
+                      {half(edge_u.x, edge_v.x), half(edge_u.y, edge_v.y), half(edge_u.z, edge_v.z)});
+}
+
+// Whether it is seen so large that the weights of samples by area differ much: by the square of its longer edge over
+// that of its distance. Most lights are far away, which is to be told quickly.
+bool FlatEmitter::is_near(Vec3 reference) const {
+    if (outline == Outline::Ring)
+        return false;
+    constexpr float least_ratio = 0.05f;
+    const float weight = outline == Outline::Triangle ? 1 / 3.0f : 0.5f;
+    const Vec3 to_middle = corner + (edge_u + edge_v) * weight - reference;
+    return std::max(dot(edge_u, edge_u), dot(edge_v, edge_v)) > least_ratio * dot(to_middle, to_middle);
+}
+
+bool FlatEmitter::is_rectangle() const {
+    constexpr float rounding_of_cosines = 1e-5f;
+    const float along = dot(edge_u, edge_v);
+    return outline == Outline::Parallelogram &&
+           along * along <= rounding_of_cosines * rounding_of_cosines * dot(edge_u, edge_u) * dot(edge_v, edge_v);
+}
+
+namespace {
+
+// Beyond these, solid angles have too few digits.
+float usable(float solid_angle) {
+    constexpr float least = 1e-3f;
+    constexpr float most = 6.28f; // of 2 pi: nearly half of all directions
+    return solid_angle >= least && solid_angle <= most ? solid_angle : 0.0f;
+}
+
+} // namespace
+
+float FlatEmitter::sampled_solid_angle(Vec3 reference) const {
+    if (!is_near(reference))
+        return 0;
+    if (outline == Outline::Triangle)
+        return usable(SphericalTriangle(reference, corner, edge_u, edge_v).solid_angle());
+    return is_rectangle() ? usable(SphericalRectangle(reference, corner, edge_u, edge_v).solid_angle()) : 0.0f;
+}
+
+float FlatEmitter::pdf(Vec3 reference, Vec3 direction, Vec3 point) const {
+    const float cosine = -dot(direction, normal);
+    if (!(cosine > 0))
+        return 0;
+    const float solid_angle = sampled_solid_angle(reference);
+    if (solid_angle > 0)
+        return 1 / solid_angle;
+    const Vec3 difference = point - reference;
+    return dot(difference, difference) / (cosine * area);
+}
+
 bool FlatEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {
-    const Point2f uv = sample_area(*this, numbers);
+    Point2f uv = sample_area(*this, numbers);
+    float solid_angle = 0;
+    if (is_near(reference)) {
+        if (outline == Outline::Triangle) {
+            const SphericalTriangle triangle(reference, corner, edge_u, edge_v);
+            solid_angle = usable(triangle.solid_angle());
+            if (solid_angle > 0)
+                uv = triangle.sample(numbers);
+        } else if (is_rectangle()) {
+            const SphericalRectangle rectangle(reference, corner, edge_u, edge_v);
+            solid_angle = usable(rectangle.solid_angle());
+            if (solid_angle > 0)
+                uv = rectangle.sample(numbers);
+        }
+    }
     const Vec3 from_corner = edge_u * uv.u + edge_v * uv.v;
     const Vec3 point = corner + from_corner;
     const Vec3 difference = point - reference;
@@ -32,11 +112,11 @@ bool FlatEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result
     if (!(cosine > 0))
         return false;
 
-    // From area to solid angle: dw = cos dA / r^2.
     result.to_light = difference * (1 / distance);
     result.end = point + normal * clearance_of_emitter(point, from_corner, distance);
     result.radiance = emitted;
-    result.pdf = squared_distance / (cosine * area);
+    // From area to solid angle: dw = cos dA / r^2.
+    result.pdf = solid_angle > 0 ? 1 / solid_angle : squared_distance / (cosine * area);
     return true;
 }
 

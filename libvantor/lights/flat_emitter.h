@@ -6,7 +6,12 @@
 
 namespace vantor {
 
-/// The points corner + u * edge_u + v * edge_v. Sampled uniformly by area.
+/// The points corner + u * edge_u + v * edge_v.
+///
+/// Seen from nearby, rectangles and triangles are sampled uniformly by solid angle: by area, what is near would be
+/// chosen no more often than what is far, and the sample's weight would have no bound. Everything else is sampled
+/// uniformly by area. Of rings there is no simple parametrization by solid angle: the known ones invert integrals
+/// numerically (Guillén et al., "Area-Preserving Parameterizations for Spherical Ellipses", 2017).
 struct FlatEmitter {
     static constexpr bool is_delta = false;
     static constexpr bool is_infinite = false;
@@ -26,15 +31,18 @@ struct FlatEmitter {
     float squared_hole; ///< Of a ring; unused otherwise.
     Color emitted;
 
-    float power(float) const { return pi * area * luminance(emitted); }
+    LightBounds bounds() const;
     bool sample(Vec3 reference, Point2f numbers, EmissionSample &result) const;
     Color radiance() const { return emitted; }
 
-    float pdf(Vec3 reference, Vec3 direction, Vec3 point) const {
-        const Vec3 difference = point - reference;
-        const float cosine = -dot(direction, normal);
-        return cosine > 0 ? dot(difference, difference) / (cosine * area) : 0.0f;
-    }
+    float pdf(Vec3 reference, Vec3 direction, Vec3 point) const;
+
+    /// The solid angle by which it is sampled from there; 0 if it is sampled by area.
+    float sampled_solid_angle(Vec3 reference) const;
+
+  private:
+    bool is_near(Vec3 reference) const;
+    bool is_rectangle() const;
 };
 
 /// From a corner and its two neighbours, given in the object's space and in the order that is counter-clockwise as the

@@ -3,8 +3,10 @@
 
 #include "libvantor/base/numbers.h"
 #include "libvantor/base/random.h"
+#include "libvantor/lights/light_bounds.h"
 
 #include <concepts>
+#include <type_traits>
 
 namespace vantor {
 
@@ -26,16 +28,16 @@ struct SeenLight {
 ///
 /// - `is_delta`: all its light comes from one point or direction, so that only sample() finds it, never a ray.
 /// - `is_infinite`: its light comes from infinitely far away, the same at every point of the scene.
-/// - `power(scene_radius)`: the luminance of its power; of an infinite light what a disk of that radius receives. It
-///   only steers how often the light is chosen, and may be rough; a light of power 0 is never sampled.
+/// - `bounds()`: how much of its light may arrive where. It only steers how often the light is chosen: the intensity
+/// may
+///   be rough, but nothing may shine beyond the bounds. A light that is black by them is never sampled.
 /// - `sample(reference, numbers, result)`: a point of the light as the reference point sees it, uniform numbers given.
 ///   False if none of its light can arrive there.
 template <class Kind>
-concept SamplableLight = requires(const Kind &light, float scene_radius, Vec3 reference, Point2f numbers,
-                                  EmissionSample &result) {
+concept SamplableLight = requires(const Kind &light, Vec3 reference, Point2f numbers, EmissionSample &result) {
     { Kind::is_delta } -> std::convertible_to<bool>;
     { Kind::is_infinite } -> std::convertible_to<bool>;
-    { light.power(scene_radius) } -> std::same_as<float>;
+    { light.bounds() } -> std::same_as<std::conditional_t<Kind::is_infinite, InfiniteLightBounds, LightBounds>>;
     { light.sample(reference, numbers, result) } -> std::same_as<bool>;
 };
 

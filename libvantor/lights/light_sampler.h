@@ -30,7 +30,7 @@ struct LightChoice {
 ///
 /// - `sample(reference, u)`: a light for a number u in [0, 1), with the probability of this choice.
 /// - `pmf(reference, light)`: the probability with which sample() chooses that light for the same reference. Over all
-///   lights the sum is 1, or 0 if there is nothing to choose.
+///   lights the sum is at most 1; the rest is the probability that none is chosen.
 template <class Sampler>
 concept LightSampler = requires(const Sampler &sampler, const LightSampleContext &reference, double u,
                                 std::uint32_t light) {

@@ -12,7 +12,7 @@ struct PointLight {
     Vec3 position;
     Color intensity;
 
-    float power(float) const { return 4 * pi * luminance(intensity); }
+    LightBounds bounds() const { return {position, {}, {0, 0, 1}, -1, 0, luminance(intensity)}; }
 
     bool sample(Vec3 reference, Point2f, EmissionSample &result) const {
         const Vec3 difference = position - reference;

@@ -16,10 +16,13 @@ float one_minus_cos_theta(float squared_distance) {
 
 } // namespace
 
-// Of an ellipsoid roughly: the area of a sphere of the same volume.
-float SphereEmitter::power(float) const {
+// The intensity of an ellipsoid is, roughly, that of a sphere of the same volume.
+LightBounds SphereEmitter::bounds() const {
+    const Linear &m = world_from_unit->linear;
     const float squared_radius = std::pow(std::fabs(world_from_unit->determinant), 2 / 3.0f);
-    return pi * 4 * pi * squared_radius * luminance(emitted);
+    const Vec3 half{length({m.row0.x, m.row1.x, m.row2.x}), length({m.row0.y, m.row1.y, m.row2.y}),
+                    length({m.row0.z, m.row1.z, m.row2.z})};
+    return {world_from_unit->offset, half, {0, 0, 1}, -1, 0, pi * squared_radius * luminance(emitted)};
 }
 
 bool SphereEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {

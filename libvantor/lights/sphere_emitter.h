@@ -17,7 +17,7 @@ struct SphereEmitter {
     std::shared_ptr<const Affine> world_from_unit;
     Color emitted;
 
-    float power(float) const;
+    LightBounds bounds() const;
     bool sample(Vec3 reference, Point2f numbers, EmissionSample &result) const;
     Color radiance() const { return emitted; }
     float pdf(Vec3 reference, Vec3 direction, Vec3 point) const;

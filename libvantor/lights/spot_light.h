@@ -28,10 +28,13 @@ struct SpotLight {
         return x * x * (3 - 2 * x);
     }
 
-    // The whole cone of the beam, and half of the ring around it: the mean of 3x^2 - 2x^3.
-    float power(float) const {
-        const float solid_angle = pi * (one_minus_cos_beam + one_minus_cos_cutoff);
-        return solid_angle * luminance(intensity);
+    // Normals fill the beam, where the intensity is constant; emission goes on from there to the cutoff.
+    LightBounds bounds() const {
+        const auto sine = [](float height) { return std::sqrt(std::max(0.0f, height * (2 - height))); };
+        const float cos_beam = 1 - one_minus_cos_beam;
+        const float cos_emission =
+            cos_beam * (1 - one_minus_cos_cutoff) + sine(one_minus_cos_beam) * sine(one_minus_cos_cutoff);
+        return {position, {}, axis, cos_beam, cos_emission, luminance(intensity)};
     }
 
     bool sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {

@@ -80,7 +80,7 @@ void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
         // What has no patches is left to the path tracer. The lights that the ray itself would find have been sampled:
         // a pdf of 0 leaves nothing to it.
         Path path{rays[i], starts[i].sampler, media};
-        path.vertex = starts[i].from.point;
+        path.vertex = {starts[i].from.point, starts[i].normal};
         path.direction_pdf = 0;
         path.bounces = 1;
         path.finds_lights = false;
@@ -106,7 +106,7 @@ SideLight Gathering::light_of(std::uint32_t side) const {
 
         const double choice = direct_light.choice(departure.sampler, light_choice);
         LightSample light;
-        if (direct_light.sample(departure.from.point, choice, departure.sampler.get_2d(light_point), light)) {
+        if (direct_light.sample({departure.from.point, departure.normal}, choice, departure.sampler.get_2d(light_point), light)) {
             const float cosine = dot(departure.normal, light.to_light);
             const float mis_weight = DirectLight::mis_weight(light, warp::cosine_hemisphere_pdf(cosine));
             if (cosine > 0)
@@ -115,7 +115,7 @@ SideLight Gathering::light_of(std::uint32_t side) const {
         }
 
         Path path{departure.ray, departure.sampler, media};
-        path.vertex = departure.from.point;
+        path.vertex = {departure.from.point, departure.normal};
         path.direction_pdf = departure.pdf;
         path.finds_lights = false;
         path.finds_only_lights = true;

@@ -55,9 +55,8 @@ inline bool is_specular(const BsdfDescription &description) {
 }
 
 /// Whether it may refract light to the other side.
-inline bool is_transmissive(const BsdfDescription &description) {
-    const auto *principled = std::get_if<Principled>(&description);
-    return std::holds_alternative<Dielectric>(description) || (principled && principled->transmission > 0);
+inline bool transmits(const BsdfDescription &description) {
+    return visit_bsdf(description, [](const auto &bsdf) { return bsdf.transmits(); });
 }
 
 inline bool is_diffuse(const BsdfDescription &description) { return std::holds_alternative<Diffuse>(description); }

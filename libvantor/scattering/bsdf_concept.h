@@ -41,7 +41,8 @@ concept PreparedBsdf = requires(const Prepared bsdf, Vec3 wi, Point2f u, float u
 /// A BSDF as the script describes it, from which a `Prepared` is made for every hit.
 ///
 /// albedo() is the colour: about the fraction that is scattered of light from everywhere. is_specular() says that every
-/// sample is specular, so that evaluate() is 0. Materials may set the colour, multiply it by a factor (both 0 to 1) and
+/// sample is specular, so that evaluate() is 0; transmits() that light may leave on the other side than where the path
+/// arrives. Materials may set the colour, multiply it by a factor (both 0 to 1) and
 /// set the roughness, 0 to 1, whose square is the alpha of microfacets (Burley, in the course "Practical
 /// Physically-Based Shading in Film and Game Production", SIGGRAPH 2012); a BSDF without roughness ignores it.
 template <class Description>
@@ -50,6 +51,7 @@ concept DescribedBsdf = requires(const Description description, Description chan
     requires std::constructible_from<typename Description::Prepared, const Description &, Vec3>; // for a wo
     { description.albedo() } -> std::same_as<Color>;
     { description.is_specular() } -> std::same_as<bool>;
+    { description.transmits() } -> std::same_as<bool>;
     { changed.set_color(color) } -> std::same_as<void>;
     { changed.tint(color) } -> std::same_as<void>;
     { changed.set_roughness(roughness) } -> std::same_as<void>;

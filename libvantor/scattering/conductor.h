@@ -20,6 +20,7 @@ struct Conductor {
 
     Color albedo() const;
     bool is_specular() const { return alpha < Ggx::least_alpha; }
+    bool transmits() const { return false; }
     void set_color(Color value) { color = value; }
     void tint(Color factor) { color *= factor; }
     void set_roughness(float roughness) { alpha = Ggx::alpha_of(roughness); }

@@ -22,6 +22,7 @@ struct Dielectric {
 
     Color albedo() const;
     bool is_specular() const;
+    bool transmits() const { return true; }
     void set_color(Color value) { color = value; }
     void tint(Color factor) { color *= factor; }
     void set_roughness(float roughness) { alpha = Ggx::alpha_of(roughness); }

@@ -15,6 +15,7 @@ struct Diffuse {
 
     Color albedo() const { return reflectance; }
     bool is_specular() const { return false; }
+    bool transmits() const { return false; }
     void set_color(Color color) { reflectance = color; }
     void tint(Color factor) { reflectance *= factor; }
     void set_roughness(float) {}

@@ -32,29 +32,35 @@ struct Medium {
         bool is_scattered;
         float distance;
         Color weight;
+        float pdf; ///< Per length, if it is scattered.
     };
     DistanceSample sample_distance(float distance, Point2f u, Color carried = {1, 1, 1}) const {
         if (is_black(sigma_s))
-            return {false, distance, transmittance(distance)};
+            return {false, distance, transmittance(distance), 0};
         const Color sum = sigma_t();
         const Color chances = chances_of(carried);
         const float coefficient = u.v < chances.r ? sum.r : u.v < chances.r + chances.g ? sum.g : sum.b;
         const float reached = coefficient > 0 ? -std::log1p(-u.u) / coefficient : INFINITY;
         if (reached < distance) {
             const Color left = transmittance(reached);
-            const Color pdfs = chances * sum * left;
-            const float pdf = pdfs.r + pdfs.g + pdfs.b;
-            return {true, reached, pdf > 0 ? sigma_s * left * (1 / pdf) : Color{}};
+            const float pdf = sum_of(chances * sum * left);
+            return {true, reached, pdf > 0 ? sigma_s * left * (1 / pdf) : Color{}, pdf};
         }
         const Color left = transmittance(distance);
-        const Color probabilities = chances * left;
-        const float probability = probabilities.r + probabilities.g + probabilities.b;
-        return {false, distance, probability > 0 ? left * (1 / probability) : Color{}};
+        const float probability = sum_of(chances * left);
+        return {false, distance, probability > 0 ? left * (1 / probability) : Color{}, 0};
+    }
+
+    /// The pdf per length with which sample_distance() finds that light is scattered there.
+    float distance_pdf(float distance, Color carried) const {
+        return sum_of(chances_of(carried) * sigma_t() * transmittance(distance));
     }
 
   private:
+    static float sum_of(Color c) { return c.r + c.g + c.b; }
+
     static Color chances_of(Color carried) {
-        const float sum = carried.r + carried.g + carried.b;
+        const float sum = sum_of(carried);
         constexpr float third = 1 / 3.0f;
         return sum > 0 && std::isfinite(sum) ? carried * (1 / sum) : Color{third, third, third};
     }

@@ -29,6 +29,7 @@ struct Plastic {
 
     Color albedo() const;
     bool is_specular() const { return false; }
+    bool transmits() const { return false; }
     void set_color(Color value) { color = value; }
     void tint(Color factor) { color *= factor; }
     void set_roughness(float roughness) { alpha = Ggx::alpha_of(roughness); }

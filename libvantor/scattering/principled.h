@@ -31,6 +31,7 @@ struct Principled {
 
     Color albedo() const { return base_color; }
     bool is_specular() const { return false; }
+    bool transmits() const { return transmission > 0; }
     void set_color(Color value) { base_color = value; }
     void tint(Color factor) { base_color *= factor; }
     void set_roughness(float value) { roughness = value; }

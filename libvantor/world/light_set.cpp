@@ -7,19 +7,17 @@ namespace {
 
 template <class Kind> constexpr bool is_surface = !Kind::is_delta && !Kind::is_infinite;
 template <class Kind> constexpr bool is_seen_at_infinity = !Kind::is_delta && Kind::is_infinite;
+template <class Kind> constexpr bool is_positional = Kind::is_delta && !Kind::is_infinite;
 
 } // namespace
 
-LightSet::LightSet(std::span<const DescribedLight> described, std::span<const Placement> placements, float scene_radius)
-    : sampler({}, {}) {
-    std::vector<std::size_t> groups; // the first light of each object that shines, and of each described light
+LightSet::LightSet(std::span<const DescribedLight> described, std::span<const Placement> placements) {
     emitters_of.reserve(placements.size());
     for (const Placement &placement : placements) {
         EmitterRange emitters;
         if (placement.light >= 0) {
             const DescribedLight &light = described[static_cast<std::size_t>(placement.light)];
             const Color radiance = *light.area_radiance;
-            groups.push_back(lights.size());
             // Of a trimmed object, or one of many instances, it is not known which points there are.
             const bool is_whole = !placement.instances && placement.object->trimmers.empty();
             if (light.is_on && !is_black(radiance))
@@ -29,48 +27,54 @@ LightSet::LightSet(std::span<const DescribedLight> described, std::span<const Pl
         }
         emitters_of.push_back(emitters);
     }
-    for (const DescribedLight &light : described) {
-        groups.push_back(lights.size());
+    for (const DescribedLight &light : described)
         if (light.is_on)
             lights.insert(lights.end(), light.lights.begin(), light.lights.end());
-    }
-    groups.push_back(lights.size());
-
-    std::vector<float> powers;
-    powers.reserve(lights.size());
-    for (const Light &light : lights)
-        std::visit(
-            [&]<class Kind>(const Kind &kind) {
-                if constexpr (is_seen_at_infinity<Kind>)
-                    infinite_lights.push_back(static_cast<std::uint32_t>(powers.size()));
-                powers.push_back(kind.power(scene_radius));
-            },
-            light);
-    sampler = PowerLightSampler(powers, groups);
+    make_samplers();
 }
 
-const Vec3 *LightSet::position_of(const LightSampleContext &reference, double u) const {
-    const LightChoice choice = sampler.sample(reference, u);
-    if (!(choice.pmf > 0))
-        return nullptr;
+void LightSet::make_samplers() {
+    std::vector<BvhLightSampler::FiniteLight> finite;
+    std::vector<BvhLightSampler::FiniteLight> with_position;
+    std::vector<BvhLightSampler::InfiniteLight> infinite;
+    finite.reserve(lights.size());
+    for (std::uint32_t i = 0; i < lights.size(); ++i)
+        std::visit(
+            [&]<class Kind>(const Kind &light) {
+                if constexpr (is_seen_at_infinity<Kind>)
+                    infinite_lights.push_back(i);
+                if constexpr (Kind::is_infinite)
+                    infinite.push_back({light.bounds(), i});
+                else
+                    finite.push_back({light.bounds(), i});
+                if constexpr (is_positional<Kind>)
+                    with_position.push_back(finite.back());
+            },
+            lights[i]);
+    sampler = BvhLightSampler(finite, infinite, lights.size());
+    if (!with_position.empty())
+        positional = BvhLightSampler(with_position, {}, lights.size());
+}
+
+const Vec3 *LightSet::position_of(std::uint32_t light) const {
     return std::visit(
-        []<class Kind>(const Kind &light) -> const Vec3 * {
-            if constexpr (Kind::is_delta && !Kind::is_infinite)
-                return &light.position;
+        []<class Kind>(const Kind &kind) -> const Vec3 * {
+            if constexpr (is_positional<Kind>)
+                return &kind.position;
             else
                 return nullptr;
         },
-        lights[choice.light]);
+        lights[light]);
 }
 
-bool LightSet::sample(const LightSampleContext &reference, double u, Point2f numbers, LightSample &result) const {
-    const LightChoice choice = sampler.sample(reference, u);
+bool LightSet::sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, LightSample &result) const {
     if (!(choice.pmf > 0))
         return false;
+    result.choice = choice;
     return std::visit(
         [&]<class Kind>(const Kind &light) {
             EmissionSample sample;
-            if (!light.sample(reference.point, numbers, sample))
+            if (!light.sample(point, numbers, sample))
                 return false;
             result.to_light = sample.to_light;
             result.is_infinite = Kind::is_infinite;

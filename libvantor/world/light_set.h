@@ -4,8 +4,8 @@
 #include "libvantor/base/random.h"
 #include "libvantor/description/registry.h"
 #include "libvantor/embree/hit.h"
+#include "libvantor/lights/bvh_light_sampler.h"
 #include "libvantor/lights/emitters.h"
-#include "libvantor/lights/power_light_sampler.h"
 
 #include <span>
 
@@ -19,22 +19,38 @@ struct LightSample {
     bool is_delta;      ///< No ray can find the light: it is a point or parallel light.
     Color contribution; ///< Radiance over pdf; of a delta light its irradiance over the probability of the choice.
     float pdf;          ///< Per solid angle, choice included; above 0 and finite. Unset if is_delta.
+    LightChoice choice; ///< Of the light.
 };
 
 /// All lights that are on. Constant once made.
 class LightSet {
   public:
-    /// The radius is that of the scene: it says how much of an infinite light arrives.
-    LightSet(std::span<const DescribedLight> described, std::span<const Placement> placements, float scene_radius);
+    /// No lights.
+    LightSet() = default;
+
+    LightSet(std::span<const DescribedLight> described, std::span<const Placement> placements);
 
     /// Whether sample() uses its number u.
     bool has_choice() const { return lights.size() > 1; }
 
     /// Chooses a light and samples it. False where none of its light can arrive.
-    bool sample(const LightSampleContext &reference, double u, Point2f numbers, LightSample &result) const;
+    bool sample(const LightSampleContext &reference, double u, Point2f numbers, LightSample &result) const {
+        return sample_chosen(sampler.sample(reference, u), reference.point, numbers, result);
+    }
 
-    /// Where the light stands that sample() chooses with this number; null if it does not shine from a single point.
-    const Vec3 *position_of(const LightSampleContext &reference, double u) const;
+    /// Samples a light that was chosen. False where none of its light can arrive.
+    bool sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, LightSample &result) const;
+
+    /// Chooses among the lights that shine from single points, for a ray as a whole. The pmf is 0 if there are none.
+    LightChoice choose_positional(const LightSampleRay &ray, double u) const { return positional.sample(ray, u); }
+    float positional_pmf(const LightSampleRay &ray, std::uint32_t light) const { return positional.pmf(ray, light); }
+    bool has_positional() const { return !positional.is_empty(); }
+
+    /// Where a light stands; null if it does not shine from a single point.
+    const Vec3 *position_of(std::uint32_t light) const;
+
+    /// The probability with which sample(reference) chooses a light.
+    float pmf(const LightSampleContext &reference, std::uint32_t light) const { return sampler.pmf(reference, light); }
 
     /// The emitter at a hit, which shines from the front; -1 if nothing shines there.
     int emitter_at(const Hit &hit) const { return emitters_of[hit.placement].of(hit.primitive); }
@@ -57,11 +73,13 @@ class LightSet {
 
   private:
     SeenLight seen_at_infinity(std::uint32_t light, const LightSampleContext &reference, Vec3 direction) const;
+    void make_samplers();
 
     std::vector<Light> lights;
     std::vector<EmitterRange> emitters_of;      // for each placement
     std::vector<std::uint32_t> infinite_lights; // with an extent
-    PowerLightSampler sampler;
+    BvhLightSampler sampler;
+    BvhLightSampler positional; // only of lights that shine from single points
 };
 
 } // namespace vantor

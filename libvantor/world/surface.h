@@ -63,6 +63,11 @@ class Surface {
     bool is_diffuse() const { return vantor::is_diffuse(description); }
     Color albedo() const { return vantor::albedo(description); }
 
+    /// What lights are chosen by at its hit: the side where the path arrives is lit, or both.
+    LightSampleContext light_context(const Hit &hit) const {
+        return {hit.point, transmits(description) ? Vec3() : is_front ? frame.z : -frame.z};
+    }
+
     /// As opacity_at().
     float opacity() const { return opacity_here; }
 

@@ -23,8 +23,7 @@ void update_placements(World &world, const Registry &registry, const Interrupt &
 void update(World &world, const Registry &registry, bool have_placements_changed, const Interrupt &interrupt) {
     if (have_placements_changed)
         update_placements(world, registry, interrupt);
-    // The scene's size says how much light a distant light brings, so that its surfaces count, too.
-    world.lights = LightSet(registry.lights(), world.placements, world.tracer.radius());
+    world.lights = LightSet(registry.lights(), world.placements);
 }
 
 } // namespace

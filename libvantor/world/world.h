@@ -12,7 +12,7 @@ namespace vantor {
 /// The registry that it was made from has to outlive it.
 struct World {
     Tracer tracer;
-    LightSet lights{{}, {}, 0};
+    LightSet lights;
     std::span<const Placement> placements;
     std::vector<Medium> media; ///< What MediumStack has indexes of.
     std::vector<Affine> maps;  ///< Of the placements, but for their instances; empty if no surface varies.

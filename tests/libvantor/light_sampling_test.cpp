@@ -1,6 +1,5 @@
-// Sampling of every type of light against its pdf and its radiance; the choice among lights; the emitters of shapes.
+// Sampling of every type of light against its pdf and its radiance; their bounds; the emitters of shapes.
 #include "libvantor/lights/emitters.h"
-#include "libvantor/lights/power_light_sampler.h"
 
 #include <gtest/gtest.h>
 #include <numeric>
@@ -58,6 +57,17 @@ std::vector<Case> cases() {
     return {
         {"parallelogram", flat_emitter(map, a, b, d, FlatEmitter::Outline::Parallelogram, color)},
         {"triangle", flat_emitter(map, a, b, d, FlatEmitter::Outline::Triangle, color)},
+        // By solid angle: of moderate size, around nearly half of all directions, long and narrow.
+        {"rectangle", flat_emitter(Affine(), {-0.5f, -0.4f, -1}, {0.7f, -0.4f, -1}, {-0.5f, 0.6f, -1},
+                                   FlatEmitter::Outline::Parallelogram, color)},
+        {"rectangle that is near", flat_emitter(Affine(), {-1, -2, -0.05f}, {1, -2, -0.05f}, {-1, 1, -0.05f},
+                                                FlatEmitter::Outline::Parallelogram, color)},
+        {"strip", flat_emitter(Affine(), {-1, -0.5f, -0.5f}, {3, -0.5f, -0.5f}, {-1, -0.3f, -0.5f},
+                               FlatEmitter::Outline::Parallelogram, color)},
+        {"triangle that is near",
+         flat_emitter(Affine(), {-3, -2, -0.1f}, {3, -2, -0.1f}, {0, 3, -0.1f}, FlatEmitter::Outline::Triangle, color)},
+        {"triangle that is far",
+         flat_emitter(Affine(), {-9, -9, -80}, {9, -9, -80}, {0, 9, -80}, FlatEmitter::Outline::Triangle, color)},
         {"ring", disk_emitter(map, ring, color)},
         {"ellipsoid", SphereEmitter{std::make_shared<const Affine>(map), color}},
         {"unsampled", UnsampledEmitter{color}},
@@ -254,6 +264,51 @@ TEST(LightSampling, ANarrowDiskHasItsIrradiance) {
     EXPECT_EQ(sun.seen(normalized(sun.to_light + Vec3{0.0093f, 0, 0})).pdf, 0);
 }
 
+// Sampled by solid angle where that differs from sampling by area, and has its digits; the pdf is then one over it.
+TEST(LightSampling, RectanglesAndTrianglesAreSampledBySolidAngleNearby) {
+    const auto flat = [](FlatEmitter::Outline outline) {
+        return flat_emitter(Affine(), {-1, -1, 0}, {1, -1, 0}, {-1, 1, 0}, outline, {1, 1, 1});
+    };
+    const FlatEmitter square = flat(FlatEmitter::Outline::Parallelogram);
+    const FlatEmitter triangle = flat(FlatEmitter::Outline::Triangle);
+    const double pi = 3.14159265358979;
+    // A face of the cube around the point; half of it; and in the corner of three squares.
+    EXPECT_NEAR(square.sampled_solid_angle({0, 0, 1}), 4 * pi / 6, 1e-5);
+    EXPECT_NEAR(triangle.sampled_solid_angle({0, 0, 1}), 2 * pi / 6, 1e-5);
+    EXPECT_NEAR(square.sampled_solid_angle({-1, -1, 2}), 4 * pi / 24, 1e-5);
+    for (const FlatEmitter &light : {square, triangle}) {
+        EXPECT_EQ(light.sampled_solid_angle({0, 0, 100}), 0);
+        EXPECT_EQ(light.sampled_solid_angle({-1, -1, 1e-6f}) > 0.1f, true); // at the corner: nearly a quarter
+        EmissionSample sample;
+        ASSERT_TRUE(light.sample({-0.2f, -0.3f, 0.5f}, {0.3f, 0.6f}, sample));
+        EXPECT_EQ(sample.pdf, 1 / light.sampled_solid_angle({-0.2f, -0.3f, 0.5f}));
+        EXPECT_EQ(sample.pdf, light.pdf({-0.2f, -0.3f, 0.5f}, sample.to_light, sample.end));
+    }
+    EXPECT_EQ(
+        disk_emitter(Affine(), {CanonicalMap({0, 0, 0}, {0, 1, 0}, 2), 0.5}, {1, 1, 1}).sampled_solid_angle({0, 1, 0}),
+        0);
+    // Large, small, and far from the origin: points stay on the light.
+    for (const float size : {1e-5f, 1.0f, 1e6f})
+        for (const FlatEmitter::Outline outline :
+             {FlatEmitter::Outline::Parallelogram, FlatEmitter::Outline::Triangle}) {
+            const Vec3 at = Vec3{3, -4, 5} * size;
+            const FlatEmitter light =
+                flat_emitter(Affine(), at, at + Vec3{size, 0, 0}, at + Vec3{0, 0, size}, outline, {1, 1, 1});
+            Numbers numbers;
+            for (int i = 0; i < 2000; ++i) {
+                const Vec3 reference =
+                    at + Vec3{numbers.one() - 0.5f, -2 * numbers.one(), numbers.one()} * (1.5f * size);
+                EmissionSample sample;
+                if (!light.sample(reference, i == 0 ? Point2f{} : numbers.two(), sample))
+                    continue;
+                const Vec3 on = (sample.end - at) * (1 / size);
+                ASSERT_TRUE(on.x >= -1e-4f && on.z >= -1e-4f && std::max(on.x, on.z) <= 1.0001f &&
+                            std::fabs(on.y) < 1e-3f);
+                ASSERT_NEAR(dot(sample.to_light, normalized(sample.end - reference)), 1, 1e-4);
+            }
+        }
+}
+
 TEST(LightSampling, WhatHasNoSideThereIsNotSampled) {
     EmissionSample sample;
     const Light behind =
@@ -266,30 +321,42 @@ TEST(LightSampling, WhatHasNoSideThereIsNotSampled) {
     EXPECT_EQ(around.pdf({0.5f, 0, 0}, {1, 0, 0}, {1, 0, 0}), 0);
 }
 
-// The power of a surface is pi times its area times its radiance; that of a light that shines from a point, its
-// intensity over all directions; that of an infinite one, its irradiance on a disk as large as the scene.
-TEST(LightSampling, PowersAreThoseOfTheFormulas) {
+// The intensity of a surface is its area times its radiance; the fluence of an infinite light, its radiance over all
+// directions; and the vector points to where most of it comes from.
+TEST(LightSampling, BoundsAreThoseOfTheFormulas) {
     const Color grey{2, 2, 2};
-    const auto power = [](const Light &light) {
-        return std::visit([](const auto &kind) { return kind.power(3); }, light);
-    };
     const double pi = 3.14159265358979;
     const auto flat = [&](FlatEmitter::Outline outline) {
-        return flat_emitter(Affine(), {0, 0, 0}, {2, 0, 0}, {0, 3, 0}, outline, grey);
+        return std::get<FlatEmitter>(Light(flat_emitter(Affine(), {0, 0, 0}, {2, 0, 0}, {0, 3, 0}, outline, grey)))
+            .bounds();
     };
-    EXPECT_NEAR(power(flat(FlatEmitter::Outline::Parallelogram)), pi * 6 * 2, 1e-4);
-    EXPECT_NEAR(power(flat(FlatEmitter::Outline::Triangle)), pi * 3 * 2, 1e-4);
-    EXPECT_NEAR(power(disk_emitter(Affine(), {CanonicalMap({0, 0, 0}, {0, 1, 0}, 2), 0.5}, grey)), pi * 3 * pi * 2,
-                1e-3);
-    EXPECT_NEAR(power(SphereEmitter{std::make_shared<const Affine>(), grey}), pi * 4 * pi * 2, 1e-3);
-    EXPECT_EQ(power(UnsampledEmitter{grey}), 0);
-    EXPECT_NEAR(power(PointLight{{}, grey}), 4 * pi * 2, 1e-4);
-    EXPECT_NEAR(power(SpotLight{{}, {0, 0, 1}, grey, 1, 1}), 2 * pi * 2, 1e-4);
-    EXPECT_NEAR(power(DistantLight{{0, 0, 1}, grey}), pi * 9 * 2, 1e-4);
-    EXPECT_NEAR(power(DistantDiskLight{{0, 0, 1}, 0.1f, grey}), pi * 9 * 2, 1e-4);
+    EXPECT_NEAR(flat(FlatEmitter::Outline::Parallelogram).intensity, 6 * 2, 1e-4);
+    EXPECT_NEAR(flat(FlatEmitter::Outline::Triangle).intensity, 3 * 2, 1e-4);
+    EXPECT_EQ(flat(FlatEmitter::Outline::Triangle).center.y, 1.5f);
+    EXPECT_EQ(flat(FlatEmitter::Outline::Triangle).half_extent.x, 1);
+    EXPECT_NEAR((disk_emitter(Affine(), {CanonicalMap({0, 0, 0}, {0, 1, 0}, 2), 0.5}, grey).bounds().intensity),
+                3 * pi * 2, 1e-3);
+    EXPECT_NEAR((SphereEmitter{std::make_shared<const Affine>(), grey}.bounds().intensity), pi * 2, 1e-3);
+    EXPECT_EQ(UnsampledEmitter{grey}.bounds().intensity, 0);
+    EXPECT_NEAR((PointLight{{}, grey}.bounds().intensity), 2, 1e-5);
+    const SpotLight spot{{}, {0, 0, 1}, grey, 0.5f, 1};
+    EXPECT_NEAR(spot.bounds().cos_normals, 0.5, 1e-6);
+    EXPECT_NEAR(spot.bounds().cos_emission, std::cos(pi / 6), 1e-6);
+
+    EXPECT_NEAR((DistantLight{{0, 0, 1}, grey}.bounds().fluence), 2, 1e-5);
+    EXPECT_NEAR((DistantLight{{0, 0, 1}, grey}.bounds().irradiance({0, 0.6f, 0.8f})), 1.6, 1e-5);
+    const InfiniteLightBounds disk = DistantDiskLight{{0, 0, 1}, 0.1f, grey}.bounds();
+    EXPECT_NEAR(disk.vector.z, 2, 1e-5);
+    EXPECT_NEAR(disk.vector.z / disk.fluence, 0.95, 1e-5); // the mean cosine of a cap
     const Raster constant(1, 1, {{1, 1, 1}});
-    EXPECT_NEAR(power(EnvironmentLight{std::make_shared<const Environment>(constant, grey, Affine(), Interrupt())}),
-                pi * 9 * 4 * pi * 2, 1e-2);
+    const InfiniteLightBounds even =
+        EnvironmentLight{std::make_shared<const Environment>(constant, grey, Affine(), Interrupt())}.bounds();
+    EXPECT_NEAR(even.fluence, 4 * pi * 2, 1e-3);
+    const Raster above(2, 2, {{1, 1, 1}, {1, 1, 1}, {0, 0, 0}, {0, 0, 0}});
+    const InfiniteLightBounds upper =
+        EnvironmentLight{std::make_shared<const Environment>(above, grey, Affine(), Interrupt())}.bounds();
+    EXPECT_GT(upper.irradiance({0, 1, 0}), upper.irradiance({1, 0, 0}));
+    EXPECT_GT(upper.irradiance({1, 0, 0}), upper.irradiance({0, -1, 0}));
 }
 
 TEST(LightSampling, EmittersOfAMeshStandInTheOrderOfItsTriangles) {
@@ -312,71 +379,6 @@ TEST(LightSampling, EmittersOfAMeshStandInTheOrderOfItsTriangles) {
     EXPECT_EQ(sphere.of(0), 7);
     EXPECT_EQ(sphere.of(99), 7);
     EXPECT_EQ(EmitterRange().of(99), -1);
-}
-
-// Of each group, in which the lights are numbered on.
-PowerLightSampler sampler_of(const std::vector<std::vector<float>> &groups) {
-    std::vector<float> powers;
-    std::vector<std::size_t> firsts;
-    for (const std::vector<float> &group : groups) {
-        firsts.push_back(powers.size());
-        powers.insert(powers.end(), group.begin(), group.end());
-    }
-    firsts.push_back(powers.size());
-    return {powers, firsts};
-}
-
-TEST(PowerLightSampler, ProbabilitiesSumToOneAndSamplesAgree) {
-    // Empty groups and dark lights at the start, in the middle and at the end; one that has no finite power.
-    const std::vector<std::vector<float>> groups{{}, {0, 3, 0.5f}, {7}, {0}, {INFINITY}, {}, {1e-3f, 0, 20, 0}, {}};
-    const PowerLightSampler sampler = sampler_of(groups);
-    const LightSampleContext reference({1, 2, 3}, {0, 1, 0});
-    constexpr std::uint32_t lights = 10;
-    constexpr int draws = 20000;
-    std::vector<double> counts(lights);
-    double sum = 0;
-    for (std::uint32_t i = 0; i < lights; ++i)
-        sum += sampler.pmf(reference, i);
-    EXPECT_NEAR(sum, 1, 1e-6);
-
-    for (int i = 0; i < draws; ++i) {
-        // Evenly spread numbers, the least and the largest among them.
-        const LightChoice choice = sampler.sample(reference, i == draws - 1 ? 1 - 0x1p-32 : 1.0 * i / draws);
-        ASSERT_LT(choice.light, lights);
-        ASSERT_GT(choice.pmf, 0);
-        ASSERT_EQ(choice.pmf, sampler.pmf(reference, choice.light));
-        ++counts[choice.light];
-    }
-    for (std::uint32_t i = 0; i < lights; ++i)
-        EXPECT_NEAR(counts[i], draws * sampler.pmf(reference, i), 1.01) << i;
-    // A quarter of the choice is shared evenly among the three groups that shine, the rest by power.
-    EXPECT_NEAR(sampler.pmf(reference, 3), 0.25 / 3 + 0.75 * 7 / 30.501, 1e-6);
-    EXPECT_NEAR(sampler.pmf(reference, 1), (0.25 / 3 + 0.75 * 3.5 / 30.501) * 3 / 3.5, 1e-6);
-}
-
-TEST(PowerLightSampler, OneLightIsCertainAndNoneIsNeverChosen) {
-    const LightSampleContext reference({0, 0, 0});
-    const LightChoice only = sampler_of({{}, {5}}).sample(reference, 0);
-    EXPECT_EQ(only.light, 0u);
-    EXPECT_EQ(only.pmf, 1);
-    for (const double u : {0.0, 0.5, 1 - 0x1p-32}) {
-        EXPECT_EQ(sampler_of({}).sample(reference, u).pmf, 0);
-        EXPECT_EQ(sampler_of({{0}}).sample(reference, u).pmf, 0);
-        EXPECT_EQ(sampler_of({{0, 0}, {0}}).sample(reference, u).pmf, 0);
-    }
-}
-
-TEST(PowerLightSampler, MillionsOfLightsCanAllBeChosen) {
-    constexpr std::size_t many = 3000000;
-    const PowerLightSampler sampler = sampler_of({std::vector<float>(many, 1), {1e6f}});
-    const LightSampleContext reference({0, 0, 0});
-    double sum = 0;
-    for (std::uint32_t i = 0; i <= many; ++i)
-        sum += sampler.pmf(reference, i);
-    EXPECT_NEAR(sum, 1, 1e-6);
-    EXPECT_NEAR(sampler.pmf(reference, many), 0.125 + 0.75 * 0.25, 1e-6);
-    EXPECT_EQ(sampler.sample(reference, 0).light, 0u);
-    EXPECT_EQ(sampler.sample(reference, 1 - 0x1p-32).light, many);
 }
 
 } // namespace

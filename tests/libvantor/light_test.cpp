@@ -252,7 +252,7 @@ TEST(Environment, NoDirectionThatShinesIsNeverDrawn) {
         }
     // pi / 4 across and pi / 8 down, by the sines of the three rows that it reaches into.
     const auto height = [](int row) { return std::cos(pi * row / 8) - std::cos(pi * (row + 1) / 8); };
-    EXPECT_NEAR(light.flux(), pi / 4 * (height(2) / 8 + height(3) * 3 / 4 + height(4) / 8), 1e-5);
+    EXPECT_NEAR(light.fluence(), pi / 4 * (height(2) / 8 + height(3) * 3 / 4 + height(4) / 8), 1e-5);
 }
 
 TEST(Environment, BlackOnesHaveNoDensity) {

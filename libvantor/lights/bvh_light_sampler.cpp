@@ -1,0 +1,145 @@
+// BVH light sampler: chooses lights by what they can bring to a point.
+#include "libvantor/lights/bvh_light_sampler.h"
+
+#include "libvantor/lights/bvh_light_weights.h"
+
+namespace vantor {
+
+namespace {
+
+// How much of the irradiance arrives is not known before the shadow ray: the sun may be behind a wall, a lamp behind a
+// table. So neither the tree nor the infinite lights, nor one of these, takes nearly all of the choice.
+constexpr float least_share = 0.05f;
+constexpr float even_part_of_infinite = 0.2f;
+
+// Which of some weights a number in [0, sum) falls into. The number is then the rest of it, from 0 to 1.
+template <class Weights> std::size_t chosen(const Weights &weights, float sum, double &u) {
+    const double wanted = u * sum;
+    double before = 0;
+    std::size_t last = 0;
+    for (std::size_t i = 0; i < weights.size(); ++i) {
+        if (!(weights[i] > 0))
+            continue;
+        last = i;
+        if (wanted < before + weights[i])
+            break;
+        before += weights[i];
+    }
+    // Rounding may leave the last sum below the number.
+    constexpr double below_one = 1 - 0x1p-32;
+    u = std::clamp((wanted - before) / weights[last], 0.0, below_one);
+    return last;
+}
+
+} // namespace
+
+template <class Reference>
+LightChoice BvhLightSampler::descend(const Reference &reference, double u, Weights weights, float sum) const {
+    std::size_t node = 0;
+    float pmf = 1;
+    while (sum > 0) {
+        const std::size_t lane = chosen(weights, sum, u);
+        pmf *= weights[lane] / sum;
+        const std::uint32_t child = nodes[node].children[lane];
+        if (child >= is_light)
+            return {child - is_light, pmf};
+        node = child;
+        sum = weigh(nodes[node], reference, weights);
+    }
+    return {0, 0};
+}
+
+template <class Reference> float BvhLightSampler::tree_pmf(const Reference &reference, std::uint32_t light) const {
+    float pmf = 1;
+    for (std::uint32_t slot = slots[light]; slot != nowhere;) {
+        const Node &node = nodes[slot / width];
+        Weights weights;
+        const float sum = weigh(node, reference, weights);
+        if (!(weights[slot % width] > 0))
+            return 0;
+        pmf *= weights[slot % width] / sum;
+        slot = node.parent;
+    }
+    return pmf;
+}
+
+BvhLightSampler::Shares BvhLightSampler::shares(const LightSampleContext &reference, float finite_sum) const {
+    float infinite_sum = 0;
+    for (const InfiniteLight &infinite : infinite_lights)
+        infinite_sum += infinite.bounds.irradiance(reference.normal);
+    const float scaled = std::clamp(infinite_sum * intensity_scale, least_light_weight, most_light_weight);
+    if (infinite_lights.empty() || !(finite_sum > 0)) {
+        const float infinite = infinite_lights.empty() ? 0.0f : 1.0f;
+        return {1 - infinite, infinite, infinite_sum};
+    }
+    const float finite = std::clamp(finite_sum / (finite_sum + scaled), least_share, 1 - least_share);
+    return {finite, 1 - finite, infinite_sum};
+}
+
+float BvhLightSampler::infinite_pmf(const Shares &shares, float irradiance) const {
+    if (infinite_lights.size() == 1)
+        return shares.infinite;
+    const float even = even_part_of_infinite / static_cast<float>(infinite_lights.size());
+    return shares.infinite * (even + (1 - even_part_of_infinite) * (irradiance / shares.infinite_sum));
+}
+
+LightChoice BvhLightSampler::sample(const LightSampleContext &reference, double u) const {
+    if (only_light != nowhere)
+        return {only_light, 1};
+    Weights weights;
+    const float sum = nodes.empty() ? 0.0f : weigh(nodes.front(), reference, weights);
+    if (infinite_lights.empty())
+        return descend(reference, u, weights, sum);
+
+    const Shares all = shares(reference, sum);
+    if (u < all.finite) {
+        LightChoice choice = descend(reference, u / all.finite, weights, sum);
+        choice.pmf *= all.finite;
+        return choice;
+    }
+    double up_to = all.finite;
+    LightChoice choice{0, 0};
+    for (const InfiniteLight &infinite : infinite_lights) {
+        choice = {infinite.light, infinite_pmf(all, infinite.bounds.irradiance(reference.normal))};
+        up_to += choice.pmf;
+        if (u < up_to)
+            break;
+    }
+    return choice;
+}
+
+float BvhLightSampler::pmf(const LightSampleContext &reference, std::uint32_t light) const {
+    if (only_light != nowhere)
+        return light == only_light ? 1.0f : 0.0f;
+    const std::uint32_t slot = slots[light];
+    if (slot == nowhere)
+        return 0;
+    if (slot >= is_light) {
+        Weights weights;
+        const Shares all = shares(reference, nodes.empty() ? 0.0f : weigh(nodes.front(), reference, weights));
+        return infinite_pmf(all, infinite_lights[slot - is_light].bounds.irradiance(reference.normal));
+    }
+    const float in_tree = tree_pmf(reference, light);
+    if (infinite_lights.empty() || in_tree == 0)
+        return in_tree;
+    Weights weights;
+    return in_tree * shares(reference, weigh(nodes.front(), reference, weights)).finite;
+}
+
+LightChoice BvhLightSampler::sample(const LightSampleRay &reference, double u) const {
+    if (nodes.empty())
+        return {0, 0};
+    if (only_light != nowhere)
+        return {only_light, 1};
+    Weights weights;
+    const float sum = weigh(nodes.front(), reference, weights);
+    return descend(reference, u, weights, sum);
+}
+
+float BvhLightSampler::pmf(const LightSampleRay &reference, std::uint32_t light) const {
+    if (slots[light] >= is_light)
+        return 0;
+    return light == only_light ? 1.0f : tree_pmf(reference, light);
+}
+
+} // namespace vantor
