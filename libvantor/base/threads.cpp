@@ -66,6 +66,10 @@ void with_enough_stack(const std::function<void()> &work) {
         std::rethrow_exception(job.thrown);
 }
 
+void for_each_in_parallel(std::size_t count, const std::function<void(std::size_t)> &work) {
+    tbb::parallel_for(std::size_t{0}, count, work);
+}
+
 void start_workers() {
     tbb::parallel_for(
         tbb::blocked_range<int>(0, 64), [](const tbb::blocked_range<int> &) {}, tbb::simple_partitioner());

@@ -1,6 +1,7 @@
 // Threads: those that passes run on.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 namespace vantor {
@@ -8,6 +9,9 @@ namespace vantor {
 /// Does the work where there is enough stack for a pass: here, or else on a thread that it starts and waits for.
 /// Scripts may call from threads with stacks as small as the system allows. What the work throws is thrown here.
 void with_enough_stack(const std::function<void()> &work);
+
+/// Calls work for each number below count, on as many threads as there are. What the work throws is thrown here.
+void for_each_in_parallel(std::size_t count, const std::function<void(std::size_t)> &work);
 
 /// Has oneTBB start its threads, if it has not yet. Throws std::bad_alloc if memory is short.
 void start_workers();

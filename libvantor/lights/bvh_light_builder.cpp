@@ -1,8 +1,9 @@
 // BVH light builder: puts finite lights into the nodes of a tree.
 #include "libvantor/lights/bvh_light_builder.h"
 
+#include "libvantor/base/threads.h"
+
 #include <algorithm>
-#include <tbb/parallel_for.h>
 
 namespace vantor {
 
@@ -172,7 +173,7 @@ class Builder {
         // Large subtrees are built side by side, each with nodes of its own.
         constexpr std::size_t large = 20000;
         std::array<Builder, width> builders;
-        tbb::parallel_for(std::size_t{0}, lights.size() > large ? count : 0, [&](std::size_t i) {
+        for_each_in_parallel(lights.size() > large ? count : 0, [&](std::size_t i) {
             if (parts[i].size() > large)
                 bounds[i] = builders[i].add(parts[i], BvhLightSampler::nowhere);
         });

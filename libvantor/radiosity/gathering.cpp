@@ -106,7 +106,8 @@ SideLight Gathering::light_of(std::uint32_t side) const {
 
         const double choice = direct_light.choice(departure.sampler, light_choice);
         LightSample light;
-        if (direct_light.sample({departure.from.point, departure.normal}, choice, departure.sampler.get_2d(light_point), light)) {
+        if (direct_light.sample({departure.from.point, departure.normal}, choice, departure.sampler.get_2d(light_point),
+                                light)) {
             const float cosine = dot(departure.normal, light.to_light);
             const float mis_weight = DirectLight::mis_weight(light, warp::cosine_hemisphere_pdf(cosine));
             if (cosine > 0)
