@@ -8,7 +8,8 @@ namespace vantor {
 namespace {
 
 constexpr std::size_t width = BvhLightSampler::width;
-constexpr float least_square = 1e-30f; // of lengths, to divide by
+constexpr float least_square = 1e-30f;         // of lengths, to divide by
+constexpr float rounding = 64 * unit_roundoff; // the relative error of coordinates and distances
 
 float in_order(const BvhLightSampler::Weights &weights) {
     float sum = 0;
