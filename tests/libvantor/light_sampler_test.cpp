@@ -111,9 +111,9 @@ std::vector<Light> mixed(Random &random, int count, float size, Vec3 place = {})
 }
 
 std::vector<Light> with_sky(std::vector<Light> lights) {
-    const Raster sky{4, 3, std::vector<Color>(12, {0.3f, 0.4f, 0.5f}), {}};
+    const Raster sky(4, 3, std::vector<Color>(12, {0.3f, 0.4f, 0.5f}));
     lights.insert(lights.begin() + static_cast<std::ptrdiff_t>(lights.size() / 2),
-                  EnvironmentLight{std::make_shared<const Environment>(sky, Color{1, 1, 1}, Affine())});
+                  EnvironmentLight{std::make_shared<const Environment>(sky, Color{1, 1, 1}, Affine(), Interrupt())});
     lights.push_back(DistantDiskLight{normalized({1, 2, 3}), 1e-5f, {3, 2, 1}});
     lights.push_back(DistantLight{normalized({-1, 2, 3}), {1, 2, 1}});
     return lights;
@@ -239,10 +239,10 @@ TEST(LightSampler, WhatCannotBringAnythingIsNotAsked) {
 // Each light has about the share of the choice that it has of the light.
 TEST(LightSampler, TheShareIsWhatALightBrings) {
     const Color white{1, 1, 1};
-    const Raster dim{1, 1, {{1, 1, 1}}, {}};
+    const Raster dim(1, 1, {{1, 1, 1}});
     const auto sky = [&](float radiance) {
         const Color color{radiance, radiance, radiance};
-        return EnvironmentLight{std::make_shared<const Environment>(dim, color, Affine())};
+        return EnvironmentLight{std::make_shared<const Environment>(dim, color, Affine(), Interrupt())};
     };
     const LightSampleContext up({0, 0, 0}, {0, 1, 0});
     const Lights lamp({PointLight{{0, 1, 0}, white}, sky(1e-4f)});
