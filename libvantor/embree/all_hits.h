@@ -11,6 +11,7 @@ namespace vantor {
 struct EmbreeHit {
     float distance;
     float normal[3]; ///< Of any length.
+    float on_primitive[2];
     unsigned primitive;
     unsigned geometry;
     unsigned instance;
@@ -48,6 +49,7 @@ inline void collect(const RTCFilterFunctionNArguments *arguments) {
         all_hits.add({RTCRayN_tfar(arguments->ray, n, i),
                       {RTCHitN_Ng_x(arguments->hit, n, i), RTCHitN_Ng_y(arguments->hit, n, i),
                        RTCHitN_Ng_z(arguments->hit, n, i)},
+                      {RTCHitN_u(arguments->hit, n, i), RTCHitN_v(arguments->hit, n, i)},
                       RTCHitN_primID(arguments->hit, n, i),
                       RTCHitN_geomID(arguments->hit, n, i),
                       RTCHitN_instID(arguments->hit, n, i, 0)});

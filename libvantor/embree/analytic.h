@@ -91,6 +91,7 @@ template <Analytic Kind> void intersect(const RTCIntersectFunctionNArguments *ar
                 const Vec3 normal = unit_normal(placed, one);
                 all_hits.add({static_cast<float>(one.t),
                               {normal.x, normal.y, normal.z},
+                              {},
                               one.part,
                               arguments->geomID,
                               arguments->context->instID[0]});

@@ -230,6 +230,8 @@ std::vector<Hit> Tracer::intersect_all(const Ray &ray) const {
         packet.hit.Ng_x[0] = found.normal[0];
         packet.hit.Ng_y[0] = found.normal[1];
         packet.hit.Ng_z[0] = found.normal[2];
+        packet.hit.u[0] = found.on_primitive[0];
+        packet.hit.v[0] = found.on_primitive[1];
         packet.hit.primID[0] = found.primitive;
         packet.hit.geomID[0] = found.geometry;
         packet.hit.instID[0][0] = found.instance;

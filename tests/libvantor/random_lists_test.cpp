@@ -1,4 +1,5 @@
 // Random scenes out of the whole vocabulary: nothing crashes, every complaint is one line, every picture is sound.
+#include "tests/libvantor/interrupts.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include "libvantor/parameters/vocabulary.h"
@@ -214,8 +215,11 @@ class Author {
     }
 
     void expect_sound_pictures() {
-        if (dice.one_in(20)) // it takes long
+        if (dice.one_in(20)) { // it takes long; for ever where patches lie deep in a medium that only scatters
+            const scripted::InterruptHandler handler;
+            const vantor::InterruptAtPoll interrupt(2000);
             scene.Radiosity();
+        }
         for (const scripted::Rgb &pixel : scene.render(8, 8, 1).values)
             for (const float channel : pixel)
                 ASSERT_TRUE(std::isfinite(channel) && channel >= 0) << channel;
