@@ -136,7 +136,8 @@ class _SettingsImager(TypedDict, total=False):
 
     # another seed gives the same picture with other noise; 0 to 2147483647
     seed: Optional[_Integer]
-    # how often light is scattered at most on its way to the camera; 1 is direct light, 1000 no limit; 1 to 1000
+    # how often light is scattered at most on its way to the camera; 1 is direct, 1000 no limit; 1
+    # to 1000
     max_depth: Optional[_Integer]
     # the most that one sample of indirect light counts; 0 is no limit; radiance; 0 or more
     clamp: Optional[_Number]

@@ -24,9 +24,7 @@ struct Placement {
     const std::vector<Instance> *instances; ///< Where the object stands before that transform; null if it does so once.
 
     /// Whether rays may go on behind its surface: it bounds a medium, or lets light pass.
-    bool may_be_crossed() const {
-        return interior >= 0 || material->is_see_through() || transmits(material->bsdf);
-    }
+    bool may_be_crossed() const { return interior >= 0 || material->is_see_through() || transmits(material->bsdf); }
 
     /// Whether its surface is not the same at every point.
     bool varies() const { return material->variation || object->has_colors; }

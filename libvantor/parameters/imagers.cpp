@@ -34,7 +34,7 @@ constexpr Parameter settings_parameters[] = {
     {"seed", ValueKind::Integer, seeds, Presence::Default, value(0, 0, 0), "",
      "another seed gives the same picture with other noise"},
     {"max_depth", ValueKind::Integer, bounces, Presence::Default, value(1000, 1000, 1000), "",
-     "how often light is scattered at most on its way to the camera; 1 is direct light, 1000 no limit"},
+     "how often light is scattered at most on its way to the camera; 1 is direct, 1000 no limit"},
     {"clamp", ValueKind::Number, not_negative, Presence::Default, value(0), "radiance",
      "the most that one sample of indirect light counts; 0 is no limit"},
     {"final_gather", ValueKind::Switch, off_or_on, Presence::Default, value(0), "",
