@@ -28,14 +28,23 @@ MappedPoints geometry_of_points(RTCDevice device, std::span<const Vec3> points, 
     return {std::move(geometry), mapped};
 }
 
+// All that is said of triangles beside Embree's buffers.
+Geometry triangles_of(OwnedGeometry geometry, const Vec3 *points, std::span<const TriangleMesh::Triangle> triangles) {
+    auto errors = std::make_shared<std::vector<float>>();
+    errors->reserve(triangles.size());
+    for (const auto &[a, b, c] : triangles)
+        errors->push_back(triangle_error(points[b] - points[a], points[c] - points[a]));
+    const TriangleBuffers buffers{points, triangles.data(), errors->data()};
+    return {std::move(geometry), {.primitives = buffers, .has_winding = true}, std::move(errors)};
+}
+
 Geometry geometry_of(RTCDevice device, const TriangleMesh &mesh, const Object &, const Affine &map) {
     auto [geometry, points] = geometry_of_points(device, mesh.points, map);
     rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, mesh.triangles.data(), 0,
                                sizeof(TriangleMesh::Triangle), mesh.triangles.size());
-    return {std::move(geometry),
-            {.primitives = TriangleBuffers{points, mesh.triangles.data(), 0},
-             .smooth = mesh.normals.empty() ? nullptr : &mesh,
-             .has_winding = true}};
+    Geometry made = triangles_of(std::move(geometry), points, mesh.triangles);
+    made.format.smooth = mesh.normals.empty() ? nullptr : &mesh;
+    return made;
 }
 
 // Two triangles each: in packets, they trace faster than Embree's quads.
@@ -52,15 +61,9 @@ Geometry geometry_of(RTCDevice device, const Quads &quads, const Object &, const
     auto *copied = new_buffer<TriangleMesh::Triangle>(device, geometry.get(), RTC_BUFFER_TYPE_INDEX, RTC_FORMAT_UINT3,
                                                       triangles.size());
     std::ranges::copy(triangles, copied);
-    float error = 0;
-    for (std::size_t i = 0; quads.corners.size() <= 6 && i < triangles.size(); ++i) {
-        const auto &[a, b, c] = triangles[i];
-        const Vec3 edge_u = mapped[b] - mapped[a];
-        const Vec3 edge_v = mapped[c] - mapped[a];
-        error = std::max(error, TriangleBuffers::error_of(edge_u, edge_v, cross(edge_u, edge_v)));
-    }
-    return {std::move(geometry),
-            {.primitives = TriangleBuffers{mapped, copied, error}, .triangles_per_primitive = 2, .has_winding = true}};
+    Geometry made = triangles_of(std::move(geometry), mapped, {copied, triangles.size()});
+    made.format.triangles_per_primitive = 2;
+    return made;
 }
 
 Geometry geometry_of(RTCDevice device, const Sphere &sphere, const Object &, const Affine &map) {
@@ -102,7 +105,8 @@ Geometry geometry_of(RTCDevice device, const Kind &kind, const Object &object, c
 // Analytic shapes ask their trimmers themselves; for the others Embree does.
 template <Analytic Kind> void trim(const Kind &, const Object &, Geometry &) {}
 template <class Kind> void trim(const Kind &, const Object &object, Geometry &geometry) {
-    auto trimmed = std::make_shared<const TrimmedObject>(TrimmedObject{&object, geometry.format});
+    auto trimmed =
+        std::make_shared<const TrimmedObject>(TrimmedObject{&object, geometry.format, geometry.callback_data});
     set_filters(geometry.handle.get(), *trimmed);
     geometry.callback_data = std::move(trimmed);
 }

@@ -49,11 +49,10 @@ float error_in_world(const Linear &normals, Vec3 offset, Vec3 point, float error
 
 } // namespace
 
-template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t lane, const Ray &ray) const {
-    Hit hit;
+template <class Packet> void Tracer::decode(const Packet &packet, std::size_t lane, const Ray &ray, Hit &hit) const {
     hit.exists = packet.hit.geomID[lane] != RTC_INVALID_GEOMETRY_ID;
     if (!hit.exists)
-        return hit;
+        return;
     hit.distance = packet.ray.tfar[lane];
     const unsigned instance = packet.hit.instID[0][lane];
     hit.placement = instance != RTC_INVALID_GEOMETRY_ID ? instance : packet.hit.geomID[lane];
@@ -91,10 +90,10 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
         // What has shrunk to nothing has no side.
         if (!has_direction(normal)) {
             hit.exists = false;
-            return hit;
+            return;
         }
     }
-    hit.geometric_normal = normal * (decoding.front / length(normal));
+    hit.geometric_normal = normal * ((1 / length(normal)) * decoding.front);
     hit.shading_normal = hit.geometric_normal;
     hit.error += rounding_along(hit.geometric_normal, hit.point);
 
@@ -106,10 +105,9 @@ template <class Packet> Hit Tracer::decoded(const Packet &packet, std::size_t la
         if (has_direction(smooth))
             hit.shading_normal = normalized(smooth) * std::copysign(1.0f, dot(smooth, hit.geometric_normal));
     }
-    return hit;
 }
 
-template Hit Tracer::decoded(const RTCRayHit8 &, std::size_t, const Ray &) const;
-template Hit Tracer::decoded(const RTCRayHit16 &, std::size_t, const Ray &) const;
+template void Tracer::decode(const RTCRayHit8 &, std::size_t, const Ray &, Hit &) const;
+template void Tracer::decode(const RTCRayHit16 &, std::size_t, const Ray &, Hit &) const;
 
 } // namespace vantor

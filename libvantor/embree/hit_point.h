@@ -23,35 +23,33 @@ struct PrimitivePoint {
     float error;
 };
 
+/// How far a triangle may be found beside itself: see PrimitivePoint::error. The normal is the cross product of the
+/// edges.
+///
+/// Embree subtracts the ray's origin from a corner, and multiplies by the cross product of two edges (Möller, Trumbore,
+/// "Fast, Minimum Storage Ray/Triangle Intersection", 1997). With the unit roundoff u and the angle a of the edges, the
+/// subtraction and the product make an error of 4 u, the edges' cross product 5 u / sin(a), of the corner's distance,
+/// which is at most the longest edge; the sum of corner and edges makes 4 u.
+inline float triangle_error(Vec3 edge_u, Vec3 edge_v) {
+    const float square_u = dot(edge_u, edge_u);
+    const float square_v = dot(edge_v, edge_v);
+    const float longest = std::max({square_u, square_v, square_u + square_v - 2 * dot(edge_u, edge_v)});
+    const float inverse_sine = std::sqrt(square_u * square_v) / length(cross(edge_u, edge_v));
+    // Of slivers at most a hundred; of tiny ones, whose squares underflow, likewise.
+    constexpr float most = 100;
+    return unit_roundoff * std::sqrt(longest) * (8 + 5 * (inverse_sine < most ? inverse_sine : most));
+}
+
 /// What Embree traces as triangles: its own copies of corners.
 struct TriangleBuffers {
     const Vec3 *points;
     const TriangleMesh::Triangle *triangles;
-    float largest_error; ///< Of all triangles, where there are few of about one size; 0 if each has to be asked.
+    const float *errors; ///< Of each triangle. To compute it at every hit takes longer.
 
-    /// The normal is the cross product of the edges.
-    template <class At> PrimitivePoint rebuilt(unsigned triangle, Point2f uv, Vec3 normal, At) const {
+    template <class At> PrimitivePoint rebuilt(unsigned triangle, Point2f uv, Vec3, At) const {
         const TriangleMesh::Triangle &t = triangles[triangle];
         const Vec3 corner = points[t[0]];
-        const Vec3 edge_u = points[t[1]] - corner;
-        const Vec3 edge_v = points[t[2]] - corner;
-        return {corner + (edge_u * uv.u + edge_v * uv.v),
-                largest_error > 0 ? largest_error : error_of(edge_u, edge_v, normal)};
-    }
-
-    /// Embree subtracts the ray's origin from a corner, and multiplies by the cross product of two edges (Möller,
-    /// Trumbore, "Fast, Minimum Storage Ray/Triangle Intersection", 1997). With the unit roundoff u and the angle a of
-    /// the edges, the subtraction and the product make an error of 4 u, the edges' cross product 5 u / sin(a), of the
-    /// corner's distance, which is at most the longest edge; the sum above makes 4 u. (x + y)^2 is at most 2 x^2 + 2
-    /// y^2.
-    static float error_of(Vec3 edge_u, Vec3 edge_v, Vec3 normal) {
-        const float square_u = dot(edge_u, edge_u);
-        const float square_v = dot(edge_v, edge_v);
-        const float longest = std::max({square_u, square_v, square_u + square_v - 2 * dot(edge_u, edge_v)});
-        // Of slivers no less than a hundredth of the sine. Squares of tiny edges may underflow.
-        const float product = square_u * square_v;
-        const float squared_sine = std::max(dot(normal, normal) / product, 1e-4f);
-        return unit_roundoff * std::sqrt(longest * (128 + 50 / (squared_sine <= 1 ? squared_sine : 0.5f)));
+        return {corner + ((points[t[1]] - corner) * uv.u + (points[t[2]] - corner) * uv.v), errors[triangle]};
     }
 };
 

@@ -31,6 +31,9 @@ template <class Rays> void set_ray(Rays &packet, std::size_t lane, Vec3 from, Ve
     packet.flags[lane] = 0;
 }
 
+// Lanes that are not in use are looked at all the same, so they hold the first ray.
+std::size_t in_use(std::size_t lane, std::size_t used) { return lane < used ? lane : 0; }
+
 // Which lanes of a packet are in use: -1 if so, 0 if not. Embree wants it aligned like the packet.
 template <std::size_t width> struct alignas(4 * width) Mask {
     int lanes[width];
@@ -74,6 +77,7 @@ Tracer::Tracer()
 
 void Tracer::update(std::span<const Placement> placements, const Interrupt &interrupt) {
     structure->update(placements, interrupt);
+    may_cross = structure->can_filter_hits();
 }
 
 const BuildCounts &Tracer::builds() const { return structure->builds(); }
@@ -99,12 +103,12 @@ template <class Packet> void Tracer::intersect_in_packets(std::span<const Ray> r
     RayQuery query(are_coherent);
     CrossedInPacket<width> crossed(query, *structure);
 
-    // Lanes that are not in use are looked at all the same, so they hold numbers.
-    Packet packet{};
+    Packet packet;
     for (std::size_t first = 0; first < rays.size(); first += width) {
         const std::size_t used = std::min(width, rays.size() - first);
-        for (std::size_t lane = 0; lane < used; ++lane) {
-            set_ray(packet.ray, lane, rays[first + lane].origin, rays[first + lane].direction, infinity);
+        for (std::size_t lane = 0; lane < width; ++lane) {
+            const Ray &ray = rays[first + in_use(lane, used)];
+            set_ray(packet.ray, lane, ray.origin, ray.direction, infinity);
             packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
             packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
         }
@@ -112,7 +116,7 @@ template <class Packet> void Tracer::intersect_in_packets(std::span<const Ray> r
             crossed.set(starts.subspan(first, used));
         query.intersect(Mask<width>(used).lanes, structure->top_level(), packet);
         for (std::size_t lane = 0; lane < used; ++lane)
-            hits[first + lane] = decoded(packet, lane, rays[first + lane]);
+            decode(packet, lane, rays[first + lane], hits[first + lane]);
     }
     if (!starts.empty())
         leave_before_entering<Packet>(rays, starts, hits);
@@ -134,12 +138,15 @@ template <class Packet> void Tracer::leave_before_entering(std::span<const Ray> 
     const auto trace = [&] {
         crossed.set_all(std::span(of_lanes).first(used));
         query.intersect(Mask<width>(used).lanes, structure->top_level(), packet);
-        for (std::size_t lane = 0; lane < used; ++lane)
-            if (Hit found = decoded(packet, lane, short_rays[lane]); found.exists) {
-                Hit &hit = hits[indexes[lane]];
-                found.distance = hit.distance + dot(found.point - hit.point, short_rays[lane].direction);
-                hit = found;
-            }
+        for (std::size_t lane = 0; lane < used; ++lane) {
+            Hit found;
+            decode(packet, lane, short_rays[lane], found);
+            if (!found.exists)
+                continue;
+            Hit &hit = hits[indexes[lane]];
+            found.distance = hit.distance + dot(found.point - hit.point, short_rays[lane].direction);
+            hit = found;
+        }
         used = 0;
     };
     for (std::size_t i = 0; i < rays.size(); ++i) {
@@ -187,11 +194,11 @@ template <class Packet> void Tracer::occluded_in_packets(std::span<const Segment
     RayQuery query(false);
     CrossedInPacket<width> crossed(query, *structure);
 
-    Packet packet{};
+    Packet packet;
     for (std::size_t first = 0; first < segments.size(); first += width) {
         const std::size_t used = std::min(width, segments.size() - first);
-        for (std::size_t lane = 0; lane < used; ++lane) {
-            const Segment &segment = segments[first + lane];
+        for (std::size_t lane = 0; lane < width; ++lane) {
+            const Segment &segment = segments[first + in_use(lane, used)];
             set_ray(packet, lane, segment.from, segment.direction, segment.reach);
         }
         if (!starts.empty())
@@ -203,9 +210,7 @@ template <class Packet> void Tracer::occluded_in_packets(std::span<const Segment
     }
 }
 
-bool Tracer::has_crossings() const { return structure->can_filter_hits(); }
-
-bool Tracer::can_intersect_all() const { return structure->can_filter_hits(); }
+bool Tracer::can_intersect_all() const { return may_cross; }
 
 std::vector<Hit> Tracer::intersect_all(const Ray &ray) const {
     RTCRayHit query{};
@@ -235,8 +240,9 @@ std::vector<Hit> Tracer::intersect_all(const Ray &ray) const {
         packet.hit.primID[0] = found.primitive;
         packet.hit.geomID[0] = found.geometry;
         packet.hit.instID[0][0] = found.instance;
-        if (const Hit hit = decoded(packet, 0, ray); hit.exists)
-            hits.push_back(hit);
+        decode(packet, 0, ray, hits.emplace_back());
+        if (!hits.back().exists)
+            hits.pop_back();
     }
     std::ranges::sort(hits, [](const Hit &a, const Hit &b) { return a.distance < b.distance; });
     return hits;

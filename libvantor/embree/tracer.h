@@ -40,7 +40,7 @@ class Tracer {
 
     /// Whether any surface may be crossed. If so, rays have starts: the surfaces that they have crossed are not met
     /// again. Where several lie at one place, those of bodies that a ray leaves come before those that it enters.
-    bool has_crossings() const;
+    bool has_crossings() const { return may_cross; }
     void intersect(std::span<const Ray> rays, std::span<const RayStart> starts, bool are_coherent,
                    std::span<Hit> hits) const;
     void occluded(std::span<const Segment> segments, std::span<const RayStart> starts,
@@ -57,8 +57,8 @@ class Tracer {
     const BuildCounts &builds() const;
 
   private:
-    /// One lane of an Embree packet.
-    template <class Packet> Hit decoded(const Packet &packet, std::size_t lane, const Ray &ray) const;
+    /// Reads one lane of an Embree packet.
+    template <class Packet> void decode(const Packet &packet, std::size_t lane, const Ray &ray, Hit &hit) const;
 
     /// Rays have starts, or `starts` is empty; here and below.
     template <class Packet> void intersect_in_packets(std::span<const Ray> rays, std::span<const RayStart> starts,
@@ -71,6 +71,7 @@ class Tracer {
 
     std::unique_ptr<AccelerationStructure> structure;
     bool has_wide_packets;
+    bool may_cross = false;
 };
 
 } // namespace vantor

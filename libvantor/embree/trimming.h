@@ -10,6 +10,7 @@ namespace vantor {
 struct TrimmedObject {
     const Object *object;
     HitFormat format;
+    std::shared_ptr<const void> data_of_format; ///< Has to outlive that.
 };
 
 namespace callbacks {

@@ -28,28 +28,41 @@ class DirectLight {
         return light.is_delta ? 1.0f : power_heuristic(light.pdf, pdf_of_ray);
     }
 
-    /// Notes a sample for a receiver, from which the shadow ray starts, through those media: what it brings if all of
-    /// it arrives.
-    void add(std::uint32_t receiver, const RayStart &start, const MediumStack &media, const LightSample &light,
-             Color unoccluded) {
-        const Vec3 from = start.origin;
+    /// Notes a sample for a receiver, from which the shadow ray starts: what it brings if all of it arrives. False if
+    /// the ray cannot be followed. In a world where no surface may be crossed.
+    bool add(std::uint32_t receiver, Vec3 from, const LightSample &light, Color unoccluded) {
         const Segment segment =
             light.is_infinite ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
         if (!is_traceable(segment.from, segment.direction))
-            return;
+            return false;
         shadow_rays.segments.push_back(segment);
-        shadow_rays.media.push_back(media);
-        if (world.tracer.has_crossings())
-            shadow_rays.starts.push_back(start);
         samples.push_back({receiver, unoccluded});
+        return true;
+    }
+
+    /// Likewise in any world: the ray starts in those media.
+    void add(std::uint32_t receiver, const RayStart &start, const MediumStack &media, const LightSample &light,
+             Color unoccluded) {
+        if (add(receiver, start.origin, light, unoccluded) && world.tracer.has_crossings()) {
+            shadow_rays.starts.push_back(start);
+            shadow_rays.media.push_back(media);
+        }
     }
 
     /// Traces the shadow rays of all samples that are noted, forgets those, and calls receive(receiver, light) for each
     /// with what arrives.
     template <class Receive> void trace_shadow_rays(Receive receive) {
-        transmit(shadow_rays, world, fractions);
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            receive(samples[i].receiver, samples[i].unoccluded * fractions[i]);
+        if (world.tracer.has_crossings()) {
+            transmit(shadow_rays, world, fractions);
+            for (std::size_t i = 0; i < samples.size(); ++i)
+                receive(samples[i].receiver, samples[i].unoccluded * fractions[i]);
+        } else {
+            are_occluded.resize(samples.size());
+            world.tracer.occluded(shadow_rays.segments, are_occluded);
+            for (std::size_t i = 0; i < samples.size(); ++i)
+                if (!are_occluded[i])
+                    receive(samples[i].receiver, samples[i].unoccluded);
+        }
         samples.clear();
         shadow_rays.clear();
     }
@@ -62,8 +75,9 @@ class DirectLight {
 
     const World &world;
     std::vector<Sample> samples;
-    ShadowRays shadow_rays;       // of each sample
-    std::vector<Color> fractions; // of each sample that arrive
+    ShadowRays shadow_rays;         // of each sample
+    std::vector<Color> fractions;   // of each sample that arrive,
+    std::vector<char> are_occluded; // or whether none does
 };
 
 } // namespace vantor

@@ -98,7 +98,7 @@ void PathIntegrator::add_medium_light(Wave &wave, const Vertex &vertex, const Me
     if (!(phase > 0))
         return;
     const Color radiance = throughput * phase * light.contribution * DirectLight::mis_weight(light, phase);
-    wave.direct_light.add(wave.index_of(vertex), {point}, path.media, light, clamped(radiance, path.bounces > 0));
+    wave.direct_light.add(wave.index_of(path), {point}, path.media, light, clamped(radiance, path.bounces > 0));
 }
 
 // The phase function is sampled by its own values, so that the throughput stays. False if no ray can be followed.

@@ -7,11 +7,14 @@
 namespace vantor {
 
 struct Path {
-    Ray ray;                   ///< From its latest vertex; at first from the camera.
-    const Sampler sampler;     ///< Every random number of the path.
-    MediumStack media;         ///< Those that the ray starts in.
-    AovSample *aovs = nullptr; ///< Receives what the path sees first; may be null.
-    Color radiance{};          ///< What has been found so far of the radiance that arrives at the camera.
+    Path(const Ray &first_ray, const Sampler &its_sampler, const MediumStack &around, AovSample *receiver = nullptr)
+        : ray(first_ray), sampler(its_sampler), media(around), aovs(receiver) {}
+
+    Ray ray;               ///< From its latest vertex; at first from the camera.
+    const Sampler sampler; ///< Every random number of the path.
+    MediumStack media;     ///< Those that the ray starts in.
+    AovSample *aovs;       ///< Receives what the path sees first; may be null.
+    Color radiance{};      ///< What has been found so far of the radiance that arrives at the camera.
 
     Color throughput{1, 1, 1};      ///< The product of value * cosine / pdf over its vertices.
     LightSampleContext vertex{{}};  ///< The point of a surface or medium that the ray left.
@@ -23,10 +26,13 @@ struct Path {
     RayStart start{};               ///< Of the ray; where surfaces may be crossed.
 
     /// Goes on from there. False if the ray cannot be followed.
+    bool leave(Vec3 from, Vec3 direction) {
+        ray = {from, direction};
+        return is_traceable(from, direction);
+    }
     bool leave(const RayStart &from, Vec3 direction) {
-        ray = {from.origin, direction};
         start = from;
-        return is_traceable(from.origin, direction);
+        return leave(from.origin, direction);
     }
 };
 

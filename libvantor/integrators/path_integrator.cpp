@@ -24,6 +24,12 @@ struct InPlace {
     operator SurfaceBsdf() const { return surface.bsdf(); }
 };
 
+// Where a ray starts that leaves the surface towards the direction, where surfaces may be crossed.
+RayStart start_towards(const Vertex &vertex, Vec3 direction) {
+    const Path &path = *vertex.path;
+    return start_from(*vertex.hit, path.ray.direction, path.start.crossed, direction);
+}
+
 } // namespace
 
 bool PathIntegrator::trace(std::span<Path> paths) const {
@@ -32,8 +38,7 @@ bool PathIntegrator::trace(std::span<Path> paths) const {
 
     Wave wave(paths, world, first_dimension);
     for (int step = 0; step < most_steps && !wave.is_over(); ++step) {
-        wave.intersect(world.tracer, step == 0);
-        wave.for_each_chunk([&](std::span<Vertex> vertices) {
+        wave.advance(step == 0, [&](std::span<Vertex> vertices) {
             scatter_in_media(wave, vertices);
             add_emission(vertices);
             pass_through(wave, vertices);
@@ -42,13 +47,10 @@ bool PathIntegrator::trace(std::span<Path> paths) const {
             look_irradiance_up(vertices);
             prepare_bsdfs(vertices);
             sample_direct_light(wave, vertices);
-        });
-        trace_shadow_rays(wave);
-        wave.for_each_chunk([&](std::span<Vertex> vertices) {
             scatter(wave, vertices);
             play_roulette(wave, vertices);
         });
-        wave.advance();
+        trace_shadow_rays(wave, paths);
         // As often as waves of common paths end, which callers watch between.
         if (step % 256 == 255 && interrupt.requested())
             return false;
@@ -163,20 +165,18 @@ void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex) const {
     const BsdfValue scattered = vertex.bsdf->evaluate(light.to_light);
     if (is_black(scattered.value))
         return;
+    const float ray_pdf = path.finds_only_lights ? scattered.pdf * last_ray_fraction : scattered.pdf;
+    const Color weighed =
+        path.throughput * scattered.value * light.contribution * DirectLight::mis_weight(light, ray_pdf);
+    const Color radiance = clamped(weighed, path.bounces > 0);
+    if (!world.tracer.has_crossings()) {
+        wave.direct_light.add(wave.index_of(path), hit.origin_towards(light.to_light), light, radiance);
+        return;
+    }
     MediumStack media = path.media;
     if (vertex.surface->is_crossed(light.to_light))
         cross_surface(media, placement_at(hit), hit, light.to_light);
-    const float ray_pdf = path.finds_only_lights ? scattered.pdf * last_ray_fraction : scattered.pdf;
-    const Color radiance =
-        path.throughput * scattered.value * light.contribution * DirectLight::mis_weight(light, ray_pdf);
-    wave.direct_light.add(wave.index_of(vertex), start_towards(vertex, light.to_light), media, light,
-                          clamped(radiance, path.bounces > 0));
-}
-
-void PathIntegrator::trace_shadow_rays(Wave &wave) const {
-    const std::span<Vertex> vertices = wave.vertices();
-    wave.direct_light.trace_shadow_rays(
-        [&](std::uint32_t receiver, Color radiance) { vertices[receiver].path->radiance += radiance; });
+    wave.direct_light.add(wave.index_of(path), start_towards(vertex, light.to_light), media, light, radiance);
 }
 
 void PathIntegrator::scatter(const Wave &wave, std::span<Vertex> vertices) const {
@@ -186,13 +186,6 @@ void PathIntegrator::scatter(const Wave &wave, std::span<Vertex> vertices) const
             vertex.kind = Kind::Ended;
 }
 
-// Where a ray starts that leaves the surface towards the direction.
-RayStart PathIntegrator::start_towards(const Vertex &vertex, Vec3 direction) const {
-    const Path &path = *vertex.path;
-    return world.tracer.has_crossings() ? start_from(*vertex.hit, path.ray.direction, path.start.crossed, direction)
-                                        : RayStart{vertex.hit->origin_towards(direction)};
-}
-
 // False if nothing is scattered, or nowhere that a ray can be followed; here and below.
 bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) const {
     Path &path = *vertex.path;
@@ -200,12 +193,14 @@ bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) 
     BsdfSample next;
     if (!vertex.bsdf->sample(vertex.next_direction, wave.sample_unstratified(vertex, Wave::lobe), next))
         return false;
-    if (vertex.surface->is_crossed(next.wi))
-        cross_surface(path.media, placement_at(hit), hit, next.wi);
     path.throughput *= next.weight;
     path.vertex = vertex.surface->light_context(hit);
     path.direction_pdf = next.pdf;
     path.finds_lights = next.is_specular;
+    if (!world.tracer.has_crossings())
+        return path.leave(hit.origin_towards(next.wi), next.wi);
+    if (vertex.surface->is_crossed(next.wi))
+        cross_surface(path.media, placement_at(hit), hit, next.wi);
     return path.leave(start_towards(vertex, next.wi), next.wi);
 }
 
@@ -232,6 +227,11 @@ void PathIntegrator::play_roulette(const Wave &wave, std::span<Vertex> vertices)
                 path.direction_pdf *= survives;
         }
     }
+}
+
+void PathIntegrator::trace_shadow_rays(Wave &wave, std::span<Path> paths) {
+    wave.direct_light.trace_shadow_rays(
+        [&](std::uint32_t receiver, Color radiance) { paths[receiver].radiance += radiance; });
 }
 
 } // namespace vantor

@@ -31,9 +31,9 @@ class PathIntegrator {
     bool trace(std::span<Path> paths) const;
 
   private:
-    // The stages of a step, in their order. Each works on some vertices of a wave (shadow rays are traced for all of
-    // them at once) and decides which go on. They are kept apart because g++ inlines the small functions that they call
-    // into each of them, but not into one very large function.
+    // The stages of a step, in their order. Each works on a chunk of the wave's vertices and decides which go on;
+    // shadow rays are those of the whole wave. They are kept apart because g++ inlines the small functions that they
+    // call into each of them, but not into one very large function.
     [[gnu::noinline]] void scatter_in_media(Wave &wave, std::span<Vertex> vertices) const;
     [[gnu::noinline]] void add_emission(std::span<Vertex> vertices) const;
     [[gnu::noinline]] void pass_through(const Wave &wave, std::span<Vertex> vertices) const;
@@ -42,9 +42,9 @@ class PathIntegrator {
     [[gnu::noinline]] void look_irradiance_up(std::span<const Vertex> vertices) const;
     [[gnu::noinline]] void prepare_bsdfs(std::span<Vertex> vertices) const;
     [[gnu::noinline]] void sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const;
-    [[gnu::noinline]] void trace_shadow_rays(Wave &wave) const;
     [[gnu::noinline]] void scatter(const Wave &wave, std::span<Vertex> vertices) const;
     [[gnu::noinline]] void play_roulette(const Wave &wave, std::span<Vertex> vertices) const;
+    [[gnu::noinline]] static void trace_shadow_rays(Wave &wave, std::span<Path> paths);
 
     // What stages do with a single vertex.
     void light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium) const;
@@ -55,7 +55,6 @@ class PathIntegrator {
     bool scatter_at_surface(const Wave &wave, const Vertex &vertex) const;
     bool scatter_at_point(const Vertex &vertex) const;
 
-    RayStart start_towards(const Vertex &vertex, Vec3 direction) const;
     bool is_at_last_bounce(const Path &path) const {
         return settings.max_bounces < Settings::any_bounces && path.bounces >= settings.max_bounces;
     }

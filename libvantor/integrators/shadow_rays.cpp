@@ -20,13 +20,6 @@ bool has_unit_direction(Segment &segment) {
 // Where every surface is opaque, a shadow ray is either blocked or stays in the medium in which it starts.
 void transmit_in_one_step(const ShadowRays &shadow_rays, const World &world, std::vector<Color> &fractions) {
     std::vector<char> are_occluded(shadow_rays.size());
-    if (!world.tracer.has_crossings()) {
-        world.tracer.occluded(shadow_rays.segments, are_occluded);
-        for (std::size_t i = 0; i < shadow_rays.size(); ++i)
-            if (are_occluded[i])
-                fractions[i] = {};
-        return;
-    }
     std::vector<Segment> segments = shadow_rays.segments;
     for (Segment &segment : segments)
         has_unit_direction(segment);

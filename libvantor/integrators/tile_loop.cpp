@@ -113,7 +113,7 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
         const Point2f position = filter.position(x, y, on_film[i]);
         const Ray ray = camera.ray(position.u, position.v, frame.width(), frame.height(), on_lens[i]);
         AovSample *seen = has_aovs ? &result.aovs.emplace_back(AovSample{.start = ray.origin}) : nullptr;
-        result.paths.push_back({ray, samplers[i], media_around(ray), seen});
+        result.paths.emplace_back(ray, samplers[i], media_around(ray), seen);
         ++i;
     });
 }

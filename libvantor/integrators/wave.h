@@ -55,9 +55,8 @@ class Wave {
         dimensions_per_step
     };
 
-    Wave(std::span<Path> paths, const World &world, std::uint32_t first_dimension)
-        : direct_light(world), dimension(first_dimension), rays(paths.size()), hits(paths.size()),
-          samplers(paths.size()), light_points(paths.size()), next_directions(paths.size()), all(paths.size()) {
+    Wave(std::span<Path> paths, const World &its_world, std::uint32_t first_dimension)
+        : direct_light(its_world), world(its_world), first_path(paths.data()), dimension(first_dimension) {
         growing.reserve(paths.size());
         for (Path &path : paths)
             if (is_traceable(path.ray.origin, path.ray.direction))
@@ -67,42 +66,25 @@ class Wave {
 
     bool has_aovs() const { return records_aovs; } ///< Whether any path has.
     bool is_over() const { return growing.empty(); }
-    std::span<Vertex> vertices() { return std::span(all).first(growing.size()); }
-    std::uint32_t index_of(const Vertex &vertex) const { return static_cast<std::uint32_t>(&vertex - all.data()); }
 
-    /// Finds the first surface on every ray: a vertex of kind Surface or Escaped.
-    void intersect(const Tracer &tracer, bool are_coherent) {
-        const std::size_t count = growing.size();
-        for (std::size_t i = 0; i < count; ++i) {
-            rays[i] = growing[i]->ray;
-            samplers[i] = growing[i]->sampler;
+    /// Takes each path a step further: finds the first surface on its ray, a vertex of kind Surface or Escaped, and
+    /// calls work for the vertices, chunk by chunk. Paths whose vertices do not go on then have ended.
+    template <class Work> void advance(bool are_coherent, Work work) {
+        std::size_t still_growing = 0;
+        for (std::span<Path *const> rest = growing; !rest.empty();) {
+            const std::span<Path *const> chunk = rest.first(std::min(chunk_size, rest.size()));
+            rest = rest.subspan(chunk.size());
+            const std::span<Vertex> vertices = intersect(chunk, are_coherent);
+            work(vertices);
+            for (const Vertex &vertex : vertices)
+                if (vertex.goes_on())
+                    growing[still_growing++] = vertex.path;
         }
-        if (tracer.has_crossings()) {
-            starts.resize(count);
-            for (std::size_t i = 0; i < count; ++i)
-                starts[i] = growing[i]->start;
-        }
-        tracer.intersect(std::span(rays).first(count), starts, are_coherent, hits);
-        get_2d_of(std::span(samplers).first(count), dimension + light_point, light_points);
-        get_2d_of(std::span(samplers).first(count), dimension + next_direction, next_directions);
-        for (std::size_t i = 0; i < count; ++i) {
-            Vertex &vertex = all[i];
-            vertex.kind = hits[i].exists ? Vertex::Kind::Surface : Vertex::Kind::Escaped;
-            vertex.is_ray_lit = false;
-            vertex.path = growing[i];
-            vertex.hit = &hits[i];
-            vertex.light_point = light_points[i];
-            vertex.next_direction = next_directions[i];
-        }
+        growing.resize(still_growing);
+        dimension += dimensions_per_step;
     }
 
-    /// Calls work for all vertices in chunks, in their order. A chunk is small enough to stay in the first-level cache
-    /// from one stage to the next.
-    template <class Work> void for_each_chunk(Work work) {
-        constexpr std::size_t size = 16;
-        for (std::span<Vertex> rest = vertices(); !rest.empty(); rest = rest.subspan(std::min(size, rest.size())))
-            work(rest.first(std::min(size, rest.size())));
-    }
+    std::uint32_t index_of(const Path &path) const { return static_cast<std::uint32_t>(&path - first_path); }
 
     // The other samples of the present step, made where they are needed.
     float sample_unstratified(const Vertex &vertex, Dimension which) const {
@@ -115,29 +97,52 @@ class Wave {
         return direct_light.choice(vertex.path->sampler, dimension + light_choice);
     }
 
-    /// To the next step, without the paths that have ended.
-    void advance() {
-        std::size_t still_growing = 0;
-        for (const Vertex &vertex : vertices())
-            if (vertex.goes_on())
-                growing[still_growing++] = vertex.path;
-        growing.resize(still_growing);
-        dimension += dimensions_per_step;
-    }
-
-    DirectLight direct_light; ///< Of the present step. Receivers are vertices, by index.
+    DirectLight direct_light; ///< Of the present step. Receivers are paths, by index.
 
   private:
+    // As many rays as Embree takes at once, and few enough vertices to stay in the first-level cache from one stage to
+    // the next.
+    static constexpr std::size_t chunk_size = 16;
+
+    std::span<Vertex> intersect(std::span<Path *const> chunk, bool are_coherent) {
+        const std::size_t count = chunk.size();
+        for (std::size_t i = 0; i < count; ++i) {
+            rays[i] = chunk[i]->ray;
+            samplers[i] = chunk[i]->sampler;
+        }
+        std::size_t start_count = 0;
+        if (world.tracer.has_crossings())
+            for (; start_count < count; ++start_count)
+                starts[start_count] = chunk[start_count]->start;
+        world.tracer.intersect(std::span(rays).first(count), std::span(starts).first(start_count), are_coherent, hits);
+        get_2d_of(std::span(samplers).first(count), dimension + light_point, light_points);
+        get_2d_of(std::span(samplers).first(count), dimension + next_direction, next_directions);
+        for (std::size_t i = 0; i < count; ++i) {
+            Vertex &vertex = all[i];
+            vertex.kind = hits[i].exists ? Vertex::Kind::Surface : Vertex::Kind::Escaped;
+            vertex.is_ray_lit = false;
+            vertex.path = chunk[i];
+            vertex.hit = &hits[i];
+            vertex.light_point = light_points[i];
+            vertex.next_direction = next_directions[i];
+        }
+        return std::span(all).first(count);
+    }
+
+    const World &world;
+    const Path *const first_path;
     std::uint32_t dimension; // the first of the present step
     bool records_aovs = false;
     std::vector<Path *> growing;
-    std::vector<Ray> rays;
-    std::vector<RayStart> starts; // of the rays; none where nothing may be crossed
-    std::vector<Hit> hits;
-    std::vector<Sampler> samplers;
-    std::vector<Point2f> light_points;
-    std::vector<Point2f> next_directions;
-    std::vector<Vertex> all;
+
+    // Of the present chunk.
+    Ray rays[chunk_size];
+    RayStart starts[chunk_size];
+    Hit hits[chunk_size];
+    Sampler samplers[chunk_size];
+    Point2f light_points[chunk_size];
+    Point2f next_directions[chunk_size];
+    Vertex all[chunk_size];
 };
 
 } // namespace vantor

@@ -13,7 +13,7 @@ namespace {
 Point2f sample_area(const FlatEmitter &emitter, Point2f numbers) {
     if (emitter.outline == FlatEmitter::Outline::Triangle)
         return warp::triangle(numbers);
-    if (emitter.outline == FlatEmitter::Outline::Parallelogram)
+    if (emitter.outline != FlatEmitter::Outline::Ring)
         return numbers;
     // The squared radius is uniform on a disk, and so it is on a ring.
     const Vec3 p = warp::disk({emitter.squared_hole + (1 - emitter.squared_hole) * numbers.u, numbers.v});
@@ -27,7 +27,7 @@ LightBounds FlatEmitter::bounds() const {
         return LightBounds{center, half, normal, 1, 0, area * luminance(emitted)};
     };
     const auto sizes = [](Vec3 v) { return Vec3{std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)}; };
-    if (outline == Outline::Parallelogram)
+    if (outline == Outline::Parallelogram || outline == Outline::Rectangle)
         return box_around(corner + (edge_u + edge_v) * 0.5f, (sizes(edge_u) + sizes(edge_v)) * 0.5f);
     if (outline == Outline::Ring) {
         const auto reach = [](float u, float v) { return std::sqrt(u * u + v * v); };
@@ -39,25 +39,13 @@ LightBounds FlatEmitter::bounds() const {
                       {half(edge_u.x, edge_v.x), half(edge_u.y, edge_v.y), half(edge_u.z, edge_v.z)});
 }
 
-// Whether it is seen so large that the weights of samples by area differ much: by the square of its longer edge over
-// that of its distance. Most lights are far away, which is to be told quickly.
-bool FlatEmitter::is_near(Vec3 reference) const {
-    if (outline == Outline::Ring)
-        return false;
-    constexpr float least_ratio = 0.05f;
-    const float weight = outline == Outline::Triangle ? 1 / 3.0f : 0.5f;
-    const Vec3 to_middle = corner + (edge_u + edge_v) * weight - reference;
-    return std::max(dot(edge_u, edge_u), dot(edge_v, edge_v)) > least_ratio * dot(to_middle, to_middle);
-}
-
-bool FlatEmitter::is_rectangle() const {
-    constexpr float rounding_of_cosines = 1e-5f;
-    const float along = dot(edge_u, edge_v);
-    return outline == Outline::Parallelogram &&
-           along * along <= rounding_of_cosines * rounding_of_cosines * dot(edge_u, edge_u) * dot(edge_v, edge_v);
-}
-
 namespace {
+
+bool are_perpendicular(Vec3 u, Vec3 v) {
+    constexpr float rounding_of_cosines = 1e-5f;
+    const float along = dot(u, v);
+    return along * along <= rounding_of_cosines * rounding_of_cosines * dot(u, u) * dot(v, v);
+}
 
 // Beyond these, solid angles have too few digits.
 float usable(float solid_angle) {
@@ -73,7 +61,7 @@ float FlatEmitter::sampled_solid_angle(Vec3 reference) const {
         return 0;
     if (outline == Outline::Triangle)
         return usable(SphericalTriangle(reference, corner, edge_u, edge_v).solid_angle());
-    return is_rectangle() ? usable(SphericalRectangle(reference, corner, edge_u, edge_v).solid_angle()) : 0.0f;
+    return usable(SphericalRectangle(reference, corner, edge_u, edge_v).solid_angle());
 }
 
 float FlatEmitter::pdf(Vec3 reference, Vec3 direction, Vec3 point) const {
@@ -87,22 +75,19 @@ float FlatEmitter::pdf(Vec3 reference, Vec3 direction, Vec3 point) const {
     return dot(difference, difference) / (cosine * area);
 }
 
+Point2f FlatEmitter::sample_solid_angle(Vec3 reference, Point2f numbers, float &solid_angle) const {
+    const auto sample = [&](const auto &seen) {
+        solid_angle = usable(seen.solid_angle());
+        return solid_angle > 0 ? seen.sample(numbers) : sample_area(*this, numbers);
+    };
+    return outline == Outline::Triangle ? sample(SphericalTriangle(reference, corner, edge_u, edge_v))
+                                        : sample(SphericalRectangle(reference, corner, edge_u, edge_v));
+}
+
 bool FlatEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {
-    Point2f uv = sample_area(*this, numbers);
     float solid_angle = 0;
-    if (is_near(reference)) {
-        if (outline == Outline::Triangle) {
-            const SphericalTriangle triangle(reference, corner, edge_u, edge_v);
-            solid_angle = usable(triangle.solid_angle());
-            if (solid_angle > 0)
-                uv = triangle.sample(numbers);
-        } else if (is_rectangle()) {
-            const SphericalRectangle rectangle(reference, corner, edge_u, edge_v);
-            solid_angle = usable(rectangle.solid_angle());
-            if (solid_angle > 0)
-                uv = rectangle.sample(numbers);
-        }
-    }
+    const Point2f uv =
+        is_near(reference) ? sample_solid_angle(reference, numbers, solid_angle) : sample_area(*this, numbers);
     const Vec3 from_corner = edge_u * uv.u + edge_v * uv.v;
     const Vec3 point = corner + from_corner;
     const Vec3 difference = point - reference;
@@ -130,6 +115,8 @@ FlatEmitter flat_emitter(const Affine &world_from_object, Vec3 corner, Vec3 next
     // A mirroring transform reverses the winding, but not the side that shines.
     const float front = std::copysign(1.0f, world_from_object.determinant);
     const bool is_triangle = outline == FlatEmitter::Outline::Triangle;
+    if (!is_triangle && are_perpendicular(edge_u, edge_v))
+        outline = FlatEmitter::Outline::Rectangle;
     return {origin, edge_u, edge_v, normal * (front / area), is_triangle ? 0.5f * area : area, outline, 0, radiance};
 }
 

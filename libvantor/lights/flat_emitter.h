@@ -18,6 +18,7 @@ struct FlatEmitter {
 
     enum class Outline {
         Parallelogram, ///< u and v from 0 to 1.
+        Rectangle,     ///< Likewise, with right angles.
         Triangle,      ///< Likewise, but u + v at most 1.
         Ring,          ///< u^2 + v^2 from the squared radius of the hole to 1; the corner is its centre.
     };
@@ -41,12 +42,21 @@ struct FlatEmitter {
     float sampled_solid_angle(Vec3 reference) const;
 
   private:
-    bool is_near(Vec3 reference) const;
-    bool is_rectangle() const;
+    // Whether it has a parametrization by solid angle, and is nearer than its longer edge is long. From farther away
+    // the weights of samples by area differ little, and others take much longer to draw.
+    bool is_near(Vec3 reference) const {
+        const bool is_triangle = outline == Outline::Triangle;
+        const Vec3 to_middle = corner + (edge_u + edge_v) * (is_triangle ? 1 / 3.0f : 0.5f) - reference;
+        return dot(to_middle, to_middle) < std::max(dot(edge_u, edge_u), dot(edge_v, edge_v)) &&
+               (is_triangle || outline == Outline::Rectangle);
+    }
+
+    // Likewise sets the solid angle: 0 if it is sampled by area all the same.
+    Point2f sample_solid_angle(Vec3 reference, Point2f numbers, float &solid_angle) const;
 };
 
 /// From a corner and its two neighbours, given in the object's space and in the order that is counter-clockwise as the
-/// front sees it. The outline is a triangle or a parallelogram.
+/// front sees it. The outline is a triangle or a parallelogram, which may turn out to be a rectangle.
 FlatEmitter flat_emitter(const Affine &world_from_object, Vec3 corner, Vec3 next, Vec3 previous,
                          FlatEmitter::Outline outline, Color radiance);
 

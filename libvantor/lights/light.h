@@ -19,6 +19,13 @@ template <LightType... Kinds> using AnyLightOf = std::variant<Kinds...>;
 using Light = AnyLightOf<FlatEmitter, SphereEmitter, UnsampledEmitter, PointLight, SpotLight, DistantLight,
                          DistantDiskLight, EnvironmentLight>;
 
+/// Calls `work` with the light as the type that it is. What most scenes are lit by is tested first and inline.
+template <class Work> decltype(auto) visit_light(const Work &work, const Light &light) {
+    if (const auto *flat = std::get_if<FlatEmitter>(&light)) [[likely]]
+        return work(*flat);
+    return std::visit(work, light);
+}
+
 static_assert(sizeof(Light) <= 80, "a mesh that shines has one for each triangle, maybe millions");
 
 } // namespace vantor

@@ -5,7 +5,14 @@ namespace vantor {
 
 namespace {
 
-float arc_cosine(float cosine) { return std::acos(std::clamp(cosine, -1.0f, 1.0f)); }
+// acos(a) + acos(b), from 0 to 2 pi: the angle of the product of two complex numbers of unit length.
+float sum_of_arc_cosines(float a, float b) {
+    const auto sine = [](float cosine) { return std::sqrt(std::max(0.0f, 1 - cosine * cosine)); };
+    const float sine_a = sine(a);
+    const float sine_b = sine(b);
+    const float angle = std::atan2(sine_a * b + a * sine_b, a * b - sine_a * sine_b);
+    return angle < 0 ? angle + 2 * pi : angle;
+}
 
 } // namespace
 
@@ -28,12 +35,8 @@ SphericalRectangle::SphericalRectangle(Vec3 reference, Vec3 corner, Vec3 edge_u,
     const float n1 = z_of_normal(x1);
     b1 = z_of_normal(y1);
     const float n3 = z_of_normal(-x0);
-    const float g0 = arc_cosine(-b0 * n1);
-    const float g1 = arc_cosine(-n1 * b1);
-    const float g2 = arc_cosine(-b1 * n3);
-    const float g3 = arc_cosine(-n3 * b0);
-    k = 2 * pi - g2 - g3;
-    total = g0 + g1 - k;
+    k = 2 * pi - sum_of_arc_cosines(-b1 * n3, -n3 * b0);
+    total = sum_of_arc_cosines(-b0 * n1, -n1 * b1) - k;
 }
 
 Point2f SphericalRectangle::sample(Point2f numbers) const {

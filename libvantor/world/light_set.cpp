@@ -70,8 +70,10 @@ const Vec3 *LightSet::position_of(std::uint32_t light) const {
 bool LightSet::sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, LightSample &result) const {
     if (!(choice.pmf > 0))
         return false;
-    result.choice = choice;
-    return std::visit(
+    // Member by member: a copy of the whole would wait until its parts are stored.
+    result.choice.light = choice.light;
+    result.choice.pmf = choice.pmf;
+    return visit_light(
         [&]<class Kind>(const Kind &light) {
             EmissionSample sample;
             if (!light.sample(point, numbers, sample))
