@@ -21,7 +21,7 @@ struct Metal {
 // Shiles, Inokuti in Palik, "Handbook of Optical Constants of Solids", 1985.
 constexpr Metal metals[] = {
     {"aluminium", {1.47f, 0.97f, 0.62f}, {7.80f, 6.69f, 5.48f}},
-    {"copper", {0.24f, 1.01f, 1.17f}, {3.63f, 2.58f, 2.39f}},
+    {"copper", {0.24f, 1.01f, 1.24f}, {3.63f, 2.58f, 2.39f}},
     {"gold", {0.16f, 0.42f, 1.38f}, {3.61f, 2.47f, 1.92f}},
     {"silver", {0.05f, 0.06f, 0.04f}, {4.41f, 3.60f, 2.65f}},
 };

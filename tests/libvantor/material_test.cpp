@@ -56,6 +56,30 @@ TEST(Material, AColorOrARoughnessTakesThePlaceOfTheInterfaces) {
     expect_color(scene.render(4, 4, 4), {0.2f, 0.4f, 0.6f});
 }
 
+// Straight on, ((n - 1)^2 + k^2) / ((n + 1)^2 + k^2) of the measured indices at 650, 550 and 450 nm, which a mirror
+// shows in an even sky. An orthographic camera sees all of it straight on.
+TEST(Material, MetalsReflectAsMeasured) {
+    struct Case {
+        const char *metal;
+        Rgb reflectance;
+    };
+    for (const Case &one : {Case{"copper", {0.935f, 0.622f, 0.538f}}, Case{"gold", {0.955f, 0.793f, 0.410f}},
+                            Case{"silver", {0.990f, 0.983f, 0.980f}}, Case{"aluminium", {0.912f, 0.920f, 0.924f}}}) {
+        SCOPED_TRACE(one.metal);
+        Scene scene;
+        scene.light("environment", "radiance", 1.0);
+        List camera("position", VtVector3(0, 0, 2), "target", VtVector3(0, 0, 0), "height", 0.5);
+        scene.NewCamera("orthographic", camera);
+        List interface("metal", one.metal);
+        List surface("interface", static_cast<int>(scene.NewInterface("conductor", interface)));
+        scene.MaterialBegin(scene.NewMaterial("surface", surface));
+        scene.AddObject(scene.object("quad", "origin", VtVector3(-1, -1, 0), "edge_u", VtVector3(2, 0, 0), "edge_v",
+                                     VtVector3(0, 2, 0)));
+        scene.MaterialEnd();
+        expect_color(scene.render(4, 4, 1), one.reflectance, 2e-3);
+    }
+}
+
 TEST(Material, PatternsLieInTheTextureCoordinates) {
     Square scene;
     const VtLong checker = scene.pattern("checker", "a", 0.25, "b", VtVector3(0.5, 0.75, 1), "scale", VtVector2(4, 4));
