@@ -2,7 +2,7 @@
 JOBS := $(shell nproc)
 GALLERY := glass_and_metal media patterns splines million_instances sky radiosity shapes imagers
 
-.PHONY: demo gallery quick test fresh bench clean
+.PHONY: demo gallery quick test docs docs-check fresh bench clean
 
 # Builds the module and its renderer, and draws the README's picture.
 demo:
@@ -29,6 +29,19 @@ quick:
 test:
 	@tools/setup build test
 	@python3 tools/check.py
+
+# The site of the documentation, build/site/html: its pictures are drawn, its scripts are run. The interpreter that has
+# Sphinx may be another one than the python3 on the PATH; the module is built for both.
+docs:
+	@tools/setup build docs
+	@cmake --preset release -DVANTOR_ALSO_FOR=$$(tools/docs-python) --log-level=WARNING
+	@cmake --build --preset release -j$(JOBS)
+	PYTHONPATH=build/release/python $$(tools/docs-python) docs/site/make.py
+
+# Looks at that site: links, pictures, and every page in headless Chromium.
+docs-check:
+	@tools/setup docs
+	$$(tools/docs-python) tests/python/run.py --in tests/site
 
 # "make demo" and "make test" in clean Debian systems, before a release; see tools/fresh.
 fresh:

@@ -26,6 +26,7 @@ toc_object_entries_show_parents = "hide"
 
 html_theme = "furo"
 html_static_path = [os.path.join(staging.ROOT, "docs", "site", "static")]
+html_favicon = os.path.join(os.environ["VANTOR_SITE_SOURCE"], "pictures", "icon.png")
 html_css_files = ["site.css"]
 html_copy_source = False
 html_show_sphinx = False
@@ -48,3 +49,19 @@ sphinx_gallery_conf = {
     "download_all_examples": False,
     "min_reported_time": 1e9,
 }
+
+
+def _without_place(_, name, text):
+    """Where this site was made says nothing to its readers; a script prints it."""
+    text[0] = text[0].replace(os.path.join(_scripts, os.path.dirname(name), ""), "")
+
+
+def _without_empty_contents(_, name, template, context, tree):
+    """The theme counts the pages that a page lists, but shows only its own headings."""
+    if context.get("toc", "").count('href="#') < 2:
+        context["furo_hide_toc"] = True
+
+
+def setup(app):
+    app.connect("source-read", _without_place)
+    app.connect("html-page-context", _without_empty_contents, priority=900)  # after the theme

@@ -22,8 +22,8 @@ SIZES = {
 
 TITLES = {
     "examples": ("Examples of the module", """\
-The scripts of the folder "examples". Their pictures have been drawn when this site was made, smaller
-and with fewer samples than a script takes by itself; the gallery has those in full size."""),
+The scripts of the folder "examples". Their pictures have been drawn when this site was made,
+smaller and with fewer samples than a script takes by itself; the gallery has those in full size."""),
     "examples/package": ("Examples of the package", """\
 The scripts of the folder "examples/package", with their pictures."""),
 }

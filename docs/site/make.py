@@ -52,6 +52,7 @@ def main():
     if is_new:
         report("the pictures of the vocabulary")
         vocabulary_pictures.draw(source.path("pictures/vocabulary"), is_quick)
+        vocabulary_pictures.draw_icon(source.path("pictures/icon.png"))
         report("the notebook")
         notebook.execute(source)
         examples.take(scripts)

@@ -11,14 +11,22 @@ def escaped(text):
 
 
 def paragraphs(text):
-    """Paragraphs of plain text; lines that are indented are code."""
+    """Paragraphs of plain text; lines that are indented are code, with the blank lines in them."""
     made = []
-    for part in re.split(r"\n\s*\n", text.strip("\n").rstrip()):
-        for is_code, lines in itertools.groupby(part.splitlines(), lambda line: line[:1] == " "):
-            run = "\n".join(lines)
-            made.append("::\n\n" + textwrap.indent(textwrap.dedent(run), "    ") if is_code
-                        else escaped(run))
+    lines = [line.rstrip() for line in text.strip("\n").rstrip().split("\n")]
+    for is_code, run in itertools.groupby(range(len(lines)), lambda i: _is_code(lines, i)):
+        part = "\n".join(lines[i] for i in run).strip("\n")
+        made.append("::\n\n" + textwrap.indent(textwrap.dedent(part), "    ") if is_code
+                    else escaped(part))
     return "\n\n".join(made) + "\n"
+
+
+def _is_code(lines, i):
+    """Whether the line is indented; of a blank one, whether those before and after it are."""
+    if lines[i]:
+        return lines[i][0] == " "
+    after = next(filter(None, lines[i:]), "")
+    return i > 0 and _is_code(lines, i - 1) and after[:1] == " "
 
 
 def title(text, underline="="):

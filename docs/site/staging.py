@@ -1,4 +1,4 @@
-"""The pages of the site: documents of the repository, with links that hold where they stand there."""
+"""The pages of the site: documents of the repository, with links that hold where they are there."""
 
 import os
 import re
@@ -112,6 +112,8 @@ class Source:
         here = os.path.dirname(self._documents[path])
         if file in self._documents:
             place = os.path.relpath(self._documents[file] + ".md", here or ".")
+            if text.endswith(".md"):  # here it has no such name
+                text = re.search(r"^# (.*)", text_of(file), re.M)[1]
             return "[{}]({}{})".format(text, place, anchor and "#" + anchor)
         if file in self._pages:
             return "{{doc}}`{} </{}>`".format(text, self._pages[file])

@@ -1,4 +1,4 @@
-"""A small picture for every type of the vocabulary: most show a ball or another solid on a floor."""
+"""A small picture for every type of the vocabulary: of most, a ball on a floor."""
 
 import math
 import os
@@ -298,6 +298,17 @@ def draw(folder, is_quick=False):
         name = "normal" if (call, type) == ("newImager", "file") else "color"
         display = "filmic" if name == "color" else None
         picture.save(os.path.join(folder, file_name(call, type)), display=display, name=name)
+
+
+def draw_icon(path):
+    """Draws the picture that browsers show beside the title of the site."""
+    scene = vt.Scene(strict=True)
+    scene.camera("orthographic", position=(0, 0, 4), height=2.1)
+    scene.light("environment", radiance=(0.6, 0.65, 0.7))
+    scene.light("distant", direction=(1, -1, -1), irradiance=2.0)
+    with painted(scene):
+        scene.add("sphere")
+    scene.render(32, 32, SAMPLES).save(path)
 
 
 def with_pictures(text, folder):

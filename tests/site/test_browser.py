@@ -34,7 +34,8 @@ Promise.all(Array.from(document.images, async image => {
     context.drawImage(image, 0, 0, 32, 32);
     const bytes = context.getImageData(0, 0, 32, 32).data;
     const colors = new Set();
-    for (let i = 0; i < bytes.length; i += 4) colors.add((bytes[i] << 16) + (bytes[i + 1] << 8) + bytes[i + 2]);
+    for (let i = 0; i < bytes.length; i += 4)
+        colors.add((bytes[i] << 16) + (bytes[i + 1] << 8) + bytes[i + 2]);
     return [image.src, image.naturalWidth, colors.size];
 })).then(done);
 """
@@ -122,11 +123,14 @@ class BrowserTest(unittest.TestCase):
                     self.open(page, width, height)
                     self.check_layout(width)
                     self.take_screenshot(page, width)
-                    for source, natural_width, colors in self.browser.execute_async_script(PICTURES):
-                        self.assertGreater(natural_width, 0, source)
-                        self.assertGreater(colors, 3, source)
+                    self.check_pictures()
                     self.assertEqual(self.browser.get_log("browser"), [])
                     self.assertEqual(self.hosts(), {self.host})
+
+    def check_pictures(self):
+        for source, natural_width, colors in self.browser.execute_async_script(PICTURES):
+            self.assertGreater(natural_width, 0, source)
+            self.assertGreater(colors, 3, source)
 
     def check_layout(self, width):
         needed, there, article, least, where = self.browser.execute_script(LAYOUT)
@@ -145,7 +149,7 @@ class BrowserTest(unittest.TestCase):
         self.open("index.html", *SIZES[0])
         link = self.browser.find_element("css selector", ".sidebar-tree a[href='tutorial.html']")
         self.assertFalse(0 <= link.rect["x"] < SIZES[0][0])
-        self.browser.find_element("css selector", "label[for='__navigation'].nav-overlay-icon").click()
+        self.browser.find_element("css selector", "label.nav-overlay-icon").click()
         WebDriverWait(self.browser, 20).until(
             lambda _: 0 <= link.rect["x"] < SIZES[0][0])
         self.take_screenshot("menu.html", SIZES[0][0])

@@ -20,9 +20,9 @@ class FilesTest(unittest.TestCase):
         cls.pages = {path: site_files.Page(path) for path in site_files.pages()}
 
     def test_every_document_has_a_page(self):
-        for place in ["index", "tutorial", "read-me", "gallery", "guide/package", "guide/vocabulary",
-                      "how-to/mesh", "how-to/molecule", "how-to/height-field", "how-to/turntable",
-                      "how-to/farm", "how-to/notebook", "examples/cornell_box",
+        for place in ["index", "tutorial", "read-me", "gallery", "how-to/mesh", "how-to/molecule",
+                      "how-to/height-field", "how-to/turntable", "how-to/farm", "how-to/notebook",
+                      "guide/package", "guide/vocabulary", "examples/cornell_box",
                       "examples-package/package_first_picture", "api/vantor", "api/vantor.farm",
                       "api/vantorPM", "project/another-renderer"]:
             self.assertIn(place + ".html", self.pages)
