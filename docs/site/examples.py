@@ -10,12 +10,12 @@ import staging
 from sphinx_gallery.scrapers import figure_rst
 
 # Width in pixels and samples for each pixel, where the script takes them.
-SIZE = ("320", "64")
+SIZE = ("320", "48")
 QUICK_SIZE = ("80", "4")
 SIZES = {
     "cornell_box": ("240", "64"),
     "imagers": ("240", "64"),
-    "media": ("320", "128"),
+    "media": ("320", "96"),
     "million_instances": ("320", "32"),
     "sky": ("180", "48"),
 }
@@ -23,7 +23,7 @@ SIZES = {
 TITLES = {
     "examples": ("Examples of the module", """\
 The scripts of the folder "examples". Their pictures have been drawn when this site was made,
-smaller and with fewer samples than a script takes by itself; the gallery has those in full size."""),
+smaller and with fewer samples than a script takes by itself; the gallery has the full size."""),
     "examples/package": ("Examples of the package", """\
 The scripts of the folder "examples/package", with their pictures."""),
 }

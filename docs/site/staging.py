@@ -85,7 +85,9 @@ class Source:
             self._file(path)
         for path, name in self._documents.items():
             text = self.with_links(path, text_of(path))
-            self.write(name + ".md", change(path, self.with_others(text)))
+            if name == "index":
+                text = self.with_others(text)
+            self.write(name + ".md", change(path, text))
 
     def with_others(self, text):
         """The front page, where "guide/*" stands for the pages of that folder which it does not
