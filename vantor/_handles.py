@@ -8,7 +8,7 @@ class Handle:
 
     kind = ""
 
-    __slots__ = ("_scene", "id", "type", "place", "is_used")
+    __slots__ = ("_scene", "id", "type", "place")
 
     def __init__(self, scene, id, type, place):
         # Not in a circle: a scene with all its memory goes as soon as nobody holds it.
@@ -16,7 +16,6 @@ class Handle:
         self.id = id
         self.type = type
         self.place = place  # where in the script it was made
-        self.is_used = False
 
     @property
     def scene(self):

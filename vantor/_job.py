@@ -133,7 +133,8 @@ class Job:
     def _picture(self):
         layers, messages, error = self._outcome
         self._outcome = (layers, [], error)  # messages are told once
-        tell(messages, self._strict and not self._is_cancelled, self._place)
+        is_strict = self._strict and not self._is_cancelled
+        tell(messages, is_strict, self._place, self._work.scene.handles)
         if error and not self._is_cancelled:
             raise JobError(error)
         if not layers and self._is_cancelled:

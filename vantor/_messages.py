@@ -42,54 +42,33 @@ def is_strict_by_environment():
     return os.environ.get("VANTOR_DIAGNOSTICS") == "strict"
 
 
-def tell(messages, strict, place=None):
+def tell(messages, strict, place=None, handles=()):
     """Warns of each of the messages, pairs of whether it is a mistake, and the text. If strict,
-    mistakes are raised as one SceneError instead."""
+    mistakes are raised as one SceneError instead. The handles are those of the scene."""
     if not messages:
         return
-    messages = [(is_mistake, with_hint(text)) for is_mistake, text in messages]
-    mistakes = [text for is_mistake, text in messages if is_mistake]
+    place = place or script_place()
+    mistakes = [_placed(text, place, handles)[0] for is_mistake, text in messages if is_mistake]
     if strict and mistakes:
         raise SceneError("; ".join(mistakes))
     if os.environ.get("VANTOR_DIAGNOSTICS") == "silent":
         return
-    place = place or script_place()
     for _, text in messages:
-        warnings.warn_explicit(
-            text, SceneWarning, place.file, place.line, place.module, place.registry
-        )
+        text, of = _placed(text, place, handles)
+        warnings.warn_explicit(text, SceneWarning, of.file, of.line, of.module, of.registry)
 
 
-# What people try by habit, and what it is called here.
-_HABITS = {
-    "cube": "box",
-    "cuboid": "box",
-    "ball": "sphere",
-    "plane": "quad",
-    "rectangle": "quad",
-    "glass": "dielectric",
-    "mirror": "conductor",
-    "metal": "conductor",
-    "lambert": "diffuse",
-    "matte": "diffuse",
-    "sun": "distant",
-    "directional": "distant",
-    "envmap": "environment",
-    "look_at": "target",
-    "lookat": "target",
-    "power": "intensity",
-    "energy": "intensity",
-    "file": "name",
-    "filename": "name",
-    "path": "name",
-}
-_UNKNOWN = re.compile(r'(?:unknown parameter "(?P<name>\w+)"|^\w+ "(?P<type>\w+)": unknown type)')
+# What the renderer says of an entity when a pass begins belongs to the line where that was made.
+_OF_ENTITY = re.compile(r"^render: .*?\b((?:object|material|light) (\d+))\b")
+# In this package a material is made of an interface in one step.
+_IN_TWO_STEPS = re.compile(r'newInterface ("\w+"), as the interface of a material "surface"')
 
 
-def with_hint(text):
-    """The message, with a habit's word for an unknown one instead of one that looks alike."""
-    found = _UNKNOWN.search(text)
-    word = found and (found["name"] or found["type"])
-    if word not in _HABITS:
-        return text
-    return '{} (did you mean "{}"?)'.format(text[: found.end()], _HABITS[word])
+def _placed(text, place, handles):
+    """The text in this package's words, and the place that it belongs to."""
+    text = _IN_TWO_STEPS.sub(r"\1", text)
+    found = _OF_ENTITY.search(text)
+    for handle in handles if found else ():
+        if handle.id == int(found[2]):
+            return text.replace(found[1], repr(handle), 1), handle.place
+    return text, place

@@ -8,7 +8,7 @@ import weakref
 
 import vantorPM
 
-from . import _checks, _handles, _native, _values
+from . import _handles, _native, _values
 from ._job import Job
 from ._messages import SceneError, is_strict_by_environment, script_place, tell
 from ._models import Model
@@ -134,7 +134,6 @@ class Scene:
             if isinstance(what, Model):
                 return what.add_to(self)
             self._under_transforms(self._call, "addObject", self.id_of(what, "object"))
-            self._note_added(what)
             return what
         finally:
             for block in reversed(own):
@@ -169,7 +168,6 @@ class Scene:
         leaves out the file imager that the script has made last."""
         aovs = (aovs,) if isinstance(aovs, str) else tuple(aovs)
         filtering = {"filter": filter, "filter_width": filter_width}
-        _checks.tell_all(self, place)
         work = Pass(
             self,
             (_values.integer(width), _values.integer(height), _values.integer(samples)),
@@ -187,9 +185,9 @@ class Scene:
             work.prepare(self.folder())
             layers = work.run(messages)
         except BaseException:
-            tell(messages, False, place)
+            tell(messages, False, place, self.handles)
             raise
-        tell(messages, self.strict, place)
+        tell(messages, self.strict, place, self.handles)
         if not layers:
             raise SceneError(work.why_nothing(messages))
         return Picture.of_pass(work, layers)
@@ -203,12 +201,6 @@ class Scene:
         if handle.scene is not self:
             raise ValueError("{!r} belongs to another scene".format(handle))
         return handle.id
-
-    def use(self, handle, kind=None):
-        """Likewise, of one that something is made with."""
-        number = self.id_of(handle, kind)
-        handle.is_used = True
-        return number
 
     def open_block(self, handle):
         if handle.kind == "light":
@@ -333,13 +325,6 @@ class Scene:
         self._call("lightBegin")
         if not was_on:
             self.switch_light(light, False)
-
-    def _note_added(self, handle):
-        handle.is_used = True
-        innermost = {open.kind: open for open in self._open}
-        for open in innermost.values():
-            open.is_used = True
-        _checks.note_added(handle, innermost.get("material"))
 
 
 def _remove_of_owner(folder, owner):

@@ -90,8 +90,8 @@ def scale(value):
 
 def ids(scene, kind, value):
     if isinstance(value, Handle):
-        return scene.use(value, kind)
-    return _native.to_array("intarray", [scene.use(handle, kind) for handle in value])
+        return scene.id_of(value, kind)
+    return _native.to_array("intarray", [scene.id_of(handle, kind) for handle in value])
 
 
 _PLAIN = {
@@ -111,13 +111,13 @@ def by_kind(scene, kind, value):
     """The value for a parameter of that kind, in the vocabulary's words."""
     kind, _, wanted_id = kind.partition("|id:")
     if wanted_id and isinstance(value, Handle):
-        return scene.use(value, wanted_id)
+        return scene.id_of(value, wanted_id)
     if isinstance(value, Handle) and not kind.startswith(("id:", "ids:")):
         raise TypeError("expected a {}, got {!r}".format(kind.partition(":")[0], value))
     if kind.startswith("choice:"):
         return text(value)
     if kind.startswith("id:"):
-        return scene.use(value, kind[3:])
+        return scene.id_of(value, kind[3:])
     if kind.startswith("ids:"):
         return ids(scene, kind[4:], value)
     if kind in _PLAIN:
@@ -131,7 +131,7 @@ def by_shape(scene, value):
     """The value for a parameter that the vocabulary does not tell of: by what it looks like. Rows
     of integers are an intarray; two to four numbers are a vector; more are an array."""
     if isinstance(value, Handle):
-        return scene.use(value)
+        return scene.id_of(value)
     if isinstance(value, Transform):
         return value.module_transform
     if isinstance(value, (str, os.PathLike)):
@@ -141,7 +141,7 @@ def by_shape(scene, value):
     if type(value) in _MODULE_TYPES or type(value) in (int, float):
         return value
     if isinstance(value, (list, tuple)) and value and all(isinstance(v, Handle) for v in value):
-        return _native.to_array("intarray", [scene.use(handle) for handle in value])
+        return _native.to_array("intarray", [scene.id_of(handle) for handle in value])
     shape, is_integer = _native.shape(value)
     if shape == ():
         return integer(value) if is_integer else number(value)

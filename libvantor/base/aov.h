@@ -33,4 +33,7 @@ constexpr Aov aov_named(std::string_view name) {
     return Aov::Color;
 }
 
+/// Whether it is made of light: the others are the same in the dark.
+constexpr bool shows_light(Aov aov) { return aov == Aov::Color || aov == Aov::Variance; }
+
 } // namespace vantor

@@ -31,7 +31,9 @@ template <class Kind> const Kind *last_of(const std::vector<Imager> &imagers) {
 void Registry::create(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list) {
     const CallReport call(report, names_of(kind).call, type_name);
     // Only now is there something to be named: nothing is made of itself.
-    entries.insert_or_assign(id, Entry{kind, made(id, kind, type_name, list, call)});
+    const int index = made(id, kind, type_name, list, call);
+    entries.insert_or_assign(id, Entry{kind, index});
+    usage.note_made(kind, index, id);
 }
 
 int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list, const CallReport &call) {
@@ -78,8 +80,11 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
             return appended(materials, std::move(*material));
         break;
     case EntityKind::Object:
-        if (std::optional<Object> object = find_object(id, *type, parameters, call))
+        if (std::optional<Object> object = find_object(id, *type, parameters, call)) {
+            if (object->prototype)
+                usage.note_used(kind, entries.at(object->prototype->id).index);
             return appended(objects, std::move(*object));
+        }
         break;
     case EntityKind::Pattern: {
         const auto find_used = [&](std::string_view name) { return find_pattern(parameters, name, call); };
@@ -245,16 +250,21 @@ void Registry::add_object(VtLong id) {
         return;
     }
 
-    const int material = material_blocks.empty() ? -1 : material_blocks.back();
+    const int material_index = material_blocks.empty() ? -1 : material_blocks.back();
+    const Material &material =
+        material_index < 0 ? material_of_others : materials[static_cast<std::size_t>(material_index)];
+    const int light = light_blocks.empty() ? -1 : light_blocks.back();
     int interior = interior_blocks.empty() ? -1 : interior_blocks.back();
     const Object &shown = object.prototype ? *object.prototype : object;
     if (const auto *curves = std::get_if<Curves>(&shown.shape); curves && !curves->are_tubes && interior >= 0) {
         call.diagnostic("ribbons have no inside, so that the interior has no effect on them (tubes have one)");
         interior = -1;
     }
-    placed.push_back({&shown, world_from_object,
-                      material < 0 ? &material_of_others : &materials[static_cast<std::size_t>(material)], interior,
-                      light_blocks.empty() ? -1 : light_blocks.back(), object.prototype ? &object.instances : nullptr});
+    usage.note_used(EntityKind::Object, index);
+    usage.note_used(EntityKind::Light, light);
+    usage.note_added(shown, material_index, material);
+    placed.push_back(
+        {&shown, world_from_object, &material, interior, light, object.prototype ? &object.instances : nullptr});
 }
 
 void Registry::begin_transform(const VtTransform &transform) {

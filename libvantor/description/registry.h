@@ -7,6 +7,7 @@
 #include "libvantor/description/light.h"
 #include "libvantor/description/material.h"
 #include "libvantor/description/object.h"
+#include "libvantor/description/usage.h"
 
 #include <deque>
 #include <unordered_map>
@@ -94,6 +95,9 @@ class Registry {
     /// Reports every other block that is open.
     void report_open_blocks(const CallReport &call) const;
 
+    /// Tells what is described in vain, to a pass that shows light or does not.
+    void tell_vain(bool shows_light) const { usage.tell(all_lights, shows_light, report); }
+
   private:
     struct Entry {
         EntityKind kind;
@@ -153,6 +157,7 @@ class Registry {
     std::vector<Placement> placed;
     int current_area_light = -1; // created or switched on last
     unsigned long light_changes = 0;
+    Usage usage;
 
     // Open blocks, innermost last; indexes as in Entry.
     std::vector<int> imager_blocks;

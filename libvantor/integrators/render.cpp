@@ -63,6 +63,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     }
     if (window.is_empty() || !registry.camera() || imagers.empty())
         return;
+    registry.tell_vain(std::ranges::any_of(imagers, [](const FileImager &i) { return shows_light(i.aov); }));
 
     FrameBuffer frame(request.width, request.height, window);
     for (const FileImager &imager : imagers)

@@ -1,6 +1,8 @@
 // The reader: a parameter list against the table of its type.
 #include "libvantor/parameters/reader.h"
 
+#include "libvantor/parameters/suggestion.h"
+
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -8,64 +10,6 @@
 namespace vantor {
 
 namespace {
-
-// The number of single-character changes that turn one word into the other (Levenshtein 1966).
-std::size_t edit_distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
-        row[j] = j;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row[b.size()];
-}
-
-std::string_view name_of(std::string_view word) { return word; }
-template <class Named> std::string_view name_of(const Named &entry) { return entry.name; }
-
-// The known name that is most likely meant: within about one edit for every three letters; or one that begins with the
-// word, or that the word ends with. Null if there is none.
-template <class Named> const Named *nearest(std::string_view wrong, std::span<const Named> known) {
-    // A longer word is no misspelling of any of these names.
-    constexpr std::size_t longest = 40;
-    if (wrong.size() > longest)
-        return nullptr;
-    const Named *nearest = nullptr;
-    std::size_t least = std::min<std::size_t>(3, wrong.size() / 3 + 1);
-    for (const Named &entry : known) {
-        const std::size_t distance = edit_distance(wrong, name_of(entry));
-        if (distance < least) {
-            nearest = &entry;
-            least = distance;
-        }
-    }
-    const auto is_part = [&](const Named &entry) {
-        const std::string_view name = name_of(entry);
-        return (wrong.size() >= 2 && name.starts_with(wrong)) || (name.size() >= 4 && wrong.ends_with(name));
-    };
-    const auto part = std::ranges::find_if(known, is_part);
-    return nearest || part == known.end() ? nearest : &*part;
-}
-
-// " (did you mean "fov"?)" where a known name is near, else " (known: "fov", "up")".
-template <class Named> std::string suggestion(std::string_view wrong, std::span<const Named> known) {
-    if (const Named *meant = nearest(wrong, known))
-        return joined({" (did you mean ", in_quotes(name_of(*meant)), "?)"});
-
-    std::string text = " (known:";
-    for (const Named &entry : known) {
-        text += &entry == known.data() ? " " : ", ";
-        text += in_quotes(name_of(entry));
-    }
-    text += ')';
-    return text;
-}
 
 // "an integer", "a vector3"; "0 or 1" takes no article.
 std::string with_article(std::string_view noun) {
@@ -221,7 +165,8 @@ std::string complaint(const Parameter &parameter, const VtArgType &value, const 
         const std::string_view word = value.Text();
         if (std::ranges::find(parameter.choices, word) != parameter.choices.end())
             return {};
-        return joined({": unknown word ", in_quotes(word), suggestion(word, parameter.choices)});
+        return joined({": unknown word ", in_quotes(word),
+                       suggestion(word, Words(parameter.choices.begin(), parameter.choices.end()))});
     }
     if (!has_range(parameter.kind, value.Tag()))
         return {};
@@ -335,7 +280,7 @@ const Type *find_type(EntityKind kind, const char *name, const CallReport &repor
     for (const Type &type : names.types)
         if (name && type.name == name)
             return &type;
-    report.diagnostic(joined({name ? "unknown type" : "no type given", suggestion(name ? name : "", names.types)}));
+    report.diagnostic(joined({name ? "unknown type" : "no type given", type_suggestion(kind, name ? name : "")}));
     return nullptr;
 }
 
@@ -360,8 +305,10 @@ Parameters read_parameters(const Type &type, const VtArgList &list, const CallRe
         const VtLong value_at = i + 1;
         const auto parameter = std::ranges::find(type.parameters, name, &Parameter::name);
         if (parameter == type.parameters.end()) {
-            report.diagnostic_at(i, joined({"unknown parameter ", in_quotes(name), suggestion(name, type.parameters)}));
-            speak_of(nearest(name, type.parameters));
+            const Words known = names_in(type.parameters);
+            report.diagnostic_at(i, joined({"unknown parameter ", in_quotes(name), suggestion(name, known)}));
+            const auto meant = std::ranges::find(type.parameters, word_meant(name, known), &Parameter::name);
+            speak_of(meant == type.parameters.end() ? nullptr : &*meant);
             ++i;
             continue;
         }

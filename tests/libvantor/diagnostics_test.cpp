@@ -103,6 +103,38 @@ TEST(Diagnostics, LinesAreFitForATerminal) {
     EXPECT_EQ(printable("cut \xe2\x82"), "cut ??");
 }
 
+// Words of other programs, whose letters are not those of the right one.
+TEST(Diagnostics, HabitsAreUnderstood) {
+    for (const auto &[wrong, right] : {std::pair{"cube", "box"}, {"ball", "sphere"}, {"plane", "quad"}})
+        expect_diagnostics(object_errors(wrong), {{.call = "newObject", .type = wrong, .suggestion = right}});
+    Scene scene;
+    List list;
+    for (const auto &[wrong, right] :
+         {std::pair{"glass", "dielectric"}, {"mirror", "conductor"}, {"metal", "conductor"}})
+        expect_diagnostics(errors_of([&] { scene.NewInterface(wrong, list); }),
+                           {{.call = "newInterface", .type = wrong, .suggestion = right}});
+    expect_diagnostics(
+        camera_errors("perspective", "look_at", zero),
+        {{.call = "newCamera", .type = "perspective", .item = 0, .parameter = "look_at", .suggestion = "target"}});
+    // Each light has its own quantity.
+    for (const auto &[type, right] : {std::pair{"point", "intensity"}, {"area", "radiance"}, {"distant", "irradiance"}})
+        expect_diagnostics(light_errors(type, "power", 5.0),
+                           {{.call = "newLight", .type = type, .item = 0, .parameter = "power", .suggestion = right}});
+    // What was meant is not missing as well.
+    List file("file", "picture.png");
+    expect_diagnostics(errors_of([&] { scene.NewImager("file", file); }),
+                       {{.call = "newImager", .type = "file", .item = 0, .parameter = "file", .suggestion = "name"}});
+}
+
+TEST(Diagnostics, AnInterfaceIsNoMaterial) {
+    Scene scene;
+    List list;
+    for (const auto &[wrong, right] : {std::pair{"dielectric", "dielectric"}, {"glass", "dielectric"}})
+        EXPECT_EQ(errors_of([&] { scene.NewMaterial(wrong, list); }),
+                  "vantor: newMaterial \"" + std::string(wrong) + "\": unknown type (did you mean newInterface \"" +
+                      right + "\", as the interface of a material \"surface\"?)\n");
+}
+
 TEST(Diagnostics, Types) {
     expect_diagnostics(light_errors("pont"), {{.call = "newLight", .type = "pont", .suggestion = "point"}});
     expect_diagnostics(light_errors("candle"), {{.call = "newLight", .type = "candle", .says = "known: \"area\""}});
@@ -430,7 +462,9 @@ TEST(Diagnostics, Blocks) {
 TEST(Diagnostics, OpenBlocksAtRender) {
     Scene scene;
     scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+    scene.light("point");
     scene.MaterialBegin(scene.diffuse(0.5));
+    scene.AddObject(scene.object("sphere"));
     VtTransform identity;
     identity.Identity();
     scene.TransformBegin(identity);
@@ -562,6 +596,7 @@ TEST(Diagnostics, StrictRefusesPicturesAfterTheFirst) {
     const Mode mode("strict");
     Scene scene;
     scene.camera({0, 0, 3}, {0, 0, 0}, 40);
+    scene.light("point");
     // A note is no diagnostic.
     errors_of([&] { scene.Radiosity(); });
     EXPECT_EQ(errors_of([&] { EXPECT_FALSE(scene.render(4, 4, 1).values.empty()); }), "");

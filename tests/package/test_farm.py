@@ -112,7 +112,7 @@ class RendererTest(PackageTest):
 
     def test_messages_come_with_file_and_line(self):
         (text, file, line), = self.render(unlit_scene).said
-        self.assertIn("no light is on", text)
+        self.assertIn("no light reaches anything", text)
         self.assertEqual((file, line), ("script.py", 7))
 
     def test_what_is_not_wanted_stops(self):

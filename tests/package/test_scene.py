@@ -3,6 +3,7 @@
 import gc
 import inspect
 import os
+import sys
 import unittest
 import warnings
 import weakref
@@ -219,14 +220,14 @@ class VainTest(PackageTest):
         scene = ball_scene()
         with scene.light("area"):
             scene.add("quad")
-        scene.object("instances", object=scene.object("box"), places=[vt.scale(1)]).is_used = True
+        scene.add("instances", object=scene.object("box"), places=[vt.scale(1)])
         self.assert_said(scene)
 
     def test_no_light(self):
         scene = lit_scene()
         scene.handles[1].off()
         scene.add("sphere")
-        self.assert_said(scene, "no light is on")
+        self.assert_said(scene, "no light reaches anything")
 
     def test_what_is_never_used(self):
         scene = lit_scene()
@@ -240,9 +241,24 @@ class VainTest(PackageTest):
     def test_glass_on_an_open_surface(self):
         scene = lit_scene()
         with scene.material("dielectric"):
-            warning, = caught(scene.add, "quad")
-            self.assertEqual(caught(scene.add, "sphere"), [])
-        self.assertIn("needs a closed body", str(warning.message))
+            scene.add("sphere")
+        self.assert_said(scene)
+        with scene.material("dielectric"):
+            scene.add("quad")
+        self.assert_said(scene, '"dielectric"> is glass, and needs a closed body')
+
+    def test_it_is_said_of_the_line_where_it_was_made(self):
+        scene = lit_scene()
+        scene.object("sphere")
+        line = sys._getframe().f_lineno - 1
+        for render in (scene.render, lambda *size: scene.render(*size, wait=False).result()):
+            warning, = caught(render, 4, 4, 1)
+            self.assertEqual((warning.filename, warning.lineno), (__file__, line))
+        strict = lit_scene(strict=True)
+        strict.object("sphere")
+        with warnings.catch_warnings():
+            warnings.simplefilter("ignore", vt.SceneWarning)
+            self.assertEqual(strict.render(4, 4, 1).width, 4)  # it is no mistake
 
 
 class VocabularyTest(unittest.TestCase):
