@@ -167,7 +167,8 @@ class Model:
     def triangle_count(self) -> int: ...
     def bounds(self) -> Tuple[Tuple[float, ...], Tuple[float, ...]]: ...
     def add_to(self, scene: Scene) -> List[Object]: ...
-    def add_lights_to(self, scene: Scene) -> List[Optional[Light]]: ...
+    def add_lights_to(self, scene: Scene) -> List[Light]: ...
+    def add_camera_to(self, scene: Scene, index: int = 0) -> Camera: ...
 
 # A mesh of another package is told by its attributes, whose names differ.
 def load(path: Union[_Text, Any]) -> Model: ...
@@ -563,6 +564,7 @@ class Scene:
         interface: Interface,
         color: Optional[Union[_Color, Pattern]] = ...,
         roughness: Optional[Union[_Number, Pattern]] = ...,
+        metallic: Optional[Union[_Number, Pattern]] = ...,
         opacity: Optional[Union[_Number, Pattern]] = ...,
         bump: Optional[Pattern] = ...,
         bump_height: Optional[_Number] = ...,
@@ -579,6 +581,7 @@ class Scene:
         k: Optional[_Color] = ...,
         color: Optional[Union[_Color, Union[_Color, Pattern]]] = ...,
         roughness: Optional[Union[_Number, Union[_Number, Pattern]]] = ...,
+        metallic: Optional[Union[_Number, Pattern]] = ...,
         opacity: Optional[Union[_Number, Pattern]] = ...,
         bump: Optional[Pattern] = ...,
         bump_height: Optional[_Number] = ...,
@@ -593,6 +596,7 @@ class Scene:
         ior: Optional[_Number] = ...,
         color: Optional[Union[_Color, Union[_Color, Pattern]]] = ...,
         roughness: Optional[Union[_Number, Union[_Number, Pattern]]] = ...,
+        metallic: Optional[Union[_Number, Pattern]] = ...,
         opacity: Optional[Union[_Number, Pattern]] = ...,
         bump: Optional[Pattern] = ...,
         bump_height: Optional[_Number] = ...,
@@ -607,6 +611,7 @@ class Scene:
         color: Optional[Union[_Color, Union[_Color, Pattern]]] = ...,
         ior: Optional[_Number] = ...,
         roughness: Optional[Union[_Number, Union[_Number, Pattern]]] = ...,
+        metallic: Optional[Union[_Number, Pattern]] = ...,
         opacity: Optional[Union[_Number, Pattern]] = ...,
         bump: Optional[Pattern] = ...,
         bump_height: Optional[_Number] = ...,
@@ -619,7 +624,7 @@ class Scene:
         __type: Literal["principled"],
         *,
         base_color: Optional[Union[_Color, Pattern]] = ...,
-        metallic: Optional[_Number] = ...,
+        metallic: Optional[Union[_Number, Union[_Number, Pattern]]] = ...,
         roughness: Optional[Union[_Number, Union[_Number, Pattern]]] = ...,
         specular: Optional[_Number] = ...,
         clearcoat: Optional[_Number] = ...,
@@ -806,7 +811,7 @@ class Scene:
         offset: Optional[_Vector2] = ...,
         wrap: Optional[Literal["repeat", "clamp", "mirror", "black"]] = ...,
         filter: Optional[Literal["bilinear", "nearest", "trilinear"]] = ...,
-        channel: Optional[Literal["color", "alpha"]] = ...,
+        channel: Optional[Literal["color", "red", "green", "blue", "alpha"]] = ...,
         color_space: Optional[Literal["file", "srgb", "linear"]] = ...,
     ) -> Pattern: ...
     @overload

@@ -1,12 +1,11 @@
 """Models: what 3D files hold, and the meshes of other packages."""
 
-import math
+import contextlib
 import os
 
-import vantorPM
-
 from . import _native
-from ._transforms import Transform, translate
+from ._shading import Shading
+from ._transforms import Transform
 
 
 class Model:
@@ -44,80 +43,52 @@ class Model:
 
     def add_to(self, scene):
         """Adds every mesh at every place, within the open blocks; returns their objects. Materials
-        of the model count before that of an open block."""
-        objects, materials, pictures = {}, {}, {}
+        of the model count before that of an open block; what they emit shines."""
+        objects, shading = {}, Shading(scene, self)
         for mesh_index, rows in self.instances:
             mesh = self.meshes[mesh_index]
             if not mesh["triangles"]:
                 continue
             if mesh_index not in objects:
                 parameters = {name: mesh[name] for name in _ARRAYS if mesh.get(name) is not None}
-                objects[mesh_index] = scene.object("mesh", **parameters)
-            number = mesh.get("material", -1)
-            if number not in materials and 0 <= number < len(self.materials):
-                materials[number] = self._material(scene, self.materials[number], pictures)
-            with Transform(rows):
-                if number in materials:
-                    with materials[number]:
-                        scene.add(objects[mesh_index])
-                else:
-                    scene.add(objects[mesh_index])
-        return list(objects.values())
+                objects[mesh_index] = [
+                    (scene.object("mesh", triangles=triangles, **parameters), light)
+                    for triangles, light in shading.parts(mesh)
+                ]
+            material = shading.material(mesh.get("material", -1))
+            for made, light in objects[mesh_index]:
+                with contextlib.ExitStack() as blocks:
+                    blocks.enter_context(Transform(rows))
+                    for block in filter(None, (material, light)):
+                        blocks.enter_context(block)
+                    scene.add(made)
+        return [made for parts in objects.values() for made, _ in parts]
 
     def add_lights_to(self, scene):
         """Adds the point lights, spots and distant lights of the file; returns them."""
-        return [_light(scene, light) for light in self.lights if light["type"] != "other"]
+        return [
+            _light(scene, light)
+            for light in self.lights
+            if light["type"] != "other" and max(light["color"]) > 0
+        ]
 
-    def _material(self, scene, told, pictures):
-        """A "principled" material of what the file says."""
-        metallic = told.get("metallic", 0.0)
-        parameters = {
-            "base_color": _clipped(told.get("base_color", (0.8, 0.8, 0.8))),
-            "metallic": _fraction(metallic),
-            "roughness": _fraction(told.get("roughness", _roughness_of(told.get("shininess", 0)))),
-        }
-        transmission = _fraction(told.get("transmission", 0.0))
-        if transmission > 0:
-            parameters["transmission"] = transmission
-            parameters["ior"] = min(max(told.get("ior", 1.5), 1.1), 3.0)
-        base = self._image(scene, told.get("base_color_texture"), pictures)
-        if base:
-            factor = parameters.pop("base_color")
-            is_white = min(factor) >= 1
-            parameters["color"] = base if is_white else scene.pattern(
-                "mix", a=base, b=factor, amount=1.0, mode="multiply")
-        normals = self._image(scene, told.get("normal_texture"), pictures, color_space="linear")
-        if normals:
-            parameters["normal_map"] = normals
-        if _fraction(told.get("opacity", 1.0)) < 1 and transmission == 0:
-            parameters["opacity"] = _fraction(told["opacity"])
-        return scene.material("principled", **parameters)
-
-    def _image(self, scene, name, pictures, **parameters):
-        """The pattern of a picture that the file names, or None."""
-        if not name:
-            return None
-        if name not in pictures:
-            path = self._picture_file(scene, name)
-            pictures[name] = path and scene.texture(path)
-        texture = pictures[name]
-        return texture and scene.pattern("image", texture=texture, **parameters)
-
-    def _picture_file(self, scene, name):
-        if not name.startswith("*"):
-            return os.path.join(self.folder, name.replace("\\", "/"))
-        number = int(name[1:]) if name[1:].isdigit() else -1
-        inside = self.textures[number] if 0 <= number < len(self.textures) else None
-        if inside is None:
-            return None
-        path = scene.new_file(".picture")
-        with open(path, "wb") as file:
-            file.write(inside)
-        return path
+    def add_camera_to(self, scene, index=0):
+        """Adds the camera of that index in the file, which then takes the picture; returns it."""
+        try:
+            told = self.cameras[index]
+        except IndexError:
+            raise IndexError("the model has {} cameras, and no camera {}".format(
+                len(self.cameras), index)) from None
+        position = told["position"]
+        parameters = {name: told[name] for name in ("fov", "fov_axis", "height") if name in told}
+        target = tuple(a + b for a, b in zip(position, told["direction"]))
+        with Transform(told["transform"]):
+            return scene.camera(told["type"], position=position, target=target, up=told["up"],
+                                **parameters)
 
 
 _IDENTITY = ((1, 0, 0, 0), (0, 1, 0, 0), (0, 0, 1, 0), (0, 0, 0, 1))
-_ARRAYS = ("points", "triangles", "normals", "uvs", "colors")
+_ARRAYS = ("points", "normals", "uvs", "colors")
 
 
 def load(path):
@@ -178,32 +149,15 @@ def _placed_corners(bounds, rows):
             for p in corners]
 
 
-def _fraction(value):
-    return min(max(value, 0.0), 1.0)
-
-
-def _clipped(color):
-    return tuple(map(_fraction, color))
-
-
-def _roughness_of(shininess):
-    # A Phong lobe of that exponent is about as wide as microfacets of alpha = sqrt(2 / (n + 2)),
-    # and alpha is the square of the roughness.
-    return (2.0 / (max(shininess, 0.0) + 2.0)) ** 0.25
-
-
 def _light(scene, light):
     parameters = {}
-    brightest = max(light["color"])
     if light["type"] == "distant":
         parameters.update(direction=light["direction"], irradiance=light["color"])
     else:
         parameters.update(position=light["position"], intensity=light["color"])
     if light["type"] == "spot":
-        outer = math.degrees(light["outer_angle"])
-        parameters.update(direction=light["direction"], cutoff_angle=max(outer, 0.01),
-                          beam_width=min(math.degrees(light["inner_angle"]), outer))
-    if not brightest > 0:
-        return None
+        outer = min(max(light["outer_angle"], 0.01), 180.0)
+        parameters.update(direction=light["direction"], cutoff_angle=outer,
+                          beam_width=min(light["inner_angle"], outer))
     with Transform(light["transform"]):
         return scene.light(light["type"], **parameters)

@@ -310,6 +310,9 @@ class _SurfaceMaterial(_SurfaceMaterialRequired, total=False):
     color: Optional[Union[_Color, Pattern]]
     # in place of the interface's own roughness; left out, that stands; 0 to 1
     roughness: Optional[Union[_Number, Pattern]]
+    # in place of a "principled" interface's own fraction of metal; others have none, and stay as
+    # they are; 0 to 1
+    metallic: Optional[Union[_Number, Pattern]]
     # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
@@ -569,8 +572,8 @@ class _ImagePattern(_ImagePatternRequired, total=False):
     # what lies between the middles of pixels; trilinear takes means over what a pixel of the
     # rendering sees
     filter: Optional[Literal["bilinear", "nearest", "trilinear"]]
-    # what the pattern shows; the alpha as a grey, 1 where the file has none
-    channel: Optional[Literal["color", "alpha"]]
+    # what the pattern shows; one channel as a grey, the alpha as 1 where the file has none
+    channel: Optional[Literal["color", "red", "green", "blue", "alpha"]]
     # how the numbers of the file are taken; file: sRGB in PNG and JPEG files, linear in OpenEXR
     # files
     color_space: Optional[Literal["file", "srgb", "linear"]]
@@ -652,6 +655,9 @@ class _ConductorMaterial(TypedDict, total=False):
     color: Optional[Union[_Color, Union[_Color, Pattern]]]
     # 0 is smooth, as is all below 0.03; its square is the alpha of GGX microfacets; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
+    # in place of a "principled" interface's own fraction of metal; others have none, and stay as
+    # they are; 0 to 1
+    metallic: Optional[Union[_Number, Pattern]]
     # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
@@ -675,6 +681,9 @@ class _DielectricMaterial(TypedDict, total=False):
     color: Optional[Union[_Color, Union[_Color, Pattern]]]
     # 0 is smooth, as is all below 0.03; its square is the alpha of GGX microfacets; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
+    # in place of a "principled" interface's own fraction of metal; others have none, and stay as
+    # they are; 0 to 1
+    metallic: Optional[Union[_Number, Pattern]]
     # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
@@ -695,6 +704,9 @@ class _PlasticMaterial(TypedDict, total=False):
     ior: Optional[_Number]
     # 0 is smooth, as is all below 0.03; its square is the alpha of GGX microfacets; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
+    # in place of a "principled" interface's own fraction of metal; others have none, and stay as
+    # they are; 0 to 1
+    metallic: Optional[Union[_Number, Pattern]]
     # the fraction of light that meets the surface; the rest passes straight through; 0 to 1
     opacity: Optional[Union[_Number, Pattern]]
     # a pattern whose luminance is a height above the surface, which its normals follow
@@ -714,7 +726,7 @@ class _PrincipledMaterial(TypedDict, total=False):
     # the colour of the body, of the metal, and of light that has gone through the glass; 0 to 1
     base_color: Optional[Union[_Color, Pattern]]
     # the fraction of metal; the rest is body and glass; 0 to 1
-    metallic: Optional[_Number]
+    metallic: Optional[Union[_Number, Union[_Number, Pattern]]]
     # of all but the coat; below 0.03 it counts as 0.03; 0 to 1
     roughness: Optional[Union[_Number, Union[_Number, Pattern]]]
     # the gloss on the body, which reflects 0.08 times as much straight on; 0 to 1

@@ -22,17 +22,21 @@ std::optional<Material> make_surface(const Parameters &parameters, const Materia
         set_color(bsdf, parameters.color("color"));
     if (parameters.is_given("roughness") && !parameters.is_pattern("roughness"))
         set_roughness(bsdf, static_cast<float>(parameters.number("roughness")));
+    if (parameters.is_given("metallic") && !parameters.is_pattern("metallic"))
+        set_metallic(bsdf, static_cast<float>(parameters.number("metallic")));
 
     Variation variation;
     variation.color = pattern_in(parameters, "color", find.pattern);
     variation.roughness = pattern_in(parameters, "roughness", find.pattern);
+    variation.metallic = pattern_in(parameters, "metallic", find.pattern);
     variation.opacity = number_or_pattern(parameters, "opacity", find.pattern);
     variation.bump = pattern_in(parameters, "bump", find.pattern);
     variation.bump_height = static_cast<float>(parameters.number("bump_height"));
     variation.normal_map = pattern_in(parameters, "normal_map", find.pattern);
     variation.is_two_sided = parameters.is_on("two_sided");
-    const bool is_plain = !variation.color && !variation.roughness && !variation.bump && !variation.normal_map &&
-                          !variation.opacity.pattern && variation.opacity.number >= 1 && variation.is_two_sided;
+    const bool is_plain = !variation.color && !variation.roughness && !variation.metallic && !variation.bump &&
+                          !variation.normal_map && !variation.opacity.pattern && variation.opacity.number >= 1 &&
+                          variation.is_two_sided;
     return Material{bsdf, is_plain ? nullptr : std::make_unique<const Variation>(variation)};
 }
 

@@ -13,6 +13,7 @@ namespace vantor {
 struct Variation {
     const Pattern *color = nullptr;     ///< Replaces the colour of the BSDF; null leaves it.
     const Pattern *roughness = nullptr; ///< Likewise.
+    const Pattern *metallic = nullptr;  ///< Likewise.
     NumberOrPattern opacity{1};
     const Pattern *bump = nullptr;       ///< Its luminance is a height above the surface; null for none.
     float bump_height = 0;               ///< Of the luminance 1, in the object's space.

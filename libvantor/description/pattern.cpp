@@ -42,6 +42,15 @@ std::optional<Pattern> make_checker(const Parameters &parameters, const PatternF
                       report);
 }
 
+Image::Channel channel_in(const Parameters &parameters) {
+    const std::string_view name = parameters.choice("channel");
+    return name == "red"     ? Image::Channel::Red
+           : name == "green" ? Image::Channel::Green
+           : name == "blue"  ? Image::Channel::Blue
+           : name == "alpha" ? Image::Channel::Alpha
+                             : Image::Channel::Color;
+}
+
 std::optional<Pattern> make_image(const Parameters &parameters, const PatternFinders &find, const CallReport &report) {
     TextureFile *file = find.texture("texture");
     if (!file)
@@ -62,7 +71,7 @@ std::optional<Pattern> make_image(const Parameters &parameters, const PatternFin
                             filter == "nearest"     ? Image::Filter::Nearest
                             : filter == "trilinear" ? Image::Filter::Trilinear
                                                     : Image::Filter::Bilinear,
-                            parameters.choice("channel") == "alpha",
+                            channel_in(parameters),
                             {scale.x, scale.y},
                             {offset.x, offset.y}},
                       report);

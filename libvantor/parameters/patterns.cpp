@@ -13,7 +13,7 @@ constexpr std::string_view object_or_uv[] = {"object", "uv"};
 constexpr std::string_view wraps[] = {"repeat", "clamp", "mirror", "black"};
 constexpr std::string_view filters[] = {"bilinear", "nearest", "trilinear"};
 constexpr std::string_view color_spaces[] = {"file", "srgb", "linear"};
-constexpr std::string_view channels[] = {"color", "alpha"};
+constexpr std::string_view channels[] = {"color", "red", "green", "blue", "alpha"};
 constexpr std::string_view mix_modes[] = {"mix", "multiply", "add"};
 
 constexpr Parameter a_parameter = {"a", ValueKind::ColorOrPattern, not_negative, Presence::Default, value(0, 0, 0),
@@ -55,7 +55,7 @@ constexpr Parameter image_parameters[] = {
     {"filter", ValueKind::Choice, any, Presence::Default, none, "",
      "what lies between the middles of pixels; trilinear takes means over what a pixel of the rendering sees", filters},
     {"channel", ValueKind::Choice, any, Presence::Default, none, "",
-     "what the pattern shows; the alpha as a grey, 1 where the file has none", channels},
+     "what the pattern shows; one channel as a grey, the alpha as 1 where the file has none", channels},
     {"color_space", ValueKind::Choice, any, Presence::Default, none, "",
      "how the numbers of the file are taken; file: sRGB in PNG and JPEG files, linear in OpenEXR files", color_spaces},
 };

@@ -14,6 +14,8 @@ constexpr Parameter surface_parameters[] = {
      "in place of the interface's own colour; left out, that stands"},
     {"roughness", ValueKind::NumberOrPattern, fraction, Presence::Optional, none, "",
      "in place of the interface's own roughness; left out, that stands"},
+    {"metallic", ValueKind::NumberOrPattern, fraction, Presence::Optional, none, "",
+     "in place of a \"principled\" interface's own fraction of metal; others have none, and stay as they are"},
     {"opacity", ValueKind::NumberOrPattern, fraction, Presence::Default, value(1), "",
      "the fraction of light that meets the surface; the rest passes straight through"},
     {"bump", ValueKind::PatternId, any, Presence::Optional, none, "",

@@ -38,14 +38,27 @@ int wrapped(int i, int size, Image::Wrap wrap) {
     return std::clamp(i, 0, size - 1);
 }
 
+float value_of(Image::Channel channel, const Raster &level, int column, int row) {
+    switch (channel) {
+    case Image::Channel::Red:
+        return level.at(column, row).r;
+    case Image::Channel::Green:
+        return level.at(column, row).g;
+    case Image::Channel::Blue:
+        return level.at(column, row).b;
+    default:
+        return level.alpha_at(column, row);
+    }
+}
+
 // Column and row are wrapped.
 Color pixel_at(const Image &image, const Raster &level, int column, int row) {
     if (column < 0 || row < 0)
         return {};
-    if (!image.shows_alpha)
+    if (image.channel == Image::Channel::Color)
         return level.at(column, row);
-    const float alpha = level.alpha_at(column, row);
-    return {alpha, alpha, alpha};
+    const float value = value_of(image.channel, level, column, row);
+    return {value, value, value};
 }
 
 Color nearest(const Image &image, const Raster &level, Point2f uv) {

@@ -17,12 +17,14 @@ struct Image {
         Trilinear ///< Likewise, and between the two levels of which a pixel is as large as the footprint.
     };
 
+    enum class Channel { Color, Red, Green, Blue, Alpha }; ///< What is shown; one channel as a grey.
+
     std::shared_ptr<const Texture> texture; ///< With smaller copies, if the filter is trilinear.
     Wrap wrap;
     Filter filter;
-    bool shows_alpha; ///< As a grey, in place of the colours.
-    Point2f scale;    ///< How many pictures lie on a length of 1.
-    Point2f offset;   ///< Added to the scaled coordinates.
+    Channel channel;
+    Point2f scale;  ///< How many pictures lie on a length of 1.
+    Point2f offset; ///< Added to the scaled coordinates.
 
     Color evaluate(const PatternPoint &at) const;
 };

@@ -46,6 +46,12 @@ inline void set_roughness(BsdfDescription &description, float roughness) {
     visit_bsdf(description, [&](auto &bsdf) { bsdf.set_roughness(roughness); });
 }
 
+/// Gives a Principled another fraction of metal, 0 to 1; no effect on others.
+inline void set_metallic(BsdfDescription &description, float metallic) {
+    if (auto *principled = std::get_if<Principled>(&description))
+        principled->metallic = metallic;
+}
+
 inline Color albedo(const BsdfDescription &description) {
     return visit_bsdf(description, [](const auto &bsdf) { return bsdf.albedo(); });
 }

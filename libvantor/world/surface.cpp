@@ -58,7 +58,8 @@ void Surface::vary(const Hit &hit, const World &world) {
     const Variation &variation = placement.material->variation ? *placement.material->variation : none;
     opacity_here = is_visible_from(variation, is_front) ? fraction(variation.opacity.number) : 0;
     const bool is_bent = variation.bump || variation.normal_map;
-    const bool changes_bsdf = variation.color || variation.roughness || placement.object->has_colors;
+    const bool changes_bsdf =
+        variation.color || variation.roughness || variation.metallic || placement.object->has_colors;
     if (opacity_here == 0 || !(is_bent || changes_bsdf || variation.opacity.pattern))
         return;
 
@@ -81,6 +82,8 @@ void Surface::vary(const Hit &hit, const World &world) {
         tint(description, fraction(in_object.parameters.color));
     if (variation.roughness)
         set_roughness(description, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
+    if (variation.metallic)
+        set_metallic(description, fraction(luminance(vantor::evaluate(*variation.metallic, at))));
 }
 
 } // namespace vantor

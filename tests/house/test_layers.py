@@ -68,7 +68,7 @@ FOREIGN = [
     (r"embree\d/.*|rtcore.*", r"libvantor/embree/.*"),
     (r"png\.h|tiffio\.h|Imf.*|OpenEXR/.*|Imath/.*|Imath\w+\.h|half\.h|jpeglib\.h|turbojpeg\.h",
      r"libvantor/images/.*|vantor/native/tiff_reading.*|tests/libvantor/.*"),
-    (r"assimp/.*", r"vantor/native/assimp_reading.*"),
+    (r"assimp/.*", r"vantor/native/assimp_(reading|materials).*"),
     (r"(oneapi/)?tbb/.*", r"libvantor/base/.*|tests/libvantor/.*"),
 ]
 

@@ -80,6 +80,32 @@ TEST(Material, MetalsReflectAsMeasured) {
     }
 }
 
+// Which a pattern may give, too, and which only "principled" has.
+TEST(Material, AMetallicTakesThePlaceOfThePrincipledsOwn) {
+    const auto picture_of = [](double own, const auto &...values) {
+        Square scene;
+        List principled("base_color", VtVector3(0.9, 0.5, 0.2), "metallic", own, "roughness", 0.4);
+        List surface("interface", static_cast<int>(scene.NewInterface("principled", principled)), values...);
+        scene.add(scene.NewMaterial("surface", surface));
+        return scene.render(4, 4, 16).values;
+    };
+    const auto metal = picture_of(0.75);
+    EXPECT_NE(metal, picture_of(0.0));
+    EXPECT_EQ(metal, picture_of(0.0, "metallic", 0.75));
+    const auto by_pattern = [&] {
+        Square scene;
+        List principled("base_color", VtVector3(0.9, 0.5, 0.2), "roughness", 0.4);
+        const int pattern = static_cast<int>(scene.pattern("checker", "a", 0.75, "b", 0.75));
+        List surface("interface", static_cast<int>(scene.NewInterface("principled", principled)), "metallic", pattern);
+        scene.add(scene.NewMaterial("surface", surface));
+        return scene.render(4, 4, 16).values;
+    }();
+    EXPECT_EQ(metal, by_pattern);
+    Square scene;
+    scene.add(scene.surface("color", 0.5, "metallic", 1.0));
+    expect_color(scene.render(4, 4, 4), {0.5f, 0.5f, 0.5f});
+}
+
 TEST(Material, PatternsLieInTheTextureCoordinates) {
     Square scene;
     const VtLong checker = scene.pattern("checker", "a", 0.25, "b", VtVector3(0.5, 0.75, 1), "scale", VtVector2(4, 4));

@@ -46,8 +46,12 @@ Texture with_smaller_copies(Raster raster) {
 }
 
 Image image_of(Raster raster, Filter filter, Wrap wrap = Wrap::Repeat) {
-    return {
-        std::make_shared<const Texture>(with_smaller_copies(std::move(raster))), wrap, filter, false, {1, 1}, {0, 0}};
+    return {std::make_shared<const Texture>(with_smaller_copies(std::move(raster))),
+            wrap,
+            filter,
+            Image::Channel::Color,
+            {1, 1},
+            {0, 0}};
 }
 
 float value_at(const Image &image, float u, float v, Point2f footprint = {}) {
@@ -182,12 +186,25 @@ TEST(Image, StaysInsideWhereverItIsAsked) {
 
 TEST(Image, ShowsAlphaAsAGrey) {
     Image image = image_of(with_alpha(greys(2, 1, {5, 6}), {0.25f, 1}), Filter::Nearest);
-    image.shows_alpha = true;
+    image.channel = Image::Channel::Alpha;
     EXPECT_EQ(value_at(image, 0.25f, 0.5f), 0.25f);
     EXPECT_EQ(value_at(image, 0.75f, 0.5f), 1);
     Image opaque = image_of(greys(1, 1, {0.3f}), Filter::Nearest);
-    opaque.shows_alpha = true;
+    opaque.channel = Image::Channel::Alpha;
     EXPECT_EQ(value_at(opaque, 0.5f, 0.5f), 1);
+}
+
+TEST(Image, ShowsAChannelAsAGrey) {
+    Image image = image_of(Raster(1, 1, {Color{0.25f, 0.5f, 0.75f}}), Filter::Bilinear);
+    const std::pair<Image::Channel, float> wanted[] = {
+        {Image::Channel::Red, 0.25f}, {Image::Channel::Green, 0.5f}, {Image::Channel::Blue, 0.75f}};
+    for (const auto &[channel, value] : wanted) {
+        image.channel = channel;
+        const Color shown = image.evaluate({{0.5f, 0.5f}, {}, {}});
+        EXPECT_EQ(shown.r, value);
+        EXPECT_EQ(shown.g, value);
+        EXPECT_EQ(shown.b, value);
+    }
 }
 
 // Files.

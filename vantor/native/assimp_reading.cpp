@@ -1,39 +1,46 @@
 // Reading model files of many formats, by Assimp.
 #include "vantor/native/assimp_reading.h"
 
-#include "vantor/native/model_dicts.h"
+#include "vantor/native/assimp_materials.h"
 
+#include <algorithm>
 #include <array>
 #include <assimp/Importer.hpp>
 #include <assimp/camera.h>
 #include <assimp/light.h>
-#include <assimp/material.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #include <cstdint>
+#include <limits>
+#include <numbers>
 #include <vector>
 
 namespace {
 
 static_assert(sizeof(ai_real) == sizeof(float) && sizeof(aiVector3D) == 3 * sizeof(float));
 
-PyObject *text(const aiString &string) {
-    return PyUnicode_DecodeUTF8(string.data, static_cast<Py_ssize_t>(string.length), "replace");
-}
-
-PyObject *triple(const aiVector3D &v) { return Py_BuildValue("ddd", double{v.x}, double{v.y}, double{v.z}); }
-PyObject *triple(const aiColor3D &c) { return Py_BuildValue("ddd", double{c.r}, double{c.g}, double{c.b}); }
-
 PyObject *vectors(const aiVector3D *numbers, unsigned count) {
     return array_of("vector3array", "f", numbers, count, 3);
 }
 
-// What is left after polygons have been cut into triangles: points and lines, too, which have no surface.
+bool has_area(const aiVector3D &a, const aiVector3D &b, const aiVector3D &c) {
+    const ai_real square = ((b - a) ^ (c - a)).SquareLength();
+    return square >= std::numeric_limits<ai_real>::min() && square <= std::numeric_limits<ai_real>::max();
+}
+
+bool is_triangle(const aiMesh &mesh, const aiFace &face) {
+    const auto point = [&](unsigned corner) { return mesh.mVertices[face.mIndices[corner]]; };
+    const auto exists = [&](unsigned corner) { return face.mIndices[corner] < mesh.mNumVertices; };
+    return face.mNumIndices == 3 && exists(0) && exists(1) && exists(2) && has_area(point(0), point(1), point(2));
+}
+
+// What is left after polygons have been cut into triangles: points and lines, too, which have no surface. Neither have
+// triangles without area, which exporters leave in many files.
 PyObject *triangles_of(const aiMesh &mesh) {
     std::vector<std::int32_t> indices;
     indices.reserve(3 * std::size_t{mesh.mNumFaces});
     for (unsigned i = 0; i < mesh.mNumFaces; ++i)
-        if (mesh.mFaces[i].mNumIndices == 3)
+        if (is_triangle(mesh, mesh.mFaces[i]))
             for (unsigned corner = 0; corner < 3; ++corner)
                 indices.push_back(static_cast<std::int32_t>(mesh.mFaces[i].mIndices[corner]));
     if (indices.empty())
@@ -41,10 +48,36 @@ PyObject *triangles_of(const aiMesh &mesh) {
     return array_of("intarray", "i", indices.data(), indices.size() / 3, 3);
 }
 
-PyObject *uvs_of(const aiMesh &mesh) {
+// Where the file has none that is of use, the faces at the point tell it.
+PyObject *normals_of(const aiMesh &mesh) {
+    const auto is_usable = [](const aiVector3D &n) {
+        const ai_real square = n.SquareLength();
+        return square >= std::numeric_limits<ai_real>::min() && square <= std::numeric_limits<ai_real>::max();
+    };
+    std::vector<aiVector3D> normals(mesh.mNormals, mesh.mNormals + mesh.mNumVertices);
+    if (std::ranges::all_of(normals, is_usable))
+        return vectors(normals.data(), mesh.mNumVertices);
+    std::vector<aiVector3D> sums(normals.size());
+    for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
+        const aiFace &face = mesh.mFaces[i];
+        if (!is_triangle(mesh, face))
+            continue;
+        const aiVector3D *points = mesh.mVertices;
+        const aiVector3D &a = points[face.mIndices[0]];
+        const aiVector3D normal = (points[face.mIndices[1]] - a) ^ (points[face.mIndices[2]] - a);
+        for (unsigned corner = 0; corner < 3; ++corner)
+            sums[face.mIndices[corner]] += normal;
+    }
+    for (std::size_t i = 0; i < normals.size(); ++i)
+        if (!is_usable(normals[i]))
+            normals[i] = is_usable(sums[i]) ? sums[i] : aiVector3D(0, 0, 1);
+    return vectors(normals.data(), mesh.mNumVertices);
+}
+
+PyObject *uvs_of(const aiMesh &mesh, const aiVector3D *coordinates, const UvMap &map) {
     std::vector<std::array<float, 2>> uvs(mesh.mNumVertices);
     for (std::size_t i = 0; i < uvs.size(); ++i)
-        uvs[i] = {mesh.mTextureCoords[0][i].x, mesh.mTextureCoords[0][i].y};
+        uvs[i] = map.apply(coordinates[i]);
     return array_of("vector2array", "f", uvs.data(), uvs.size(), 2);
 }
 
@@ -57,18 +90,21 @@ PyObject *colors_of(const aiMesh &mesh) {
     return array_of("vector3array", "f", colors.data(), colors.size(), 3);
 }
 
-PyObject *mesh_of(const aiMesh &mesh) {
+PyObject *mesh_of(const aiMesh &mesh, const aiScene &scene) {
     Dict result;
     result.set("name", text(mesh.mName));
-    result.set("material", PyLong_FromUnsignedLong(mesh.mMaterialIndex));
+    const bool has_material = mesh.mMaterialIndex < scene.mNumMaterials && !is_made_up(scene, mesh.mMaterialIndex);
+    result.set("material", PyLong_FromLong(has_material ? static_cast<long>(mesh.mMaterialIndex) : -1));
     const bool has_points = mesh.mNumVertices > 0 && mesh.mVertices;
     result.set("triangles", has_points ? triangles_of(mesh) : (Py_INCREF(Py_None), Py_None));
     if (has_points) {
         result.set("points", vectors(mesh.mVertices, mesh.mNumVertices));
         if (mesh.mNormals)
-            result.set("normals", vectors(mesh.mNormals, mesh.mNumVertices));
-        if (mesh.mTextureCoords[0])
-            result.set("uvs", uvs_of(mesh));
+            result.set("normals", normals_of(mesh));
+        const UvMap map = has_material ? uv_map_of(*scene.mMaterials[mesh.mMaterialIndex], is_gltf(scene)) : UvMap();
+        const bool has_set = map.set < AI_MAX_NUMBER_OF_TEXTURECOORDS && mesh.mTextureCoords[map.set];
+        if (const aiVector3D *coordinates = mesh.mTextureCoords[has_set ? map.set : 0])
+            result.set("uvs", uvs_of(mesh, coordinates, map));
         if (mesh.mColors[0])
             result.set("colors", colors_of(mesh));
     }
@@ -122,58 +158,6 @@ PyObject *transform_of(const std::vector<PlacedNode> &nodes, const aiString &nam
     return rows_of(aiMatrix4x4());
 }
 
-// Sets what the file says, and nothing else.
-class MaterialDict {
-  public:
-    explicit MaterialDict(const aiMaterial &of_material) : material(of_material) {
-        aiString name;
-        material.Get(AI_MATKEY_NAME, name);
-        dict.set("name", text(name));
-    }
-    void number(const char *key, const char *name, unsigned type, unsigned index) {
-        float value;
-        if (material.Get(name, type, index, value) == aiReturn_SUCCESS)
-            dict.set(key, PyFloat_FromDouble(double{value}));
-    }
-    bool color(const char *key, const char *name, unsigned type, unsigned index) {
-        aiColor3D value;
-        if (material.Get(name, type, index, value) != aiReturn_SUCCESS)
-            return false;
-        dict.set(key, triple(value));
-        return true;
-    }
-    bool texture(const char *key, aiTextureType type) {
-        aiString path;
-        if (material.GetTexture(type, 0, &path) != aiReturn_SUCCESS || path.length == 0)
-            return false;
-        dict.set(key, text(path));
-        return true;
-    }
-    PyObject *release() { return dict.release(); }
-
-  private:
-    const aiMaterial &material;
-    Dict dict;
-};
-
-PyObject *material_of(const aiMaterial &material) {
-    MaterialDict result(material);
-    if (!result.color("base_color", AI_MATKEY_BASE_COLOR))
-        result.color("base_color", AI_MATKEY_COLOR_DIFFUSE);
-    result.color("emissive", AI_MATKEY_COLOR_EMISSIVE);
-    result.number("emissive_intensity", AI_MATKEY_EMISSIVE_INTENSITY);
-    result.number("metallic", AI_MATKEY_METALLIC_FACTOR);
-    result.number("roughness", AI_MATKEY_ROUGHNESS_FACTOR);
-    result.number("shininess", AI_MATKEY_SHININESS);
-    result.number("opacity", AI_MATKEY_OPACITY);
-    result.number("transmission", AI_MATKEY_TRANSMISSION_FACTOR);
-    result.number("ior", AI_MATKEY_REFRACTI);
-    if (!result.texture("base_color_texture", aiTextureType_BASE_COLOR))
-        result.texture("base_color_texture", aiTextureType_DIFFUSE);
-    result.texture("normal_texture", aiTextureType_NORMALS);
-    return result.release();
-}
-
 // A picture file inside of the model file; None for one of bare pixels.
 PyObject *texture_of(const aiTexture &texture) {
     if (texture.mHeight != 0)
@@ -181,18 +165,31 @@ PyObject *texture_of(const aiTexture &texture) {
     return PyBytes_FromStringAndSize(reinterpret_cast<const char *>(texture.pcData), texture.mWidth);
 }
 
-PyObject *camera_of(const aiCamera &camera, const std::vector<PlacedNode> &nodes) {
+constexpr double degrees(double radians) { return radians * 180 / std::numbers::pi; }
+
+PyObject *camera_of(const aiCamera &camera, const std::vector<PlacedNode> &nodes, bool is_of_gltf) {
     Dict result;
+    const bool is_perspective = camera.mOrthographicWidth == 0;
+    const double aspect = camera.mAspect > 0 ? double{camera.mAspect} : 1;
     result.set("name", text(camera.mName));
-    result.set("position", triple(camera.mPosition));
+    result.set("type", PyUnicode_FromString(is_perspective ? "perspective" : "orthographic"));
+    // Assimp copies a glTF node's translation here, and the node moves it once more. What it calls the horizontal angle
+    // is the vertical one times the aspect there.
+    result.set("position", triple(is_of_gltf ? aiVector3D() : camera.mPosition));
     result.set("direction", triple(camera.mLookAt));
     result.set("up", triple(camera.mUp));
-    result.set("horizontal_fov", PyFloat_FromDouble(double{camera.mHorizontalFOV}));
+    if (is_perspective) {
+        const double angle = degrees(double{camera.mHorizontalFOV});
+        result.set("fov", PyFloat_FromDouble(is_of_gltf ? angle / aspect : angle));
+        result.set("fov_axis", PyUnicode_FromString(is_of_gltf ? "vertical" : "horizontal"));
+    } else {
+        result.set("height", PyFloat_FromDouble(2 * double{camera.mOrthographicWidth} / aspect));
+    }
     result.set("transform", transform_of(nodes, camera.mName));
     return result.release();
 }
 
-PyObject *light_of(const aiLight &light, const std::vector<PlacedNode> &nodes) {
+PyObject *light_of(const aiLight &light, const std::vector<PlacedNode> &nodes, bool is_of_gltf) {
     const char *type = light.mType == aiLightSource_DIRECTIONAL ? "distant"
                        : light.mType == aiLightSource_POINT     ? "point"
                        : light.mType == aiLightSource_SPOT      ? "spot"
@@ -203,21 +200,27 @@ PyObject *light_of(const aiLight &light, const std::vector<PlacedNode> &nodes) {
     result.set("color", triple(light.mColorDiffuse));
     result.set("position", triple(light.mPosition));
     result.set("direction", triple(light.mDirection));
-    result.set("inner_angle", PyFloat_FromDouble(double{light.mAngleInnerCone}));
-    result.set("outer_angle", PyFloat_FromDouble(double{light.mAngleOuterCone}));
+    // From the axis; glTF has them so, and Assimp hands those on. All others go from side to side.
+    const double from_axis = is_of_gltf ? 1 : 0.5;
+    result.set("inner_angle", PyFloat_FromDouble(from_axis * degrees(double{light.mAngleInnerCone})));
+    result.set("outer_angle", PyFloat_FromDouble(from_axis * degrees(double{light.mAngleOuterCone})));
     result.set("transform", transform_of(nodes, light.mName));
     return result.release();
 }
 
 PyObject *model_of(const aiScene &scene) {
     const std::vector<PlacedNode> nodes = nodes_of(scene);
+    const bool is_of_gltf = is_gltf(scene);
     Dict model;
-    model.set("meshes", list_of(scene.mNumMeshes, [&](unsigned i) { return mesh_of(*scene.mMeshes[i]); }));
+    model.set("meshes", list_of(scene.mNumMeshes, [&](unsigned i) { return mesh_of(*scene.mMeshes[i], scene); }));
     model.set("instances", instances_of(nodes, scene.mNumMeshes));
-    model.set("materials", list_of(scene.mNumMaterials, [&](unsigned i) { return material_of(*scene.mMaterials[i]); }));
+    model.set("materials",
+              list_of(scene.mNumMaterials, [&](unsigned i) { return material_of(*scene.mMaterials[i], is_of_gltf); }));
     model.set("textures", list_of(scene.mNumTextures, [&](unsigned i) { return texture_of(*scene.mTextures[i]); }));
-    model.set("cameras", list_of(scene.mNumCameras, [&](unsigned i) { return camera_of(*scene.mCameras[i], nodes); }));
-    model.set("lights", list_of(scene.mNumLights, [&](unsigned i) { return light_of(*scene.mLights[i], nodes); }));
+    model.set("cameras",
+              list_of(scene.mNumCameras, [&](unsigned i) { return camera_of(*scene.mCameras[i], nodes, is_of_gltf); }));
+    model.set("lights",
+              list_of(scene.mNumLights, [&](unsigned i) { return light_of(*scene.mLights[i], nodes, is_of_gltf); }));
     return model.release();
 }
 
@@ -229,6 +232,8 @@ PyObject *read_with_assimp(const char *path, std::string &why) {
     PyThreadState *state = PyEval_SaveThread();
     try {
         scene = importer.ReadFile(path, aiProcess_Triangulate);
+        if (scene && !is_gltf(*scene))
+            scene = importer.ApplyPostProcessing(aiProcess_TransformUVCoords);
         if (!scene)
             why = importer.GetErrorString();
     } catch (const std::exception &exception) {

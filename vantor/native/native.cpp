@@ -1,4 +1,5 @@
 // vantor._native: the compiled companion of the package vantor. What needs speed or the libraries of C.
+#include "vantor/native/emission.h"
 #include "vantor/native/hooks.h"
 #include "vantor/native/model_files.h"
 #include "vantor/native/module_types.h"
@@ -27,6 +28,7 @@ PyMethodDef functions[] = {
     {"end_with", end_with, METH_O, nullptr},
     {"fork", fork_process, METH_NOARGS, nullptr},
     {"read_model", read_model, METH_O, nullptr},
+    {"emission_groups", emission_groups, METH_VARARGS, nullptr},
     {nullptr, nullptr, 0, nullptr},
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -216,15 +217,23 @@ void skip_list(const Property &property, Values &values) {
         values.next(property.type);
 }
 
+// IEC 61966-2-1.
+float linear_of_srgb(float coded) {
+    return coded <= 0.04045f ? coded / 12.92f : std::pow((coded + 0.055f) / 1.055f, 2.4f);
+}
+
 void read_points(const Element &element, Values &values, PlyMesh &mesh) {
     bool has[slots + 1] = {};
     std::vector<std::size_t> places;
     std::vector<float> factors;
+    std::vector<bool> is_coded;
     for (const Property &property : element.properties) {
         const std::size_t slot = property.is_list ? no_slot : slot_of(property.name);
         has[slot] = true;
         places.push_back(slot);
-        factors.push_back(slot >= 8 && is_whole(property.type) ? 1.0f / 255 : 1.0f);
+        // Colours of whole numbers are meant for a display, as in pictures of 8 bits; those of floats are linear.
+        is_coded.push_back(slot >= 8 && is_whole(property.type));
+        factors.push_back(!is_coded.back() ? 1.0f : size_of(property.type) == 1 ? 1.0f / 255 : 1.0f / 65535);
     }
     if (!has[0] || !has[1] || !has[2])
         refuse("its points have no x, y and z");
@@ -240,6 +249,8 @@ void read_points(const Element &element, Values &values, PlyMesh &mesh) {
                 skip_list(element.properties[p], values);
             else
                 row[places[p]] = static_cast<float>(values.next(element.properties[p].type)) * factors[p];
+            if (is_coded[p])
+                row[places[p]] = linear_of_srgb(row[places[p]]);
         }
         mesh.points[i] = {row[0], row[1], row[2]};
         if (!mesh.normals.empty())
