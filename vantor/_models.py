@@ -123,9 +123,9 @@ def _mesh_of(mesh):
             import numpy
 
             points, triangles = numpy.asarray(points), numpy.asarray(triangles)
-        if _native.shape(triangles)[0][1:] != (3,):
-            raise ValueError("expected triangles of the shape (N, 3), got {}".format(
-                _native.shape(triangles)[0]))
+        shape = _native.shape(triangles)[0]
+        if shape[1:] != (3,) or shape[0] == 0:
+            raise ValueError("expected triangles of the shape (N, 3), got {}".format(shape))
         return {
             "points": _native.to_array("vector3array", points),
             "triangles": _native.to_array("intarray", triangles),

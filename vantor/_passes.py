@@ -26,6 +26,8 @@ class Pass:
     def _check_aovs(self):
         known = aov_parameter()
         for aov in self.aovs:
+            if not isinstance(aov, str):
+                raise TypeError("aovs: expected names, got {!r}".format(aov))
             if known and aov not in known.choices:
                 names = ", ".join(known.choices)
                 raise ValueError('aovs: "{}" is none (one of {} is)'.format(aov, names))

@@ -127,7 +127,7 @@ class Picture:
         """
         path = os.fspath(path)
         is_float = str(path).lower().endswith(".exr")
-        scale = 2.0 ** float(exposure)
+        scale = _factor_of(exposure)
         layer = self._layer(name)
         display = display or ("srgb" if name in ("color", "albedo") else "linear")
         if not is_float and name in ("normal", "depth"):
@@ -139,13 +139,21 @@ class Picture:
     def png(self, exposure=0.0, display="srgb"):
         """The colour as a PNG file, in memory."""
         layer = self._layer("color")
-        return _native.png_bytes(self.width, self.height, layer, 2.0 ** float(exposure), display)
+        return _native.png_bytes(self.width, self.height, layer, _factor_of(exposure), display)
 
     def _repr_png_(self):
         return self.png()
 
     def __repr__(self):
         return "<Picture {} x {}: {}>".format(self.width, self.height, ", ".join(self.names))
+
+
+def _factor_of(exposure):
+    """What light is multiplied by, of stops."""
+    stops, = _native.numbers(exposure, ())
+    if not -100 <= stops <= 100:
+        raise ValueError("exposure expects stops from -100 to 100, got {!r}".format(exposure))
+    return 2.0 ** stops
 
 
 def _shown(layer, name):

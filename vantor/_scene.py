@@ -5,6 +5,7 @@ import os
 import shutil
 import tempfile
 import weakref
+from collections.abc import Iterable
 
 import vantorPM
 
@@ -166,7 +167,7 @@ class Scene:
                    with_files=True):
         """As render(), with the place of the script that its messages belong to; with_files=False
         leaves out the file imager that the script has made last."""
-        aovs = (aovs,) if isinstance(aovs, str) else tuple(aovs)
+        aovs = tuple(aovs) if isinstance(aovs, Iterable) and not isinstance(aovs, str) else (aovs,)
         filtering = {"filter": filter, "filter_width": filter_width}
         work = Pass(
             self,
@@ -206,7 +207,7 @@ class Scene:
         if handle.kind == "light":
             self._open_light(handle)
         else:
-            self._call(handle.kind + "Begin", self.id_of(handle))
+            self._begin(handle.kind, self.id_of(handle))
         self._open.append(handle)
 
     def close_block(self, handle):
@@ -270,6 +271,15 @@ class Scene:
         tell(messages, self.strict)
         return result
 
+    def _begin(self, kind, *arguments):
+        """Opens a block of the renderer. One with which something is wrong is closed again, if that
+        is an error."""
+        try:
+            self._call(kind + "Begin", *arguments)
+        except SceneError:
+            self.module_call([], kind + "End")
+            raise
+
     def _create(self, handle_class, type, parameters, is_own=False):
         call = _call_name(handle_class.kind)
         if not isinstance(type, str):
@@ -310,7 +320,7 @@ class Scene:
         opened = 0
         try:
             for transform in open_transforms.get():
-                self._call("transformBegin", transform.module_transform)
+                self._begin("transform", transform.module_transform)
                 opened += 1
             return call(*arguments)
         finally:
@@ -322,7 +332,7 @@ class Scene:
         was_on = light.is_on
         if light is not self._area_light or light.scene is not self:
             self.switch_light(light, True)
-        self._call("lightBegin")
+        self._begin("light")
         if not was_on:
             self.switch_light(light, False)
 

@@ -88,8 +88,11 @@ def scale(x, y=None, z=None):
 def rotate(angle, axis=(0, 1, 0), point=(0, 0, 0)):
     """Turns by an angle in degrees about the axis through a point, counter-clockwise when looked at
     against the axis."""
-    turned = vantorPM.transform().rotationAroundAxis(_vector(point), _vector(axis), float(angle))
-    return Transform(turned)
+    angle, = _native.numbers(angle, ())
+    axis = _vector(axis)
+    if not (math.isfinite(angle) and 0 < axis.length() < math.inf):
+        raise ValueError("rotate expects a finite angle and an axis that has a direction")
+    return Transform(vantorPM.transform().rotationAroundAxis(_vector(point), axis, angle))
 
 
 def matrix(value):

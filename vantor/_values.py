@@ -2,6 +2,7 @@
 
 import operator
 import os
+from collections.abc import Iterable
 from typing import Any
 
 import vantorPM
@@ -56,6 +57,8 @@ def text(value):
     value = os.fspath(value)
     if not isinstance(value, str):
         raise TypeError("expected a text, got {!r}".format(value))
+    if "\0" in value:
+        raise ValueError("expected a text without null characters, got {!r}".format(value))
     return value
 
 
@@ -91,6 +94,8 @@ def scale(value):
 def ids(scene, kind, value):
     if isinstance(value, Handle):
         return scene.id_of(value, kind)
+    if not isinstance(value, Iterable):
+        raise TypeError("expected a {0} or several, got {1!r}".format(kind, value))
     return _native.to_array("intarray", [scene.id_of(handle, kind) for handle in value])
 
 

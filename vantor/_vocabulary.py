@@ -82,6 +82,9 @@ def vocabulary(*words):
     """What the renderer knows: vocabulary() lists all types, vocabulary("perspective") explains a
     type with its parameters, vocabulary("newLight") or vocabulary("light") all types of a kind,
     vocabulary("light", "spot") one type of one kind. The result prints as text."""
+    for word in words:
+        if not isinstance(word, str):
+            raise TypeError("vocabulary expects names, got {!r}".format(word))
     if not ALL.is_known:
         raise LookupError("{} does not tell its vocabulary".format(_native.library()))
     found = [type for type in ALL.types.values() if all(_is_meant(type, word) for word in words)]

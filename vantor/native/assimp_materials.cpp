@@ -77,9 +77,10 @@ class MaterialDict {
     }
     // Of glTF: roughness and metallic are two channels of one picture, and alpha counts only where it is said to.
     void gltf() {
-        dict.set("is_packed", PyBool_FromLong(1));
         aiString mode;
-        material.Get("$mat.gltf.alphaMode", 0, 0, mode);
+        if (material.Get("$mat.gltf.alphaMode", 0, 0, mode) != aiReturn_SUCCESS) // version 1
+            return;
+        dict.set("is_packed", PyBool_FromLong(1));
         const bool is_opaque = std::string_view(mode.C_Str()) != "BLEND" && std::string_view(mode.C_Str()) != "MASK";
         if (is_opaque)
             dict.set("opacity", PyFloat_FromDouble(1));
