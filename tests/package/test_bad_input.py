@@ -176,7 +176,7 @@ class RefusedTest(PackageTest):
 
 @needs_numpy
 class LayoutTest(PackageTest):
-    """Arrays that are read only, not contiguous or of the other byte order are as good as others."""
+    """Arrays that are read only, strided or of the other byte order are as good as others."""
 
     def layouts(self, value):
         read_only = value.copy()
