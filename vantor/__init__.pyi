@@ -415,11 +415,12 @@ class Scene:
         name: _Text,
         what: Optional[
             Literal[
-                "color", "albedo", "normal", "depth", "position", "object_id", "variance"
+                "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha"
             ]
         ] = ...,
         exposure: Optional[_Number] = ...,
         display: Optional[Literal["srgb", "linear", "filmic"]] = ...,
+        background: Optional[_Switch] = ...,
         filter: Optional[Literal["tent", "box", "gaussian", "blackman_harris"]] = ...,
         filter_width: Optional[_Number] = ...,
     ) -> Imager: ...
@@ -876,6 +877,7 @@ class Scene:
         *,
         window: Union[Sequence[_Number], _HasArray] = ...,
         aovs: Union[_Aov, Iterable[_Aov]] = (),
+        background: _Switch = True,
         filter: Optional[_Filter] = None,
         filter_width: Optional[_Number] = None,
         wait: Literal[True] = True,
@@ -890,6 +892,7 @@ class Scene:
         *,
         window: Union[Sequence[_Number], _HasArray] = ...,
         aovs: Union[_Aov, Iterable[_Aov]] = (),
+        background: _Switch = True,
         filter: Optional[_Filter] = None,
         filter_width: Optional[_Number] = None,
         wait: Literal[False],

@@ -12,12 +12,13 @@ class Pass:
     a folder that nobody sees, beside the files of the script's own imagers; one that offers its
     pictures hands over the numbers instead."""
 
-    def __init__(self, scene, size, window, aovs, filtering, with_files=True):
+    def __init__(self, scene, size, window, aovs, filtering, with_files=True, background=True):
         self.scene = scene
         self.width, self.height, self.samples = size
         self.window = window
         self.aovs = aovs
         self.filtering = filtering
+        self.background = background
         self._with_files = with_files
         self._imagers = []
         self._files = {}
@@ -51,7 +52,7 @@ class Pass:
         self._files = {aov: os.path.join(folder, aov + ".exr") for aov in self.aovs}
         self._imagers = [self.scene.id_of(imager) for imager in last if self._with_files]
         for aov, path in self._files.items():
-            self._imagers.append(self.scene.own_imager(path, aov, filtering))
+            self._imagers.append(self.scene.own_imager(path, aov, filtering, self.background))
 
     def run(self, messages):
         """The values that are asked for: a bytearray of three float32 for each pixel of the window,

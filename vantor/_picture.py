@@ -5,7 +5,7 @@ import os
 from . import _native
 
 # Of these every pixel has one number; the files have it three times.
-_SINGLE = ("depth", "object_id")
+_SINGLE = ("depth", "object_id", "alpha")
 
 _FLOAT = 4
 _PIXEL = 3 * _FLOAT
@@ -34,7 +34,10 @@ class Picture:
     def of_pass(cls, work, layers):
         x0, y0, x1, y1 = work.pixel_window
         size = (work.width, work.height)
-        return cls(x1 - x0, y1 - y0, layers, full_size=size, origin=(x0, y0))
+        alpha = None
+        if not work.background and "alpha" in layers:
+            alpha = bytearray(memoryview(layers["alpha"]).cast("f")[::3].tobytes())
+        return cls(x1 - x0, y1 - y0, layers, full_size=size, origin=(x0, y0), alpha=alpha)
 
     @classmethod
     def load(cls, path):
@@ -95,10 +98,10 @@ class Picture:
 
     @property
     def alpha(self):
-        """How much of each pixel is covered, as a numpy array (height, width); None if the file
-        does not say."""
+        """How much of each pixel is covered, as a numpy array (height, width); None if neither the
+        pass nor the file says. PNG and OpenEXR files keep it where there is no background."""
         if self._alpha is None:
-            return None
+            return self.array("alpha") if "alpha" in self._layers else None
         import numpy
 
         return numpy.frombuffer(self._alpha, numpy.float32).reshape(self.height, self.width)
@@ -134,7 +137,8 @@ class Picture:
             layer = _shown(layer, name)
         x0, y0 = self.origin
         window = (x0, y0, x0 + self.width, y0 + self.height)
-        _native.write_picture(path, *self.full_size, window, layer, scale, display)
+        alpha = self._alpha if name == "color" and "alpha" in self._layers else None
+        _native.write_picture(path, *self.full_size, window, layer, scale, display, alpha)
 
     def png(self, exposure=0.0, display="srgb"):
         """The colour as a PNG file, in memory."""

@@ -147,28 +147,31 @@ class Scene:
         self._call("radiosity")
 
     def render(self, width, height, samples=64, *, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
-               filter=None, filter_width=None, wait=True, progress=False):
+               background=True, filter=None, filter_width=None, wait=True, progress=False):
         """Renders a picture.
 
         width and height are those of the whole picture, in pixels; samples are for each pixel. The
         window, x0 y0 x1 y1 in fractions from the upper left corner, is the part that is rendered.
         aovs are names of further values, such as "albedo" and "depth", which the Picture then has.
+        Without a background the colour is that of surfaces alone, and the Picture has an alpha.
         The filter is that of the imager "file". With wait=False the pass runs in a process of its
         own, and a Job is returned. With progress=True, it is waited for such a Job under a bar of
         tqdm. Where no picture comes of it, SceneError says why.
         """
         return self.render_for(script_place(), width, height, samples, window, aovs, filter,
-                               filter_width, wait, progress)
+                               filter_width, wait, progress, background=background)
 
     # For the handles, and for the other parts of this package.
 
     def render_for(self, place, width, height, samples=64, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
                    filter=None, filter_width=None, wait=True, progress=False,
-                   with_files=True):
+                   with_files=True, background=True):
         """As render(), with the place of the script that its messages belong to; with_files=False
         leaves out the file imager that the script has made last."""
         aovs = tuple(aovs) if isinstance(aovs, Iterable) and not isinstance(aovs, str) else (aovs,)
         filtering = {"filter": filter, "filter_width": filter_width}
+        if not _values.switch(background) and "alpha" not in aovs:
+            aovs += ("alpha",)
         work = Pass(
             self,
             (_values.integer(width), _values.integer(height), _values.integer(samples)),
@@ -176,6 +179,7 @@ class Scene:
             ("color", *(aov for aov in aovs if aov != "color")),
             {name: value for name, value in filtering.items() if value is not None},
             with_files,
+            bool(background),
         )
         if not wait:
             return Job(work, self.strict, place)
@@ -242,11 +246,13 @@ class Scene:
         self._files += 1
         return os.path.join(self.folder(), "{}{}".format(self._files, ending))
 
-    def own_imager(self, path, aov, filtering):
+    def own_imager(self, path, aov, filtering, background=True):
         """The number of an imager for this package's own use, made once for each file and way."""
-        key = (path, tuple(sorted(filtering.items())))
+        key = (path, tuple(sorted(filtering.items())), background)
         if key not in self._own_imagers:
             parameters = dict(filtering, name=path)
+            if aov == "color" and not background:
+                parameters["background"] = 0
             if aov != "color":
                 known = aov_parameter()
                 parameters[known.name if known else "what"] = aov

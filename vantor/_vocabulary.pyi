@@ -62,7 +62,9 @@ _ObjectType = Literal[
 ]
 _PatternType = Literal["checker", "gradient", "image", "mix", "noise"]
 _TrimmerType = Literal["box", "curve", "plane"]
-_Aov = Literal["color", "albedo", "normal", "depth", "position", "object_id", "variance"]
+_Aov = Literal[
+    "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha"
+]
 _Display = Literal["srgb", "linear", "filmic"]
 _Filter = Literal["tent", "box", "gaussian", "blackman_harris"]
 
@@ -118,13 +120,18 @@ class _FileImager(_FileImagerRequired, total=False):
 
     # what the picture shows of each pixel
     what: Optional[
-        Literal["color", "albedo", "normal", "depth", "position", "object_id", "variance"]
+        Literal[
+            "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha"
+        ]
     ]
     # the colour is multiplied by 2^exposure; stops; -100 to 100
     exposure: Optional[_Number]
     # how 8 bits are made of light: by the sRGB curve, as it is, or with its highlights compressed
     # first as film does
     display: Optional[Literal["srgb", "linear", "filmic"]]
+    # 0: where a path meets no surface the colour is black, and .png and .exr files have an alpha,
+    # which is 0 there; 0 or 1
+    background: Optional[_Switch]
     # how samples are spread around a pixel's middle
     filter: Optional[Literal["tent", "box", "gaussian", "blackman_harris"]]
     # the filter from edge to edge; left out, tent 2, box 1, gaussian 3, blackman_harris 4; pixels;

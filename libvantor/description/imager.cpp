@@ -35,18 +35,22 @@ std::optional<Imager> make_file_imager(const Parameters &parameters, const CallR
             report);
         return {};
     }
-    const Aov aov = aov_named(parameters.choice("what"));
-    for (const std::string_view name : {"exposure", "display"})
+    Aov aov = aov_named(parameters.choice("what"));
+    for (const std::string_view name : {"exposure", "display", "background"})
         if (aov != Aov::Color && parameters.is_given(name))
             parameters.complain(name, R"(has an effect on "color" only)", report);
     if (aov == Aov::Color && holds_floats(path) && parameters.is_given("display"))
         parameters.complain("display", "has no effect on an .exr file, which is linear", report);
+    const bool has_alpha = aov == Aov::Color && !parameters.is_on("background");
+    if (has_alpha)
+        aov = Aov::Foreground;
     return FileImager{path,
                       aov,
                       static_cast<float>(std::exp2(parameters.number("exposure"))),
                       display_of(parameters.choice("display")),
                       filter_of(parameters),
-                      parameters.is_given("filter") || parameters.is_given("filter_width")};
+                      parameters.is_given("filter") || parameters.is_given("filter_width"),
+                      has_alpha};
 }
 
 std::optional<Imager> make_settings(const Parameters &parameters, const CallReport &) {

@@ -29,6 +29,7 @@ struct FileImager {
     Display display; ///< How 8 bits are made of the colour.
     Filter filter;
     bool asks_for_filter; ///< Whether the script says anything about it.
+    bool has_alpha;       ///< Without a background: where the file can tell how much is covered, it does.
 };
 
 /// How a pass is made.

@@ -28,7 +28,9 @@ std::string write_file(const FileImager &imager, const FrameBuffer &frame, const
     const Picture &picture = frame.of(imager.aov);
     const AovRow &row = row_of(imager.aov);
     if (!row.in_8_bits)
-        return write_picture(picture, {imager.scale, imager.display, comment}, imager.path);
+        return write_picture(
+            picture, {imager.scale, imager.display, comment, imager.has_alpha ? &frame.of(Aov::Alpha) : nullptr},
+            imager.path);
     if (holds_floats(imager.path))
         return write_picture(picture, {1, Display::Linear, comment}, imager.path);
     return write_picture(shown_in_8_bits(picture, row), {1, row.display, comment}, imager.path);

@@ -20,6 +20,8 @@ Color depth(const FirstHit &first) { return grey(length(first.hit.point - first.
 Color position(const FirstHit &first) { return color_of(first.hit.point); }
 Color object_id(const FirstHit &first) { return grey(static_cast<float>(first.placement.object->id)); }
 
+Color alpha(const FirstHit &) { return grey(1); }
+
 Color as_it_is(Color value, float) { return value; }
 Color relative_to_largest(Color value, float largest) { return largest > 0 ? value * (1 / largest) : value; }
 // -1 to 1 as 0 to 1.
@@ -41,6 +43,8 @@ constexpr AovRow rows[] = {
     {Aov::Position, position, Reduction::MeanOfHits, as_it_is, Display::Linear},
     {Aov::ObjectId, object_id, Reduction::First, distinct_color, Display::Linear},
     {Aov::Variance, nullptr, Reduction::RadianceVariance, as_it_is, Display::Linear},
+    {Aov::Alpha, alpha, Reduction::Mean, as_it_is, Display::Linear},
+    {Aov::Foreground, nullptr, Reduction::RadianceOfHits, nullptr, Display::Srgb},
 };
 
 // A row that is missing, or at another place than its name, does not compile.
@@ -56,7 +60,8 @@ static_assert(std::size(rows) == aov_count && stand_in_order());
 constexpr bool have_values() {
     for (const AovRow &row : rows)
         if ((row.value == nullptr) !=
-            (row.reduction == Reduction::Radiance || row.reduction == Reduction::RadianceVariance))
+            (row.reduction == Reduction::Radiance || row.reduction == Reduction::RadianceVariance ||
+             row.reduction == Reduction::RadianceOfHits))
             return false;
     return true;
 }

@@ -22,6 +22,7 @@ struct FirstHit {
 enum class Reduction {
     Radiance,         ///< The mean of the radiances of all paths. The table's value is not asked for, here and below.
     RadianceVariance, ///< The variance of that mean.
+    RadianceOfHits,   ///< The same mean, to which the samples that hit nothing add nothing.
     Mean,             ///< Over all samples, of which those that hit nothing count as 0.
     MeanOfHits,       ///< Over the samples that hit something.
     Direction,        ///< Likewise, of unit length.

@@ -8,6 +8,8 @@ void PixelFilm::add(Color radiance, const AovSample &seen) {
     if (!seen.is_hit)
         return;
     ++hits;
+    if (is_finite(radiance))
+        sums[index_of(Aov::Foreground)].add(radiance);
     for (const AovRow &row : aov_table())
         if (row.value && (row.reduction != Reduction::First || count == 1))
             sums[index_of(row.aov)].add(seen.values[index_of(row.aov)]);
@@ -20,6 +22,7 @@ Color PixelFilm::value(Aov aov) const {
         break;
     case Reduction::RadianceVariance:
         return {red.variance_of_mean(count), green.variance_of_mean(count), blue.variance_of_mean(count)};
+    case Reduction::RadianceOfHits:
     case Reduction::Mean:
         return sum.over(count);
     case Reduction::MeanOfHits:

@@ -12,7 +12,7 @@ namespace vantor {
 
 static_assert(sizeof(Color) == 3 * sizeof(float), "files are written straight from the pixels");
 
-std::string exr_file(const Picture &picture, float scale, const std::string &comment) {
+std::string exr_file(const Picture &picture, float scale, const std::string &comment, const Picture *alpha) {
     std::vector<Color> scaled;
     if (scale != 1) {
         scaled.reserve(picture.pixels.size());
@@ -29,14 +29,18 @@ std::string exr_file(const Picture &picture, float scale, const std::string &com
     header.setTileDescription(Imf::TileDescription(64, 64, Imf::ONE_LEVEL));
     Imf::addComments(header, comment);
 
-    const char *names[] = {"R", "G", "B"};
     const float *values = &(scale != 1 ? scaled : picture.pixels)[0].r;
     Imf::FrameBuffer frame;
-    for (int i = 0; i < 3; ++i) {
-        header.channels().insert(names[i], Imf::Channel(Imf::FLOAT));
-        frame.insert(names[i], Imf::Slice::Make(Imf::FLOAT, values + i, data, sizeof(Color),
-                                                sizeof(Color) * static_cast<std::size_t>(window.width())));
-    }
+    const auto add = [&](const char *name, const float *first) {
+        header.channels().insert(name, Imf::Channel(Imf::FLOAT));
+        frame.insert(name, Imf::Slice::Make(Imf::FLOAT, first, data, sizeof(Color),
+                                            sizeof(Color) * static_cast<std::size_t>(window.width())));
+    };
+    add("R", values);
+    add("G", values + 1);
+    add("B", values + 2);
+    if (alpha)
+        add("A", &alpha->pixels[0].r);
     Imf::StdOSStream stream;
     {
         Imf::TiledOutputFile file(stream, header, 0);

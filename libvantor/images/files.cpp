@@ -48,6 +48,15 @@ fs::path resolved(const std::string &path) {
     throw std::system_error(ELOOP, std::generic_category());
 }
 
+// As files of 8 bits have it: colours as if all of the pixel were covered.
+Picture unassociated(const Picture &picture, const Picture &alpha) {
+    Picture result = picture;
+    for (std::size_t i = 0; i < result.pixels.size(); ++i)
+        if (const float covered = alpha.pixels[i].r; covered > 0)
+            result.pixels[i] = result.pixels[i] * (1 / covered);
+    return result;
+}
+
 // The values as they are shown, in 8 bits.
 BytePicture bytes_of(const Picture &picture, float scale, Display display) {
     BytePicture result{picture.window.width(), picture.window.height(), {}};
@@ -60,7 +69,13 @@ BytePicture bytes_of(const Picture &picture, float scale, Display display) {
 
 std::string file_of(const Picture &picture, const FileForm &form, Format format) {
     if (format == Format::Exr)
-        return exr_file(picture, form.scale, form.comment);
+        return exr_file(picture, form.scale, form.comment, form.alpha);
+    if (format == Format::Png && form.alpha) {
+        BytePicture bytes = bytes_of(unassociated(picture, *form.alpha), form.scale, form.display);
+        for (const Color &covered : form.alpha->pixels)
+            bytes.alpha.push_back(shown(covered.r, Display::Linear));
+        return png_file(bytes, form.comment);
+    }
     const BytePicture bytes = bytes_of(picture, form.scale, form.display);
     switch (format) {
     case Format::Jpeg:

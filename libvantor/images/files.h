@@ -14,6 +14,8 @@ struct FileForm {
     float scale = 1;                 ///< Every value is multiplied by it.
     Display display = Display::Srgb; ///< Where the file has 8 bits; one of floats is always linear.
     std::string comment;             ///< Goes along with the picture; ASCII.
+    const Picture *alpha = nullptr;  ///< What is covered, in all components, of the same window; null for all of it.
+                                     ///< The colours are those of the covered part. JPEG and TIFF files do not keep it.
 };
 
 /// The endings of the known formats, as a message lists them.

@@ -12,6 +12,7 @@ struct BytePicture {
     int width;
     int height;
     std::vector<std::uint8_t> bytes;
+    std::vector<std::uint8_t> alpha{}; ///< One for each pixel, or none at all; only PNG files keep it.
 };
 
 // The whole file, in memory: libraries write their last bytes when a file is closed, and not all of them tell whether
@@ -27,8 +28,9 @@ std::string jpeg_file(const BytePicture &picture, const std::string &comment);
 std::string tiff_file(const BytePicture &picture, const std::string &comment);
 
 /// Floats in tiles of 64 x 64, deflated, every value multiplied by the scale. The display window is the whole picture,
-/// the data window the picture's window; the comment is the attribute "comments".
-std::string exr_file(const Picture &picture, float scale, const std::string &comment);
+/// the data window the picture's window; the comment is the attribute "comments". The alpha, if there is one, is not
+/// multiplied.
+std::string exr_file(const Picture &picture, float scale, const std::string &comment, const Picture *alpha = nullptr);
 
 /// The largest width and height that a JPEG file can have.
 inline constexpr int largest_jpeg_side = 65500;

@@ -39,19 +39,32 @@ void on_bytes(png_structp png, png_bytep bytes, png_size_t count) {
 
 void on_flush(png_structp) {}
 
+// With the alpha behind the colours of each pixel.
+std::vector<std::uint8_t> interleaved(const BytePicture &picture) {
+    std::vector<std::uint8_t> result;
+    result.reserve(4 * picture.alpha.size());
+    for (std::size_t i = 0; i < picture.alpha.size(); ++i) {
+        for (std::size_t c = 0; c < 3; ++c)
+            result.push_back(picture.bytes[3 * i + c]);
+        result.push_back(picture.alpha[i]);
+    }
+    return result;
+}
+
 // The library leaves a failure by longjmp, over no object of this frame that would have to be destroyed. False then.
-bool encode(PngWriter &writer, const BytePicture &picture, png_text &text) {
+bool encode(PngWriter &writer, const BytePicture &picture, const std::vector<std::uint8_t> &pixels, png_text &text) {
     png_structp png = writer.png;
     if (setjmp(png_jmpbuf(png)) != 0)
         return false;
     png_set_write_fn(png, &writer, on_bytes, on_flush);
     png_set_IHDR(png, writer.info, static_cast<png_uint_32>(picture.width), static_cast<png_uint_32>(picture.height), 8,
-                 PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+                 picture.alpha.empty() ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_text(png, writer.info, &text, 1);
     png_write_info(png, writer.info);
-    const std::size_t row = 3 * static_cast<std::size_t>(picture.width);
-    for (std::size_t first = 0; first < picture.bytes.size(); first += row)
-        png_write_row(png, picture.bytes.data() + first);
+    const std::size_t row = pixels.size() / static_cast<std::size_t>(picture.height);
+    for (std::size_t first = 0; first < pixels.size(); first += row)
+        png_write_row(png, pixels.data() + first);
     png_write_end(png, writer.info);
     return true;
 }
@@ -71,7 +84,8 @@ std::string png_file(const BytePicture &picture, const std::string &comment) {
     text.key = key.data();
     text.text = value.data();
     text.text_length = value.size();
-    if (!encode(writer, picture, text))
+    const std::vector<std::uint8_t> with_alpha = interleaved(picture);
+    if (!encode(writer, picture, picture.alpha.empty() ? picture.bytes : with_alpha, text))
         throw std::runtime_error(writer.message.data());
     return std::move(writer.file);
 }

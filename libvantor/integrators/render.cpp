@@ -66,8 +66,11 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     registry.tell_vain(std::ranges::any_of(imagers, [](const FileImager &i) { return shows_light(i.aov); }));
 
     FrameBuffer frame(request.width, request.height, window);
-    for (const FileImager &imager : imagers)
+    for (const FileImager &imager : imagers) {
         frame.add(imager.aov);
+        if (imager.has_alpha)
+            frame.add(Aov::Alpha);
+    }
     try {
         const World &world = worlds.current(registry, interrupt);
         const View view = view_of(world, registry);

@@ -25,6 +25,8 @@ constexpr Parameter file_parameters[] = {
     {"display", ValueKind::Choice, any, Presence::Default, none, "",
      "how 8 bits are made of light: by the sRGB curve, as it is, or with its highlights compressed first as film does",
      displays},
+    {"background", ValueKind::Switch, off_or_on, Presence::Default, value(1, 1, 1), "",
+     "0: where a path meets no surface the colour is black, and .png and .exr files have an alpha, which is 0 there"},
     {"filter", ValueKind::Choice, any, Presence::Default, none, "", "how samples are spread around a pixel's middle",
      filters},
     {"filter_width", ValueKind::Number, filter_widths, Presence::Optional, none, "pixels",

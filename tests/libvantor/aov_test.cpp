@@ -28,7 +28,7 @@ TEST(AovTable, NamesAreThoseThatScriptsMayUse) {
 
 TEST(AovTable, NamesAreDifferentAndMeanTheirAov) {
     std::set<std::string_view> names;
-    for (std::size_t i = 0; i < vantor::aov_count; ++i) {
+    for (std::size_t i = 0; i < std::size(aov_names); ++i) {
         EXPECT_TRUE(names.insert(aov_names[i]).second) << aov_names[i];
         EXPECT_EQ(index_of(vantor::aov_named(aov_names[i])), i);
     }
@@ -39,6 +39,7 @@ TEST(AovTable, NamesAreDifferentAndMeanTheirAov) {
     EXPECT_EQ(aov_names[index_of(Aov::Position)], "position");
     EXPECT_EQ(aov_names[index_of(Aov::ObjectId)], "object_id");
     EXPECT_EQ(aov_names[index_of(Aov::Variance)], "variance");
+    EXPECT_EQ(aov_names[index_of(Aov::Alpha)], "alpha");
 }
 
 TEST(AovTable, EveryNameGivesAPictureThatIsNotBlack) {
@@ -86,7 +87,7 @@ TEST(AovTable, ObjectsHaveColorsOfTheirOwnAndNoneIsBlack) {
 }
 
 FileImager imager_of(const std::string &name, Aov aov) {
-    return {scripted::path_of(name), aov, 1, vantor::Display::Linear, {}, false};
+    return {scripted::path_of(name), aov, 1, vantor::Display::Linear, {}, false, false};
 }
 
 TEST(FrameBuffer, HoldsWhatWasAddedInTheWindow) {

@@ -1,10 +1,12 @@
 // Imagers: what their pictures show, and how settings change a pass.
+#include "tests/libvantor/diagnostic_lines.h"
 #include "tests/libvantor/picture_readers.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include "libvantor/base/color.h"
 #include "libvantor/base/random.h"
 
+#include <ImfChannelList.h>
 #include <cmath>
 #include <cstring>
 #include <numbers>
@@ -466,6 +468,38 @@ TEST(Imager, ExposureAndDisplayAreForTheColour) {
     EXPECT_EQ(scripted::errors_of([&] { settings(scene, "seed", -1); }),
               "vantor: newImager \"settings\": item 1: parameter \"seed\" is out of range: expected 0 to 2147483647, "
               "got -1\n");
+}
+
+// A quad over the left half of the picture, before an environment.
+TEST(Alpha, TellsWhatSurfacesCover) {
+    Scene scene;
+    scene.camera({0, 0, 1}, {0, 0, 0}, 90);
+    scene.light("environment", "radiance", 2.0);
+    scene.AddObject(scene.object("quad", "origin", VtVector3(-9, -9, 0), "edge_u", VtVector3(9, 0, 0), "edge_v",
+                                 VtVector3(0, 18, 0)));
+    const auto drawn = [&](const char *name, const auto &...values) {
+        const std::string path = scripted::path_of(name);
+        scripted::List list("name", path, "filter", "box", values...);
+        scene.ImagerBegin(scene.NewImager("file", list));
+        scene.Render(4, 2, 16, 0, 0, 1, 1);
+        scene.ImagerEnd();
+        return path;
+    };
+    const scripted::Pixels alpha = scripted::read_exr(drawn("alpha.exr", "what", "alpha"));
+    const std::string path = drawn("alone.exr", "background", 0);
+    const scripted::Pixels alone = scripted::read_exr(path);
+    const scripted::Pixels whole = scripted::read_exr(drawn("whole.exr"));
+    for (int x = 0; x < 4; ++x) {
+        EXPECT_EQ(alpha.at(x, 0)[0], x < 2 ? 1 : 0) << x;
+        EXPECT_EQ(alone.at(x, 0), x < 2 ? whole.at(x, 0) : scripted::Rgb{}) << x;
+        EXPECT_GT(whole.at(x, 0)[0], 0) << x;
+    }
+    const Imf::InputFile file(path.c_str(), 0);
+    EXPECT_NE(file.header().channels().findChannel("A"), nullptr);
+    // A file that cannot have an alpha is black there.
+    EXPECT_EQ(scripted::errors_of([&] { drawn("alone.jpg", "background", 0); }), "");
+    expect_diagnostics(scripted::errors_of([&] { drawn("depth.exr", "what", "depth", "background", 0); }),
+                       {{.call = "newImager", .type = "file", .item = 7, .parameter = "background"}});
 }
 
 } // namespace

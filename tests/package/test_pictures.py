@@ -102,6 +102,31 @@ class PassTest(PackageTest):
 
 
 class FilesTest(PackageTest):
+    def test_without_a_background(self):
+        scene = ball_scene()
+        whole = scene.render(16, 12, 16, aovs="alpha")
+        alone = scene.render(16, 12, 16, background=False)
+        self.assertEqual(alone.names, ("color", "alpha"))
+        self.assertEqual(bytes(alone.buffer("alpha")), bytes(whole.buffer("alpha")))
+        # The sky in the corner is gone, the ball in the middle as it was.
+        self.assertGreater(max(whole.buffer().tolist()[0][0]), 0)
+        self.assertEqual((alone.buffer().tolist()[0][0], alone.buffer("alpha").tolist()[0][0]),
+                         ([0, 0, 0], [0, 0, 0]))
+        self.assertEqual(alone.buffer().tolist()[6][8], whole.buffer().tolist()[6][8])
+        covered = [row[0] for line in alone.buffer("alpha").tolist() for row in line]
+        self.assertTrue(any(0 < value < 1 for value in covered))
+        for name in ("a.png", "a.exr"):
+            alone.save(self.path(name))
+            loaded = vt.Picture.load(self.path(name))
+            alpha = memoryview(loaded._alpha).cast("f").tolist()
+            for value, expected in zip(alpha, covered):
+                self.assertAlmostEqual(value, expected, delta=0.003)
+            whole.save(self.path(name))
+            self.assertIsNone(vt.Picture.load(self.path(name))._alpha)
+        alone.save(self.path("a.jpg"))
+        job = scene.render(16, 12, 16, background=False, wait=False)
+        self.assertEqual(bytes(job.result().buffer()), bytes(alone.buffer()))
+
     def test_every_format_is_saved_and_loaded(self):
         picture = ball_scene().render(16, 12, 4)
         for ending in ("png", "jpg", "jpeg", "tif", "tiff", "exr"):

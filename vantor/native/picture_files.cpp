@@ -7,6 +7,7 @@
 #include "vantor/native/reference.h"
 #include "vantor/native/tiff_reading.h"
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <optional>
@@ -54,29 +55,32 @@ template <class Function> PyObject *bytes_of(const vantor::Raster &raster, const
     return bytes;
 }
 
-// The colours of a picture as a script has them: float32, three for each pixel.
-class Colors {
+// The numbers of a picture as a script has them: float32, for each pixel those of an element.
+template <class Element> class Pixels {
   public:
-    Colors() = default;
-    Colors(const Colors &) = delete;
-    Colors &operator=(const Colors &) = delete;
-    ~Colors() {
+    Pixels() = default;
+    Pixels(const Pixels &) = delete;
+    Pixels &operator=(const Pixels &) = delete;
+    ~Pixels() {
         if (buffer.obj)
             PyBuffer_Release(&buffer);
     }
-    bool read(PyObject *value, Py_ssize_t pixels) {
+    bool read(PyObject *value, Py_ssize_t count) {
         if (PyObject_GetBuffer(value, &buffer, PyBUF_C_CONTIGUOUS) < 0)
             return false;
-        if (pixels > 0 && buffer.len == pixels * static_cast<Py_ssize_t>(sizeof(Color)))
+        if (count > 0 && buffer.len == count * static_cast<Py_ssize_t>(sizeof(Element)))
             return true;
-        PyErr_Format(PyExc_ValueError, "expected %zd pixels of three float32, got %zd bytes", pixels, buffer.len);
+        PyErr_Format(PyExc_ValueError, "expected %zd pixels of %zd float32, got %zd bytes", count,
+                     static_cast<Py_ssize_t>(sizeof(Element) / sizeof(float)), buffer.len);
         return false;
     }
-    void copy_to(Color *pixels) const { std::memcpy(pixels, buffer.buf, static_cast<std::size_t>(buffer.len)); }
+    void copy_to(Element *pixels) const { std::memcpy(pixels, buffer.buf, static_cast<std::size_t>(buffer.len)); }
 
   private:
     Py_buffer buffer = {};
 };
+using Colors = Pixels<Color>;
+using Floats = Pixels<float>;
 
 std::optional<Display> display_named(const char *name) {
     const std::string_view text = name;
@@ -125,8 +129,9 @@ PyObject *write_picture(PyObject *, PyObject *arguments) {
     vantor::PixelArea window;
     vantor::FileForm form;
     const char *display;
-    if (!PyArg_ParseTuple(arguments, "O&ii(iiii)Ofs", PyUnicode_FSConverter, &encoded, &full_width, &full_height,
-                          &window.x0, &window.y0, &window.x1, &window.y1, &pixels, &form.scale, &display))
+    PyObject *covered;
+    if (!PyArg_ParseTuple(arguments, "O&ii(iiii)OfsO", PyUnicode_FSConverter, &encoded, &full_width, &full_height,
+                          &window.x0, &window.y0, &window.x1, &window.y1, &pixels, &form.scale, &display, &covered))
         return nullptr;
     const Reference held(encoded);
     const std::string path = PyBytes_AS_STRING(encoded);
@@ -137,7 +142,9 @@ PyObject *write_picture(PyObject *, PyObject *arguments) {
     }
     const std::optional<Display> shown_as = display_named(display);
     Colors colors;
-    if (!shown_as || !colors.read(pixels, static_cast<Py_ssize_t>(window.width()) * window.height()))
+    Floats alphas;
+    const Py_ssize_t count = static_cast<Py_ssize_t>(window.width()) * window.height();
+    if (!shown_as || !colors.read(pixels, count) || (covered != Py_None && !alphas.read(covered, count)))
         return nullptr;
     form.display = *shown_as;
     form.comment = "vantor";
@@ -148,6 +155,14 @@ PyObject *write_picture(PyObject *, PyObject *arguments) {
             return;
         vantor::Picture picture(full_width, full_height, window);
         colors.copy_to(picture.pixels.data());
+        std::optional<vantor::Picture> alpha;
+        if (covered != Py_None) {
+            std::vector<float> values(picture.pixels.size());
+            alphas.copy_to(values.data());
+            alpha.emplace(full_width, full_height, window);
+            std::ranges::transform(values, alpha->pixels.begin(), [](float a) { return Color{a, a, a}; });
+            form.alpha = &*alpha;
+        }
         why = vantor::write_picture(picture, form, path);
     });
     if (!why.empty() || !error.empty())

@@ -9,8 +9,8 @@
 /// read_picture(path): (width, height, colours, alpha) of a PNG, JPEG, TIFF or OpenEXR file. Linear float32 in
 /// bytearrays: three for each pixel, and one of alpha, or None.
 PyObject *read_picture(PyObject *, PyObject *path);
-/// write_picture(path, full_width, full_height, window, colours, scale, display): colours of a window (x0, y0, x1, y1)
-/// in a file, whole or not at all.
+/// write_picture(path, full_width, full_height, window, colours, scale, display, alpha): colours of a window (x0, y0,
+/// x1, y1) in a file, whole or not at all. The alpha is float32 for each pixel, or None.
 PyObject *write_picture(PyObject *, PyObject *arguments);
 /// png_bytes(width, height, colours, scale, display): a PNG file, in memory.
 PyObject *png_bytes(PyObject *, PyObject *arguments);
