@@ -25,4 +25,11 @@ typedef bool (*VtPictureHandler)(void *context, const VtPicture *picture);
 /// From now on pictures are offered to the handler, with the context; null ends that. As the handlers of vt_messages.h,
 /// it is one for all scenes of a process, and is set and taken away between calls.
 VT_API void VtSetPictureHandler(VtPictureHandler handler, void *context);
+
+/// Called during a pass with each part of such a picture as soon as it is finished: the window is the part, the rest is
+/// as above. From any thread, and several at a time; never twice with the same pixel in one pass.
+typedef void (*VtTileHandler)(void *context, const VtPicture *tile);
+
+/// From now on the handler sees pictures grow, with the context; null ends that. Set and taken away between calls.
+VT_API void VtSetTileHandler(VtTileHandler handler, void *context);
 }

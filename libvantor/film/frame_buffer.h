@@ -5,6 +5,7 @@
 #include "libvantor/images/picture.h"
 
 #include <array>
+#include <functional>
 #include <optional>
 
 namespace vantor {
@@ -40,6 +41,9 @@ class FrameBuffer {
             if (pictures[i])
                 visit(static_cast<Aov>(i), *pictures[i]);
     }
+
+    /// Called with each part of the window whose pixels have their values, from any thread; may be empty.
+    std::function<void(const PixelArea &tile)> on_finished;
 
     long finished = 0; ///< How many of the window's pixels have their values. The others are black.
     bool is_whole() const { return finished == pixels(); }

@@ -67,6 +67,8 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     FrameBuffer frame(request.width, request.height, window);
     for (const FileImager &imager : imagers)
         frame.add(imager.aov);
+    if (tile_handler())
+        frame.on_finished = [&](const PixelArea &tile) { show_tile(imagers, frame, tile); };
     try {
         const World &world = worlds.current(registry, interrupt);
         const View view = view_of(world, registry);

@@ -157,11 +157,16 @@ void render_tiles(const World &world, const View &view, const IrradianceLookup &
                   int samples, const Interrupt &interrupt, FrameBuffer &frame) {
     const BlockRenderer renderer(world, view, indirect, filter, samples, interrupt, frame);
     std::atomic<long> finished = 0;
+    const PixelArea &window = frame.window();
     const auto render_tile = [&](const PixelArea &tile) {
         for (int y = tile.y0; y < tile.y1; y += block_side)
             for (int x = tile.x0; x < tile.x1; x += block_side)
                 finished +=
                     renderer.render({x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)});
+        const PixelArea shown{std::max(tile.x0, window.x0), std::max(tile.y0, window.y0), std::min(tile.x1, window.x1),
+                              std::min(tile.y1, window.y1)};
+        if (frame.on_finished && !interrupt.requested())
+            frame.on_finished(shown);
     };
     for_each_tile(whole_blocks(frame.window(), frame.width(), frame.height()), interrupt, render_tile);
     frame.finished = finished;

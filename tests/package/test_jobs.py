@@ -20,6 +20,12 @@ except ImportError:
     tqdm = None
 
 
+def in_silence(work):
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore", vt.SceneWarning)
+        return work()
+
+
 def children():
     """The processes that this one has started and that are still there, ended or not."""
     with open("/proc/self/task/{}/children".format(threading.get_native_id())) as file:
@@ -77,6 +83,30 @@ class JobTest(PackageTest):
         self.assertNotIn("/", str(said[0].message))
         self.assertGreater(max(picture.buffer().cast("B").cast("f")), 0)
         job.cancel()  # of one that is done: nothing
+
+    def test_a_preview_is_what_is_finished(self):
+        scene = ball_scene()
+        whole = scene.render(160, 120, 64, window=(0.1, 0.2, 0.9, 1)).buffer().cast("B").cast("f")
+        job = scene.render(160, 120, 64, window=(0.1, 0.2, 0.9, 1), wait=False)
+        previews = []
+        while not job.done():
+            previews.append(job.preview())
+        job.result()
+        previews.append(job.preview())
+        self.assertEqual(bytes(previews[-1].buffer()), bytes(whole))
+        some = [preview for preview in previews if preview]
+        for preview in some[:: max(len(some) // 20, 1)]:
+            self.assertEqual((preview.width, preview.height), (128, 96))
+            pixels = preview.buffer().cast("B").cast("f")
+            # Black where it is not finished, and as it will be where it is.
+            self.assertTrue(all(a in (0, b) for a, b in zip(pixels, whole)))
+
+    def test_no_preview_of_a_job_that_has_not_begun(self):
+        scene = vt.Scene()
+        scene.light("sky")
+        job = scene.render(8, 8, 1, wait=False)
+        self.assertRaises(vt.SceneError, in_silence, job.result)
+        self.assertIsNone(job.preview())
 
     @unittest.skipUnless(tqdm, "this interpreter has no tqdm (Debian: python3-tqdm)")
     def test_a_bar_is_shown(self):

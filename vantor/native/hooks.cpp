@@ -6,6 +6,7 @@
 #include "renderer/vt_vocabulary.h"
 #include "vantor/native/reference.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -54,6 +55,32 @@ Py_buffer progress_buffer = {};
 static_assert(std::atomic<double>::is_always_lock_free && sizeof(std::atomic<double>) == sizeof(double));
 
 extern "C" void note_progress(void *, double fraction) { progress_place->store(fraction, std::memory_order_relaxed); }
+
+// What a job shows of its picture, in memory that it shares: how many parts have come, then the window's pixels.
+struct Preview {
+    Py_buffer buffer;
+    std::string path; // the picture's
+    VtLong x0;
+    VtLong y0;
+    VtLong x1;
+    VtLong y1;
+
+    std::atomic<VtLong> *count() const { return static_cast<std::atomic<VtLong> *>(buffer.buf); }
+    float *pixels() const { return static_cast<float *>(buffer.buf) + 2; }
+};
+Preview preview = {};
+
+extern "C" void note_tile(void *, const VtPicture *tile) {
+    if (preview.path != tile->path || tile->x0 < preview.x0 || tile->y0 < preview.y0 || tile->x1 > preview.x1 ||
+        tile->y1 > preview.y1)
+        return;
+    const VtLong width = preview.x1 - preview.x0;
+    const VtLong columns = tile->x1 - tile->x0;
+    for (VtLong y = tile->y0; y < tile->y1; ++y)
+        std::copy_n(tile->pixels + std::ptrdiff_t{3} * (y - tile->y0) * columns, 3 * columns,
+                    preview.pixels() + 3 * (std::ptrdiff_t{y - preview.y0} * width + tile->x0 - preview.x0));
+    preview.count()->fetch_add(1, std::memory_order_release);
+}
 
 bool append_messages(PyObject *list) {
     std::vector<Message> messages;
@@ -192,6 +219,30 @@ PyObject *progress_into(PyObject *, PyObject *buffer) {
         progress_place = static_cast<std::atomic<double> *>(progress_buffer.buf);
         set_handler(note_progress, nullptr);
     }
+    Py_RETURN_TRUE;
+}
+
+PyObject *preview_into(PyObject *, PyObject *arguments) {
+    static auto *const set_handler = exported<decltype(VtSetTileHandler)>("VtSetTileHandler");
+    PyObject *buffer;
+    const char *path;
+    if (!PyArg_ParseTuple(arguments, "Os(iiii)", &buffer, &path, &preview.x0, &preview.y0, &preview.x1, &preview.y1))
+        return nullptr;
+    if (!set_handler)
+        Py_RETURN_FALSE;
+    set_handler(nullptr, nullptr);
+    if (preview.buffer.obj)
+        PyBuffer_Release(&preview.buffer);
+    if (PyObject_GetBuffer(buffer, &preview.buffer, PyBUF_WRITABLE) < 0)
+        return nullptr;
+    const Py_ssize_t pixels = Py_ssize_t{preview.x1 - preview.x0} * (preview.y1 - preview.y0);
+    if (preview.x1 < preview.x0 || preview.y1 < preview.y0 || preview.buffer.len < 8 + 12 * pixels) {
+        PyBuffer_Release(&preview.buffer);
+        PyErr_SetString(PyExc_ValueError, "expected a buffer with room for the window's pixels");
+        return nullptr;
+    }
+    preview.path = path;
+    set_handler(note_tile, nullptr);
     Py_RETURN_TRUE;
 }
 

@@ -24,6 +24,7 @@ PyMethodDef functions[] = {
     {"has_messages", has_messages, METH_NOARGS, nullptr},
     {"call", call, METH_VARARGS, nullptr},
     {"progress_into", progress_into, METH_O, nullptr},
+    {"preview_into", preview_into, METH_VARARGS, nullptr},
     {"end_with", end_with, METH_O, nullptr},
     {"fork", fork_process, METH_NOARGS, nullptr},
     {"read_model", read_model, METH_O, nullptr},
