@@ -37,7 +37,7 @@ class Job:
         self._outcome = None
         self._is_cancelled = False
         self._progress = mmap.mmap(-1, mmap.PAGESIZE)  # shared with the child
-        self._preview = _shared_pixels(work.pixel_count)
+        self._preview = _shared_pixels(work)
         self._folder = tempfile.mkdtemp(prefix="vantor-job-")
         try:
             work.prepare(self._folder)
@@ -50,8 +50,8 @@ class Job:
         with forking():
             self._pipe, child_end = os.pipe()
             try:
-                self._pid = start_child(_run_child, self._work, child_end, self._progress,
-                                        self._preview)
+                shared = (self._progress, self._preview)
+                self._pid = start_child(_run_child, self._work, child_end, *shared)
                 self._clean = weakref.finalize(
                     self, _abandon, os.getpid(), self._pid, self._pipe, self._folder
                 )
@@ -76,7 +76,7 @@ class Job:
         anything is, and where the renderer does not show it."""
         if self._preview is None:
             return None
-        count, = struct.unpack_from("i", self._preview)
+        (count,) = struct.unpack_from("i", self._preview)
         if not count:
             return None
         colors = bytearray(self._preview[8:])
@@ -156,12 +156,13 @@ class Job:
         return Picture.of_pass(self._work, layers)
 
 
-def _shared_pixels(count):
-    """Shared memory for a preview; None if there is not so much. What nobody writes to takes none.
-    """
+def _shared_pixels(work):
+    """Shared memory for a preview; None if there is not so much, or if the renderer will refuse the
+    window anyway. What nobody writes to takes none."""
     try:
-        return mmap.mmap(-1, 8 + 12 * max(count, 0))
-    except (OSError, OverflowError):
+        x0, y0, x1, y1 = work.pixel_window
+        return mmap.mmap(-1, 8 + 12 * (x1 - x0) * (y1 - y0)) if x0 < x1 and y0 < y1 else None
+    except (OSError, OverflowError, ValueError):
         return None
 
 

@@ -35,11 +35,6 @@ class Pass:
         """x0, y0, x1, y1 of the window: the pixels whose centres lie in it."""
         return pixel_window(self.window, self.width, self.height)
 
-    @property
-    def pixel_count(self):
-        x0, y0, x1, y1 = self.pixel_window
-        return (x1 - x0) * (y1 - y0)
-
     def path_of(self, aov):
         """Of the file that the renderer makes for this value, or would make."""
         return self._files[aov]

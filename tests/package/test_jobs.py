@@ -101,6 +101,13 @@ class JobTest(PackageTest):
             # Black where it is not finished, and as it will be where it is.
             self.assertTrue(all(a in (0, b) for a, b in zip(pixels, whole)))
 
+    def test_a_window_that_is_none_is_the_renderers_error(self):
+        nan = float("nan")
+        for window in ((1, 1, 0, 0), (nan, 0, 1, 1), (0, 0, 1e300, 1e300)):
+            job = ball_scene().render(8, 8, 1, window=window, wait=False)
+            with self.assertRaisesRegex(vt.SceneError, "is no part of the picture"):
+                in_silence(job.result)
+
     def test_no_preview_of_a_job_that_has_not_begun(self):
         scene = vt.Scene()
         scene.light("sky")
