@@ -6,6 +6,18 @@
 
 extern "C" {
 
+/// What a picture is made of that has the samples first <= i < end of each pixel, of a larger one's in_all.
+struct VtSums {
+    VtLong first;
+    VtLong end;
+    VtLong in_all;
+    /// "radiance", "radiance_variance", "mean", "mean_of_hits", "direction" or "first": how a value comes of the sums.
+    const char *reduction;
+    /// Seven for each pixel of the window: three sums of the samples' values, three of their squares, and how many have
+    /// a value. Lasts until the handler returns.
+    const double *values;
+};
+
 /// A window of a picture, with three floats for each of its pixels, row after row from the top.
 struct VtPicture {
     const char *path;    ///< The file that it is meant for, as the script has named it.
@@ -16,6 +28,7 @@ struct VtPicture {
     VtLong y0;
     VtLong x1;
     VtLong y1;
+    const VtSums *sums; ///< Of a picture that has a part of a larger one's samples; null of all others.
 };
 
 /// Called with each picture that would go into a file of floats, with the numbers that the file would have, by the

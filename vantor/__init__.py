@@ -33,6 +33,7 @@ from . import _help
 from ._job import Job, JobError
 from ._messages import SceneError, SceneWarning
 from ._models import Model, load
+from ._parts import merge
 from ._picture import Picture
 from ._scene import Scene
 from ._transforms import Transform, look_at, matrix, rotate, scale, translate
@@ -64,6 +65,7 @@ __all__ = [
     "load",
     "look_at",
     "matrix",
+    "merge",
     "rotate",
     "scale",
     "to_numpy",

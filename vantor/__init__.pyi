@@ -120,6 +120,8 @@ class Picture:
     def of(cls, value: Union[Picture, _Buffer, Sequence[Any]]) -> Picture: ...
     @property
     def names(self) -> Tuple[str, ...]: ...
+    @property
+    def samples(self) -> Optional[Tuple[int, int, int]]: ...
     def buffer(self, name: str = "color") -> memoryview: ...
     def array(self, name: str = "color") -> NDArray[numpy.float32]: ...
     @property
@@ -135,6 +137,8 @@ class Picture:
         name: str = "color",
     ) -> None: ...
     def png(self, exposure: _Number = 0.0, display: _Display = "srgb") -> bytes: ...
+
+def merge(pictures: Iterable[Union[Picture, _Text]]) -> Picture: ...
 
 class Job(Awaitable[Picture]):
     def __init__(self, work: Any, strict: bool, place: Any) -> None: ...
@@ -432,6 +436,9 @@ class Scene:
         max_depth: Optional[_Integer] = ...,
         clamp: Optional[_Number] = ...,
         final_gather: Optional[_Switch] = ...,
+        first_sample: Optional[_Integer] = ...,
+        samples_in_all: Optional[_Integer] = ...,
+        time_limit: Optional[_Number] = ...,
     ) -> Imager: ...
     @overload
     def interface(
@@ -876,6 +883,9 @@ class Scene:
         filter_width: Optional[_Number] = None,
         wait: Literal[True] = True,
         progress: bool = False,
+        first_sample: Optional[_Integer] = None,
+        samples_in_all: Optional[_Integer] = None,
+        time_limit: Optional[_Number] = None,
     ) -> Picture: ...
     @overload
     def render(
@@ -890,4 +900,7 @@ class Scene:
         filter_width: Optional[_Number] = None,
         wait: Literal[False],
         progress: bool = False,
+        first_sample: Optional[_Integer] = None,
+        samples_in_all: Optional[_Integer] = None,
+        time_limit: Optional[_Number] = None,
     ) -> Job: ...

@@ -68,6 +68,13 @@ class Picture:
         """What the picture has: "color", and what else its pass was asked for."""
         return tuple(self._layers)
 
+    @property
+    def samples(self):
+        """Of a part of a larger picture, which of its samples it has: (first, end, in_all). None
+        of any other picture. vantor.merge() puts parts together."""
+        parts = getattr(self._layers.get("color"), "parts", None)
+        return (parts[0][0], parts[-1][1], parts[0][2]) if parts else None
+
     def layers(self):
         """All of its numbers, for another Picture."""
         return self._layers

@@ -11,11 +11,22 @@
 
 namespace {
 
-VtPicture offered(const vantor::Picture &picture, const std::string &path) {
+VtPicture offered(const vantor::Picture &picture, const std::string &path, const VtSums *sums = nullptr) {
     const vantor::PixelArea &window = picture.window;
-    return {
-        path.c_str(), &picture.pixels[0].r, picture.full_width, picture.full_height, window.x0, window.y0, window.x1,
-        window.y1};
+    return {path.c_str(),
+            &picture.pixels[0].r,
+            picture.full_width,
+            picture.full_height,
+            window.x0,
+            window.y0,
+            window.x1,
+            window.y1,
+            sums};
+}
+
+VtSums sums_of(const vantor::PartSums &part) {
+    return {part.samples.first, part.samples.end, part.samples.in_all,
+            vantor::reduction_names[static_cast<std::size_t>(part.reduction)].data(), &part.pixels[0].sum.r};
 }
 
 } // namespace
@@ -51,7 +62,8 @@ void VtSetPictureHandler(VtPictureHandler handler, void *context) {
     if (!handler)
         return vantor::set_picture_handler({});
     vantor::set_picture_handler([=](const vantor::Picture &picture, const std::string &path) {
-        const VtPicture whole = offered(picture, path);
+        const VtSums sums = picture.part ? sums_of(*picture.part) : VtSums();
+        const VtPicture whole = offered(picture, path, picture.part ? &sums : nullptr);
         return handler(context, &whole);
     });
 }

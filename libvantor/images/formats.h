@@ -27,7 +27,8 @@ std::string jpeg_file(const BytePicture &picture, const std::string &comment);
 std::string tiff_file(const BytePicture &picture, const std::string &comment);
 
 /// Floats in tiles of 64 x 64, deflated, every value multiplied by the scale. The display window is the whole picture,
-/// the data window the picture's window; the comment is the attribute "comments".
+/// the data window the picture's window; the comment is the attribute "comments". Of a part, the sums are in further
+/// channels.
 std::string exr_file(const Picture &picture, float scale, const std::string &comment);
 
 /// The largest width and height that a JPEG file can have.

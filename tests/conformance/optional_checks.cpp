@@ -55,7 +55,10 @@ void hear_progress(void *context, double fraction) {
 bool is_sound(const VtPicture *picture) {
     const bool has_window = picture->x0 >= 0 && picture->x0 < picture->x1 && picture->x1 <= picture->width &&
                             picture->y0 >= 0 && picture->y0 < picture->y1 && picture->y1 <= picture->height;
-    return picture->path && picture->pixels && has_window;
+    const VtSums *sums = picture->sums;
+    const bool has_sums = !sums || (sums->values && sums->reduction && sums->first >= 0 && sums->first < sums->end &&
+                                    sums->end <= sums->in_all);
+    return picture->path && picture->pixels && has_window && has_sums;
 }
 
 bool look_at_picture(void *context, const VtPicture *picture) {

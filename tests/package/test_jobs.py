@@ -12,18 +12,12 @@ import unittest
 import warnings
 
 import vantor as vt
-from scenes import PackageTest, ball_scene, is_ended, lit_scene, run_script
+from scenes import PackageTest, ball_scene, in_silence, is_ended, lit_scene, run_script
 
 try:
     import tqdm
 except ImportError:
     tqdm = None
-
-
-def in_silence(work):
-    with warnings.catch_warnings():
-        warnings.simplefilter("ignore", vt.SceneWarning)
-        return work()
 
 
 def children():

@@ -14,6 +14,7 @@
 #include <link.h>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -99,7 +100,13 @@ bool append_messages(PyObject *list) {
 }
 
 // The pictures that a call takes, by their paths; empty as long as there is none.
-using TakenPictures = std::map<std::string, std::vector<float>>;
+struct TakenPicture {
+    std::vector<float> colors;
+    std::optional<VtSums> part;
+    std::string reduction;
+    std::vector<double> sums;
+};
+using TakenPictures = std::map<std::string, TakenPicture>;
 
 extern "C" bool take_picture(void *context, const VtPicture *picture) {
     try {
@@ -109,7 +116,13 @@ extern "C" bool take_picture(void *context, const VtPicture *picture) {
             return false;
         const std::size_t pixels =
             static_cast<std::size_t>(picture->x1 - picture->x0) * static_cast<std::size_t>(picture->y1 - picture->y0);
-        found->second.assign(picture->pixels, picture->pixels + 3 * pixels);
+        TakenPicture &to = found->second;
+        to.colors.assign(picture->pixels, picture->pixels + 3 * pixels);
+        if (picture->sums) {
+            to.part = *picture->sums;
+            to.reduction = to.part->reduction;
+            to.sums.assign(to.part->values, to.part->values + 7 * pixels);
+        }
         return true;
     } catch (const std::exception &) {
         return false; // no memory left here: a file it is
@@ -129,13 +142,29 @@ bool list_paths(PyObject *pictures, TakenPictures &taken) {
     return true;
 }
 
+template <class Number> PyObject *bytes_of(const std::vector<Number> &numbers) {
+    return PyByteArray_FromStringAndSize(reinterpret_cast<const char *>(numbers.data()),
+                                         static_cast<Py_ssize_t>(numbers.size() * sizeof(Number)));
+}
+
+// The colours; of a part a pair with (first, end, in_all, reduction, sums).
+PyObject *given(const TakenPicture &picture) {
+    Reference colors(bytes_of(picture.colors));
+    if (!picture.part)
+        return colors.release();
+    Reference sums(bytes_of(picture.sums));
+    if (!colors || !sums)
+        return nullptr;
+    return Py_BuildValue("N(iiisN)", colors.release(), picture.part->first, picture.part->end, picture.part->in_all,
+                         picture.reduction.c_str(), sums.release());
+}
+
 bool give_pictures(const TakenPictures &taken, PyObject *pictures) {
-    for (const auto &[path, floats] : taken) {
-        if (floats.empty())
+    for (const auto &[path, picture] : taken) {
+        if (picture.colors.empty())
             continue;
-        const Reference bytes(PyByteArray_FromStringAndSize(reinterpret_cast<const char *>(floats.data()),
-                                                            static_cast<Py_ssize_t>(floats.size() * sizeof(float))));
-        if (!bytes || PyDict_SetItemString(pictures, path.c_str(), bytes.get()) < 0)
+        const Reference value(given(picture));
+        if (!value || PyDict_SetItemString(pictures, path.c_str(), value.get()) < 0)
             return false;
     }
     return true;

@@ -2,6 +2,7 @@
 #include "vantor/native/hooks.h"
 #include "vantor/native/model_files.h"
 #include "vantor/native/module_types.h"
+#include "vantor/native/parts.h"
 #include "vantor/native/picture_files.h"
 #include "vantor/native/values.h"
 
@@ -17,6 +18,8 @@ PyMethodDef functions[] = {
     {"float32", float32, METH_O, nullptr},
     {"shape", shape, METH_O, nullptr},
     {"read_picture", read_picture, METH_O, nullptr},
+    {"read_part", read_part, METH_O, nullptr},
+    {"sum_parts", sum_parts, METH_O, nullptr},
     {"write_picture", write_picture, METH_VARARGS, nullptr},
     {"png_bytes", png_bytes, METH_VARARGS, nullptr},
     {"library", library, METH_NOARGS, nullptr},
