@@ -38,6 +38,7 @@ from ._picture import Picture
 from ._scene import Scene
 from ._transforms import Transform, look_at, matrix, rotate, scale, translate
 from ._values import to_numpy
+from ._viewer import View
 from ._vocabulary import vocabulary
 
 _help.document()
@@ -62,6 +63,7 @@ __all__ = [
     "Texture",
     "Transform",
     "Trimmer",
+    "View",
     "load",
     "look_at",
     "matrix",

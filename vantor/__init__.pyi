@@ -1,7 +1,7 @@
 """The types of the package vantor. What its parts do is said where they are written."""
 
 import os
-from collections.abc import Awaitable, Generator, Iterable
+from collections.abc import Awaitable, Callable, Generator, Iterable
 from typing import Any, Dict, List, Literal, Optional, Sequence, Tuple, Union, overload
 
 import numpy
@@ -33,9 +33,11 @@ __all__ = [
     "Texture",
     "Transform",
     "Trimmer",
+    "View",
     "load",
     "look_at",
     "matrix",
+    "merge",
     "rotate",
     "scale",
     "to_numpy",
@@ -136,7 +138,12 @@ class Picture:
         display: Optional[_Display] = None,
         name: str = "color",
     ) -> None: ...
-    def png(self, exposure: _Number = 0.0, display: _Display = "srgb") -> bytes: ...
+    def png(
+        self,
+        exposure: _Number = 0.0,
+        display: Optional[_Display] = None,
+        name: str = "color",
+    ) -> bytes: ...
 
 def merge(pictures: Iterable[Union[Picture, _Text]]) -> Picture: ...
 
@@ -149,6 +156,26 @@ class Job(Awaitable[Picture]):
     def cancel(self) -> None: ...
     def result(self, timeout: Optional[float] = None, *, progress: bool = False) -> Picture: ...
     def __await__(self) -> Generator[Any, None, Picture]: ...
+
+class View:
+    url: str
+    port: int
+    def __init__(
+        self,
+        build: Callable[[], Scene],
+        watched: Optional[str] = None,
+        *,
+        host: str = "127.0.0.1",
+        port: int = 0,
+    ) -> None: ...
+    @classmethod
+    def of_scene(cls, scene: Scene, *, host: str = ..., port: int = ...) -> Self: ...
+    @classmethod
+    def of_file(cls, path: _Text, *, host: str = ..., port: int = ...) -> Self: ...
+    def close(self) -> None: ...
+    def wait(self) -> None: ...
+    def __enter__(self) -> Self: ...
+    def __exit__(self, *exception: object) -> None: ...
 
 class Model:
     meshes: List[Dict[str, Any]]
@@ -870,6 +897,7 @@ class Scene:
     # end of vocabulary
     def texture(self, picture: _PictureSource) -> Texture: ...
     def radiosity(self) -> None: ...
+    def view(self, *, host: str = "127.0.0.1", port: int = 0) -> View: ...
     @overload
     def render(
         self,

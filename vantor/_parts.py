@@ -16,7 +16,7 @@ class Layer(bytearray):
     def of(cls, parts):
         """What these parts are together."""
         layer = cls(_native.sum_parts(parts))
-        layer.parts = parts
+        layer.parts = _joined(parts)
         return layer
 
 
@@ -48,6 +48,21 @@ def _picture(value):
                    origin=(x0, y0))
 
 
+def _joined(parts):
+    """Fewer parts that are the same, to save memory: those that are summed in pairs anyway."""
+    result = []
+    for part in parts:
+        while result and _are_siblings(result[-1], part):
+            part = _native.join_parts(result.pop(), part)
+        result.append(part)
+    return result
+
+
+def _are_siblings(part, following):
+    count = part[1] - part[0]
+    return following[1] - following[0] == count and part[0] % (2 * count) == 0
+
+
 def _in_order(name, pictures):
     """The parts of one layer of all pictures."""
     parts = []
@@ -59,7 +74,7 @@ def _in_order(name, pictures):
     parts.sort(key=lambda part: part[:2])
     for before, after in zip(parts, parts[1:]):
         if (before[2], before[3]) != (after[2], after[3]):
-            text = "merge: expected parts of one picture, got some of {} samples ({}) and of {} ({})"
+            text = "merge: expected parts of one picture, got of {} samples ({}) and of {} ({})"
             raise ValueError(text.format(before[2], before[3], after[2], after[3]))
         if before[1] != after[0]:
             what = "are missing" if before[1] < after[0] else "are there twice"

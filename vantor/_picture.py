@@ -135,18 +135,22 @@ class Picture:
         path = os.fspath(path)
         is_float = str(path).lower().endswith(".exr")
         scale = 2.0 ** float(exposure)
-        layer = self._layer(name)
-        display = display or ("srgb" if name in ("color", "albedo") else "linear")
-        if not is_float and name in ("normal", "depth"):
-            layer = _shown(layer, name)
+        layer, display = self._in_8_bits(name, display)
+        layer = self._layer(name) if is_float else layer
         x0, y0 = self.origin
         window = (x0, y0, x0 + self.width, y0 + self.height)
         _native.write_picture(path, *self.full_size, window, layer, scale, display)
 
-    def png(self, exposure=0.0, display="srgb"):
-        """The colour as a PNG file, in memory."""
-        layer = self._layer("color")
+    def png(self, exposure=0.0, display=None, name="color"):
+        """The colour, or another value, as a PNG file in memory; the rest is as for save()."""
+        layer, display = self._in_8_bits(name, display)
         return _native.png_bytes(self.width, self.height, layer, 2.0 ** float(exposure), display)
+
+    def _in_8_bits(self, name, display):
+        layer = self._layer(name)
+        if name in ("normal", "depth"):
+            layer = _shown(layer, name)
+        return layer, display or ("srgb" if name in ("color", "albedo") else "linear")
 
     def _repr_png_(self):
         return self.png()

@@ -35,6 +35,7 @@ class Scene:
         self.handles = []
         self._open = []
         self._area_light = None
+        self.last_camera = None
         self._last_file_imager = None
         self._last_settings = None
         self._own_imagers = {}
@@ -47,7 +48,11 @@ class Scene:
 
     def camera(self, type, /, **parameters):
         """Makes a camera, under the open transforms. The one made last takes the picture."""
-        return self._under_transforms(self._create, _handles.Camera, type, parameters)
+        camera = self._under_transforms(self._create, _handles.Camera, type, parameters)
+        camera.parameters = parameters
+        camera.transforms = open_transforms.get()
+        self.last_camera = camera
+        return camera
 
     def imager(self, type, /, **parameters):
         """Makes an imager: a "file" that render() also writes, or "settings" of a pass."""
@@ -100,7 +105,9 @@ class Scene:
 
     def object(self, type, /, **parameters):
         """Makes an object, which add() puts into the scene."""
-        return self._create(_handles.Object, type, parameters)
+        made = self._create(_handles.Object, type, parameters)
+        made.material = None
+        return made
 
     def pattern(self, type, /, **parameters):
         """Makes a pattern, a value that varies over a surface."""
@@ -170,6 +177,14 @@ class Scene:
                     "time_limit": time_limit}
         return self.render_for(script_place(), width, height, samples, window, aovs, filter,
                                filter_width, wait, progress, settings=settings)
+
+    def view(self, *, host="127.0.0.1", port=0):
+        """Opens a page in which the scene, as it is now, can be looked at from all sides in a
+        browser; needs aiohttp. Returns a View: its url is the page's, close() ends it, and in a
+        notebook it shows itself."""
+        from ._viewer import View
+
+        return View.of_scene(self, host=host, port=port)
 
     # For the handles, and for the other parts of this package.
 
@@ -273,6 +288,10 @@ class Scene:
             self._own_imagers[key] = handle.id
         return self._own_imagers[key]
 
+    def own_camera(self, parameters):
+        """A perspective camera for this package's own use, from which the next pass looks."""
+        self._create(_handles.Camera, "perspective", parameters, is_own=True)
+
     def own_settings(self, changed):
         """The numbers of the imagers, one or none, by which a pass follows the script's settings
         but for what is changed."""
@@ -368,7 +387,8 @@ class Scene:
         innermost = {open.kind: open for open in self._open}
         for open in innermost.values():
             open.is_used = True
-        _checks.note_added(handle, innermost.get("material"))
+        handle.material = innermost.get("material")
+        _checks.note_added(handle, handle.material)
 
 
 def _remove_of_owner(folder, owner):

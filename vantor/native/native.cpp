@@ -19,6 +19,7 @@ PyMethodDef functions[] = {
     {"shape", shape, METH_O, nullptr},
     {"read_picture", read_picture, METH_O, nullptr},
     {"read_part", read_part, METH_O, nullptr},
+    {"join_parts", join_parts, METH_VARARGS, nullptr},
     {"sum_parts", sum_parts, METH_O, nullptr},
     {"write_picture", write_picture, METH_VARARGS, nullptr},
     {"png_bytes", png_bytes, METH_VARARGS, nullptr},

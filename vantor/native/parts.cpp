@@ -56,6 +56,16 @@ bool take_parts(PyObject *list, std::vector<PartSums> &parts) {
     return !parts.empty();
 }
 
+// As a script has it.
+PyObject *given(const PartSums &part) {
+    const std::string_view reduction = vantor::reduction_names[static_cast<std::size_t>(part.reduction)];
+    PyObject *sums = PyByteArray_FromStringAndSize(reinterpret_cast<const char *>(part.pixels.data()),
+                                                   static_cast<Py_ssize_t>(part.pixels.size() * sizeof(SampleSums)));
+    if (!sums)
+        return nullptr;
+    return Py_BuildValue("(iiisN)", part.samples.first, part.samples.end, part.samples.in_all, reduction.data(), sums);
+}
+
 } // namespace
 
 PyObject *read_part(PyObject *, PyObject *argument) {
@@ -70,16 +80,33 @@ PyObject *read_part(PyObject *, PyObject *argument) {
         return nullptr;
     }
     const vantor::Picture &picture = *read.picture;
-    const PartSums &part = *picture.part;
-    const std::string_view reduction = vantor::reduction_names[static_cast<std::size_t>(part.reduction)];
-    Reference sums(PyByteArray_FromStringAndSize(reinterpret_cast<const char *>(part.pixels.data()),
-                                                 static_cast<Py_ssize_t>(part.pixels.size() * sizeof(SampleSums))));
-    if (!sums)
+    Reference part(given(*picture.part));
+    if (!part)
         return nullptr;
     const vantor::PixelArea &window = picture.window;
-    return Py_BuildValue("ii(iiii)(iiisN)", picture.full_width, picture.full_height, window.x0, window.y0, window.x1,
-                         window.y1, part.samples.first, part.samples.end, part.samples.in_all, reduction.data(),
-                         sums.release());
+    return Py_BuildValue("ii(iiii)N", picture.full_width, picture.full_height, window.x0, window.y0, window.x1,
+                         window.y1, part.release());
+}
+
+PyObject *join_parts(PyObject *, PyObject *arguments) {
+    PyObject *first;
+    PyObject *second;
+    if (!PyArg_ParseTuple(arguments, "OO", &first, &second))
+        return nullptr;
+    try {
+        PartSums part{};
+        PartSums following{};
+        if (!take_part(first, part) || !take_part(second, following))
+            return nullptr;
+        if (!fits(part, following)) {
+            PyErr_SetString(PyExc_ValueError, "the parts do not follow upon each other");
+            return nullptr;
+        }
+        part.add(following);
+        return given(part);
+    } catch (const std::bad_alloc &) {
+        return PyErr_NoMemory();
+    }
 }
 
 PyObject *sum_parts(PyObject *, PyObject *list) {
