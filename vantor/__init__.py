@@ -33,10 +33,12 @@ from . import _help
 from ._job import Job, JobError
 from ._messages import SceneError, SceneWarning
 from ._models import Model, load
+from ._parts import merge
 from ._picture import Picture
 from ._scene import Scene
 from ._transforms import Transform, look_at, matrix, rotate, scale, translate
 from ._values import to_numpy
+from ._viewer import View
 from ._vocabulary import vocabulary
 
 _help.document()
@@ -61,9 +63,11 @@ __all__ = [
     "Texture",
     "Transform",
     "Trimmer",
+    "View",
     "load",
     "look_at",
     "matrix",
+    "merge",
     "rotate",
     "scale",
     "to_numpy",

@@ -1,7 +1,7 @@
 """The types of the package vantor. What its parts do is said where they are written."""
 
 import os
-from collections.abc import Awaitable, Generator, Iterable
+from collections.abc import Awaitable, Callable, Generator, Iterable
 from typing import Any, Dict, List, Literal, Optional, Sequence, Tuple, Union, overload
 
 import numpy
@@ -33,9 +33,11 @@ __all__ = [
     "Texture",
     "Transform",
     "Trimmer",
+    "View",
     "load",
     "look_at",
     "matrix",
+    "merge",
     "rotate",
     "scale",
     "to_numpy",
@@ -120,6 +122,8 @@ class Picture:
     def of(cls, value: Union[Picture, _Buffer, Sequence[Any]]) -> Picture: ...
     @property
     def names(self) -> Tuple[str, ...]: ...
+    @property
+    def samples(self) -> Optional[Tuple[int, int, int]]: ...
     def buffer(self, name: str = "color") -> memoryview: ...
     def array(self, name: str = "color") -> NDArray[numpy.float32]: ...
     @property
@@ -134,16 +138,44 @@ class Picture:
         display: Optional[_Display] = None,
         name: str = "color",
     ) -> None: ...
-    def png(self, exposure: _Number = 0.0, display: _Display = "srgb") -> bytes: ...
+    def png(
+        self,
+        exposure: _Number = 0.0,
+        display: Optional[_Display] = None,
+        name: str = "color",
+    ) -> bytes: ...
+
+def merge(pictures: Iterable[Union[Picture, _Text]]) -> Picture: ...
 
 class Job(Awaitable[Picture]):
     def __init__(self, work: Any, strict: bool, place: Any) -> None: ...
     @property
     def progress(self) -> float: ...
     def done(self) -> bool: ...
+    def preview(self) -> Optional[Picture]: ...
     def cancel(self) -> None: ...
     def result(self, timeout: Optional[float] = None, *, progress: bool = False) -> Picture: ...
     def __await__(self) -> Generator[Any, None, Picture]: ...
+
+class View:
+    url: str
+    port: int
+    def __init__(
+        self,
+        build: Callable[[], Scene],
+        watched: Optional[str] = None,
+        *,
+        host: str = "127.0.0.1",
+        port: int = 0,
+    ) -> None: ...
+    @classmethod
+    def of_scene(cls, scene: Scene, *, host: str = ..., port: int = ...) -> Self: ...
+    @classmethod
+    def of_file(cls, path: _Text, *, host: str = ..., port: int = ...) -> Self: ...
+    def close(self) -> None: ...
+    def wait(self) -> None: ...
+    def __enter__(self) -> Self: ...
+    def __exit__(self, *exception: object) -> None: ...
 
 class Model:
     meshes: List[Dict[str, Any]]
@@ -433,6 +465,9 @@ class Scene:
         max_depth: Optional[_Integer] = ...,
         clamp: Optional[_Number] = ...,
         final_gather: Optional[_Switch] = ...,
+        first_sample: Optional[_Integer] = ...,
+        samples_in_all: Optional[_Integer] = ...,
+        time_limit: Optional[_Number] = ...,
     ) -> Imager: ...
     @overload
     def interface(
@@ -868,6 +903,7 @@ class Scene:
     # end of vocabulary
     def texture(self, picture: _PictureSource) -> Texture: ...
     def radiosity(self) -> None: ...
+    def view(self, *, host: str = "127.0.0.1", port: int = 0) -> View: ...
     @overload
     def render(
         self,
@@ -882,6 +918,9 @@ class Scene:
         filter_width: Optional[_Number] = None,
         wait: Literal[True] = True,
         progress: bool = False,
+        first_sample: Optional[_Integer] = None,
+        samples_in_all: Optional[_Integer] = None,
+        time_limit: Optional[_Number] = None,
     ) -> Picture: ...
     @overload
     def render(
@@ -897,4 +936,7 @@ class Scene:
         filter_width: Optional[_Number] = None,
         wait: Literal[False],
         progress: bool = False,
+        first_sample: Optional[_Integer] = None,
+        samples_in_all: Optional[_Integer] = None,
+        time_limit: Optional[_Number] = None,
     ) -> Job: ...

@@ -2,6 +2,7 @@
 
     python3 -m vantor render scene.py -o out.png --size 640x480 --samples 64
     python3 -m vantor show model.glb
+    python3 -m vantor view scene.py
     python3 -m vantor vocabulary newLight spot
     python3 -m vantor info
 """
@@ -10,8 +11,9 @@ import argparse
 import os
 import platform
 import sys
+import webbrowser
 
-from . import SceneError, _native, farm, load, vocabulary
+from . import SceneError, View, _native, farm, load, vocabulary
 from ._source import NoSceneError, Source
 from ._studio import scene_of_model
 from ._vocabulary import ALL
@@ -41,6 +43,23 @@ def render(arguments):
 
 def show(arguments):
     draw(scene_of_model(load(arguments.model), arguments.size), arguments)
+
+
+def view(arguments):
+    """Of a script or a model. A script is run in the process that renders, and again when its file
+    changes."""
+    try:
+        opened = View.of_file(arguments.file, host=arguments.host, port=arguments.port)
+    except ImportError as error:
+        raise SystemExit("vantor: {}".format(error)) from None
+    with opened:
+        print(opened.url, flush=True)
+        if not arguments.no_browser:
+            webbrowser.open(opened.url)
+        try:
+            opened.wait()
+        except KeyboardInterrupt:
+            pass
 
 
 def draw(scene, arguments):
@@ -112,6 +131,13 @@ def parser():
     showing = command("show", show, "Renders a model file, on a ground under a sky.")
     showing.add_argument("model")
     add_picture_options(showing, "out.png")
+    viewing = command("view", view, "Shows a script's scene or a model in the browser, to look "
+                      "around.")
+    viewing.add_argument("file", help="a script, or a model")
+    viewing.add_argument("--host", default="127.0.0.1",
+                         help="where to listen (%(default)s: this machine alone)")
+    viewing.add_argument("--port", type=int, default=0, help="0: any that is free")
+    viewing.add_argument("--no-browser", action="store_true", help="only print the address")
     explaining = command("vocabulary", explain, "Explains what the renderer knows.")
     explaining.add_argument("words", nargs="*", help="a call, a type, or both")
     command("info", info, "Says which renderer is used, on what.")

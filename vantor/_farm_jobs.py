@@ -88,8 +88,8 @@ class FarmJob:
 class FrameJob(FarmJob):
     """A frame that a cluster renders. Its result is the Picture."""
 
-    def __init__(self, client, pickled_source, pieces, size, window):
-        self._canvas = Canvas(size, window)
+    def __init__(self, client, pickled_source, pieces, size, window, ranges):
+        self._canvas = Canvas(size, window, ranges)
         super().__init__(client, pickled_source, pieces)
 
     def _new_collector(self, client, pickled_source, pieces):
@@ -113,7 +113,8 @@ class AnimationJob(FarmJob):
 
 class _Collector(threading.Thread):
     """Hands the pieces to the cluster, and takes what comes back, as soon as it is there: what has
-    arrived is lost with no worker. pieces are by what they are for, a window or a path."""
+    arrived is lost with no worker. pieces are by what they are for: a window and its first sample,
+    or a path."""
 
     def __init__(self, client, pickled_source, pieces):
         super().__init__(name="vantor-farm", daemon=True)
@@ -210,7 +211,8 @@ class _FrameCollector(_Collector):
         super().__init__(client, pickled_source, pieces)
         self._canvas = canvas
 
-    def take(self, window, reply):
+    def take(self, purpose, reply):
+        window, _ = purpose
         self._canvas.put(window, reply.layers)
 
     def _is_over(self):

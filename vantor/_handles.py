@@ -44,7 +44,7 @@ class _Block(Handle):
 
 class Camera(Handle):
     kind = "camera"
-    __slots__ = ()
+    __slots__ = ("parameters", "transforms")
 
 
 class Imager(_Block):
@@ -90,7 +90,7 @@ class Material(_Block):
 
 class Object(Handle):
     kind = "object"
-    __slots__ = ()
+    __slots__ = ("material",)
 
 
 class Pattern(Handle):

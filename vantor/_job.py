@@ -37,6 +37,7 @@ class Job:
         self._outcome = None
         self._is_cancelled = False
         self._progress = mmap.mmap(-1, mmap.PAGESIZE)  # shared with the child
+        self._preview = _shared_pixels(work)
         self._folder = tempfile.mkdtemp(prefix="vantor-job-")
         try:
             work.prepare(self._folder)
@@ -49,7 +50,8 @@ class Job:
         with forking():
             self._pipe, child_end = os.pipe()
             try:
-                self._pid = start_child(_run_child, self._work, child_end, self._progress)
+                shared = (self._progress, self._preview)
+                self._pid = start_child(_run_child, self._work, child_end, *shared)
                 self._clean = weakref.finalize(
                     self, _abandon, os.getpid(), self._pid, self._pipe, self._folder
                 )
@@ -68,6 +70,17 @@ class Job:
         """Whether the pass is over, be it with a result or not."""
         self._receive(0)
         return self._outcome is not None
+
+    def preview(self):
+        """The Picture as far as it is finished, its colour alone; the rest is black. None before
+        anything is, and where the renderer does not show it."""
+        if self._preview is None:
+            return None
+        (count,) = struct.unpack_from("i", self._preview)
+        if not count:
+            return None
+        colors = bytearray(self._preview[8:])
+        return Picture.of_pass(self._work, {"color": colors})
 
     def cancel(self):
         """Asks the pass to stop. What is finished by then is the result."""
@@ -144,12 +157,24 @@ class Job:
         return Picture.of_pass(self._work, layers)
 
 
-def _run_child(work, pipe, progress):
+def _shared_pixels(work):
+    """Shared memory for a preview; None if there is not so much, or if the renderer will refuse the
+    window anyway. What nobody writes to takes none."""
+    try:
+        x0, y0, x1, y1 = work.pixel_window
+        return mmap.mmap(-1, 8 + 12 * (x1 - x0) * (y1 - y0)) if x0 < x1 and y0 < y1 else None
+    except (OSError, OverflowError, ValueError):
+        return None
+
+
+def _run_child(work, pipe, progress, preview):
     """What the forked process does."""
     signals = []
     signal.signal(signal.SIGINT, lambda *_: signals.append(1))  # the renderer looks for it, too
     signal.pthread_sigmask(signal.SIG_UNBLOCK, {signal.SIGINT})
     _native.progress_into(progress)
+    if preview is not None:
+        _native.preview_into(preview, work.path_of("color"), work.pixel_window)
     messages = []
     try:
         outcome = ({} if signals else work.run(messages), messages, None)

@@ -4,6 +4,7 @@ import math
 import os
 
 from . import _native
+from ._parts import Layer
 from ._vocabulary import ALL
 
 
@@ -12,17 +13,20 @@ class Pass:
     a folder that nobody sees, beside the files of the script's own imagers; one that offers its
     pictures hands over the numbers instead."""
 
-    def __init__(self, scene, size, window, aovs, filtering, with_files=True, background=True):
+    def __init__(self, scene, size, window, aovs, filtering, settings, with_files=True,
+                 background=True):
         self.scene = scene
         self.width, self.height, self.samples = size
         self.window = window
         self.aovs = aovs
         self.filtering = filtering
+        self.settings = settings
         self.background = background
         self._with_files = with_files
         self._imagers = []
         self._files = {}
         self._check_aovs()
+        self._check_settings()
 
     def _check_aovs(self):
         known = aov_parameter()
@@ -33,10 +37,19 @@ class Pass:
                 names = ", ".join(known.choices)
                 raise ValueError('aovs: "{}" is none (one of {} is)'.format(aov, names))
 
+    def _check_settings(self):
+        for name in self.settings:
+            if not ALL.parameter("newImager", "settings", name):
+                raise ValueError("render: this renderer has no {}".format(name))
+
     @property
     def pixel_window(self):
         """x0, y0, x1, y1 of the window: the pixels whose centres lie in it."""
         return pixel_window(self.window, self.width, self.height)
+
+    def path_of(self, aov):
+        """Of the file that the renderer makes for this value, or would make."""
+        return self._files[aov]
 
     def prepare(self, folder):
         """Makes the imagers of the pass, whose files stand in the folder."""
@@ -51,6 +64,7 @@ class Pass:
         filtering = self.filtering or own
         self._files = {aov: os.path.join(folder, aov + ".exr") for aov in self.aovs}
         self._imagers = [self.scene.id_of(imager) for imager in last if self._with_files]
+        self._imagers += self.scene.own_settings(self.settings)
         for aov, path in self._files.items():
             self._imagers.append(self.scene.own_imager(path, aov, filtering, self.background))
 
@@ -91,6 +105,10 @@ class Pass:
 
     def _made(self, path, taken):
         """What the renderer has handed over, or written into the file; None without either."""
+        if isinstance(taken, tuple):
+            layer = Layer(taken[0])
+            layer.parts = [taken[1]]
+            return layer
         if taken or not os.path.exists(path):
             return taken
         width, height, colors, _ = _native.read_picture(path)

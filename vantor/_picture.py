@@ -71,6 +71,13 @@ class Picture:
         """What the picture has: "color", and what else its pass was asked for."""
         return tuple(self._layers)
 
+    @property
+    def samples(self):
+        """Of a part of a larger picture, which of its samples it has: (first, end, in_all). None
+        of any other picture. vantor.merge() puts parts together."""
+        parts = getattr(self._layers.get("color"), "parts", None)
+        return (parts[0][0], parts[-1][1], parts[0][2]) if parts else None
+
     def layers(self):
         """All of its numbers, for another Picture."""
         return self._layers
@@ -130,20 +137,24 @@ class Picture:
         """
         path = os.fspath(path)
         is_float = str(path).lower().endswith(".exr")
+        layer, display = self._in_8_bits(name, display)
+        layer = self._layer(name) if is_float else layer
         scale = _factor_of(exposure)
-        layer = self._layer(name)
-        display = display or ("srgb" if name in ("color", "albedo") else "linear")
-        if not is_float and name in ("normal", "depth"):
-            layer = _shown(layer, name)
         x0, y0 = self.origin
         window = (x0, y0, x0 + self.width, y0 + self.height)
         alpha = self._alpha if name == "color" and "alpha" in self._layers else None
         _native.write_picture(path, *self.full_size, window, layer, scale, display, alpha)
 
-    def png(self, exposure=0.0, display="srgb"):
-        """The colour as a PNG file, in memory."""
-        layer = self._layer("color")
+    def png(self, exposure=0.0, display=None, name="color"):
+        """The colour, or another value, as a PNG file in memory; the rest is as for save()."""
+        layer, display = self._in_8_bits(name, display)
         return _native.png_bytes(self.width, self.height, layer, _factor_of(exposure), display)
+
+    def _in_8_bits(self, name, display):
+        layer = self._layer(name)
+        if name in ("normal", "depth"):
+            layer = _shown(layer, name)
+        return layer, display or ("srgb" if name in ("color", "albedo") else "linear")
 
     def _repr_png_(self):
         return self.png()

@@ -116,7 +116,7 @@ class _Server:
     def reply(self, piece):
         said = []
         try:
-            with _collecting(said):
+            with collecting(said):
                 return Reply(*self._made(piece), said, None, None)
         except BaseException as error:
             self._scene = None
@@ -135,16 +135,16 @@ class _Server:
         return None, encoded(picture, *piece.file)
 
 
-def encoded(picture, ending, exposure, display):
+def encoded(picture, ending, exposure, display, name="color"):
     """The bytes of a picture's file."""
     with tempfile.TemporaryDirectory(prefix="vantor-farm-") as folder:
         path = os.path.join(folder, "picture" + ending)
-        picture.save(path, exposure, display)
+        picture.save(path, exposure, display, name)
         with open(path, "rb") as file:
             return file.read()
 
 
-class _collecting(warnings.catch_warnings):
+class collecting(warnings.catch_warnings):
     """While it is open, messages are appended to a list, with file and line. All of them: which are
     shown is for the filters of the script to decide."""
 

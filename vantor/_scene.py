@@ -36,8 +36,11 @@ class Scene:
         self.handles = []
         self._open = []
         self._area_light = None
+        self.last_camera = None
         self._last_file_imager = None
+        self._last_settings = None
         self._own_imagers = {}
+        self._has_own_settings = False
         self._folder = None
         self._files = 0
 
@@ -46,7 +49,11 @@ class Scene:
 
     def camera(self, type, /, **parameters):
         """Makes a camera, under the open transforms. The one made last takes the picture."""
-        return self._under_transforms(self._create, _handles.Camera, type, parameters)
+        camera = self._under_transforms(self._create, _handles.Camera, type, parameters)
+        camera.parameters = parameters
+        camera.transforms = open_transforms.get()
+        self.last_camera = camera
+        return camera
 
     def imager(self, type, /, **parameters):
         """Makes an imager: a "file" that render() also writes, or "settings" of a pass."""
@@ -54,6 +61,8 @@ class Scene:
         imager.parameters = parameters
         if type == "file":
             self._last_file_imager = imager
+        elif type == "settings":
+            self._last_settings = imager
         return imager
 
     def interface(self, type, /, **parameters):
@@ -97,7 +106,9 @@ class Scene:
 
     def object(self, type, /, **parameters):
         """Makes an object, which add() puts into the scene."""
-        return self._create(_handles.Object, type, parameters)
+        made = self._create(_handles.Object, type, parameters)
+        made.material = None
+        return made
 
     def pattern(self, type, /, **parameters):
         """Makes a pattern, a value that varies over a surface."""
@@ -135,6 +146,8 @@ class Scene:
             if isinstance(what, Model):
                 return what.add_to(self)
             self._under_transforms(self._call, "addObject", self.id_of(what, "object"))
+            materials = [open for open in self._open if open.kind == "material"]
+            what.material = materials[-1] if materials else None
             return what
         finally:
             for block in reversed(own):
@@ -147,7 +160,8 @@ class Scene:
         self._call("radiosity")
 
     def render(self, width, height, samples=64, *, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
-               background=True, filter=None, filter_width=None, wait=True, progress=False):
+               background=True, filter=None, filter_width=None, wait=True, progress=False,
+               first_sample=None, samples_in_all=None, time_limit=None):
         """Renders a picture.
 
         width and height are those of the whole picture, in pixels; samples are for each pixel. The
@@ -157,15 +171,30 @@ class Scene:
         The filter is that of the imager "file". With wait=False the pass runs in a process of its
         own, and a Job is returned. With progress=True, it is waited for such a Job under a bar of
         tqdm. Where no picture comes of it, SceneError says why.
+
+        With first_sample and samples_in_all the pass makes a part of a larger picture's samples,
+        which vantor.merge() puts together with others. After time_limit, in seconds, no further
+        samples are begun. What is not given of these is as the script's own settings say.
         """
+        settings = {"first_sample": first_sample, "samples_in_all": samples_in_all,
+                    "time_limit": time_limit}
         return self.render_for(script_place(), width, height, samples, window, aovs, filter,
-                               filter_width, wait, progress, background=background)
+                               filter_width, wait, progress, background=background,
+                               settings=settings)
+
+    def view(self, *, host="127.0.0.1", port=0):
+        """Opens a page in which the scene, as it is now, can be looked at from all sides in a
+        browser; needs aiohttp. Returns a View: its url is the page's, close() ends it, and in a
+        notebook it shows itself."""
+        from ._viewer import View
+
+        return View.of_scene(self, host=host, port=port)
 
     # For the handles, and for the other parts of this package.
 
     def render_for(self, place, width, height, samples=64, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
                    filter=None, filter_width=None, wait=True, progress=False,
-                   with_files=True, background=True):
+                   with_files=True, background=True, settings=None):
         """As render(), with the place of the script that its messages belong to; with_files=False
         leaves out the file imager that the script has made last."""
         aovs = tuple(aovs) if isinstance(aovs, Iterable) and not isinstance(aovs, str) else (aovs,)
@@ -178,6 +207,7 @@ class Scene:
             _native.numbers(window, (4,)),
             ("color", *(aov for aov in aovs if aov != "color")),
             {name: value for name, value in filtering.items() if value is not None},
+            {name: value for name, value in (settings or {}).items() if value is not None},
             with_files,
             bool(background),
         )
@@ -259,6 +289,27 @@ class Scene:
             handle = self._create(_handles.Imager, "file", parameters, is_own=True)
             self._own_imagers[key] = handle.id
         return self._own_imagers[key]
+
+    def own_camera(self, parameters):
+        """A perspective camera for this package's own use, from which the next pass looks."""
+        self._create(_handles.Camera, "perspective", parameters, is_own=True)
+
+    def own_settings(self, changed):
+        """The numbers of the imagers, one or none, by which a pass follows the script's settings
+        but for what is changed."""
+        if not changed and not self._has_own_settings:
+            return []
+        # From now on they count at every pass: without an open block, the renderer takes the
+        # settings that were made last, which may be these.
+        self._has_own_settings = True
+        opened = [h for h in self._open if h.kind == "imager" and h.type == "settings"]
+        script = (opened or [self._last_settings])[-1]
+        parameters = dict(script.parameters if script else {}, **changed)
+        key = ("settings", repr(sorted(parameters.items())))
+        if key not in self._own_imagers:
+            handle = self._create(_handles.Imager, "settings", parameters, is_own=True)
+            self._own_imagers[key] = handle.id
+        return [self._own_imagers[key]]
 
     def module_call(self, messages, name, *arguments, pictures=None):
         """A call of the module's scene. Messages are appended to the list; of files whose paths are

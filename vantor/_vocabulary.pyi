@@ -151,6 +151,13 @@ class _SettingsImager(TypedDict, total=False):
     # after radiosity(): the first diffuse surface gathers its light with rays, and only those are
     # told the result; 0 or 1
     final_gather: Optional[_Switch]
+    # the pass makes a range of a larger picture's samples, from this one on; 0 to 16777216
+    first_sample: Optional[_Integer]
+    # how many samples a pixel of that picture has; 0 is as many as there are with this pass; 0 to
+    # 16777216
+    samples_in_all: Optional[_Integer]
+    # the pass begins no further samples that are likely to end later; 0 is no limit; s; 0 or more
+    time_limit: Optional[_Number]
 
 class _ConductorInterface(TypedDict, total=False):
     """Reflects like a metal, on both sides."""

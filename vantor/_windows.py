@@ -1,7 +1,8 @@
-"""Windows: how a frame is cut into pieces, and put together again."""
+"""Windows: how a frame is cut into pieces, by pixels and by samples, and put together again."""
 
 import math
 
+from ._parts import merge
 from ._picture import Picture
 
 # Pieces begin and end at multiples of this: the renderer works on blocks of 4 x 4 pixels, and those
@@ -9,6 +10,9 @@ from ._picture import Picture
 _GRID = 8
 
 _PIXEL = 12  # bytes
+
+# The renderer sums samples in groups of so many, and these in pairs.
+_SAMPLES_OF_A_GROUP = 16
 
 
 def cut(window, count):
@@ -26,6 +30,14 @@ def cut(window, count):
     ]
 
 
+def cut_samples(samples, count):
+    """(first, end) of ranges that can be put together: equal but for the last, at most count."""
+    size = _SAMPLES_OF_A_GROUP
+    while size * count < samples:
+        size *= 2
+    return [(first, min(first + size, samples)) for first in range(0, samples, size)]
+
+
 def fractions(window, width, height):
     """The window as render() takes it."""
     x0, y0, x1, y1 = window
@@ -35,12 +47,24 @@ def fractions(window, width, height):
 class Canvas:
     """A window of a picture, to which its parts come one by one. What has not come is black."""
 
-    def __init__(self, size, window):
+    def __init__(self, size, window, ranges=1):
+        """ranges is in how many ranges of samples each part comes."""
         self._size = size
         self._window = window
+        self._ranges = ranges
+        self._waiting = {}  # for the other ranges: Pictures, by window
         self._layers = {}
 
     def put(self, window, layers):
+        if self._ranges == 1:
+            return self._put(window, layers)
+        x0, y0, x1, y1 = window
+        waiting = self._waiting.setdefault(window, [])
+        waiting.append(Picture(x1 - x0, y1 - y0, layers, full_size=self._size, origin=(x0, y0)))
+        if len(waiting) == self._ranges:
+            self._put(window, merge(self._waiting.pop(window)).layers())
+
+    def _put(self, window, layers):
         x0, y0, x1, y1 = window
         left, top, right, bottom = self._window
         row = _PIXEL * (x1 - x0)

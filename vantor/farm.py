@@ -28,7 +28,7 @@ from ._passes import pixel_window
 from ._picture import Picture
 from ._render_process import Piece, encoded
 from ._source import Source
-from ._windows import cut, fractions
+from ._windows import cut, cut_samples, fractions
 
 __all__ = ["AnimationJob", "FarmError", "FarmJob", "FrameJob", "animate", "render"]
 
@@ -41,15 +41,16 @@ _MOST_PIECES = 2000
 
 
 def render(source, width, height, samples=64, *, client=None, frame=None, pieces=None,
-           window=(0.0, 0.0, 1.0, 1.0), aovs=(), filter=None, filter_width=None, wait=True,
-           progress=False):
-    """Renders a picture on the workers of a distributed.Client, in windows.
+           ranges=1, window=(0.0, 0.0, 1.0, 1.0), aovs=(), filter=None, filter_width=None,
+           wait=True, progress=False):
+    """Renders a picture on the workers of a distributed.Client, in windows and ranges of samples.
 
     source is a function that returns a Scene, or the path of a script that makes one in the
     variable "scene". A frame, if one is given, is the function's argument, or the script's variable
-    "frame". pieces is about how many windows the picture is cut into. Everything else is as for
-    Scene.render(): with wait=False, a FrameJob is returned, without a client a Job; with
-    progress=True, a bar is shown.
+    "frame". pieces is about how many windows the picture is cut into; ranges, into how many ranges
+    of samples each of these at most, which serves where few windows have all the work. Everything
+    else is as for Scene.render(): with wait=False, a FrameJob is returned, without a client a Job;
+    with progress=True, a bar is shown.
     """
     place = script_place()
     source = Source(source)
@@ -61,17 +62,28 @@ def render(source, width, height, samples=64, *, client=None, frame=None, pieces
     _check(client)
     size = tuple(map(_values.integer, (width, height, samples)))
     pixels = pixel_window(_native.numbers(window, (4,)), width, height)
+    if _values.integer(ranges) < 1:
+        raise ValueError("ranges: expected 1 or more, got {}".format(ranges))
     if pixels[0] >= pixels[2] or pixels[1] >= pixels[3]:
         raise ValueError("a picture of {} x {} has no pixels in the window {}".format(
             width, height, tuple(window)))
     workers = len(client.nthreads())
     count = pieces or max(min(_PIECES_OF_A_WORKER * workers, _MOST_PIECES), _LEAST_PIECES, workers)
+    samples = cut_samples(size[2], _values.integer(ranges))
     parts = {
-        part: Piece(frame, size, fractions(part, width, height), options, place[:2], None)
+        (part, first): Piece(frame, (*size[:2], end - first), fractions(part, width, height),
+                             _with_range(options, samples, first, size[2]), place[:2], None)
         for part in cut(pixels, _values.integer(count))
+        for first, end in samples
     }
-    job = FrameJob(client, _pickled(source), parts, (width, height), pixels)
+    job = FrameJob(client, _pickled(source), parts, (width, height), pixels, len(samples))
     return job.result(progress=progress) if wait else job
+
+
+def _with_range(options, ranges, first, samples):
+    if len(ranges) == 1:
+        return options
+    return dict(options, settings={"first_sample": first, "samples_in_all": samples})
 
 
 def animate(source, frames, path, width, height, samples=64, *, client=None, exposure=0.0,

@@ -29,7 +29,7 @@ class FarmJob(Awaitable[_Result], Generic[_Result]):
 
 class FrameJob(FarmJob[Picture]):
     def __init__(
-        self, client: Any, pickled_source: bytes, pieces: Any, size: Any, window: Any
+        self, client: Any, pickled_source: bytes, pieces: Any, size: Any, window: Any, ranges: int
     ) -> None: ...
     def preview(self) -> Optional[Picture]: ...
 
@@ -48,6 +48,7 @@ def render(
     client: Any = None,
     frame: Any = None,
     pieces: Optional[_Integer] = None,
+    ranges: _Integer = 1,
     window: Sequence[_Number] = ...,
     aovs: Union[_Aov, Iterable[_Aov]] = (),
     filter: Optional[_Filter] = None,
@@ -65,6 +66,7 @@ def render(
     client: Any = None,
     frame: Any = None,
     pieces: Optional[_Integer] = None,
+    ranges: _Integer = 1,
     window: Sequence[_Number] = ...,
     aovs: Union[_Aov, Iterable[_Aov]] = (),
     filter: Optional[_Filter] = None,

@@ -55,8 +55,12 @@ std::optional<Imager> make_file_imager(const Parameters &parameters, const CallR
 
 std::optional<Imager> make_settings(const Parameters &parameters, const CallReport &) {
     return Settings{static_cast<std::uint32_t>(parameters.integer("seed")),
-                    static_cast<int>(parameters.integer("max_depth")), static_cast<float>(parameters.number("clamp")),
-                    parameters.is_on("final_gather")};
+                    static_cast<int>(parameters.integer("max_depth")),
+                    static_cast<float>(parameters.number("clamp")),
+                    parameters.is_on("final_gather"),
+                    static_cast<int>(parameters.integer("first_sample")),
+                    static_cast<int>(parameters.integer("samples_in_all")),
+                    parameters.number("time_limit")};
 }
 
 constexpr ImagerMaker makers[] = {

@@ -3,6 +3,8 @@
 
 #include "libvantor/film/aov_table.h"
 
+#include <new>
+
 namespace vantor {
 
 namespace {
@@ -34,6 +36,18 @@ std::string write_file(const FileImager &imager, const FrameBuffer &frame, const
     if (holds_floats(imager.path))
         return write_picture(picture, {1, Display::Linear, comment}, imager.path);
     return write_picture(shown_in_8_bits(picture, row), {1, row.display, comment}, imager.path);
+}
+
+void show_tile(const std::vector<FileImager> &imagers, const FrameBuffer &frame, const PixelArea &tile) {
+    try {
+        for (const FileImager &imager : imagers) {
+            const bool is_scaled = !row_of(imager.aov).in_8_bits && imager.scale != 1;
+            if (holds_floats(imager.path) && !is_scaled)
+                tile_handler()(frame.of(imager.aov), tile, imager.path);
+        }
+    } catch (const std::bad_alloc &) {
+        // The pass itself may still have the memory that it needs.
+    }
 }
 
 } // namespace vantor

@@ -10,4 +10,7 @@ namespace vantor {
 /// what went wrong; empty if nothing did.
 std::string write_file(const FileImager &imager, const FrameBuffer &frame, const std::string &comment);
 
+/// Shows whoever wants to see pictures grow (set_tile_handler) a part of the frame that is finished.
+void show_tile(const std::vector<FileImager> &imagers, const FrameBuffer &frame, const PixelArea &tile);
+
 } // namespace vantor

@@ -3,6 +3,7 @@
 
 #include "libvantor/base/aov.h"
 #include "libvantor/images/display.h"
+#include "libvantor/images/sample_sums.h"
 #include "libvantor/world/surface.h"
 
 #include <array>
@@ -18,21 +19,10 @@ struct FirstHit {
     Vec3 path_start;
 };
 
-/// How the samples of a pixel become its value.
-enum class Reduction {
-    Radiance,         ///< The mean of the radiances of all paths. The table's value is not asked for, here and below.
-    RadianceVariance, ///< The variance of that mean.
-    RadianceOfHits,   ///< The same mean, to which the samples that hit nothing add nothing.
-    Mean,             ///< Over all samples, of which those that hit nothing count as 0.
-    MeanOfHits,       ///< Over the samples that hit something.
-    Direction,        ///< Likewise, of unit length.
-    First,            ///< The first sample's: values in between would mean nothing.
-};
-
 /// One AOV. Files of floats hold the values themselves; only the colour is exposed there, too.
 struct AovRow {
     Aov aov;
-    Color (*value)(const FirstHit &first); ///< Null where it comes from the radiance.
+    Color (*value)(const FirstHit &first); ///< Null where it comes from the radiance, which a path has itself.
     Reduction reduction;
     /// In a file of 8 bits, so that it can be looked at, given the picture's largest component. Null where the imager
     /// says it, by exposure and display.

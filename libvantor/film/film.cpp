@@ -9,30 +9,29 @@ void PixelFilm::add(Color radiance, const AovSample &seen) {
         return;
     ++hits;
     if (is_finite(radiance))
-        sums[index_of(Aov::Foreground)].add(radiance);
+        values[index_of(Aov::Foreground)].add(radiance);
     for (const AovRow &row : aov_table())
         if (row.value && (row.reduction != Reduction::First || count == 1))
-            sums[index_of(row.aov)].add(seen.values[index_of(row.aov)]);
+            values[index_of(row.aov)].add(seen.values[index_of(row.aov)]);
 }
 
-Color PixelFilm::value(Aov aov) const {
-    const Sum &sum = sums[index_of(aov)];
-    switch (row_of(aov).reduction) {
-    case Reduction::Radiance:
-        break;
-    case Reduction::RadianceVariance:
-        return {red.variance_of_mean(count), green.variance_of_mean(count), blue.variance_of_mean(count)};
-    case Reduction::RadianceOfHits:
-    case Reduction::Mean:
-        return sum.over(count);
-    case Reduction::MeanOfHits:
-        return sum.over(hits);
-    case Reduction::Direction:
-        return sum.over(sum.length());
-    case Reduction::First:
-        return sum.over(1);
-    }
-    return {red.mean(count), green.mean(count), blue.mean(count)};
+void PixelFilm::add(const PixelFilm &later) {
+    radiances.add(later.radiances);
+    squares.add(later.squares);
+    count += later.count;
+    if (later.hits == 0)
+        return;
+    hits += later.hits;
+    for (const AovRow &row : aov_table())
+        if (row.reduction != Reduction::First)
+            values[index_of(row.aov)].add(later.values[index_of(row.aov)]);
+}
+
+SampleSums PixelFilm::sums(Aov aov) const {
+    const Reduction reduction = row_of(aov).reduction;
+    if (reduction == Reduction::Radiance || reduction == Reduction::RadianceVariance)
+        return {radiances, squares, static_cast<double>(count)};
+    return {values[index_of(aov)], {}, static_cast<double>(hits)};
 }
 
 } // namespace vantor

@@ -12,9 +12,10 @@ class PixelFilm {
     void add(Color radiance) {
         // Sums of very large radiances may overflow; one such sample must not make the pixel unusable.
         if (is_finite(radiance)) {
-            red.add(radiance.r);
-            green.add(radiance.g);
-            blue.add(radiance.b);
+            radiances.add(radiance);
+            squares.r += static_cast<double>(radiance.r) * radiance.r;
+            squares.g += static_cast<double>(radiance.g) * radiance.g;
+            squares.b += static_cast<double>(radiance.b) * radiance.b;
         }
         ++count;
     }
@@ -22,50 +23,22 @@ class PixelFilm {
     /// A sample with AOVs. All samples of a pixel have them, or none.
     void add(Color radiance, const AovSample &seen);
 
+    /// Further samples, added up.
+    void add(const PixelFilm &later);
+
+    /// What the value is made of.
+    SampleSums sums(Aov aov) const;
+
     /// 0 where there is nothing.
-    Color value(Aov aov) const;
+    Color value(Aov aov) const { return sums(aov).value(row_of(aov).reduction, count); }
 
   private:
-    // Sums of all samples. Floats would lose what a sample adds to the sum of a million others.
-    struct Moments {
-        double sum = 0;
-        double squares = 0;
-
-        void add(double value) {
-            sum += value;
-            squares += value * value;
-        }
-        float mean(int of) const { return static_cast<float>(sum / of); }
-        // Of one sample nothing is known. Rounding may make the difference negative.
-        float variance_of_mean(int of) const {
-            const double n = of;
-            return of < 2 ? 0.0f : static_cast<float>(std::max(0.0, squares - sum * sum / n) / (n * (n - 1)));
-        }
-    };
-    struct Sum {
-        double x = 0;
-        double y = 0;
-        double z = 0;
-
-        void add(Color c) {
-            x += c.r;
-            y += c.g;
-            z += c.b;
-        }
-        double length() const { return std::sqrt(x * x + y * y + z * z); }
-        Color over(double divisor) const {
-            if (!(divisor > 0))
-                return {};
-            return {static_cast<float>(x / divisor), static_cast<float>(y / divisor), static_cast<float>(z / divisor)};
-        }
-    };
-
-    Moments red;
-    Moments green;
-    Moments blue;
+    ColorSum radiances;
+    ColorSum squares; // of the radiances
     int count = 0;
 
-    std::array<Sum, aov_count> sums; // of the samples that hit something; of Reduction::First the first sample alone
+    std::array<ColorSum, aov_count>
+        values; // of the samples that hit something; of Reduction::First the first one alone
     int hits = 0;
 };
 

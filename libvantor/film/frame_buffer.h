@@ -1,10 +1,11 @@
 // Frame buffer: what a pass has made, before it goes to files.
 #pragma once
 
-#include "libvantor/base/aov.h"
+#include "libvantor/film/aov_table.h"
 #include "libvantor/images/picture.h"
 
 #include <array>
+#include <functional>
 #include <optional>
 
 namespace vantor {
@@ -28,6 +29,17 @@ class FrameBuffer {
         if (std::optional<Picture> &picture = pictures[index_of(aov)]; !picture)
             picture.emplace(full_width, full_height, area);
     }
+    /// Of all AOVs that are there, also keeps what their pixels are made of, of these samples.
+    void keep_sums(const SampleRange &samples) {
+        for_each([&](Aov aov, Picture &picture) {
+            picture.part = PartSums{samples, row_of(aov).reduction, std::vector<SampleSums>(picture.pixels.size())};
+        });
+    }
+
+    void forget_sums() {
+        for_each([](Aov, Picture &picture) { picture.part.reset(); });
+    }
+
     bool has(Aov aov) const { return pictures[index_of(aov)].has_value(); }
 
     /// Has to be there.
@@ -40,6 +52,9 @@ class FrameBuffer {
             if (pictures[i])
                 visit(static_cast<Aov>(i), *pictures[i]);
     }
+
+    /// Called with each part of the window whose pixels have their values, from any thread; may be empty.
+    std::function<void(const PixelArea &tile)> on_finished;
 
     long finished = 0; ///< How many of the window's pixels have their values. The others are black.
     bool is_whole() const { return finished == pixels(); }

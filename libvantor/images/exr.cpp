@@ -1,16 +1,39 @@
 // OpenEXR files, by its library.
+#include "libvantor/images/exr_part.h"
 #include "libvantor/images/formats.h"
 
 #include <ImfChannelList.h>
 #include <ImfFrameBuffer.h>
 #include <ImfHeader.h>
+#include <ImfIntAttribute.h>
 #include <ImfStandardAttributes.h>
 #include <ImfStdIO.h>
+#include <ImfStringAttribute.h>
 #include <ImfTiledOutputFile.h>
 
 namespace vantor {
 
 static_assert(sizeof(Color) == 3 * sizeof(float), "files are written straight from the pixels");
+
+namespace {
+
+// The sums of a part as channels of 32 bits, two for each double, and whatever else putting together needs.
+void add_part(const PartSums &part, const Imath::Box2i &data, Imf::Header &header, Imf::FrameBuffer &frame) {
+    header.insert(exr_part::first_sample, Imf::IntAttribute(part.samples.first));
+    header.insert(exr_part::end_sample, Imf::IntAttribute(part.samples.end));
+    header.insert(exr_part::samples_in_all, Imf::IntAttribute(part.samples.in_all));
+    header.insert(exr_part::reduction,
+                  Imf::StringAttribute(std::string(reduction_names[static_cast<std::size_t>(part.reduction)])));
+    const auto width = static_cast<std::size_t>(data.max.x - data.min.x + 1);
+    const auto *words = reinterpret_cast<const char *>(part.pixels.data());
+    for (std::size_t i = 0; i < std::size(exr_part::channels); ++i) {
+        header.channels().insert(exr_part::channels[i], Imf::Channel(Imf::UINT));
+        frame.insert(exr_part::channels[i], Imf::Slice::Make(Imf::UINT, words + exr_part::word_size * i, data,
+                                                             sizeof(SampleSums), sizeof(SampleSums) * width));
+    }
+}
+
+} // namespace
 
 std::string exr_file(const Picture &picture, float scale, const std::string &comment, const Picture *alpha) {
     std::vector<Color> scaled;
@@ -41,6 +64,8 @@ std::string exr_file(const Picture &picture, float scale, const std::string &com
     add("B", values + 2);
     if (alpha)
         add("A", &alpha->pixels[0].r);
+    if (picture.part)
+        add_part(*picture.part, data, header, frame);
     Imf::StdOSStream stream;
     {
         Imf::TiledOutputFile file(stream, header, 0);

@@ -1,11 +1,15 @@
 // Reading OpenEXR files.
+#include "libvantor/base/report.h"
+#include "libvantor/images/exr_part.h"
 #include "libvantor/images/readers.h"
 
 #include <ImfChannelList.h>
 #include <ImfFrameBuffer.h>
 #include <ImfHeader.h>
 #include <ImfInputFile.h>
+#include <ImfIntAttribute.h>
 #include <ImfStdIO.h>
+#include <ImfStringAttribute.h>
 #include <algorithm>
 #include <stdexcept>
 #include <vector>
@@ -126,6 +130,60 @@ Raster read_exr(const std::string &path, long file_size, const Interrupt &interr
     else
         read_lines<float>(file, channels, raster, interrupt);
     return raster;
+}
+
+namespace {
+
+template <class Attribute> auto attribute_of(const Imf::Header &header, const char *name) {
+    const auto *found = header.findTypedAttribute<Attribute>(name);
+    if (!found)
+        throw std::runtime_error("it is no part of a larger picture");
+    return found->value();
+}
+
+SampleRange samples_of(const Imf::Header &header) {
+    const SampleRange samples{attribute_of<Imf::IntAttribute>(header, exr_part::first_sample),
+                              attribute_of<Imf::IntAttribute>(header, exr_part::end_sample),
+                              attribute_of<Imf::IntAttribute>(header, exr_part::samples_in_all)};
+    if (!samples.is_subtree())
+        throw std::runtime_error("its range of samples is none");
+    return samples;
+}
+
+} // namespace
+
+Picture read_exr_part(const std::string &path, long file_size) {
+    check_exr_header(path, file_size);
+    Imf::InputFile file(path.c_str(), 0);
+    const Imf::Header &header = file.header();
+    const Window display(header.displayWindow());
+    const Window data(header.dataWindow());
+    const std::optional<Reduction> reduction =
+        reduction_named(attribute_of<Imf::StringAttribute>(header, exr_part::reduction));
+    if (!reduction || data.x0 < 0 || data.y0 < 0 || display.x0 != 0 || display.y0 != 0)
+        throw std::runtime_error("it is no part of a larger picture");
+    for (const char *name : exr_part::channels)
+        if (!header.channels().findChannel(name))
+            throw std::runtime_error(joined({"it has no channel ", in_quotes(name)}));
+    const PartSums part{samples_of(header), *reduction, {}};
+
+    const auto x0 = static_cast<int>(data.x0);
+    const auto y0 = static_cast<int>(data.y0);
+    Picture picture(static_cast<int>(display.width), static_cast<int>(display.height),
+                    {x0, y0, x0 + static_cast<int>(data.width), y0 + static_cast<int>(data.height)});
+    picture.part = part;
+    picture.part->pixels.resize(picture.pixels.size());
+    Imf::FrameBuffer frame;
+    auto *words = reinterpret_cast<char *>(picture.part->pixels.data());
+    for (std::size_t i = 0; i < std::size(exr_part::channels); ++i)
+        frame.insert(exr_part::channels[i],
+                     Imf::Slice::Make(Imf::UINT, words + exr_part::word_size * i, header.dataWindow(),
+                                      sizeof(SampleSums), sizeof(SampleSums) * static_cast<std::size_t>(data.width)));
+    file.setFrameBuffer(frame);
+    file.readPixels(header.dataWindow().min.y, header.dataWindow().max.y);
+    for (std::size_t i = 0; i < picture.pixels.size(); ++i)
+        picture.pixels[i] = picture.part->value(i);
+    return picture;
 }
 
 } // namespace vantor

@@ -92,9 +92,17 @@ PictureHandler &the_handler() {
     return only;
 }
 
+TileHandler &the_tile_handler() {
+    static TileHandler &only = *new TileHandler;
+    return only;
+}
+
 } // namespace
 
 void set_picture_handler(PictureHandler handler) { the_handler() = std::move(handler); }
+
+void set_tile_handler(TileHandler handler) { the_tile_handler() = std::move(handler); }
+const TileHandler &tile_handler() { return the_tile_handler(); }
 
 bool has_known_format(const std::string &path) { return format_of(path) != Format::Unknown; }
 bool holds_floats(const std::string &path) { return format_of(path) == Format::Exr; }

@@ -36,6 +36,12 @@ std::string why_unwritable(const std::string &path, int width, int height);
 using PictureHandler = std::function<bool(const Picture &picture, const std::string &path)>;
 void set_picture_handler(PictureHandler handler);
 
+/// Who sees such pictures grow: is called with each finished part of one, from any thread. An empty one ends that. Not
+/// during a pass.
+using TileHandler = std::function<void(const Picture &picture, const PixelArea &tile, const std::string &path)>;
+void set_tile_handler(TileHandler handler);
+const TileHandler &tile_handler();
+
 /// Writes the picture: whole, or not at all. An existing file is replaced at the end, in one step. A file of 8 bits
 /// holds the window alone. An EXR file knows the whole picture: its display window is the picture, its data window the
 /// window. Returns what went wrong; empty if nothing did.

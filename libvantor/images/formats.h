@@ -29,7 +29,7 @@ std::string tiff_file(const BytePicture &picture, const std::string &comment);
 
 /// Floats in tiles of 64 x 64, deflated, every value multiplied by the scale. The display window is the whole picture,
 /// the data window the picture's window; the comment is the attribute "comments". The alpha, if there is one, is not
-/// multiplied.
+/// multiplied. Of a part, the sums are in further channels.
 std::string exr_file(const Picture &picture, float scale, const std::string &comment, const Picture *alpha = nullptr);
 
 /// The largest width and height that a JPEG file can have.

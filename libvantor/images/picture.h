@@ -3,6 +3,7 @@
 
 #include "libvantor/base/color.h"
 #include "libvantor/base/tiles.h"
+#include "libvantor/images/sample_sums.h"
 
 #include <vector>
 
@@ -14,16 +15,17 @@ struct Picture {
     int full_height;
     PixelArea window; ///< In pixels of the whole picture; not empty.
     std::vector<Color> pixels;
+    std::optional<PartSums> part; ///< Where the pixels have some of a larger picture's samples.
 
-    Picture(int width, int height, const PixelArea &part)
-        : full_width(width), full_height(height), window(part),
-          pixels(static_cast<std::size_t>(part.width()) * static_cast<std::size_t>(part.height())) {}
+    Picture(int width, int height, const PixelArea &area)
+        : full_width(width), full_height(height), window(area),
+          pixels(static_cast<std::size_t>(area.width()) * static_cast<std::size_t>(area.height())) {}
 
     /// x and y in pixels of the whole picture, inside the window.
     Color &at(int x, int y) { return pixels[index(x, y)]; }
     const Color &at(int x, int y) const { return pixels[index(x, y)]; }
 
-  private:
+    /// Of x and y in the pixels, and in those of the part.
     std::size_t index(int x, int y) const {
         return static_cast<std::size_t>(y - window.y0) * static_cast<std::size_t>(window.width()) +
                static_cast<std::size_t>(x - window.x0);

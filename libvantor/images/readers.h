@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libvantor/base/interrupt.h"
+#include "libvantor/images/picture.h"
 #include "libvantor/images/raster.h"
 
 #include <string>
@@ -19,6 +20,10 @@ void check_memory(long width, long height, PixelFormat format, double decoding_b
 [[noreturn]] void refuse_as_too_short();
 
 Raster read_exr(const std::string &path, long file_size, const Interrupt &interrupt);
+
+/// A part of a larger picture, as exr_file() writes it, without what its colours were multiplied by.
+Picture read_exr_part(const std::string &path, long file_size);
+
 Raster read_jpeg(const std::string &path, long file_size, const Interrupt &interrupt);
 Raster read_png(const std::string &path, long file_size, const Interrupt &interrupt);
 

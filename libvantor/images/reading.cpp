@@ -105,4 +105,16 @@ ReadPicture read_picture(const std::string &path) {
     }
 }
 
+ReadPart read_part(const std::string &path) {
+    try {
+        return {read_exr_part(path, size_of(path)), {}};
+    } catch (const std::system_error &error) {
+        return {{}, error.code().message()};
+    } catch (const std::bad_alloc &) {
+        return {{}, "there is not enough memory for it"};
+    } catch (const std::exception &error) {
+        return {{}, error.what()};
+    }
+}
+
 } // namespace vantor

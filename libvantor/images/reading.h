@@ -1,6 +1,7 @@
 // Reading pictures: PNG, JPEG and OpenEXR files, recognised by their first bytes.
 #pragma once
 
+#include "libvantor/images/picture.h"
 #include "libvantor/images/raster.h"
 
 #include <optional>
@@ -21,5 +22,14 @@ struct ReadPicture {
 /// than VANTOR_PICTURE_MEMORY says, in MiB, is refused. Ctrl-C is heard between two rows. Nothing is thrown, whatever
 /// is in the file.
 ReadPicture read_picture(const std::string &path);
+
+struct ReadPart {
+    std::optional<Picture> picture; ///< With its sums.
+    std::string why_not;            ///< In one line, where there is no picture.
+};
+
+/// The OpenEXR file of a pass that has made a part of a larger picture's samples; without the exposure of its colours.
+/// Nothing is thrown, whatever is in the file.
+ReadPart read_part(const std::string &path);
 
 } // namespace vantor

@@ -2,6 +2,7 @@
 #include "libvantor/integrators/render.h"
 
 #include "libvantor/film/aov_output.h"
+#include "libvantor/integrators/rounds.h"
 #include "libvantor/integrators/tile_loop.h"
 
 namespace vantor {
@@ -15,19 +16,24 @@ std::string finished_text(const FrameBuffer &frame) {
 }
 
 // What goes into a file besides its pixels.
-std::string comment_of(const RenderRequest &request, const FrameBuffer &frame) {
-    std::string comment = joined({"vantorPM ", VANTOR_VERSION, "; ", std::to_string(request.width), " x ",
-                                  std::to_string(request.height), " pixels; ", std::to_string(request.samples),
-                                  request.samples == 1 ? " sample a pixel" : " samples a pixel"});
+std::string comment_of(const RenderRequest &request, const SampleRange &asked, const SampleRange &made,
+                       const FrameBuffer &frame) {
+    const int count = made.count();
+    std::string comment =
+        joined({"vantorPM ", VANTOR_VERSION, "; ", std::to_string(request.width), " x ", std::to_string(request.height),
+                " pixels; ", std::to_string(count), count == 1 ? " sample a pixel" : " samples a pixel"});
+    if (!asked.is_whole())
+        comment += joined({", from number ", std::to_string(asked.first), " of ", std::to_string(asked.in_all)});
+    if (made.end < asked.end)
+        comment += joined({"; stopped by the time limit, ", std::to_string(asked.count()), " were asked for"});
     if (!frame.is_whole())
         comment += joined({"; interrupted: ", finished_text(frame), " are finished"});
     return comment;
 }
 
 // Every file; what is not written is reported.
-void write_files(const std::vector<FileImager> &imagers, const FrameBuffer &frame, const RenderRequest &request,
+void write_files(const std::vector<FileImager> &imagers, const FrameBuffer &frame, const std::string &comment,
                  const CallReport &call, const Report &report) {
-    const std::string comment = comment_of(request, frame);
     for (const FileImager &imager : imagers) {
         const std::string why = write_file(imager, frame, comment);
         if (!why.empty())
@@ -44,6 +50,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     // From the first check until the files are there: Ctrl-C is heard even where a disk is slow to answer, and what is
     // finished is kept even where it then ends the process.
     const Interrupt interrupt;
+    const Deadline deadline(registry.settings().time_limit);
     const CallReport call(report, "render");
     if (indirect && registry.settings().max_bounces < Settings().max_bounces) {
         report.note("render: \"max_depth\" is given, which the result of radiosity() cannot keep; paths are followed");
@@ -54,6 +61,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     const PixelArea window = window_of(request, call);
     if (!registry.camera())
         call.diagnostic("there is no camera (newCamera makes one); nothing is rendered");
+    const std::optional<SampleRange> samples = samples_of(request, registry.settings(), call);
     const std::vector<FileImager> imagers = writable_imagers(registry, window, call);
     const Filter filter = imagers.empty() ? Filter() : common_filter(imagers, call);
     if (report.refuses_pictures()) {
@@ -61,7 +69,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
                             " diagnostics so far, and VANTOR_DIAGNOSTICS is strict"}));
         return;
     }
-    if (window.is_empty() || !registry.camera() || imagers.empty())
+    if (window.is_empty() || !samples || !registry.camera() || imagers.empty())
         return;
     registry.tell_vain(std::ranges::any_of(imagers, [](const FileImager &i) { return shows_light(i.aov); }));
 
@@ -71,11 +79,23 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
         if (imager.has_alpha)
             frame.add(Aov::Alpha);
     }
+    if (tile_handler())
+        frame.on_finished = [&](const PixelArea &tile) { show_tile(imagers, frame, tile); };
+    SampleRange made = *samples;
     try {
         const World &world = worlds.current(registry, interrupt);
         const View view = view_of(world, registry);
         const IrradianceLookup lookup{indirect, view.settings.gathers ? 1 : 0};
-        render_tiles(world, view, lookup, filter, static_cast<int>(request.samples), interrupt, frame);
+        const auto render_samples = [&](const SampleRange &range, FrameBuffer &into) {
+            render_tiles(world, view, lookup, filter, range, interrupt, into);
+        };
+        if (view.settings.time_limit > 0) {
+            made = render_until(deadline, *samples, interrupt, render_samples, frame);
+        } else {
+            if (!samples->is_whole())
+                frame.keep_sums(*samples);
+            render_samples(*samples, frame);
+        }
     } catch (const Interrupted &) {
         // Of a world nothing can be shown before it is whole: no pixel is finished.
     }
@@ -83,8 +103,10 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
         report.note("render: interrupted; no picture is written");
         return;
     }
+    if (!frame.is_whole())
+        frame.forget_sums();
     // A stage that works on whole frames, such as a denoiser, has its place here.
-    write_files(imagers, frame, request, call, report);
+    write_files(imagers, frame, comment_of(request, *samples, made, frame), call, report);
 }
 
 } // namespace vantor

@@ -54,6 +54,28 @@ PixelArea window_of(const RenderRequest &request, const CallReport &call) {
     return window;
 }
 
+std::optional<SampleRange> samples_of(const RenderRequest &request, const Settings &settings, const CallReport &call) {
+    if (request.samples < 1 || request.samples > most_samples)
+        return {}; // which window_of() has reported
+    const SampleRange range{settings.first_sample, settings.first_sample + static_cast<int>(request.samples),
+                            settings.samples_in_all ? settings.samples_in_all
+                                                    : settings.first_sample + static_cast<int>(request.samples)};
+    const std::string text = joined({"samples ", std::to_string(range.first), " to ", std::to_string(range.end - 1),
+                                     " of ", std::to_string(range.in_all)});
+    if (range.end > range.in_all || range.in_all > most_samples) {
+        call.diagnostic(joined({text, " are more than there are (expected up to ", std::to_string(most_samples),
+                                " in all); nothing is rendered"}));
+        return {};
+    }
+    if (!range.is_whole() && !range.is_subtree()) {
+        call.diagnostic(
+            joined({text, " cannot be put together with others (expected 16, 32, 64, 128 ... samples from a "
+                          "multiple of as many, or all the rest from there); nothing is rendered"}));
+        return {};
+    }
+    return range;
+}
+
 std::vector<FileImager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call) {
     std::vector<FileImager> imagers = registry.writing_imagers();
     if (imagers.empty())

@@ -20,6 +20,9 @@ struct RenderRequest {
 /// The window in pixels; empty, and reported, if the request cannot be served.
 PixelArea window_of(const RenderRequest &request, const CallReport &call);
 
+/// Which samples the pass makes; nothing, after a diagnostic, if they cannot be a part of the larger picture.
+std::optional<SampleRange> samples_of(const RenderRequest &request, const Settings &settings, const CallReport &call);
+
 /// The imagers whose files can be written, the innermost last; each of the others is reported.
 std::vector<FileImager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call);
 

@@ -1,6 +1,7 @@
 // Tile loop: the pixels of a frame, on all cores.
 #include "libvantor/integrators/tile_loop.h"
 
+#include "libvantor/base/pairwise_sum.h"
 #include "libvantor/film/film.h"
 #include "libvantor/film/filter.h"
 #include "libvantor/integrators/path_integrator.h"
@@ -18,10 +19,21 @@ constexpr std::uint32_t path_dimension = 2;
 
 // Paths are traced in waves: some samples of all pixels of a block. The blocks are those of the whole picture, and a
 // window renders every block that it touches in full. So the same paths are traced together in every window, and
-// rounding that depends on a ray's neighbours in its packet makes no difference.
+// rounding that depends on a ray's neighbours in its packet makes no difference. For the same reason, the samples of a
+// wave are a group of the whole picture's, whichever of them a pass makes.
 constexpr int block_side = 4;
-constexpr int wave_samples = 16;
-constexpr std::size_t most_paths = std::size_t{block_side} * block_side * wave_samples;
+constexpr std::size_t block_pixels = std::size_t{block_side} * block_side;
+constexpr std::size_t most_paths = block_pixels * samples_per_group;
+
+// The pixels of a block, row after row.
+struct BlockFilm {
+    std::array<PixelFilm, block_pixels> pixels;
+
+    void add(const BlockFilm &later) {
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            pixels[i].add(later.pixels[i]);
+    }
+};
 
 PixelArea whole_blocks(const PixelArea &window, int width, int height) {
     const auto down = [](int x) { return x / block_side * block_side; };
@@ -53,9 +65,9 @@ bool needs_first_hits(const FrameBuffer &frame) {
 class BlockRenderer {
   public:
     BlockRenderer(const World &of, const View &from, const IrradianceLookup &indirect, const Filter &of_samples,
-                  int for_each_pixel, const Interrupt &by, FrameBuffer &into)
+                  const SampleRange &of_each_pixel, const Interrupt &by, FrameBuffer &into)
         : world(of), view(from), integrator(of, from.settings, path_dimension, by, indirect), filter(of_samples),
-          samples(for_each_pixel), interrupt(by), frame(into), has_aovs(needs_first_hits(into)) {}
+          samples(of_each_pixel), interrupt(by), frame(into), has_aovs(needs_first_hits(into)) {}
 
     // Returns how many pixels of the frame are finished: none if it was interrupted.
     int render(const PixelArea &block) const;
@@ -74,13 +86,13 @@ class BlockRenderer {
 
     void start(const BlockSamples &of_block, CameraPaths &result) const;
     MediumStack media_around(const Ray &ray) const;
-    int finish(const PixelArea &block, std::span<const PixelFilm> film) const;
+    int finish(const PixelArea &block, const BlockFilm &film) const;
 
     const World &world;
     const View &view;
     const PathIntegrator integrator;
     const FilterSampler filter;
-    const int samples;
+    const SampleRange samples;
     const Interrupt &interrupt;
     FrameBuffer &frame;
     const bool has_aovs;
@@ -96,7 +108,7 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
     samplers.reserve(most_paths);
     of_block.for_each([&](int x, int y, int sample) {
         samplers.emplace_back(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
-                              static_cast<std::uint32_t>(sample), static_cast<std::uint32_t>(samples),
+                              static_cast<std::uint32_t>(sample), static_cast<std::uint32_t>(samples.in_all),
                               view.settings.seed);
     });
     std::vector<Point2f> on_film(samplers.size());
@@ -119,34 +131,40 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
 }
 
 int BlockRenderer::render(const PixelArea &block) const {
-    std::array<PixelFilm, std::size_t{block_side} * block_side> film;
+    PairwiseSum<BlockFilm> film;
     CameraPaths wave(has_aovs);
-    for (int first = 0; first < samples; first += wave_samples) {
+    for (int first = samples.first; first < samples.end; first += samples_per_group) {
         if (interrupt.requested())
             return 0;
-        const BlockSamples of_block{block, first, std::min(first + wave_samples, samples)};
+        const BlockSamples of_block{block, first, std::min(first + samples_per_group, samples.end)};
         start(of_block, wave);
         if (!integrator.trace(wave.paths))
             return 0;
+        BlockFilm group;
         for (std::size_t i = 0; i < wave.paths.size(); ++i) {
-            PixelFilm &pixel = film[of_block.pixel_of(i)];
+            PixelFilm &pixel = group.pixels[of_block.pixel_of(i)];
             if (has_aovs)
                 pixel.add(wave.paths[i].radiance, wave.aovs[i]);
             else
                 pixel.add(wave.paths[i].radiance);
         }
+        film.add(group);
     }
-    return finish(block, film);
+    return finish(block, film.take());
 }
 
-int BlockRenderer::finish(const PixelArea &block, std::span<const PixelFilm> film) const {
+int BlockRenderer::finish(const PixelArea &block, const BlockFilm &film) const {
     int finished = 0;
     std::size_t pixel = 0;
     for (int y = block.y0; y < block.y1; ++y)
         for (int x = block.x0; x < block.x1; ++x, ++pixel)
             if (frame.window().contains(x, y)) {
                 ++finished;
-                frame.for_each([&](Aov aov, Picture &picture) { picture.at(x, y) = film[pixel].value(aov); });
+                frame.for_each([&](Aov aov, Picture &picture) {
+                    picture.at(x, y) = film.pixels[pixel].value(aov);
+                    if (picture.part)
+                        picture.part->pixels[picture.index(x, y)] = film.pixels[pixel].sums(aov);
+                });
             }
     return finished;
 }
@@ -154,14 +172,19 @@ int BlockRenderer::finish(const PixelArea &block, std::span<const PixelFilm> fil
 } // namespace
 
 void render_tiles(const World &world, const View &view, const IrradianceLookup &indirect, const Filter &filter,
-                  int samples, const Interrupt &interrupt, FrameBuffer &frame) {
+                  const SampleRange &samples, const Interrupt &interrupt, FrameBuffer &frame) {
     const BlockRenderer renderer(world, view, indirect, filter, samples, interrupt, frame);
     std::atomic<long> finished = 0;
+    const PixelArea &window = frame.window();
     const auto render_tile = [&](const PixelArea &tile) {
         for (int y = tile.y0; y < tile.y1; y += block_side)
             for (int x = tile.x0; x < tile.x1; x += block_side)
                 finished +=
                     renderer.render({x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)});
+        const PixelArea shown{std::max(tile.x0, window.x0), std::max(tile.y0, window.y0), std::min(tile.x1, window.x1),
+                              std::min(tile.y1, window.y1)};
+        if (frame.on_finished && !interrupt.requested())
+            frame.on_finished(shown);
     };
     for_each_tile(whole_blocks(frame.window(), frame.width(), frame.height()), interrupt, render_tile);
     frame.finished = finished;

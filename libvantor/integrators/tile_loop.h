@@ -7,9 +7,9 @@
 
 namespace vantor {
 
-/// Gives each pixel of the frame's window its samples. Once an interrupt is requested no further pixel is begun, and
-/// those that are not finished stay black.
+/// Gives each pixel of the frame's window these samples, a subtree of all. Once an interrupt is requested no further
+/// pixel is begun, and those that are not finished stay black.
 void render_tiles(const World &world, const View &view, const IrradianceLookup &indirect, const Filter &filter,
-                  int samples, const Interrupt &interrupt, FrameBuffer &frame);
+                  const SampleRange &samples, const Interrupt &interrupt, FrameBuffer &frame);
 
 } // namespace vantor

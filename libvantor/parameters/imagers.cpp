@@ -14,6 +14,7 @@ constexpr std::string_view filters[] = {"tent", "box", "gaussian", "blackman_har
 
 constexpr Range seeds{.low = 0.0, .high = 2147483647.0, .text = "0 to 2147483647"};
 constexpr Range bounces{.low = 1.0, .high = 1000.0, .text = "1 to 1000"};
+constexpr Range sample_counts{.low = 0.0, .high = 16777216.0, .text = "0 to 16777216"};
 constexpr Range filter_widths{.low = 0.01, .high = 64.0, .text = "0.01 to 64"};
 
 constexpr Parameter file_parameters[] = {
@@ -41,6 +42,12 @@ constexpr Parameter settings_parameters[] = {
      "the most that one sample of indirect light counts; 0 is no limit"},
     {"final_gather", ValueKind::Switch, off_or_on, Presence::Default, value(0), "",
      "after radiosity(): the first diffuse surface gathers its light with rays, and only those are told the result"},
+    {"first_sample", ValueKind::Integer, sample_counts, Presence::Default, value(0, 0, 0), "",
+     "the pass makes a range of a larger picture's samples, from this one on"},
+    {"samples_in_all", ValueKind::Integer, sample_counts, Presence::Default, value(0, 0, 0), "",
+     "how many samples a pixel of that picture has; 0 is as many as there are with this pass"},
+    {"time_limit", ValueKind::Number, not_negative, Presence::Default, value(0), "s",
+     "the pass begins no further samples that are likely to end later; 0 is no limit"},
 };
 constexpr Type imagers_table[] = {
     {"file", "Writes the picture to a file: .exr floats, linear; all others 8 bits a channel.", file_parameters},

@@ -7,6 +7,7 @@
 #include "use.h"
 
 #include <algorithm>
+#include <atomic>
 #include <sstream>
 
 namespace {
@@ -36,7 +37,8 @@ void check_vocabulary(const Library &library) {
 struct Heard {
     int messages = 0;
     int pictures = 0;
-    int wrong = 0;
+    std::atomic<int> tiles = 0; // come from several threads
+    std::atomic<int> wrong = 0;
 };
 
 void hear_message(void *context, VtMessageKind kind, const char *text) {
@@ -50,13 +52,26 @@ void hear_progress(void *context, double fraction) {
     heard.wrong += !(fraction >= 0 && fraction <= 1);
 }
 
+bool is_sound(const VtPicture *picture) {
+    const bool has_window = picture->x0 >= 0 && picture->x0 < picture->x1 && picture->x1 <= picture->width &&
+                            picture->y0 >= 0 && picture->y0 < picture->y1 && picture->y1 <= picture->height;
+    const VtSums *sums = picture->sums;
+    const bool has_sums = !sums || (sums->values && sums->reduction && sums->first >= 0 && sums->first < sums->end &&
+                                    sums->end <= sums->in_all);
+    return picture->path && picture->pixels && has_window && has_sums;
+}
+
 bool look_at_picture(void *context, const VtPicture *picture) {
     auto &heard = *static_cast<Heard *>(context);
     ++heard.pictures;
-    const bool has_window = picture->x0 >= 0 && picture->x0 < picture->x1 && picture->x1 <= picture->width &&
-                            picture->y0 >= 0 && picture->y0 < picture->y1 && picture->y1 <= picture->height;
-    heard.wrong += !picture->path || !picture->pixels || !has_window;
+    heard.wrong += !is_sound(picture);
     return true;
+}
+
+void look_at_tile(void *context, const VtPicture *tile) {
+    auto &heard = *static_cast<Heard *>(context);
+    ++heard.tiles;
+    heard.wrong += !is_sound(tile);
 }
 
 // A handler is called until it is taken away; whether there is anything to tell is the library's business.
@@ -64,8 +79,11 @@ void check_handlers(const Library &library) {
     const auto set_messages = optional_function<decltype(VtSetMessageHandler)>(library, "VtSetMessageHandler");
     const auto set_progress = optional_function<decltype(VtSetProgressHandler)>(library, "VtSetProgressHandler");
     const auto set_pictures = optional_function<decltype(VtSetPictureHandler)>(library, "VtSetPictureHandler");
+    const auto set_tiles = optional_function<decltype(VtSetTileHandler)>(library, "VtSetTileHandler");
     const MadeScene scene(library);
     Heard heard;
+    if (set_tiles)
+        set_tiles(look_at_tile, &heard);
     if (set_pictures)
         set_pictures(look_at_picture, &heard);
     if (set_messages)
@@ -79,10 +97,12 @@ void check_handlers(const Library &library) {
         set_progress(nullptr, nullptr);
     if (set_pictures)
         set_pictures(nullptr, nullptr);
-    const int before = heard.messages + heard.pictures;
+    if (set_tiles)
+        set_tiles(nullptr, nullptr);
+    const int before = heard.messages + heard.pictures + heard.tiles;
     use_everything(library, *scene);
     require(heard.wrong == 0, "a handler is given what it cannot use");
-    require(heard.messages + heard.pictures == before, "a handler is called that was taken away");
+    require(heard.messages + heard.pictures + heard.tiles == before, "a handler is called that was taken away");
 }
 
 } // namespace
@@ -90,7 +110,8 @@ void check_handlers(const Library &library) {
 Group optional_checks() {
     return {
         {"VtVocabulary, where exported, gives lines of three or eight fields", check_vocabulary},
-        {"VtSetMessageHandler, VtSetProgressHandler and VtSetPictureHandler, where exported, keep to their handler",
+        {"VtSetMessageHandler, VtSetProgressHandler, VtSetPictureHandler and VtSetTileHandler, where exported, keep to "
+         "their handler",
          check_handlers},
     };
 }

@@ -48,6 +48,13 @@ def ball_scene():
     return scene
 
 
+def in_silence(work):
+    """What work() gives, without warnings of the scene."""
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore", vt.SceneWarning)
+        return work()
+
+
 def run_script(script, *arguments, library=None, **environment):
     """Runs a Python script's text in a process of its own; (status, output, errors)."""
     variables = dict(os.environ, **environment)

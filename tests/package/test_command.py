@@ -1,14 +1,21 @@
 """The command vantor."""
 
 import os
+import signal
 import subprocess
 import sys
 import unittest
+import urllib.request
 
 import vantor as vt
 import vantorPM
 from scenes import PackageTest
 from test_models import binary_ply, why_not
+
+try:
+    import aiohttp
+except ImportError:
+    aiohttp = None
 
 SCRIPT = """import vantor as vt
 scene = vt.Scene()
@@ -54,6 +61,28 @@ class CommandTest(PackageTest):
         self.assertEqual((status, errors), (0, ""))
         values = vt.Picture.load(self.path("a.png")).buffer().cast("B").cast("f").tolist()
         self.assertGreater(len(set(values)), 30)
+
+    def test_view(self):
+        script = self.written("scene.py", SCRIPT.encode())
+        if not aiohttp:
+            status, _, errors = self.vantor("view", script)
+            self.assertEqual(status, 1)
+            self.assertIn("needs aiohttp", errors)
+            return
+        viewing = subprocess.Popen([sys.executable, "-m", "vantor", "view", "--no-browser", script],
+                                   cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                   universal_newlines=True)
+        try:
+            url = viewing.stdout.readline().strip()
+            with urllib.request.urlopen(url) as page:
+                self.assertIn(b"vantor view", page.read())
+            viewing.send_signal(signal.SIGINT)
+            _, errors = viewing.communicate(timeout=60)
+        finally:
+            viewing.kill()
+        self.assertEqual((viewing.returncode, errors), (0, ""))
+        status, _, errors = self.vantor("view", "none.py")
+        self.assertEqual((status, "none.py" in errors), (1, True), errors)
 
     def test_vocabulary_and_info(self):
         status, output, _ = self.vantor("vocabulary", "newLight", "spot")

@@ -13,7 +13,7 @@ from scenes import PackageTest, ball_scene, is_ended, lit_scene
 from vantor import farm
 from vantor._render_process import Piece, Renderer
 from vantor._source import Source
-from vantor._windows import Canvas, cut, fractions
+from vantor._windows import Canvas, cut, cut_samples, fractions
 
 WHOLE = (0.0, 0.0, 1.0, 1.0)
 
@@ -84,6 +84,27 @@ class WindowsTest(unittest.TestCase):
             canvas.put(part, picture.layers())
         for name in ("color", "depth"):
             self.assertEqual(bytes(canvas.picture().buffer(name)), bytes(whole.buffer(name)))
+
+
+    def test_ranges_of_samples_are_the_picture(self):
+        scene = ball_scene()
+        whole = scene.render(24, 18, 100, aovs="depth")
+        ranges = cut_samples(100, 4)
+        self.assertEqual(ranges, [(0, 32), (32, 64), (64, 96), (96, 100)])
+        canvas = Canvas((24, 18), (0, 0, 24, 18), len(ranges))
+        for part in cut((0, 0, 24, 18), 4):
+            for first, end in ranges[::-1]:
+                picture = scene.render(24, 18, end - first, window=fractions(part, 24, 18),
+                                       aovs="depth", first_sample=first, samples_in_all=100)
+                canvas.put(part, picture.layers())
+        for name in ("color", "depth"):
+            self.assertEqual(bytes(canvas.picture().buffer(name)), bytes(whole.buffer(name)))
+
+    def test_samples_are_cut_where_they_can_be_put_together(self):
+        self.assertEqual(cut_samples(8, 4), [(0, 8)])
+        self.assertEqual(cut_samples(256, 1), [(0, 256)])
+        self.assertEqual(cut_samples(256, 3), [(0, 128), (128, 256)])
+        self.assertEqual(cut_samples(48, 100), [(0, 16), (16, 32), (32, 48)])
 
 
 class RendererTest(PackageTest):

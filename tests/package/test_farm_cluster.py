@@ -125,6 +125,13 @@ class ClusterTest(PackageTest):
         self.assertIn(of_victim[1], of_others)  # what it had not handed on
         self.assertEqual(len(set(of_victim + of_others)), sum(job.workers.values()))
 
+    def test_ranges_of_samples_are_the_picture_of_one_process(self):
+        expected = ball_scene().render(*SIZE, 64, aovs="normal")
+        picture = farm.render(ball_scene, *SIZE, 64, client=self.client, pieces=4, ranges=4,
+                              aovs="normal")
+        for name in ("color", "normal"):
+            self.assertEqual(bytes(picture.buffer(name)), bytes(expected.buffer(name)))
+
     def test_cancelling_keeps_what_is_there_and_stops_the_workers(self):
         job = farm.render(ball_scene, *SIZE, 20000, client=self.client, pieces=30, wait=False)
         self.wait_until(lambda: job.progress > 0, job)

@@ -12,7 +12,7 @@ import unittest
 import warnings
 
 import vantor as vt
-from scenes import PackageTest, ball_scene, is_ended, lit_scene, run_script
+from scenes import PackageTest, ball_scene, in_silence, is_ended, lit_scene, run_script
 
 try:
     import tqdm
@@ -77,6 +77,37 @@ class JobTest(PackageTest):
         self.assertNotIn("/", str(said[0].message))
         self.assertGreater(max(picture.buffer().cast("B").cast("f")), 0)
         job.cancel()  # of one that is done: nothing
+
+    def test_a_preview_is_what_is_finished(self):
+        scene = ball_scene()
+        whole = scene.render(160, 120, 64, window=(0.1, 0.2, 0.9, 1)).buffer().cast("B").cast("f")
+        job = scene.render(160, 120, 64, window=(0.1, 0.2, 0.9, 1), wait=False)
+        previews = []
+        while not job.done():
+            previews.append(job.preview())
+        job.result()
+        previews.append(job.preview())
+        self.assertEqual(bytes(previews[-1].buffer()), bytes(whole))
+        some = [preview for preview in previews if preview]
+        for preview in some[:: max(len(some) // 20, 1)]:
+            self.assertEqual((preview.width, preview.height), (128, 96))
+            pixels = preview.buffer().cast("B").cast("f")
+            # Black where it is not finished, and as it will be where it is.
+            self.assertTrue(all(a in (0, b) for a, b in zip(pixels, whole)))
+
+    def test_a_window_that_is_none_is_the_renderers_error(self):
+        nan = float("nan")
+        for window in ((1, 1, 0, 0), (nan, 0, 1, 1), (0, 0, 1e300, 1e300)):
+            job = ball_scene().render(8, 8, 1, window=window, wait=False)
+            with self.assertRaisesRegex(vt.SceneError, "is no part of the picture"):
+                in_silence(job.result)
+
+    def test_no_preview_of_a_job_that_has_not_begun(self):
+        scene = vt.Scene()
+        scene.light("sky")
+        job = scene.render(8, 8, 1, wait=False)
+        self.assertRaises(vt.SceneError, in_silence, job.result)
+        self.assertIsNone(job.preview())
 
     @unittest.skipUnless(tqdm, "this interpreter has no tqdm (Debian: python3-tqdm)")
     def test_a_bar_is_shown(self):

@@ -6,6 +6,7 @@
 #include "renderer/vt_vocabulary.h"
 #include "vantor/native/reference.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -13,6 +14,7 @@
 #include <link.h>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -55,6 +57,32 @@ static_assert(std::atomic<double>::is_always_lock_free && sizeof(std::atomic<dou
 
 extern "C" void note_progress(void *, double fraction) { progress_place->store(fraction, std::memory_order_relaxed); }
 
+// What a job shows of its picture, in memory that it shares: how many parts have come, then the window's pixels.
+struct Preview {
+    Py_buffer buffer;
+    std::string path; // the picture's
+    VtLong x0;
+    VtLong y0;
+    VtLong x1;
+    VtLong y1;
+
+    std::atomic<VtLong> *count() const { return static_cast<std::atomic<VtLong> *>(buffer.buf); }
+    float *pixels() const { return static_cast<float *>(buffer.buf) + 2; }
+};
+Preview preview = {};
+
+extern "C" void note_tile(void *, const VtPicture *tile) {
+    if (preview.path != tile->path || tile->x0 < preview.x0 || tile->y0 < preview.y0 || tile->x1 > preview.x1 ||
+        tile->y1 > preview.y1)
+        return;
+    const VtLong width = preview.x1 - preview.x0;
+    const VtLong columns = tile->x1 - tile->x0;
+    for (VtLong y = tile->y0; y < tile->y1; ++y)
+        std::copy_n(tile->pixels + std::ptrdiff_t{3} * (y - tile->y0) * columns, 3 * columns,
+                    preview.pixels() + 3 * (std::ptrdiff_t{y - preview.y0} * width + tile->x0 - preview.x0));
+    preview.count()->fetch_add(1, std::memory_order_release);
+}
+
 bool append_messages(PyObject *list) {
     std::vector<Message> messages;
     {
@@ -72,7 +100,13 @@ bool append_messages(PyObject *list) {
 }
 
 // The pictures that a call takes, by their paths; empty as long as there is none.
-using TakenPictures = std::map<std::string, std::vector<float>>;
+struct TakenPicture {
+    std::vector<float> colors;
+    std::optional<VtSums> part;
+    std::string reduction;
+    std::vector<double> sums;
+};
+using TakenPictures = std::map<std::string, TakenPicture>;
 
 extern "C" bool take_picture(void *context, const VtPicture *picture) {
     try {
@@ -82,7 +116,13 @@ extern "C" bool take_picture(void *context, const VtPicture *picture) {
             return false;
         const std::size_t pixels =
             static_cast<std::size_t>(picture->x1 - picture->x0) * static_cast<std::size_t>(picture->y1 - picture->y0);
-        found->second.assign(picture->pixels, picture->pixels + 3 * pixels);
+        TakenPicture &to = found->second;
+        to.colors.assign(picture->pixels, picture->pixels + 3 * pixels);
+        if (picture->sums) {
+            to.part = *picture->sums;
+            to.reduction = to.part->reduction;
+            to.sums.assign(to.part->values, to.part->values + 7 * pixels);
+        }
         return true;
     } catch (const std::exception &) {
         return false; // no memory left here: a file it is
@@ -102,13 +142,29 @@ bool list_paths(PyObject *pictures, TakenPictures &taken) {
     return true;
 }
 
+template <class Number> PyObject *bytes_of(const std::vector<Number> &numbers) {
+    return PyByteArray_FromStringAndSize(reinterpret_cast<const char *>(numbers.data()),
+                                         static_cast<Py_ssize_t>(numbers.size() * sizeof(Number)));
+}
+
+// The colours; of a part a pair with (first, end, in_all, reduction, sums).
+PyObject *given(const TakenPicture &picture) {
+    Reference colors(bytes_of(picture.colors));
+    if (!picture.part)
+        return colors.release();
+    Reference sums(bytes_of(picture.sums));
+    if (!colors || !sums)
+        return nullptr;
+    return Py_BuildValue("N(iiisN)", colors.release(), picture.part->first, picture.part->end, picture.part->in_all,
+                         picture.reduction.c_str(), sums.release());
+}
+
 bool give_pictures(const TakenPictures &taken, PyObject *pictures) {
-    for (const auto &[path, floats] : taken) {
-        if (floats.empty())
+    for (const auto &[path, picture] : taken) {
+        if (picture.colors.empty())
             continue;
-        const Reference bytes(PyByteArray_FromStringAndSize(reinterpret_cast<const char *>(floats.data()),
-                                                            static_cast<Py_ssize_t>(floats.size() * sizeof(float))));
-        if (!bytes || PyDict_SetItemString(pictures, path.c_str(), bytes.get()) < 0)
+        const Reference value(given(picture));
+        if (!value || PyDict_SetItemString(pictures, path.c_str(), value.get()) < 0)
             return false;
     }
     return true;
@@ -192,6 +248,30 @@ PyObject *progress_into(PyObject *, PyObject *buffer) {
         progress_place = static_cast<std::atomic<double> *>(progress_buffer.buf);
         set_handler(note_progress, nullptr);
     }
+    Py_RETURN_TRUE;
+}
+
+PyObject *preview_into(PyObject *, PyObject *arguments) {
+    static auto *const set_handler = exported<decltype(VtSetTileHandler)>("VtSetTileHandler");
+    PyObject *buffer;
+    const char *path;
+    if (!PyArg_ParseTuple(arguments, "Os(iiii)", &buffer, &path, &preview.x0, &preview.y0, &preview.x1, &preview.y1))
+        return nullptr;
+    if (!set_handler)
+        Py_RETURN_FALSE;
+    set_handler(nullptr, nullptr);
+    if (preview.buffer.obj)
+        PyBuffer_Release(&preview.buffer);
+    if (PyObject_GetBuffer(buffer, &preview.buffer, PyBUF_WRITABLE) < 0)
+        return nullptr;
+    const Py_ssize_t pixels = Py_ssize_t{preview.x1 - preview.x0} * (preview.y1 - preview.y0);
+    if (preview.x1 < preview.x0 || preview.y1 < preview.y0 || preview.buffer.len < 8 + 12 * pixels) {
+        PyBuffer_Release(&preview.buffer);
+        PyErr_SetString(PyExc_ValueError, "expected a buffer with room for the window's pixels");
+        return nullptr;
+    }
+    preview.path = path;
+    set_handler(note_tile, nullptr);
     Py_RETURN_TRUE;
 }
 

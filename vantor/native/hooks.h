@@ -19,6 +19,10 @@ PyObject *call(PyObject *, PyObject *arguments);
 /// progress_into(buffer): from now on the fraction of a pass that is done is written to the buffer's first eight bytes,
 /// as a double; None ends that.
 PyObject *progress_into(PyObject *, PyObject *buffer);
+/// preview_into(buffer, path, window): from now on what is finished of the picture that is meant for the path appears
+/// in the buffer: the number of its parts as an int32, four bytes of nothing, and three float32 for each pixel of the
+/// window, x0 y0 x1 y1. Returns whether the library offers that.
+PyObject *preview_into(PyObject *, PyObject *arguments);
 /// end_with(pid): from now on this process ends when its parent does, which is the process of that id.
 PyObject *end_with(PyObject *, PyObject *parent);
 /// fork(): as os.fork(), without its warning of threads: the child renders and ends, and waits for no other thread.

@@ -3,6 +3,7 @@
 #include "vantor/native/hooks.h"
 #include "vantor/native/model_files.h"
 #include "vantor/native/module_types.h"
+#include "vantor/native/parts.h"
 #include "vantor/native/picture_files.h"
 #include "vantor/native/values.h"
 
@@ -18,6 +19,9 @@ PyMethodDef functions[] = {
     {"float32", float32, METH_O, nullptr},
     {"shape", shape, METH_O, nullptr},
     {"read_picture", read_picture, METH_O, nullptr},
+    {"read_part", read_part, METH_O, nullptr},
+    {"join_parts", join_parts, METH_VARARGS, nullptr},
+    {"sum_parts", sum_parts, METH_O, nullptr},
     {"write_picture", write_picture, METH_VARARGS, nullptr},
     {"png_bytes", png_bytes, METH_VARARGS, nullptr},
     {"library", library, METH_NOARGS, nullptr},
@@ -25,6 +29,7 @@ PyMethodDef functions[] = {
     {"has_messages", has_messages, METH_NOARGS, nullptr},
     {"call", call, METH_VARARGS, nullptr},
     {"progress_into", progress_into, METH_O, nullptr},
+    {"preview_into", preview_into, METH_VARARGS, nullptr},
     {"end_with", end_with, METH_O, nullptr},
     {"fork", fork_process, METH_NOARGS, nullptr},
     {"read_model", read_model, METH_O, nullptr},
