@@ -168,7 +168,7 @@ def by_shape(scene, value):
 def to_numpy(module_array):
     """The elements of an array of the module, as a numpy array of their own: (N,), (N, 3) and so
     on."""
+    numbers, dtype, shape = _native.from_array(module_array)
     import numpy
 
-    numbers, dtype, shape = _native.from_array(module_array)
     return numpy.frombuffer(numbers, dtype).reshape(shape)
