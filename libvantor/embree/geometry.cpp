@@ -30,10 +30,10 @@ MappedPoints geometry_of_points(RTCDevice device, std::span<const Vec3> points, 
 
 // All that is said of triangles beside Embree's buffers.
 Geometry triangles_of(OwnedGeometry geometry, const Vec3 *points, std::span<const TriangleMesh::Triangle> triangles) {
-    auto errors = std::make_shared<std::vector<float>>();
+    auto errors = std::make_shared<std::vector<CompactBound>>();
     errors->reserve(triangles.size());
     for (const auto &[a, b, c] : triangles)
-        errors->push_back(triangle_error(points[b] - points[a], points[c] - points[a]));
+        errors->emplace_back(triangle_error(points[b] - points[a], points[c] - points[a]));
     const TriangleBuffers buffers{points, triangles.data(), errors->data()};
     return {std::move(geometry), {.primitives = buffers, .has_winding = true}, std::move(errors)};
 }

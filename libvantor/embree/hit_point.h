@@ -7,6 +7,7 @@
 #include "libvantor/shapes/curves.h"
 #include "libvantor/shapes/mesh.h"
 
+#include <bit>
 #include <variant>
 
 namespace vantor {
@@ -40,16 +41,27 @@ inline float triangle_error(Vec3 edge_u, Vec3 edge_v) {
     return unit_roundoff * std::sqrt(longest) * (8 + 5 * (inverse_sine < most ? inverse_sine : most));
 }
 
+/// A bound of 0 or more in half of a float, rounded up by at most 1/128.
+class CompactBound {
+  public:
+    explicit CompactBound(float bound)
+        : upper_half(static_cast<std::uint16_t>((std::bit_cast<std::uint32_t>(bound) + 0xffffu) >> 16)) {}
+    float value() const { return std::bit_cast<float>(static_cast<std::uint32_t>(upper_half) << 16); }
+
+  private:
+    std::uint16_t upper_half;
+};
+
 /// What Embree traces as triangles: its own copies of corners.
 struct TriangleBuffers {
     const Vec3 *points;
     const TriangleMesh::Triangle *triangles;
-    const float *errors; ///< Of each triangle. To compute it at every hit takes longer.
+    const CompactBound *errors; ///< Of each triangle. To compute them at every hit takes longer.
 
     template <class At> PrimitivePoint rebuilt(unsigned triangle, Point2f uv, Vec3, At) const {
         const TriangleMesh::Triangle &t = triangles[triangle];
         const Vec3 corner = points[t[0]];
-        return {corner + ((points[t[1]] - corner) * uv.u + (points[t[2]] - corner) * uv.v), errors[triangle]};
+        return {corner + ((points[t[1]] - corner) * uv.u + (points[t[2]] - corner) * uv.v), errors[triangle].value()};
     }
 };
 
