@@ -18,7 +18,7 @@ import weakref
 from ._children import forking, how_ended, kill_child, start_child, waited
 from ._messages import Place, SceneError, SceneWarning
 
-# After so many seconds without work the child ends, and its memory is free.
+# After so many seconds without work the child is ended, and its memory is free.
 IDLE_SECONDS = 60
 
 # How often, in seconds, a worker looks whether what it renders is still wanted.
@@ -50,8 +50,7 @@ class RenderProcess:
                 child_end.close()
 
     def render(self, piece, is_wanted):
-        """The Reply; None if it is not wanted any more, or if the child had already ended for want
-        of work: it can be asked no more then."""
+        """The Reply; None if it is not wanted any more: the child can be asked no more then."""
         try:
             self._connection.send(piece)
             while not self._connection.poll(_INTERVAL):
@@ -61,10 +60,7 @@ class RenderProcess:
             return self._connection.recv()
         except (EOFError, OSError):
             self._clean.detach()
-            status = waited(self._pid)
-            if status == 0:
-                return None
-            text = "the process that renders on a worker has ended " + how_ended(status)
+            text = "the process that renders on a worker has ended " + how_ended(waited(self._pid))
             return Reply(None, None, [], Failure(None, text), None)
 
     def end(self):
@@ -78,10 +74,13 @@ class Renderer:
         self._turn = threading.Lock()
         self._token = None
         self._process = None
+        self._idle = None  # the timer that ends the process
 
     def render(self, token, pickled_source, piece, is_wanted):
         """The Reply to a piece of the source, which the token names; None if it is not wanted."""
         with self._turn:
+            if self._idle:
+                self._idle.cancel()
             reply = None
             while reply is None and is_wanted():
                 if self._token != token or self._process is None:
@@ -91,7 +90,15 @@ class Renderer:
                 reply = self._process.render(piece, is_wanted)
                 if reply is None or reply.failure and reply.failure.pickled is None:
                     self.end()
+            self._idle = threading.Timer(IDLE_SECONDS, self._end_idle)
+            self._idle.daemon = True
+            self._idle.start()
             return reply
+
+    def _end_idle(self):
+        with self._turn:
+            if self._idle is threading.current_thread():  # nothing has come meanwhile
+                self.end()
 
     def end(self):
         if self._process:
@@ -100,9 +107,9 @@ class Renderer:
 
 
 def _serve(connection, pickled_source):
-    """What the child does until it is idle for long."""
+    """What the child does until it is ended."""
     server = _Server(pickled_source)
-    while connection.poll(IDLE_SECONDS):
+    while True:
         connection.send(server.reply(connection.recv()))
 
 

@@ -77,7 +77,9 @@ float weigh(const BvhLightSampler::Node &node, const LightSampleContext &referen
         const bool reaches = leaving.cosine + 2e-6f + 1e-3f * leaving.sine > node.cos_emission[i];
         // Normals that are all the same, of surfaces or of spots that shine forwards: nothing arrives behind the box.
         // Those of several lights are the same to two thousandths.
-        const bool is_flat = (node.cos_normals[i] > 0.999998f) & (node.cos_emission[i] >= 0);
+        const bool has_one_normal = node.cos_normals[i] > 0.999998f;
+        const bool shines_forwards = node.cos_emission[i] >= 0;
+        const bool is_flat = has_one_normal & shines_forwards;
         const float along_axis = std::fabs(axis.x) * half.x + std::fabs(axis.y) * half.y + std::fabs(axis.z) * half.z;
         const float slack = node.cos_normals[i] < 1 ? 2.1e-3f * (square * inverse_distance + along_axis) : 0.0f;
         const bool is_before = !is_flat | (before + along_axis > -margin - slack);
