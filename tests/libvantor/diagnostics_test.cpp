@@ -111,7 +111,7 @@ TEST(Diagnostics, HabitsAreUnderstood) {
     List list;
     for (const auto &[wrong, right] :
          {std::pair{"glass", "dielectric"}, {"mirror", "conductor"}, {"metal", "conductor"}})
-        expect_diagnostics(errors_of([&] { scene.NewInterface(wrong, list); }),
+        expect_diagnostics(errors_of([&, type = wrong] { scene.NewInterface(type, list); }),
                            {{.call = "newInterface", .type = wrong, .suggestion = right}});
     expect_diagnostics(
         camera_errors("perspective", "look_at", zero),
@@ -130,7 +130,7 @@ TEST(Diagnostics, AnInterfaceIsNoMaterial) {
     Scene scene;
     List list;
     for (const auto &[wrong, right] : {std::pair{"dielectric", "dielectric"}, {"glass", "dielectric"}})
-        EXPECT_EQ(errors_of([&] { scene.NewMaterial(wrong, list); }),
+        EXPECT_EQ(errors_of([&, type = wrong] { scene.NewMaterial(type, list); }),
                   "vantor: newMaterial \"" + std::string(wrong) + "\": unknown type (did you mean newInterface \"" +
                       right + "\", as the interface of a material \"surface\"?)\n");
 }

@@ -76,7 +76,6 @@ std::vector<Light> mixed(Random &random, int count, float size, Vec3 place = {})
         const Color color{random.between(0.1f, 1), random.between(0.1f, 1), random.between(0.1f, 1)};
         const Vec3 a = random.point(0.1f * size);
         const Vec3 b = random.point(0.1f * size);
-        Affine sphere;
         switch (i % 6) {
         case 0:
             lights.push_back(flat_emitter(Affine(), at, at + a, at + b, FlatEmitter::Outline::Parallelogram, color));
