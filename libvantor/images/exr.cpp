@@ -24,7 +24,8 @@ void add_part(const PartSums &part, const Imath::Box2i &data, Imf::Header &heade
     header.insert(exr_part::samples_in_all, Imf::IntAttribute(part.samples.in_all));
     header.insert(exr_part::reduction,
                   Imf::StringAttribute(std::string(reduction_names[static_cast<std::size_t>(part.reduction)])));
-    const auto width = static_cast<std::size_t>(data.max.x - data.min.x + 1);
+    const int columns = data.max.x - data.min.x + 1;
+    const auto width = static_cast<std::size_t>(columns);
     const auto *words = reinterpret_cast<const char *>(part.pixels.data());
     for (std::size_t i = 0; i < std::size(exr_part::channels); ++i) {
         header.channels().insert(exr_part::channels[i], Imf::Channel(Imf::UINT));
