@@ -88,6 +88,19 @@ Raster read(const std::string &path, const Interrupt &interrupt) {
     throw std::runtime_error("it is no PNG, JPEG or OpenEXR file");
 }
 
+// Why a file cannot be read, of the exception that is being handled.
+std::string reason() {
+    try {
+        throw;
+    } catch (const std::system_error &error) {
+        return error.code().message();
+    } catch (const std::bad_alloc &) {
+        return "there is not enough memory for it";
+    } catch (const std::exception &error) {
+        return error.what();
+    }
+}
+
 } // namespace
 
 ReadPicture read_picture(const std::string &path) {
@@ -96,24 +109,16 @@ ReadPicture read_picture(const std::string &path) {
         return {read(path, interrupt), {}};
     } catch (const Interrupted &) {
         return {{}, "interrupted", true};
-    } catch (const std::system_error &error) {
-        return {{}, error.code().message()};
-    } catch (const std::bad_alloc &) {
-        return {{}, "there is not enough memory for it"};
-    } catch (const std::exception &error) {
-        return {{}, error.what()};
+    } catch (const std::exception &) {
+        return {{}, reason()};
     }
 }
 
 ReadPart read_part(const std::string &path) {
     try {
         return {read_exr_part(path, size_of(path)), {}};
-    } catch (const std::system_error &error) {
-        return {{}, error.code().message()};
-    } catch (const std::bad_alloc &) {
-        return {{}, "there is not enough memory for it"};
-    } catch (const std::exception &error) {
-        return {{}, error.what()};
+    } catch (const std::exception &) {
+        return {{}, reason()};
     }
 }
 
