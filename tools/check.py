@@ -4,11 +4,11 @@ usage: check.py [PRESET...]
 
 The presets are those of CMakePresets.json: quick, test, clang, sanitize. Without one, all are run
 but quick, which is a part of test. Closes with one line, "N passed, N failed", and fails if
-anything did; before it stands what was skipped, and why. A Python test or a source that clang-tidy
-looks at counts like a native test. What a step printed stands in build/log.
+anything did; before it stand what was skipped, and why, and last the names of what failed. A Python
+test or a source that clang-tidy looks at counts like a native test. What a step printed stands in
+build/log.
 """
 
-import collections
 import glob
 import os
 import re
@@ -34,22 +34,29 @@ class Tally:
 
     def __init__(self):
         self.passed = self.failed = 0
-        self.skipped = collections.Counter()
+        self.skipped = {}
+        self.failures = []
 
-    def step(self, name, passed, failed, seconds, details=""):
+    def step(self, name, passed, failed, seconds, details="", failures=()):
         self.passed += passed
         self.failed += failed
+        self.failures += list(failures) or [name] * bool(failed)
         outcome = "%d passed, %d failed" % (passed, failed)
         print("%-50s %-24s %5.0f s" % (name, outcome, seconds), flush=True)
         if failed and details:
             print(details, flush=True)
 
-    def skip(self, name, reason):
-        self.skipped[name, reason] += 1
+    def skip(self, group, name, reason):
+        self.skipped.setdefault((name.split(".")[0], reason), []).append((group, name))
 
     def close(self):
-        for (name, reason), count in sorted(self.skipped.items()):
-            print("skipped: %s: %s%s" % (name, reason, " (%d times)" % count if count > 1 else ""))
+        for (file, reason), skipped in sorted(self.skipped.items()):
+            groups, tests = (sorted(set(column)) for column in zip(*skipped))
+            name = file if len(tests) > 1 else tests[0]
+            count = " (%d tests)" % len(tests) if len(tests) > 1 else ""
+            print("skipped: %s%s: %s [%s]" % (name, count, reason, ", ".join(groups)))
+        for failure in self.failures:
+            print("failed: " + failure)
         print("%d passed, %d failed" % (self.passed, self.failed))
 
 
@@ -105,6 +112,8 @@ class Case:
         self.name = node.get("name")
         self.seconds = float(node.get("time"))
         self.text = node.findtext("system-out") or ""
+        failure = node.find("failure")
+        self.outcome = failure.get("message") if failure is not None else ""
         skipped = node.find("skipped")
         why = skipped.get("message") if skipped is not None else ""
         self.was_skipped = why.startswith(("SKIP_", "Disabled"))
@@ -112,7 +121,7 @@ class Case:
 
     def group(self):
         """What the test is counted with: the first part of its name."""
-        return re.match(r"python-\d+\.\d+\.\d+(-debug)?|[^._]+", self.name)[0]
+        return re.match(r"(python|package)-\d+\.\d+\.\d+(-debug)?|[^._]+", self.name)[0]
 
     def counts(self):
         """How many passed and failed. Programs with many tests close with a plain line."""
@@ -125,14 +134,27 @@ class Case:
         counts_nothing = not passed and not self.reasons()
         return passed, max(failed, int(not self.has_run or counts_nothing))
 
+    def own_name(self):
+        """The name without the group's."""
+        return self.name[len(self.group()) :].lstrip("._") or self.name
+
     def reasons(self):
         """The (name, reason) of each test that was skipped."""
+        name = self.own_name()
         if self.was_skipped:  # GoogleTest puts the reason below the place
             found = re.search(r": Skipped\n(.+)", self.text)
-            return [(self.name, found[1] if found else "no reason given")]
+            return [(name, found[1] if found else "no reason given")]
         return [
-            (self.name + ("." + test if test else ""), reason)
+            (name + ("." + test if test else ""), reason)
             for test, reason in re.findall(r"^skipped: (?:(test_\w+)[^:]*: )?(.+)", self.text, re.M)
+        ]
+
+    def failures(self):
+        """The names of the tests in it that failed; its own where it says no other."""
+        tests = re.findall(r"^(?:FAIL|ERROR): (\S+)|^fail  ([^:]+)", self.text, re.M)
+        names = dict.fromkeys("".join(test) for test in tests)
+        return ["%s, %s" % (self.name, name) for name in names] or [
+            "%s (%s)" % (self.name, self.outcome or "no test was counted")
         ]
 
 
@@ -161,11 +183,18 @@ def run_tests(tally, preset):
             for case, (_, failures) in zip(members, counts)
             if failures
         ]
+        failures = [
+            "%s, %s" % (preset, failure)
+            for case, (_, failures) in zip(members, counts)
+            if failures
+            for failure in case.failures()
+        ]
         spent = sum(case.seconds for case in members)
-        tally.step("%s, %s" % (preset, group), passed, failed, spent, "\n".join(details))
+        step = "%s, %s" % (preset, group)
+        tally.step(step, passed, failed, spent, "\n".join(details), failures)
         for case in members:
             for skipped in case.reasons():
-                tally.skip(*skipped)
+                tally.skip(group, *skipped)
     if not total and (not succeeded or not cases):
         tally.step(name, 0, 1, seconds, text)
 
