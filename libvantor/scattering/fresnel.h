@@ -62,6 +62,25 @@ inline float schlick_weight(float cosine) {
     return square * square * rest;
 }
 
+/// The same weight by Fresnel's equations, for light that meets a dielectric from outside; the ior is above 1.
+inline float dielectric_weight(float cosine, float ior) {
+    const float normal = normal_reflectance(ior);
+    return std::max((refraction_of(cosine, ior).reflectance - normal) / (1 - normal), 0.0f);
+}
+
+/// The mean of its reflectance over the cosines, weighted by the cosine. Duntley, "The Optical Properties of Diffusing
+/// Materials", Journal of the Optical Society of America, 1942.
+inline float mean_dielectric_reflectance(float ior) {
+    const float n2 = ior * ior;
+    const float n4 = n2 * n2;
+    const float below = n2 - 1;
+    const float above = n2 + 1;
+    return 0.5f + (ior - 1) * (3 * ior + 1) / (6 * (ior + 1) * (ior + 1)) +
+           n2 * below * below / (above * above * above) * std::log((ior - 1) / (ior + 1)) -
+           2 * ior * n2 * (n2 + 2 * ior - 1) / (above * (n4 - 1)) +
+           8 * n4 * (n4 + 1) / (above * (n4 - 1) * (n4 - 1)) * std::log(ior);
+}
+
 /// The mean of Schlick's approximation over the cosines, weighted by the cosine; grazing light is all reflected.
 /// Twice the integral of (1 - cosine)^5 cosine is 1/21.
 inline float mean_schlick_reflectance(float normal) { return (20 * normal + 1) / 21; }

@@ -5,6 +5,8 @@
 #include "libvantor/scattering/microfacet.h"
 
 #include <array>
+#include <mutex>
+#include <optional>
 
 namespace vantor {
 
@@ -15,8 +17,9 @@ GlossyAlbedo mix(GlossyAlbedo a, GlossyAlbedo b, float t) {
 }
 
 // The midpoint rule over the numbers that choose a visible facet. Most points lie where the first number is next to 1:
-// there the facets are steep, and other facets hide the light that they reflect.
-GlossyAlbedo integrated(float cosine, float alpha) {
+// there the facets are steep, and other facets hide the light that they reflect. `weight_of` is how far a facet's
+// reflectance has gone from normal to grazing, for a cosine.
+template <class WeightOf> GlossyAlbedo integrated(float cosine, float alpha, WeightOf weight_of) {
     constexpr int rings = 24;
     constexpr int turns = 24;
     const Ggx facets(alpha);
@@ -31,7 +34,7 @@ GlossyAlbedo integrated(float cosine, float alpha) {
             if (!(wi.z > 0))
                 continue;
             const float visible = 3 * rest * rest * facets.visible(wo, wi) / facets.visible(wo);
-            const float weight = schlick_weight(dot(wo, half));
+            const float weight = weight_of(std::clamp(dot(wo, half), 0.0f, 1.0f));
             sum.normal += visible * (1 - weight);
             sum.grazing += visible * weight;
         }
@@ -44,12 +47,12 @@ GlossyAlbedo integrated(float cosine, float alpha) {
 // in the roughness.
 class Table {
   public:
-    Table() {
+    template <class WeightOf> explicit Table(WeightOf weight_of) {
         for (int r = 0; r < roughnesses; ++r) {
             const float alpha = std::max(Ggx::alpha_of(coordinate_of(r, roughnesses)), Ggx::least_alpha);
             for (int c = 0; c < cosines; ++c) {
                 const float root = std::max(coordinate_of(c, cosines), 0.01f);
-                albedos[r][c] = integrated(root * root, alpha);
+                albedos[r][c] = integrated(root * root, alpha, weight_of);
             }
             // Twice the integral of albedo times cosine, in the root of the cosine, r: 4 albedo(r) r^3 dr. The points
             // of Gauss and Legendre make it exact between nodes.
@@ -97,27 +100,59 @@ class Table {
     std::array<GlossyAlbedo, roughnesses> means;
 };
 
-// Made at the first use, which takes some milliseconds.
-const Table &table() {
-    static const Table made;
+// Each is made at its first use, which takes some milliseconds.
+const Table &schlick_table() {
+    static const Table made(schlick_weight);
     return made;
 }
+
+// Those that have a table. Between two of them, weights are linear; they vary most next to 1.
+constexpr std::array iors{1.1f, 1.15f, 1.2f, 1.3f, 1.4f, 1.5f, 1.7f, 2.0f, 2.5f, 3.0f};
+
+const Table &dielectric_table(std::size_t i) {
+    static std::array<std::once_flag, iors.size()> flags;
+    static std::array<std::optional<Table>, iors.size()> tables;
+    std::call_once(flags[i],
+                   [i] { tables[i].emplace([i](float cosine) { return dielectric_weight(cosine, iors[i]); }); });
+    return *tables[i];
+}
+
+// What `read` finds in the table of the ior.
+template <class Read> GlossyAlbedo interpolated(float ior, Read read) {
+    std::size_t i = 0;
+    while (i + 2 < iors.size() && iors[i + 1] <= ior)
+        ++i;
+    const float t = std::clamp((ior - iors[i]) / (iors[i + 1] - iors[i]), 0.0f, 1.0f);
+    if (t == 0)
+        return read(dielectric_table(i));
+    return mix(read(dielectric_table(i)), read(dielectric_table(i + 1)), t);
+}
+
+GlossyAlbedo of_mirror(float weight) { return {1 - weight, weight}; }
 
 } // namespace
 
 GlossyAlbedo glossy_albedo(float cosine, float alpha) {
-    if (alpha < Ggx::least_alpha) {
-        const float weight = schlick_weight(cosine);
-        return {1 - weight, weight};
-    }
-    return table().at(cosine, alpha);
+    return alpha < Ggx::least_alpha ? of_mirror(schlick_weight(cosine)) : schlick_table().at(cosine, alpha);
+}
+
+GlossyAlbedo glossy_albedo(float cosine, float alpha, float ior) {
+    if (alpha < Ggx::least_alpha)
+        return of_mirror(dielectric_weight(cosine, ior));
+    return interpolated(ior, [=](const Table &table) { return table.at(cosine, alpha); });
 }
 
 GlossyAlbedo mean_glossy_albedo(float alpha) {
     // Twice the integral of (1 - cosine)^5 cosine is 1/21.
-    if (alpha < Ggx::least_alpha)
-        return {20 / 21.0f, 1 / 21.0f};
-    return table().mean(alpha);
+    return alpha < Ggx::least_alpha ? of_mirror(1 / 21.0f) : schlick_table().mean(alpha);
+}
+
+GlossyAlbedo mean_glossy_albedo(float alpha, float ior) {
+    if (alpha < Ggx::least_alpha) {
+        const float normal = normal_reflectance(ior);
+        return of_mirror((mean_dielectric_reflectance(ior) - normal) / (1 - normal));
+    }
+    return interpolated(ior, [=](const Table &table) { return table.mean(alpha); });
 }
 
 } // namespace vantor

@@ -18,18 +18,18 @@ Color body_albedo_of(const Plastic &plastic, float mean_coat_albedo) {
 } // namespace
 
 Color Plastic::albedo() const {
-    const float coat = mean_glossy_albedo(alpha).of(normal_reflectance(ior));
+    const float coat = mean_glossy_albedo(alpha, ior).of(normal_reflectance(ior));
     return body_albedo_of(*this, coat) * (1 - coat) + Color{coat, coat, coat};
 }
 
 PlasticBsdf::PlasticBsdf(const Plastic &plastic, Vec3 wo)
-    : alpha(plastic.alpha), side(std::copysign(1.0f, wo.z)), o(on_side(wo, side)), r0(normal_reflectance(plastic.ior)),
-      coat_albedo(glossy_albedo(o.z, alpha).of(r0)), mean_coat_albedo(mean_glossy_albedo(alpha).of(r0)),
-      body_albedo(body_albedo_of(plastic, mean_coat_albedo)),
+    : alpha(plastic.alpha), ior(plastic.ior), side(std::copysign(1.0f, wo.z)), o(on_side(wo, side)),
+      r0(normal_reflectance(ior)), coat_albedo(glossy_albedo(o.z, alpha, ior).of(r0)),
+      mean_coat_albedo(mean_glossy_albedo(alpha, ior).of(r0)), body_albedo(body_albedo_of(plastic, mean_coat_albedo)),
       coat_probability(coat_albedo / (coat_albedo + (1 - coat_albedo) * largest_component(body_albedo))) {}
 
 BsdfValue PlasticBsdf::reflection(Vec3 i) const {
-    const float enters = 1 - glossy_albedo(i.z, alpha).of(r0);
+    const float enters = 1 - glossy_albedo(i.z, alpha, ior).of(r0);
     BsdfValue found{body_albedo * ((1 - coat_albedo) * enters * inverse_pi / (1 - mean_coat_albedo)),
                     (1 - coat_probability) * warp::cosine_hemisphere_pdf(i.z)};
     if (has_smooth_coat())
@@ -37,8 +37,7 @@ BsdfValue PlasticBsdf::reflection(Vec3 i) const {
 
     const Vec3 half = normalized(o + i);
     const Ggx facets(alpha);
-    const float weight = schlick_weight(dot(o, half));
-    const float value = (r0 * (1 - weight) + weight) * facets.reflection(o, i, half);
+    const float value = refraction_of(std::min(dot(o, half), 1.0f), ior).reflectance * facets.reflection(o, i, half);
     found.value += Color{value, value, value};
     found.pdf += coat_probability * facets.reflection_pdf(o, half);
     return found;

@@ -10,7 +10,7 @@ class PlasticBsdf;
 
 /// Reflects like a glossy paint, on both sides.
 ///
-/// The coat reflects with Schlick's approximation. The body scatters the light that the coat lets through, and the coat
+/// The coat reflects by Fresnel's equations. The body scatters the light that the coat lets through, and the coat
 /// reflects part of that back to the body, again and again. With the coat's albedo E, whose mean is E', the body's
 /// value is
 ///
@@ -51,6 +51,7 @@ class PlasticBsdf {
     BsdfValue reflection(Vec3 i) const;
 
     float alpha;
+    float ior;
     float side;             // -1 if wo lies on the back
     Vec3 o;                 // wo, turned to the upper side
     float r0;               // the coat's reflectance at normal incidence

@@ -9,7 +9,7 @@ namespace vantor {
 
 namespace {
 
-constexpr float coat_r0 = 0.04f; // an index of refraction of 1.5
+constexpr float coat_ior = 1.5f;
 
 float facet_alpha(float roughness) { return std::max(Ggx::alpha_of(roughness), Ggx::least_alpha); }
 
@@ -85,7 +85,10 @@ PrincipledBsdf::PrincipledBsdf(const Principled &principled, Vec3 wo)
 }
 
 float PrincipledBsdf::coat_at(float cosine) const {
-    return p.clearcoat > 0 ? p.clearcoat * glossy_albedo(cosine, facet_alpha(p.coat_roughness)).of(coat_r0) : 0.0f;
+    if (!(p.clearcoat > 0))
+        return 0;
+    return p.clearcoat *
+           glossy_albedo(cosine, facet_alpha(p.coat_roughness), coat_ior).of(normal_reflectance(coat_ior));
 }
 
 PrincipledBsdf::Layers PrincipledBsdf::layers_at(float cosine) const {
@@ -113,7 +116,8 @@ Color PrincipledBsdf::reflection(Vec3 i, Vec3 half) const {
 
     if (p.clearcoat > 0) {
         const Ggx coat(facet_alpha(p.coat_roughness));
-        const float coat_value = p.clearcoat * (coat_r0 * (1 - weight) + weight) * coat.reflection(o, i, half);
+        const float coat_reflectance = refraction_of(half_cosine, coat_ior).reflectance;
+        const float coat_value = p.clearcoat * coat_reflectance * coat.reflection(o, i, half);
         value += Color{coat_value, coat_value, coat_value};
     }
     return value;

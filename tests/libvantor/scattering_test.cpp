@@ -72,14 +72,26 @@ TEST(Bsdf, RoughGlassLosesWhatMeetsSeveralFacets) {
 }
 
 TEST(Bsdf, WhitePlasticLosesNothing) {
-    // But for rough coats what meets several facets; the table of albedos is exact to 0.002.
+    // But for rough coats what meets several facets; the tables of albedos are exact to 0.002 at these.
     for (const float roughness : {0.0f, 0.1f, 0.3f, 0.6f, 1.0f})
-        for (const float ior : {1.1f, 1.5f, 2.5f})
+        for (const float ior : {1.1f, 1.25f, 1.5f, 1.8f, 2.5f})
             for (const Vec3 wo : bsdf_cases::directions()) {
                 const Mean albedo = sampled_albedo(with_roughness(Plastic{white, ior}, roughness), wo, 4000);
                 EXPECT_NEAR(albedo.value, 1, 4 * albedo.standard_error + 2e-3)
                     << roughness << ", " << ior << ", z " << wo.z;
             }
+}
+
+TEST(Bsdf, CoatsReflectByFresnelsEquations) {
+    const Principled coated{.base_color = {}, .specular = 0, .clearcoat = 1};
+    for (const auto &[degrees, ior, reflectance] :
+         {std::tuple{0.0, 1.5f, 0.04}, {60.0, 1.5f, 0.0892}, {85.0, 1.5f, 0.6128}, {60.0, 1.33f, 0.0591}}) {
+        const Vec3 wo = chi_square::direction_at(std::cos(degrees * pi / 180), 0.3);
+        EXPECT_NEAR(sampled_albedo(Plastic{{}, ior}, wo, 100).value, reflectance, 1e-4) << degrees << ", " << ior;
+        if (ior == 1.5f) {
+            EXPECT_NEAR(sampled_albedo(coated, wo, 4000).value, reflectance, 4e-3) << degrees;
+        }
+    }
 }
 
 TEST(Bsdf, PrincipledIsNearlyAsBrightAsItsBase) {
@@ -121,6 +133,18 @@ TEST(Fresnel, ReflectanceAtNormalIncidence) {
     }
     // ((eta - 1)^2 + k^2) / ((eta + 1)^2 + k^2).
     EXPECT_NEAR(conductor_reflectance(1, 0.5f, 3), 9.25 / 11.25, 1e-6);
+}
+
+TEST(Fresnel, MeanReflectanceIsTheIntegral) {
+    for (const float ior : {1.1f, 1.33f, 1.5f, 3.0f}) {
+        constexpr int steps = 100000;
+        double sum = 0; // of 2 * reflectance * cosine
+        for (int i = 0; i < steps; ++i) {
+            const float cosine = (static_cast<float>(i) + 0.5f) / steps;
+            sum += 2 * refraction_of(cosine, ior).reflectance * cosine;
+        }
+        EXPECT_NEAR(mean_dielectric_reflectance(ior), sum / steps, 1e-5) << ior;
+    }
 }
 
 TEST(Fresnel, BrewstersAngleHalvesThePolarisations) {
