@@ -101,32 +101,41 @@ class Maker {
                 positions[i] = points[first + i];
                 widths[i] = radii[first + i];
             }
-            add_segment(spline.bezier(positions), spline.bezier(widths), {fraction(segment), fraction(segment + 1)});
+            const Curves::Stretch stretch{fraction(segment), fraction(segment + 1)};
+            if (!add_segment(spline.bezier(positions), spline.bezier(widths), stretch, 0))
+                ++unusable;
         }
     }
 
     std::size_t unusable = 0; // segments that were left out
 
   private:
-    void add_segment(const std::array<VtVector3, 4> &positions, const std::array<double, 4> &widths,
-                     Curves::Stretch stretch) {
+    // False if there is nothing to see of it. Control points may have a negative radius where the curve has none: such
+    // a segment is split until that lies in pieces of a 64th of its length, and what is negative then counts as 0.
+    bool add_segment(const std::array<VtVector3, 4> &positions, const std::array<double, 4> &widths,
+                     Curves::Stretch stretch, int depth) {
+        const auto [narrowest, widest] = std::ranges::minmax(widths);
+        if (widest > 0 && narrowest < -1e-6 * widest && depth < 6) {
+            const auto positions_of = Spline::halves(positions);
+            const auto widths_of = Spline::halves(widths);
+            const float middle = 0.5f * (stretch.from + stretch.to);
+            const bool has_first = add_segment(positions_of[0], widths_of[0], {stretch.from, middle}, depth + 1);
+            return add_segment(positions_of[1], widths_of[1], {middle, stretch.to}, depth + 1) || has_first;
+        }
         std::array<Curves::ControlPoint, 4> points;
         bool is_good = true;
         bool has_length = false;
-        float widest = 0;
         for (std::size_t i = 0; i < 4; ++i) {
             points[i] = {to_float(positions[i]), std::max(0.0f, static_cast<float>(widths[i]))};
             is_good &= is_usable(points[i].position) && points[i].radius <= largest_reach;
             has_length |= largest_coordinate(points[i].position - points[0].position) > 0;
-            widest = std::max(widest, points[i].radius);
         }
-        if (!is_good || !has_length || !(widest > 0)) {
-            ++unusable;
-            return;
-        }
+        if (!is_good || !has_length || !(static_cast<float>(widest) > 0))
+            return false;
         curves.firsts.push_back(static_cast<std::uint32_t>(curves.points.size()));
         curves.points.insert(curves.points.end(), points.begin(), points.end());
         curves.stretches.push_back(stretch);
+        return true;
     }
 
     const Spline &spline;

@@ -76,6 +76,14 @@ struct Spline {
                 weighted_sum(rows[3], control)};
     }
 
+    /// The Bezier control points of the two halves of a segment that is given by its own (de Casteljau's algorithm).
+    template <class Point> static std::array<std::array<Point, 4>, 2> halves(const std::array<Point, 4> &bezier) {
+        const auto at = [&](const CubicWeights &weights) { return weighted_sum(weights, bezier); };
+        const Point middle = at({0.125, 0.375, 0.375, 0.125});
+        return {{{bezier[0], at({0.5, 0.5, 0, 0}), at({0.25, 0.5, 0.25, 0}), middle},
+                 {middle, at({0, 0.25, 0.5, 0.25}), at({0, 0, 0.5, 0.5}), bezier[3]}}};
+    }
+
     /// How many segments so many control points make; 0 if they do not come out even. A closed spline goes on from the
     /// last point to the first.
     std::size_t segments_of(std::size_t points, bool is_closed) const {

@@ -66,20 +66,31 @@ TEST(Curves, FollowTheirTransform) {
     }
 }
 
-TEST(Curves, RadiiGoAlongTheSpline) {
-    // From 0.1 to 0.3 at constant rate: a trapezium of 2 x (0.2 + 0.6) / 2.
+// The same of ribbons along x, by radii of their control points.
+double covered_by_ribbon(const std::vector<VtVector3> &control, const VtMatrix4 &basis,
+                         std::initializer_list<double> given) {
     Scene scene;
     scene.camera({0, 0, 400}, {0, 0, 0}, 2 * std::atan(2 / 400.0) * 180 / circle);
     Points points;
     VtInstanceArray<double> radii;
-    scripted::fill(points, line("bezier"));
-    for (const double radius : {0.1, 0.1 + 0.2 / 3, 0.3 - 0.2 / 3, 0.3})
+    scripted::fill(points, control);
+    for (const double radius : given)
         radii.Add(radius);
     scene.light("area");
     scene.LightBegin();
-    scene.AddObject(scene.object("curves", "points", points, "basis", VtBezierBasis(), "radii", radii));
+    scene.AddObject(scene.object("curves", "points", points, "basis", basis, "radii", radii));
     scene.LightEnd();
-    EXPECT_NEAR(16 * scene.render(64, 64, 16).mean(), 0.8, 0.008);
+    return 16 * scene.render(64, 64, 16).mean();
+}
+
+TEST(Curves, RadiiGoAlongTheSpline) {
+    // From 0.1 to 0.3 at constant rate: a trapezium of 2 x (0.2 + 0.6) / 2.
+    EXPECT_NEAR(covered_by_ribbon(line("bezier"), VtBezierBasis(), {0.1, 0.1 + 0.2 / 3, 0.3 - 0.2 / 3, 0.3}), 0.8,
+                0.008);
+    // (1 - 2t)^2 is nowhere negative, but two of its Bezier points are.
+    EXPECT_NEAR(covered_by_ribbon(line("hermite"), VtHermiteBasis(), {1, -4, 1, 4}), 4 / 3.0, 0.008);
+    // 1 - 2t is, from the middle on, where there is no ribbon.
+    EXPECT_NEAR(covered_by_ribbon(line("hermite"), VtHermiteBasis(), {1, -2, -1, -2}), 1, 0.008);
 }
 
 TEST(Curves, AreLitAsTheyStand) {
