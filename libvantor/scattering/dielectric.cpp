@@ -11,11 +11,6 @@ namespace {
 // With an index of refraction nearer to 1 than this, light is bent so little that floats cannot tell by which facet.
 constexpr float least_contrast = 0.01f;
 
-// Where light from `direction` goes, towards which the normal is turned.
-Vec3 refracted(Vec3 direction, Vec3 normal, float cosine, float refracted_cosine, float ratio) {
-    return normal * (cosine / ratio - refracted_cosine) - direction * (1 / ratio);
-}
-
 } // namespace
 
 Color Dielectric::albedo() const {
@@ -27,16 +22,14 @@ bool Dielectric::is_specular() const { return alpha < Ggx::least_alpha || std::f
 
 DielectricBsdf::DielectricBsdf(const Dielectric &dielectric, Vec3 wo)
     : color(dielectric.color), alpha(dielectric.alpha), is_specular(dielectric.is_specular()),
-      side(std::copysign(1.0f, wo.z)), o(on_side(wo, side)), ratio(wo.z > 0 ? dielectric.ior : 1 / dielectric.ior) {}
+      side(std::copysign(1.0f, wo.z)), o(on_side(wo, side)), ratio(wo.z > 0 ? dielectric.ior : 1 / dielectric.ior) {
+    if (!is_specular)
+        compensation = {alpha, o.z, ratio};
+}
 
-BsdfValue DielectricBsdf::evaluate(Vec3 wi) const {
-    const Vec3 i = on_side(wi, side);
-    const float sides = o.z * i.z;
-    if (is_specular || sides == 0)
-        return {};
+BsdfValue DielectricBsdf::by_facets(Vec3 i) const {
     const Ggx facets(alpha);
-
-    if (sides > 0) {
+    if (i.z > 0) {
         const Vec3 half = normalized(o + i);
         const float reflectance = refraction_of(dot(o, half), ratio).reflectance;
         const float value = reflectance * facets.reflection(o, i, half);
@@ -60,12 +53,58 @@ BsdfValue DielectricBsdf::evaluate(Vec3 wi) const {
     return {color * value, pdf};
 }
 
+BsdfValue DielectricBsdf::compensated(Vec3 i, BsdfValue by_facets) const {
+    const float lost = compensation.lost();
+    if (lost == 0)
+        return by_facets;
+    const bool is_same_side = i.z > 0;
+    const float cosine = std::fabs(i.z);
+    const float value = compensation.value(cosine, is_same_side);
+    const float stays = compensation.reflected();
+    return {by_facets.value + (is_same_side ? Color{value, value, value} : color * (value / (ratio * ratio))),
+            (1 - lost) * by_facets.pdf +
+                lost * (is_same_side ? stays : 1 - stays) * warp::cosine_hemisphere_pdf(cosine)};
+}
+
+BsdfValue DielectricBsdf::evaluate(Vec3 wi) const {
+    const Vec3 i = on_side(wi, side);
+    if (is_specular || o.z * i.z == 0)
+        return {};
+    return compensated(i, by_facets(i));
+}
+
 BsdfSample DielectricBsdf::specular_sample(float uc) const {
     const Refraction refraction = refraction_of(o.z, ratio);
     if (uc < refraction.reflectance)
         return {{-o.x, -o.y, side * o.z}, {1, 1, 1}, 0, true};
     const Vec3 i = refracted(o, {0, 0, 1}, o.z, refraction.cosine, ratio);
     return {on_side(i, side), color * (1 / (ratio * ratio)), 0, true};
+}
+
+bool DielectricBsdf::sample_facets(Point2f u, float uc, Vec3 &i, BsdfValue &found) const {
+    const Ggx facets(alpha);
+    const Vec3 half = facets.sample_normal(o, u);
+    const float cosine = std::clamp(dot(o, half), 0.0f, 1.0f);
+    const Refraction refraction = refraction_of(cosine, ratio);
+    Color weight; // value * |cosine| / pdf, which is known better than its factors
+    if (uc < refraction.reflectance) {
+        i = reflected(o, half);
+        if (!(i.z > 0))
+            return false;
+        const float visible = facets.visible(o, i) / facets.visible(o);
+        weight = {visible, visible, visible};
+        found.pdf = refraction.reflectance * facets.reflection_pdf(o, half);
+    } else {
+        i = normalized(refracted(o, half, cosine, refraction.cosine, ratio));
+        if (!(i.z < 0))
+            return false;
+        const Vec3 sum = o + i * ratio;
+        weight = color * (facets.visible(i) * (1 / (ratio * ratio)));
+        found.pdf = (1 - refraction.reflectance) * facets.normal_pdf(o, half) * ratio * ratio * refraction.cosine /
+                    dot(sum, sum);
+    }
+    found.value = weight * (found.pdf / std::fabs(i.z));
+    return found.pdf > 0;
 }
 
 bool DielectricBsdf::sample(Point2f u, float uc, BsdfSample &sample) const {
@@ -76,27 +115,22 @@ bool DielectricBsdf::sample(Point2f u, float uc, BsdfSample &sample) const {
         return true;
     }
 
-    const Ggx facets(alpha);
-    const Vec3 half = facets.sample_normal(o, u);
-    const float cosine = std::clamp(dot(o, half), 0.0f, 1.0f);
-    const Refraction refraction = refraction_of(cosine, ratio);
-    if (uc < refraction.reflectance) {
-        const Vec3 i = reflected(o, half);
+    const float lost = compensation.lost();
+    Vec3 i;
+    BsdfValue single;
+    if (uc < lost) {
+        i = warp::cosine_hemisphere(u);
         if (!(i.z > 0))
             return false;
-        const float weight = facets.visible(o, i) / facets.visible(o);
-        sample = {
-            on_side(i, side), {weight, weight, weight}, refraction.reflectance * facets.reflection_pdf(o, half), false};
-        return true;
-    }
-    const Vec3 i = normalized(refracted(o, half, cosine, refraction.cosine, ratio));
-    if (!(i.z < 0))
+        if (uc >= lost * compensation.reflected())
+            i.z = -i.z;
+        single = by_facets(i);
+    } else if (!sample_facets(u, (uc - lost) / (1 - lost), i, single)) {
         return false;
-    const Vec3 sum = o + i * ratio;
-    const float pdf =
-        (1 - refraction.reflectance) * facets.normal_pdf(o, half) * ratio * ratio * refraction.cosine / dot(sum, sum);
-    sample = {on_side(i, side), color * (facets.visible(i) * (1 / (ratio * ratio))), pdf, false};
-    return pdf > 0;
+    }
+    const BsdfValue found = compensated(i, single);
+    sample = {on_side(i, side), found.value * (std::fabs(i.z) / found.pdf), found.pdf, false};
+    return found.pdf > 0;
 }
 
 } // namespace vantor

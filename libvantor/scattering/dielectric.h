@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libvantor/scattering/bsdf_concept.h"
+#include "libvantor/scattering/dielectric_compensation.h"
 #include "libvantor/scattering/microfacet.h"
 
 namespace vantor {
@@ -12,7 +13,8 @@ class DielectricBsdf;
 ///
 /// Refraction changes radiance: radiance over the squared index of refraction stays the same, because the same light
 /// fills another solid angle. So all values and weights of refraction hold the squared ratio of the indices, of the
-/// side of `wo` over that of `wi`. A ray that goes into a body and out again has both factors, which cancel.
+/// side of `wo` over that of `wi`. A ray that goes into a body and out again has both factors, which cancel. Facets
+/// lose nothing (DielectricCompensation).
 struct Dielectric {
     using Prepared = DielectricBsdf;
 
@@ -31,6 +33,9 @@ struct Dielectric {
 /// Dielectric, prepared for a hit.
 class DielectricBsdf {
   public:
+    /// Of a boundary that nobody asks.
+    DielectricBsdf() = default;
+
     DielectricBsdf(const Dielectric &dielectric, Vec3 wo);
 
     BsdfValue evaluate(Vec3 wi) const;
@@ -40,12 +45,20 @@ class DielectricBsdf {
   private:
     BsdfSample specular_sample(float uc) const;
 
+    // With `wi` turned as `o` is: what single facets scatter.
+    BsdfValue by_facets(Vec3 i) const;
+    bool sample_facets(Point2f u, float uc, Vec3 &i, BsdfValue &found) const;
+
+    // The rest is added to it.
+    BsdfValue compensated(Vec3 i, BsdfValue by_facets) const;
+
     Color color; // of the refracted light
-    float alpha;
-    bool is_specular;
-    float side;  // -1 if wo lies on the back
-    Vec3 o;      // wo, turned to the upper side
-    float ratio; // the index of refraction of the other side over that of the side of wo
+    float alpha = 0;
+    bool is_specular = true;
+    float side = 1;  // -1 if wo lies on the back
+    Vec3 o;          // wo, turned to the upper side
+    float ratio = 1; // the index of refraction of the other side over that of the side of wo
+    DielectricCompensation compensation;
 };
 
 } // namespace vantor

@@ -11,6 +11,9 @@ struct GlossyAlbedo {
 
     float of(float r0, float r90 = 1) const { return normal * r0 + grazing * r90; }
 };
+inline GlossyAlbedo operator+(GlossyAlbedo a, GlossyAlbedo b) { return {a.normal + b.normal, a.grazing + b.grazing}; }
+inline GlossyAlbedo operator-(GlossyAlbedo a, GlossyAlbedo b) { return {a.normal - b.normal, a.grazing - b.grazing}; }
+inline GlossyAlbedo operator*(GlossyAlbedo a, float factor) { return {a.normal * factor, a.grazing * factor}; }
 
 /// Of light that leaves with that cosine, 0 to 1; alpha is 0 to 1, and below Ggx::least_alpha a mirror. Between normal
 /// and grazing incidence, a facet reflects as in Schlick's approximation. Read from a table, exact to about 0.002.

@@ -8,13 +8,19 @@ namespace vantor {
 /// The mirror image of a direction on the other side of a normal.
 inline Vec3 reflected(Vec3 direction, Vec3 normal) { return normal * (2 * dot(direction, normal)) - direction; }
 
+/// Where light from a direction goes through a boundary, towards which the normal is turned. The cosines are those of
+/// refraction_of().
+inline Vec3 refracted(Vec3 direction, Vec3 normal, float cosine, float refracted_cosine, float ratio) {
+    return normal * (cosine / ratio - refracted_cosine) - direction * (1 / ratio);
+}
+
 /// A direction with the other z, if the side is -1.
 inline Vec3 on_side(Vec3 direction, float side) { return {direction.x, direction.y, side * direction.z}; }
 
 /// The same roughness in all directions along the surface. GGX: Walter, Marschner, Li, Torrance, "Microfacet Models for
 /// Refraction through Rough Surfaces", 2007 (Trowbridge, Reitz, 1975). Masking after Smith: Heitz, "Understanding the
 /// Masking-Shadowing Function in Microfacet-Based BRDFs", JCGT 2014. Light that meets several facets is left out;
-/// EnergyCompensation adds it for metal.
+/// EnergyCompensation adds it for metal, DielectricCompensation for glass.
 ///
 /// Directions are in the frame of the surface, of unit length. wo and wi are above it, z > 0, unless stated otherwise.
 class Ggx {

@@ -65,8 +65,10 @@ PrincipledBsdf::PrincipledBsdf(const Principled &principled, Vec3 wo)
       body_r90(std::min(50 * body_r0, 1.0f)),
       entering(1 / (1 - mean_glossy_albedo(facet_alpha(p.roughness)).of(body_r0, body_r90))),
       r0(p.base_color * p.metallic + Color{1, 1, 1} * (body_fraction * body_r0)),
-      r90(p.metallic + body_fraction * body_r90), layers(layers_at(o.z)), glass(glass_of(p), wo) {
+      r90(p.metallic + body_fraction * body_r90), layers(layers_at(o.z)) {
     const GlossyAlbedo albedo = glossy_albedo(o.z, facet_alpha(p.roughness));
+    if (has_glass())
+        glass = {glass_of(p), wo};
     if (p.metallic > 0)
         metal = {facet_alpha(p.roughness), albedo, p.base_color};
     const float below = 1 - layers.coat;
