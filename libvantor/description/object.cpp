@@ -1,6 +1,8 @@
 // Object: a shape that can be placed.
 #include "libvantor/description/object.h"
 
+#include "libvantor/shapes/colors.h"
+
 namespace vantor {
 
 double outer_reach(double reach, const VtTransform &outer_from_inner) {
@@ -25,6 +27,9 @@ std::optional<Object> make_instances(VtLong id, const Object &prototype, const P
     const VtInstanceArray<VtTransform> &given = parameters.transform_array("places");
     if (!is_whole(given, "places", parameters, report))
         return {};
+    std::vector<Color> colors;
+    if (parameters.is_given("colors") && is_whole(parameters.vector3_array("colors"), "colors", parameters, report))
+        colors = read_colors(static_cast<std::size_t>(given.Size()), "places", parameters, report);
 
     Object result{id, {}, 0, prototype.has_colors};
     result.prototype = &prototype;
@@ -40,6 +45,9 @@ std::optional<Object> make_instances(VtLong id, const Object &prototype, const P
                 why = "reaches beyond 1e9";
             if (!why) {
                 result.instances.emplace_back(transforms[i]);
+                // Stays with its place where others are left out.
+                if (!colors.empty())
+                    colors[result.instances.size() - 1] = colors[index];
                 result.least_scale = std::min(result.least_scale, to_float(transforms[i]).least_scale());
                 reach = std::max(reach, its_reach);
             } else if (unusable++ == 0) {
@@ -56,6 +64,9 @@ std::optional<Object> make_instances(VtLong id, const Object &prototype, const P
             parameters.complain("places", "is empty; nothing of the instances will be seen", report);
         return {};
     }
+    if (!colors.empty())
+        colors.resize(result.instances.size());
+    result.instance_colors = std::move(colors);
     result.reach = static_cast<float>(reach);
     return result;
 }

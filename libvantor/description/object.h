@@ -13,13 +13,14 @@ struct Object {
     VtLong id; ///< As the script knows it.
     Shape shape;
     float reach;                             ///< The largest coordinate of any of its points.
-    bool has_colors;                         ///< Of its own.
+    bool has_colors;                         ///< Its primitives carry colours.
     std::vector<const Trimmer *> trimmers{}; ///< A point stays if all of them keep it.
 
     /// Instances of another object, which then has the shape. Null for an object of its own.
     const Object *prototype = nullptr;
     std::vector<Instance> instances{};
-    float least_scale = 1; ///< Of any place.
+    std::vector<Color> instance_colors{}; ///< Which each of them carries; empty if they carry none.
+    float least_scale = 1;                ///< Of any place.
 
     /// Whether a point of a primitive stays, given by Embree's coordinates on that and in the object's space.
     bool keeps(std::uint32_t primitive, Point2f on_primitive, Vec3 point) const {

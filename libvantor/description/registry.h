@@ -23,12 +23,23 @@ struct Placement {
     int interior;                           ///< The medium inside, an index of media(); -1 for none.
     int light;                              ///< The area light that shines from it, an index of lights(); -1 for none.
     const std::vector<Instance> *instances; ///< Where the object stands before that transform; null if it does so once.
+    const std::vector<Color> *instance_colors = nullptr; ///< Which each of them carries; null if they carry none.
 
     /// Whether rays may go on behind its surface: it bounds a medium, or lets light pass.
     bool may_be_crossed() const { return interior >= 0 || material->is_see_through() || transmits(material->bsdf); }
 
     /// Whether its surface is not the same at every point.
-    bool varies() const { return material->variation || object->has_colors; }
+    bool varies() const { return material->variation || has_colors(); }
+
+    /// Whether its primitives or instances carry colours, which the material's is multiplied with.
+    bool has_colors() const { return object->has_colors || instance_colors; }
+
+    /// The colour that is carried at Embree's coordinates on a primitive of one of its instances.
+    Color color_at(std::uint32_t instance, std::uint32_t primitive, Point2f on_primitive) const {
+        const Color color =
+            object->has_colors ? vantor::color_at(object->shape, primitive, on_primitive) : Color{1, 1, 1};
+        return instance_colors ? color * (*instance_colors)[instance] : color;
+    }
 
     /// The maps of one of its instances, or of all of it.
     Affine map(std::uint32_t instance) const {

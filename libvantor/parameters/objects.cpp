@@ -51,6 +51,8 @@ constexpr Parameter disk_parameters[] = {
 constexpr Parameter instances_parameters[] = {
     {"object", ValueKind::ObjectId, any, Presence::Required, none, "", "the object; no instances itself"},
     {"places", ValueKind::TransformArray, any, Presence::Required, none, "", "a transform for each instance"},
+    {"colors", ValueKind::Vector3Array, any, Presence::Optional, none, "",
+     "a colour for each instance, components from 0, which the material's colour is multiplied with"},
 };
 constexpr Parameter mesh_parameters[] = {
     {"points", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the corners of the faces"},

@@ -96,7 +96,6 @@ SurfaceParameters parameters_at(const Cone &cone, std::uint32_t part, Point2f, V
     }
     return {{turn_of(p), static_cast<float>(v)},
             to_float(cone.map.direction(along_turn(p))),
-            {1, 1, 1},
             to_float(cone.map.direction(along_v))};
 }
 

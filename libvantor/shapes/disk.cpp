@@ -33,7 +33,6 @@ SurfaceParameters parameters_at(const Disk &disk, std::uint32_t, Point2f, Vec3 p
     const Double3 p = disk.map.point_back(Double3(point));
     return {{turn_of(p), static_cast<float>(1 - std::hypot(p.x, p.z))},
             to_float(disk.map.direction(along_turn(p))),
-            {1, 1, 1},
             to_float(disk.map.direction(away_from_axis(p) * -1))};
 }
 

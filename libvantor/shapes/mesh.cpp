@@ -1,7 +1,7 @@
 // Mesh: triangles that share points.
 #include "libvantor/shapes/mesh.h"
 
-#include <iterator>
+#include "libvantor/shapes/colors.h"
 
 namespace vantor {
 
@@ -106,36 +106,14 @@ void add_faces(TriangleMesh &mesh, std::string_view name, const Parameters &para
     report_faults(flat, name, "expected corners that span an area");
 }
 
-// Normals, texture coordinates and colours go with the points: whether there is one for each.
-bool has_for_each_point(std::size_t points, std::string_view name, VtLong count, const Parameters &parameters,
-                        const CallReport &report) {
-    const bool is_good = static_cast<std::size_t>(count) == points;
-    if (!is_good)
-        parameters.complain(name,
-                            joined({"has ", counted(count, "element"), " (expected one for each of the ",
-                                    std::to_string(points), " points); it is left out"}),
-                            report);
-    return is_good;
-}
-
 void add_normals(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
     std::vector<Vec3> normals = floats_of(parameters.vector3_array("normals"));
     const bool are_usable = std::ranges::all_of(normals, has_direction);
     if (!are_usable)
         parameters.complain("normals", "has zero or unusable vectors (expected directions); it is left out", report);
-    else if (has_for_each_point(mesh.points.size(), "normals", static_cast<VtLong>(normals.size()), parameters, report))
+    else if (has_one_for_each(mesh.points.size(), "points", "normals", static_cast<VtLong>(normals.size()), parameters,
+                              report))
         mesh.normals = std::move(normals);
-}
-
-void add_colors(TriangleMesh &mesh, const Parameters &parameters, const CallReport &report) {
-    const std::vector<Vec3> colors = floats_of(parameters.vector3_array("colors"));
-    const bool are_usable =
-        std::ranges::all_of(colors, [](Vec3 c) { return is_usable(c) && c.x >= 0 && c.y >= 0 && c.z >= 0; });
-    if (!are_usable)
-        parameters.complain("colors", "has unusable elements (expected components from 0 to 1e9); it is left out",
-                            report);
-    else if (has_for_each_point(mesh.points.size(), "colors", static_cast<VtLong>(colors.size()), parameters, report))
-        std::ranges::transform(colors, std::back_inserter(mesh.colors), [](Vec3 c) { return Color{c.x, c.y, c.z}; });
 }
 
 // Whether all that is given is there; and points and faces are.
@@ -161,7 +139,7 @@ bool is_whole_mesh(const Parameters &parameters, const CallReport &report) {
 
 std::vector<Point2f> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report) {
     const VtInstanceArray<VtVector2> &given = parameters.vector2_array("uvs");
-    if (!has_for_each_point(points, "uvs", given.Size(), parameters, report))
+    if (!has_one_for_each(points, "points", "uvs", given.Size(), parameters, report))
         return {};
     std::vector<Point2f> uvs = copied(given, [](const VtVector2 &v) -> Point2f {
         return {static_cast<float>(v[0]), static_cast<float>(v[1])};
@@ -195,7 +173,7 @@ std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallRe
     if (parameters.is_given("uvs"))
         mesh.uvs = read_uvs(mesh.points.size(), parameters, report);
     if (parameters.is_given("colors"))
-        add_colors(mesh, parameters, report);
+        mesh.colors = read_colors(mesh.points.size(), "points", parameters, report);
 
     // Embree never reads a point that no triangle uses, but requires all coordinates in the buffer to be in its range.
     for (Vec3 &p : mesh.points)
@@ -215,10 +193,7 @@ SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle
     const TriangleMesh::Triangle &t = mesh.triangles[triangle];
     const Vec3 edge1 = mesh.points[t[1]] - mesh.points[t[0]];
     const Vec3 edge2 = mesh.points[t[2]] - mesh.points[t[0]];
-    SurfaceParameters result{weights, edge1, {1, 1, 1}, edge2};
-    if (!mesh.colors.empty())
-        result.color = mesh.colors[t[0]] * (1 - weights.u - weights.v) + mesh.colors[t[1]] * weights.u +
-                       mesh.colors[t[2]] * weights.v;
+    SurfaceParameters result{weights, edge1, edge2};
     if (mesh.uvs.empty())
         return result;
 
@@ -232,6 +207,12 @@ SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle
         result.along_v = (edge2 * du1 - edge1 * du2) * (1 / determinant);
     }
     return result;
+}
+
+Color color_at(const TriangleMesh &mesh, std::uint32_t triangle, Point2f weights) {
+    const TriangleMesh::Triangle &t = mesh.triangles[triangle];
+    return mesh.colors[t[0]] * (1 - weights.u - weights.v) + mesh.colors[t[1]] * weights.u +
+           mesh.colors[t[2]] * weights.v;
 }
 
 } // namespace vantor

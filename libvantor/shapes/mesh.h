@@ -29,10 +29,12 @@ std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallRe
 std::vector<Point2f> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report);
 
 float reach_of(const TriangleMesh &mesh);
-inline bool has_colors(const TriangleMesh &mesh) { return !mesh.colors.empty(); }
 inline std::size_t primitives_of(const TriangleMesh &mesh) { return mesh.triangles.size(); }
 
 /// The triangle's second and third corner weigh u and v. Without uvs these are its (u, v), too.
 SurfaceParameters parameters_at(const TriangleMesh &mesh, std::uint32_t triangle, Point2f weights, Vec3 point);
+
+/// The colour at such a point of a mesh that has colours.
+Color color_at(const TriangleMesh &mesh, std::uint32_t triangle, Point2f weights);
 
 } // namespace vantor

@@ -95,7 +95,6 @@ SurfaceParameters parameters_at(const Quads &quads, std::uint32_t quad, Point2f,
     return {{dot(cross(from_corner, edge_v), normal) * inverse_square,
              dot(cross(edge_u, from_corner), normal) * inverse_square},
             edge_u,
-            {1, 1, 1},
             edge_v};
 }
 

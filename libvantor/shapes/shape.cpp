@@ -27,6 +27,12 @@ std::optional<Shape> make_sphere_shape(const Parameters &parameters, const CallR
     return make_sphere(parameters);
 }
 
+// A kind whose primitives may carry colours says so by a member, and has a color_at().
+template <class Kind>
+concept CarriesColors = requires(const Kind &kind) {
+    kind.colors.empty();
+};
+
 constexpr ShapeMaker makers[] = {
     {"box", make_of_kind<make_box>},         {"cone", make_of_kind<make_cone>},
     {"curves", make_of_kind<make_curves>},   {"cylinder", make_of_kind<make_cylinder>},
@@ -53,8 +59,25 @@ std::size_t primitives_of(const Shape &shape) {
 }
 
 bool has_colors(const Shape &shape) {
-    const auto *mesh = std::get_if<TriangleMesh>(&shape);
-    return mesh && has_colors(*mesh);
+    return std::visit(
+        []<class Kind>(const Kind &kind) {
+            if constexpr (CarriesColors<Kind>)
+                return !kind.colors.empty();
+            else
+                return false;
+        },
+        shape);
+}
+
+Color color_at(const Shape &shape, std::uint32_t primitive, Point2f on_primitive) {
+    return std::visit(
+        [&]<class Kind>(const Kind &kind) {
+            if constexpr (CarriesColors<Kind>)
+                return color_at(kind, primitive, on_primitive);
+            else
+                return Color{1, 1, 1};
+        },
+        shape);
 }
 
 SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Point2f on_primitive, Vec3 point) {

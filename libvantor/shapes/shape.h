@@ -27,8 +27,11 @@ float reach_of(const Shape &shape);
 /// How many triangles, parallelograms, segments or other parts it has.
 std::size_t primitives_of(const Shape &shape);
 
-/// Whether it has colours of its own.
+/// Whether its primitives carry colours, which the material's is multiplied with.
 bool has_colors(const Shape &shape);
+
+/// The colour that a primitive of a shape with colours carries, at Embree's coordinates on it.
+Color color_at(const Shape &shape, std::uint32_t primitive, Point2f on_primitive);
 
 /// At a point of the shape's surface: of that primitive, with Embree's coordinates on it.
 SurfaceParameters parameters_at(const Shape &shape, std::uint32_t primitive, Point2f on_primitive, Vec3 point);

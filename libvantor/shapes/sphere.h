@@ -28,7 +28,6 @@ inline SurfaceParameters parameters_at(const Sphere &sphere, std::uint32_t, Poin
     const float fall = off_axis > 0 ? -from_center.y / off_axis : 0.0f;
     return {{u < 0 ? u + 1 : u, 1 - std::acos(height) * inverse_pi},
             Vec3{from_center.z, 0, -from_center.x} * (2 * pi),
-            {1, 1, 1},
             Vec3{from_center.x * fall, off_axis, from_center.z * fall} * pi};
 }
 

@@ -159,7 +159,6 @@ SurfaceParameters parameters_at(const Torus &torus, std::uint32_t, Point2f, Vec3
     const Double3 along_tube = away_from_axis(p) * -p.y + Double3{0, std::hypot(p.x, p.z) - 1, 0};
     return {{turn_of(p), around_tube < 0 ? around_tube + 1 : around_tube},
             to_float(torus.map.direction(along_turn(p))),
-            {1, 1, 1},
             to_float(torus.map.direction(along_tube * (2 * static_cast<double>(pi))))};
 }
 

@@ -58,28 +58,27 @@ void Surface::vary(const Hit &hit, const World &world) {
     const Variation &variation = placement.material->variation ? *placement.material->variation : none;
     opacity_here = is_visible_from(variation, is_front) ? fraction(variation.opacity.number) : 0;
     const bool is_bent = variation.bump || variation.normal_map;
-    const bool changes_bsdf =
-        variation.color || variation.roughness || variation.metallic || placement.object->has_colors;
-    if (opacity_here == 0 || !(is_bent || changes_bsdf || variation.opacity.pattern))
-        return;
+    const bool changes_bsdf = variation.color || variation.roughness || variation.metallic;
+    if (opacity_here > 0 && (is_bent || changes_bsdf || variation.opacity.pattern))
+        follow_patterns(hit, world, variation);
+    if (opacity_here > 0 && placement.has_colors())
+        tint(description, fraction(placement.color_at(hit.instance, hit.primitive, hit.on_primitive)));
+}
 
+void Surface::follow_patterns(const Hit &hit, const World &world, const Variation &variation) {
     const HitInObject in_object(hit, world);
     const PatternPoint &at = in_object.at;
     opacity_here = fraction(vantor::evaluate(variation.opacity, at));
     if (opacity_here == 0)
         return;
-    if (is_bent) {
+    if (variation.bump || variation.normal_map) {
         // About half of the width that a pixel sees, and beyond rounding.
         const float step = (0.5f * pixel_angle * hit.distance + rounding_of(hit.point)) / in_object.scale;
         const BumpPoint point{in_object.world_from_object, in_object.parameters, at, hit.geometric_normal, step};
         frame = Frame(bent_normal(point, variation, hit.shading_normal));
     }
-    if (!changes_bsdf)
-        return;
     if (variation.color)
         set_color(description, fraction(vantor::evaluate(*variation.color, at)));
-    if (placement.object->has_colors)
-        tint(description, fraction(in_object.parameters.color));
     if (variation.roughness)
         set_roughness(description, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
     if (variation.metallic)

@@ -80,6 +80,7 @@ class Surface {
   private:
     // Applies what differs from point to point.
     void vary(const Hit &hit, const World &world);
+    void follow_patterns(const Hit &hit, const World &world, const Variation &variation);
 
     // A path arrives on the side that the geometric normal tells, even if the shading normal leans beyond it.
     static Vec3 on_arriving_side(Vec3 wo, bool is_front) {

@@ -20,7 +20,7 @@ Pattern constant(Color color) { return {Gradient{{{0, color}}, PatternSpace::Uv,
 
 // A point of the plane z = 0, where u grows by 1 over a length of 2, and v over one of 4.
 BumpPoint plane(const VtTransform &transform = identity()) {
-    const SurfaceParameters parameters{{0.3f, 0.4f}, {2, 0, 0}, {1, 1, 1}, {0, 4, 0}};
+    const SurfaceParameters parameters{{0.3f, 0.4f}, {2, 0, 0}, {0, 4, 0}};
     return {to_float(transform), parameters, {{0.3f, 0.4f}, {0.6f, 1.6f, 0}}, up, 1.0f / 64};
 }
 
