@@ -65,6 +65,32 @@ def add_mesh(module, scene, parameters):
     scene.addObject(scene.newObject("mesh", parameters))
 
 
+def cloud(module, count):
+    """The parameters of so many points in a cube, all of other sizes and colours."""
+    positions, radii, colors = module.vector3array(), module.floatarray(), module.vector3array()
+    state = 1
+    for _ in range(count):
+        numbers = []
+        for _ in range(3):
+            state = (1103515245 * state + 12345) % 2 ** 31
+            numbers.append(state / 2 ** 31)
+        positions.add(module.vector3(numbers[0], numbers[1] - 0.5, -numbers[2]))
+        colors.add(module.vector3(*numbers))
+        radii.add(0.001 + 0.002 * numbers[2])
+    return ["positions", positions, "radii", radii, "colors", colors]
+
+
+def add_points(module, scene, parameters):
+    scene.addObject(scene.newObject("points", parameters))
+
+
+def add_shining_points(module, scene, parameters):
+    scene.newLight("area", [])
+    scene.lightBegin()
+    add_points(module, scene, parameters)
+    scene.lightEnd()
+
+
 def add_shining_mesh(module, scene, parameters):
     scene.newLight("area", [])
     scene.lightBegin()
@@ -103,6 +129,9 @@ ROWS = {
     "a mesh of 1e6 triangles that shines": (
         10 ** 6, lambda module: hills(module, 1000, 500), add_shining_mesh),
     "a mesh of 1e7 triangles": (10 ** 7, lambda module: hills(module, 2500, 2000), add_mesh),
+    "a cloud of 1e6 points": (10 ** 6, lambda module: cloud(module, 10 ** 6), add_points),
+    "a cloud of 1e6 points that shine": (
+        10 ** 6, lambda module: cloud(module, 10 ** 6), add_shining_points),
     "1e6 boxes, one object of places": (
         10 ** 6, lambda module: grid(module, 10 ** 6), add_instances),
     "1e6 boxes, added one by one": (
@@ -114,6 +143,7 @@ ROWS = {
 AGAIN = "a mesh of 1e6 triangles", 0.01
 # Seconds and bytes to reach.
 LIMITS = (("a mesh of 1e6 triangles", 0.4, 125), ("a mesh of 1e7 triangles", 3, 125),
+          ("a cloud of 1e6 points", 0.5, 60),
           ("1e6 boxes, one object of places", 1, 300),
           ("a texture of 8192 x 8192, 8 bits", 0.5, 4))
 QUICK = [row for row, (count, _, _) in ROWS.items() if count <= 10 ** 6]

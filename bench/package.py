@@ -94,6 +94,21 @@ def models(folder):
     yield "from that ply to the first ray", least(first_ray, 3)
 
 
+def clouds():
+    numbers = numpy.random.default_rng(1).random((MILLION, 7)).astype("f4")
+    positions, radii, colors = numbers[:, :3], 0.003 * numbers[:, 3], numbers[:, 4:]
+    yield "a million points, arrays in", least(lambda: vt.points(positions, radii, colors))
+
+    def first_ray():
+        scene = vt.Scene()
+        scene.camera("perspective", position=(0, 2, 3), target=(0, 0, 0))
+        scene.light("sky")
+        scene.add(vt.points(positions, radii, colors))
+        return scene.render(1, 1, 1)
+
+    yield "from these to the first ray", least(first_ray, 3)
+
+
 def passes():
     scene = vt.Scene()
     scene.camera("perspective", position=(0, 2, 6), target=(0, 1, 0))
@@ -108,7 +123,7 @@ def passes():
 
 def main():
     with tempfile.TemporaryDirectory() as folder:
-        for rows in (arrays(), models(folder), passes()):
+        for rows in (arrays(), models(folder), clouds(), passes()):
             for name, milliseconds in rows:
                 print("{:40} {:8.2f}".format(name, milliseconds), flush=True)
 

@@ -263,7 +263,7 @@ def show_large_scenes(setting, figures):
         found[row] = {figure: min(run[figure] for run in runs) for figure in runs[0]}
     print("Large scenes, from a script's arrays to the first ray: s of processor time / threads;\n"
           "the same of a second pass, and of one after a small box was added;\n"
-          "bytes of each triangle, box or pixel, beyond the arrays, at the most\n")
+          "bytes of each triangle, point, box or pixel, beyond the arrays, at the most\n")
     columns = ["seconds", "again", "one more", "bytes"]
     tables.show(["scene", "s", "again", "box added", "bytes"],
                 [[row] + [tables.number(needed[column]) for column in columns]

@@ -35,6 +35,7 @@ from ._messages import SceneError, SceneWarning
 from ._models import Model, load
 from ._parts import merge
 from ._picture import Picture
+from ._points import Points, points
 from ._scene import Scene
 from ._transforms import Transform, look_at, matrix, rotate, scale, translate
 from ._values import to_numpy
@@ -57,6 +58,7 @@ __all__ = [
     "Object",
     "Pattern",
     "Picture",
+    "Points",
     "Scene",
     "SceneError",
     "SceneWarning",
@@ -68,6 +70,7 @@ __all__ = [
     "look_at",
     "matrix",
     "merge",
+    "points",
     "rotate",
     "scale",
     "to_numpy",

@@ -27,6 +27,7 @@ __all__ = [
     "Object",
     "Pattern",
     "Picture",
+    "Points",
     "Scene",
     "SceneError",
     "SceneWarning",
@@ -38,6 +39,7 @@ __all__ = [
     "look_at",
     "matrix",
     "merge",
+    "points",
     "rotate",
     "scale",
     "to_numpy",
@@ -204,6 +206,25 @@ class Model:
 
 # A mesh of another package is told by its attributes, whose names differ.
 def load(path: Union[_Text, Any]) -> Model: ...
+
+class Points:
+    positions: vantorPM._vector3array
+    radii: Union[None, float, vantorPM._floatarray]
+    colors: Optional[vantorPM._vector3array]
+    def __init__(
+        self,
+        positions: _Vector3Array,
+        radii: Union[None, _Number, _FloatArray] = None,
+        colors: Optional[_Vector3Array] = None,
+    ) -> None: ...
+    def __len__(self) -> int: ...
+    def add_to(self, scene: Scene) -> Object: ...
+
+def points(
+    positions: _Vector3Array,
+    radii: Union[None, _Number, _FloatArray] = None,
+    colors: Optional[_Vector3Array] = None,
+) -> Points: ...
 def to_numpy(
     module_array: Union[
         vantorPM._intarray,
@@ -241,6 +262,14 @@ class Scene:
         transform: Optional[_Matrix4] = ...,
         scale: Optional[_Scale] = ...,
     ) -> List[Object]: ...
+    @overload
+    def add(
+        self,
+        __what: Points,
+        *,
+        transform: Optional[_Matrix4] = ...,
+        scale: Optional[_Scale] = ...,
+    ) -> Object: ...
     # vocabulary
     @overload
     def add(

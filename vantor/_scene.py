@@ -14,6 +14,7 @@ from ._job import Job
 from ._messages import SceneError, is_strict_by_environment, script_place, tell
 from ._models import Model
 from ._passes import Pass, aov_parameter
+from ._points import Points
 from ._picture import Picture
 from ._transforms import Transform, open_transforms, scale as scaling
 from ._vocabulary import ALL
@@ -130,8 +131,9 @@ class Scene:
 
     def add(self, what, /, *, transform=None, scale=None, **parameters):
         """Puts an object into the scene, within the open blocks and under the open transforms: one
-        that object() made, a type with its parameters, or a Model. A transform and a scale of its
-        own act first, the scale before the transform. Returns the object, or what the model gives.
+        that object() made, a type with its parameters, a Model, or Points. A transform and a scale
+        of its own act first, the scale before the transform. Returns the object, or what the model
+        gives.
         """
         if isinstance(what, str):
             what = self.object(what, **parameters)
@@ -143,7 +145,7 @@ class Scene:
         for block in own:
             block.__enter__()
         try:
-            if isinstance(what, Model):
+            if isinstance(what, (Model, Points)):
                 return what.add_to(self)
             self._under_transforms(self._call, "addObject", self.id_of(what, "object"))
             materials = [open for open in self._open if open.kind == "material"]

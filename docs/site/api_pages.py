@@ -15,7 +15,7 @@ What a type such as ``_Vector3`` takes is told in :doc:`the package's page </gui
 numbers, sequences and arrays. The types that a scene's methods make, with their parameters, stand
 in the :doc:`vocabulary </guide/vocabulary>`.
 
-""", ["Scene", "Picture", "Job", "Model", "load"]),
+""", ["Scene", "Picture", "Job", "Model", "load", "Points", "points"]),
     "vantor.farm": ("vantor/farm.pyi", "", ["render", "animate"]),
     "vantorPM": ("module/vantorPM.pyi", "", ["scene", "_scene"]),
 }

@@ -17,6 +17,7 @@ SIZES = {
     "imagers": ("240", "64"),
     "media": ("320", "96"),
     "million_instances": ("320", "32"),
+    "million_points": ("320", "32"),
     "sky": ("180", "48"),
 }
 

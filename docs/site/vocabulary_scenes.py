@@ -196,6 +196,22 @@ def patches():
     return object("patches", points=points, columns=4)
 
 
+def points():
+    """A ball of small ones, whose colours go round."""
+    scene = studio()
+    positions, radii, colors = [], [], []
+    for i in range(400):
+        height, turn = 1 - (2 * i + 1) / 400, 2.399963 * i  # the golden angle
+        across = math.sqrt(1 - height * height)
+        positions.append((0.7 * across * math.sin(turn), 0.72 + 0.7 * height,
+                          0.7 * across * math.cos(turn)))
+        radii.append(0.03 + 0.03 * (i % 3))
+        colors.append([0.5 + 0.45 * math.sin(0.3 * turn + phase) for phase in (0, 2, 4)])
+    with painted(scene, 1.0):
+        scene.add("points", positions=positions, radii=radii, colors=colors)
+    return scene
+
+
 def subdivision():
     """A cube, of which the edges of one side are creases."""
     points = [(0.75 * x, 0.7 + 0.7 * y, 0.75 * z) for y in (-1, 1)
@@ -245,6 +261,7 @@ SCENES = {
     ("newObject", "instances"): instances,
     ("newObject", "mesh"): mesh,
     ("newObject", "patches"): patches,
+    ("newObject", "points"): points,
     ("newObject", "quad"):
         lambda: object("quad", origin=(-0.9, 0.1, 0.3), edge_u=(1.6, 0.2, 0),
                        edge_v=(0.1, 1.2, -0.5)),

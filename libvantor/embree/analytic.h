@@ -35,7 +35,7 @@ visit_crossings(const PlacedShape<Kind> &placed, const Arguments &arguments, RTC
     const unsigned id = RTCRayN_id(rays, n, i);
     const auto is_met = [&](const Crossing &crossing, float t, Vec3 direction) {
         return !query.crossed || id == collecting_ray ||
-               may_meet(query, id, arguments.geomID, arguments.context->instID[0], t,
+               may_meet(query, id, arguments.geomID, arguments.context->instID[0], crossing.part, t,
                         dot(placed.map.normal(crossing.normal), Double3(direction)));
     };
     const Vec3 origin{RTCRayN_org_x(rays, n, i), RTCRayN_org_y(rays, n, i), RTCRayN_org_z(rays, n, i)};

@@ -5,8 +5,8 @@
 
 namespace vantor {
 
-bool may_meet(const Query &query, unsigned ray_id, unsigned geometry, unsigned instance, float distance,
-              double product) {
+bool may_meet(const Query &query, unsigned ray_id, unsigned geometry, unsigned instance, unsigned primitive,
+              float distance, double product) {
     const unsigned outer = instance != RTC_INVALID_GEOMETRY_ID ? instance : geometry;
     const unsigned placement = query.is_in_instance ? query.placement : outer;
     const HitDecoding &decoding = query.structure->decoding(placement);
@@ -14,8 +14,13 @@ bool may_meet(const Query &query, unsigned ray_id, unsigned geometry, unsigned i
     const bool is_left = product * decoding.front > 0;
     if (query.finds_only_left && !(is_left && has_sides))
         return false;
-    const unsigned place = query.is_in_instance ? query.instance : 0;
-    return !query.crossed[ray_id]->holds(placement, place, is_left, has_sides, distance);
+    const MetSurface met{placement,
+                         query.is_in_instance ? query.instance : 0,
+                         decoding.format.primitive_of(primitive),
+                         is_left,
+                         has_sides,
+                         decoding.format.has_bodies};
+    return !query.crossed[ray_id]->holds(met, distance);
 }
 
 void callbacks::refuse_crossed(const RTCFilterFunctionNArguments *arguments) {
@@ -31,7 +36,7 @@ void callbacks::refuse_crossed(const RTCFilterFunctionNArguments *arguments) {
         // In floats, the product of small triangles might underflow.
         const double product = dot(Double3(normal), Double3(direction));
         if (!may_meet(query, RTCRayN_id(ray, n, i), RTCHitN_geomID(hit, n, i), RTCHitN_instID(hit, n, i, 0),
-                      RTCRayN_tfar(ray, n, i), product))
+                      RTCHitN_primID(hit, n, i), RTCRayN_tfar(ray, n, i), product))
             arguments->valid[i] = 0;
     }
 }

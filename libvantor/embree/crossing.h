@@ -7,7 +7,7 @@
 namespace vantor {
 
 /// Whether a ray of the query may meet what lies there; `product` is that of Embree's normal and the ray's direction.
-bool may_meet(const Query &query, unsigned ray_id, unsigned geometry, unsigned instance, float distance,
-              double product);
+bool may_meet(const Query &query, unsigned ray_id, unsigned geometry, unsigned instance, unsigned primitive,
+              float distance, double product);
 
 } // namespace vantor

@@ -75,6 +75,29 @@ Geometry geometry_of(RTCDevice device, const Sphere &sphere, const Object &, con
     return {std::move(geometry), {.primitives = SphereBuffer{buffer}}};
 }
 
+// So many are copied under a map, which traces faster. Of more, Embree reads what the shape has, which is not mapped.
+constexpr std::size_t most_mapped_points = 20000;
+
+Geometry geometry_of(RTCDevice device, const Points &points, const Object &, const Affine &map) {
+    OwnedGeometry geometry = begin_geometry(device, RTC_GEOMETRY_TYPE_SPHERE_POINT);
+    const std::vector<Points::Ball> &balls = points.balls;
+    HitFormat format{.primitives = SphereBuffer{balls.data()}, .has_bodies = true};
+    if (balls.size() > most_mapped_points) {
+        rtcSetSharedGeometryBuffer(geometry.get(), RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT4, balls.data(), 0,
+                                   sizeof(Points::Ball), balls.size());
+        return {std::move(geometry), format};
+    }
+    auto *mapped =
+        new_buffer<Points::Ball>(device, geometry.get(), RTC_BUFFER_TYPE_VERTEX, RTC_FORMAT_FLOAT4, balls.size());
+    const float scale = map.uniform_scale();
+    std::ranges::transform(balls, mapped, [&](const Points::Ball &ball) {
+        const Vec3 center = map.point({ball[0], ball[1], ball[2]});
+        return Points::Ball{center.x, center.y, center.z, ball[3] * scale};
+    });
+    format.primitives = SphereBuffer{mapped};
+    return {std::move(geometry), format};
+}
+
 // Never mapped, so that Embree reads their points where they are.
 Geometry geometry_of(RTCDevice device, const Curves &curves, const Object &, const Affine &) {
     OwnedGeometry geometry = begin_geometry(device, curves.are_tubes ? RTC_GEOMETRY_TYPE_ROUND_BEZIER_CURVE
@@ -116,6 +139,9 @@ template <class Kind> void trim(const Kind &, const Object &object, Geometry &ge
 bool can_map(const TriangleMesh &, const VtTransform &) { return true; }
 bool can_map(const Quads &, const VtTransform &) { return true; }
 bool can_map(const Sphere &, const VtTransform &map) { return to_float(map).uniform_scale() > 0; }
+bool can_map(const Points &points, const VtTransform &map) {
+    return points.balls.size() <= most_mapped_points && to_float(map).uniform_scale() > 0;
+}
 bool can_map(const Curves &, const VtTransform &) { return false; }
 template <Analytic Kind> bool can_map(const Kind &, const VtTransform &) { return true; }
 

@@ -13,6 +13,7 @@ struct HitFormat {
     const TriangleMesh *smooth = nullptr; ///< A mesh with normals; null otherwise.
     unsigned triangles_per_primitive = 1; ///< Of Embree's, for each primitive of the shape.
     bool has_winding = false; ///< Embree's normal follows the order of the corners, which a mirroring map turns round.
+    bool has_bodies = false;  ///< Each primitive is a body of its own, which others may overlap.
     bool faces_rays = false;  ///< A ribbon, of which Embree gives the tangent instead of the normal.
 
     /// The primitive of the shape that one of Embree's is part of.

@@ -5,6 +5,16 @@
 
 namespace vantor {
 
+/// A surface that a ray may meet.
+struct MetSurface {
+    std::uint32_t placement;
+    std::uint32_t instance;
+    std::uint32_t primitive;
+    bool is_left;   ///< Rather than entered.
+    bool has_sides; ///< Or is the same from either.
+    bool is_body;   ///< Its primitive is a body by itself.
+};
+
 /// The surfaces that a ray has crossed where it starts, and is not to meet again: which body's, and whether that was
 /// left or entered. Another body's surface at the same place is met, and so is the other side of the same body.
 class CrossedSurfaces {
@@ -21,17 +31,19 @@ class CrossedSurfaces {
                 all[i - 1] = all[i];
             --count;
         }
-        all[count++] = {hit.placement, hit.instance, is_left};
+        all[count++] = {hit.placement, hit.instance, hit.primitive & 0x7fffffffu, is_left};
         largest_distance = distance;
     }
 
-    /// A surface that has no sides is met from either.
-    bool holds(std::uint32_t placement, std::uint32_t instance, bool is_left, bool has_sides, float distance) const {
+    /// A surface that has no sides is met from either. One of an object whose primitives are bodies belongs to that of
+    /// its primitive alone.
+    bool holds(const MetSurface &met, float distance) const {
         if (!(distance <= largest_distance))
             return false;
         for (std::uint32_t i = 0; i < count; ++i)
-            if (all[i].placement == placement && all[i].instance == instance &&
-                (all[i].is_left == is_left || !has_sides))
+            if (all[i].placement == met.placement && all[i].instance == met.instance &&
+                (!met.is_body || all[i].primitive == met.primitive) &&
+                (all[i].is_left == met.is_left || !met.has_sides))
                 return true;
         return false;
     }
@@ -40,7 +52,8 @@ class CrossedSurfaces {
     struct Crossed {
         std::uint32_t placement;
         std::uint32_t instance;
-        bool is_left;
+        std::uint32_t primitive : 31; // there is no array of more elements
+        std::uint32_t is_left : 1;
     };
     static constexpr std::uint32_t capacity = 4;
 

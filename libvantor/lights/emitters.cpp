@@ -35,13 +35,29 @@ struct Appending {
         return result;
     }
 
-    EmitterRange operator()(const Sphere &sphere) const {
+    Affine world_from_unit(Vec3 center, float radius) const {
         VtTransform sphere_from_unit = identity();
         for (int i = 0; i < 3; ++i)
-            sphere_from_unit[i][i] = sphere.radius;
-        sphere_from_unit[3] = {sphere.center.x, sphere.center.y, sphere.center.z, 1.0};
-        return one_for_all(SphereEmitter{
-            std::make_shared<const Affine>(to_float(Compose(sphere_from_unit, world_from_object))), radiance});
+            sphere_from_unit[i][i] = radius;
+        sphere_from_unit[3] = {center.x, center.y, center.z, 1.0};
+        return to_float(Compose(sphere_from_unit, world_from_object));
+    }
+
+    EmitterRange operator()(const Sphere &sphere) const {
+        return one_for_all(
+            SphereEmitter{std::make_shared<const Affine>(world_from_unit(sphere.center, sphere.radius)), radiance});
+    }
+
+    EmitterRange operator()(const Points &points) const {
+        const EmitterRange result{static_cast<int>(lights.size()), 1};
+        // One piece of memory for all their maps.
+        const auto maps = std::make_shared<std::vector<Affine>>();
+        maps->reserve(points.balls.size());
+        for (const auto &[x, y, z, radius] : points.balls) {
+            maps->push_back(world_from_unit({x, y, z}, radius));
+            lights.push_back(SphereEmitter{std::shared_ptr<const Affine>(maps, &maps->back()), radiance});
+        }
+        return result;
     }
 
     EmitterRange operator()(const Disk &disk) const {

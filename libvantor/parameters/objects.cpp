@@ -88,6 +88,14 @@ constexpr Parameter patches_parameters[] = {
      "into how many strips each patch is cut, both ways"},
     trimmers_parameter,
 };
+constexpr Parameter points_parameters[] = {
+    {"positions", ValueKind::Vector3Array, any, Presence::Required, none, "length", "the centre of each"},
+    {"radius", ValueKind::Number, size, Presence::Default, value(0.01), "length", "the radius of all"},
+    {"radii", ValueKind::DoubleArray, any, Presence::Optional, none, "length",
+     "a radius for each, from 1e-9 to 1e9, in place of \"radius\""},
+    {"colors", ValueKind::Vector3Array, any, Presence::Optional, none, "",
+     "a colour for each, components from 0, which the material's colour is multiplied with"},
+};
 constexpr Parameter quad_parameters[] = {
     {"origin", ValueKind::Vector3, coordinate, Presence::Default, value(0, 0, 0), "length",
      "one corner of a parallelogram"},
@@ -160,6 +168,7 @@ constexpr Type objects_table[] = {
     {"mesh", "Triangles and quads; the front is where their corners appear counter-clockwise.", mesh_parameters},
     {"patches", "A grid of bicubic patches; its front is where u, v and the normal are right-handed.",
      patches_parameters},
+    {"points", "A cloud of points: spheres, by the million; their fronts are outside.", points_parameters},
     {"quad", "A parallelogram, or any four corners.", quad_parameters},
     {"sphere", "A sphere; its front is outside.", sphere_parameters},
     {"subdivision", "The smooth surface of a polygon mesh (Catmull, Clark).", subdivision_parameters},

@@ -34,11 +34,17 @@ concept CarriesColors = requires(const Kind &kind) {
 };
 
 constexpr ShapeMaker makers[] = {
-    {"box", make_of_kind<make_box>},         {"cone", make_of_kind<make_cone>},
-    {"curves", make_of_kind<make_curves>},   {"cylinder", make_of_kind<make_cylinder>},
-    {"disk", make_of_kind<make_disk>},       {"mesh", make_of_kind<make_mesh>},
-    {"patches", make_of_kind<make_patches>}, {"quad", make_quad_shape},
-    {"sphere", make_sphere_shape},           {"subdivision", make_of_kind<make_subdivision>},
+    {"box", make_of_kind<make_box>},
+    {"cone", make_of_kind<make_cone>},
+    {"curves", make_of_kind<make_curves>},
+    {"cylinder", make_of_kind<make_cylinder>},
+    {"disk", make_of_kind<make_disk>},
+    {"mesh", make_of_kind<make_mesh>},
+    {"patches", make_of_kind<make_patches>},
+    {"points", make_of_kind<make_points>},
+    {"quad", make_quad_shape},
+    {"sphere", make_sphere_shape},
+    {"subdivision", make_of_kind<make_subdivision>},
     {"torus", make_of_kind<make_torus>},
 };
 

@@ -5,13 +5,14 @@
 #include "libvantor/shapes/cone.h"
 #include "libvantor/shapes/curves.h"
 #include "libvantor/shapes/disk.h"
+#include "libvantor/shapes/points.h"
 #include "libvantor/shapes/quad.h"
 #include "libvantor/shapes/sphere.h"
 #include "libvantor/shapes/torus.h"
 
 namespace vantor {
 
-using Shape = std::variant<TriangleMesh, Quads, Sphere, Disk, Cone, Torus, Curves>;
+using Shape = std::variant<TriangleMesh, Quads, Sphere, Disk, Cone, Torus, Curves, Points>;
 
 using ShapeMaker = TypeMaker<std::optional<Shape>(const Parameters &, const CallReport &)>;
 

@@ -105,7 +105,13 @@ TEST(Diagnostics, LinesAreFitForATerminal) {
 
 // Words of other programs, whose letters are not those of the right one.
 TEST(Diagnostics, HabitsAreUnderstood) {
-    for (const auto &[wrong, right] : {std::pair{"cube", "box"}, {"ball", "sphere"}, {"plane", "quad"}})
+    for (const auto &[wrong, right] : {std::pair{"cube", "box"},
+                                       {"ball", "sphere"},
+                                       {"plane", "quad"},
+                                       {"point", "points"},
+                                       {"particles", "points"},
+                                       {"pointcloud", "points"},
+                                       {"spheres", "points"}})
         expect_diagnostics(object_errors(wrong), {{.call = "newObject", .type = wrong, .suggestion = right}});
     Scene scene;
     List list;

@@ -126,6 +126,17 @@ void curves(Scene &scene) {
     object(scene, "curves", "points", points, "basis", VtBezierBasis(), "radius", 0.12, "kind", "tube");
 }
 
+void points(Scene &scene) {
+    Points positions, colors;
+    VtInstanceArray<double> radii;
+    for (int i = 0; i < 60; ++i) {
+        positions.Add({0.8 * std::sin(2.4 * i), 0.02 * i + 0.1, 0.8 * std::cos(2.4 * i)});
+        radii.Add(0.08 + 0.06 * (i % 3));
+        colors.Add({i % 2 == 0 ? 1.0 : 0.2, 0.5, i % 5 == 0 ? 1.0 : 0.1});
+    }
+    object(scene, "points", "positions", positions, "radii", radii, "colors", colors);
+}
+
 void instances(Scene &scene) {
     look(scene);
     floor_and_light(scene);
@@ -267,6 +278,7 @@ const TypeScene scenes[] = {
     {"newObject", "instances", instances},
     {"newObject", "mesh", mesh},
     {"newObject", "patches", patches},
+    {"newObject", "points", points},
     {"newObject", "quad",
      [](Scene &s) {
          object(s, "quad", "origin", VtVector3(-0.8, 0.1, 0.3), "edge_u", VtVector3(1.4, 0.2, 0), "edge_v",

@@ -128,6 +128,68 @@ TEST(Instances, ShineLikeObjectsAddedOneByOne) {
     EXPECT_NEAR(instances.mean(), copies.mean(), 0.05 * copies.mean());
 }
 
+TEST(Instances, CarryColorsLikeMaterialsOfTheirOwn) {
+    const std::vector<VtTransform> places = ring();
+    const auto color_of = [](std::size_t i) { return VtVector3(0.1 * static_cast<double>(i), 0.5, 1); };
+    const auto picture_of = [&](bool by_instances) {
+        Scene scene;
+        scene.camera({0, 0, 8}, {0, 0, 0}, 35);
+        scene.light("distant", "direction", VtVector3(-0.3, -0.5, -1), "irradiance", 3.0);
+        const VtLong box = scene.object("box");
+        scene.TransformBegin(outer());
+        if (by_instances) {
+            Transforms array;
+            scripted::Points colors;
+            for (std::size_t i = 0; i < places.size(); ++i) {
+                array.Add(places[i]);
+                colors.Add(color_of(i));
+            }
+            scene.MaterialBegin(scene.diffuse(0.8));
+            scene.AddObject(scene.object("instances", "object", box, "places", array, "colors", colors));
+            scene.MaterialEnd();
+        } else {
+            for (std::size_t i = 0; i < places.size(); ++i) {
+                const VtVector3 color = color_of(i);
+                scene.MaterialBegin(scene.diffuse(VtVector3(0.8 * color[0], 0.8 * color[1], 0.8 * color[2])));
+                scene.AddObject(instances_of(scene, box, {places[i]}));
+                scene.MaterialEnd();
+            }
+        }
+        return scene.render(48, 48, 4);
+    };
+    const Pixels carried = picture_of(true);
+    const Pixels of_materials = picture_of(false);
+    EXPECT_LE(different_pixels(carried, of_materials), 12);
+    double red = 0;
+    for (std::size_t i = 0; i < carried.values.size(); ++i) {
+        EXPECT_NEAR(carried.values[i][0], of_materials.values[i][0], 0.5);
+        red += carried.values[i][0];
+    }
+    EXPECT_GT(red, 1);
+}
+
+TEST(Instances, ColorsThatDoNotFitAreLeftOut) {
+    Scene scene;
+    const VtLong box = scene.object("box");
+    Transforms places;
+    for (const VtTransform &place : ring())
+        places.Add(place);
+    scripted::Points few, negative;
+    few.Add({1, 1, 1});
+    for (int i = 0; i < 8; ++i)
+        negative.Add({1, i == 5 ? -1.0 : 1.0, 1});
+    const auto errors_with = [&](const scripted::Points &colors) {
+        return scripted::errors_of(
+            [&] { scene.object("instances", "object", box, "places", places, "colors", colors); });
+    };
+    EXPECT_EQ(errors_with(few),
+              "vantor: newObject \"instances\": item 5: parameter \"colors\" has 1 element (expected one "
+              "for each of the 8 places); it is left out\n");
+    EXPECT_EQ(errors_with(negative),
+              "vantor: newObject \"instances\": item 5: parameter \"colors\" has unusable elements "
+              "(expected components from 0 to 1e9); it is left out\n");
+}
+
 TEST(Instances, UnusablePlacesAreLeftOutInOneLine) {
     Scene scene;
     scene.camera({0, 0, 5}, {0, 0, 0}, 40);

@@ -35,6 +35,7 @@ GALLERY = {
     "imagers": ["imagers_albedo", "imagers_color", "imagers_depth", "imagers_normal"],
     "media": ["media"],
     "million_instances": ["million_instances"],
+    "million_points": ["million_points"],
     "patterns": ["patterns"],
     "radiosity": ["radiosity_patches", "radiosity_paths"],
     "shapes": ["shapes"],
@@ -94,8 +95,9 @@ class EmbeddedRendererTest(unittest.TestCase):
     def test_the_scripts_of_the_gallery_draw_their_pictures_and_have_nothing_to_report(self):
         for name, pictures in GALLERY.items():
             with self.subTest(name):
-                # The last number is that of the columns in a row: 1000 otherwise.
-                arguments = ["32", "2"] + (["20"] if name == "million_instances" else [])
+                # The last number is that of the columns in a row, or of the points.
+                fewer = {"million_instances": ["20"], "million_points": ["2000"]}
+                arguments = ["32", "2"] + fewer.get(name, [])
                 process = self.run_in_folder(os.path.join(EXAMPLES, name + ".py"), *arguments)
                 self.assertEqual((process.returncode, process.stderr), (0, ""))
                 drawn = sorted(file for file in os.listdir(self.folder) if file.startswith(name))
