@@ -67,8 +67,8 @@ _InteriorType = Literal["homogeneous"]
 _LightType = Literal["area", "distant", "environment", "point", "sky", "spot"]
 _MaterialType = Literal["diffuse", "surface"]
 _ObjectType = Literal[
-    "box", "cone", "curves", "cylinder", "disk", "instances", "mesh", "patches", "quad", "sphere",
-    "subdivision", "torus"
+    "box", "cone", "curves", "cylinder", "disk", "instances", "mesh", "patches", "points", "quad",
+    "sphere", "subdivision", "torus"
 ]
 _PatternType = Literal["checker", "gradient", "image", "mix", "noise"]
 _TrimmerType = Literal["box", "curve", "plane"]

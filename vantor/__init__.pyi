@@ -346,6 +346,7 @@ class Scene:
         scale: Optional[_Scale] = ...,
         object: Object,
         places: _TransformArray,
+        colors: Optional[_Vector3Array] = ...,
     ) -> Object: ...
     @overload
     def add(
@@ -381,6 +382,18 @@ class Scene:
         wrap_v: Optional[_Switch] = ...,
         divisions: Optional[_Integer] = ...,
         trimmers: Optional[Union[Trimmer, Sequence[Trimmer]]] = ...,
+    ) -> Object: ...
+    @overload
+    def add(
+        self,
+        __what: Literal["points"],
+        *,
+        transform: Optional[_Matrix4] = ...,
+        scale: Optional[_Scale] = ...,
+        positions: _Vector3Array,
+        radius: Optional[_Number] = ...,
+        radii: Optional[_FloatArray] = ...,
+        colors: Optional[_Vector3Array] = ...,
     ) -> Object: ...
     @overload
     def add(
@@ -767,6 +780,7 @@ class Scene:
         *,
         object: Object,
         places: _TransformArray,
+        colors: Optional[_Vector3Array] = ...,
     ) -> Object: ...
     @overload
     def object(
@@ -798,6 +812,16 @@ class Scene:
         wrap_v: Optional[_Switch] = ...,
         divisions: Optional[_Integer] = ...,
         trimmers: Optional[Union[Trimmer, Sequence[Trimmer]]] = ...,
+    ) -> Object: ...
+    @overload
+    def object(
+        self,
+        __type: Literal["points"],
+        *,
+        positions: _Vector3Array,
+        radius: Optional[_Number] = ...,
+        radii: Optional[_FloatArray] = ...,
+        colors: Optional[_Vector3Array] = ...,
     ) -> Object: ...
     @overload
     def object(

@@ -1,6 +1,6 @@
 """Points: clouds of spheres, from arrays."""
 
-from . import _native, _values
+from . import _values
 
 
 class Points:
@@ -13,13 +13,11 @@ class Points:
     def __init__(self, positions, radii=None, colors=None):
         self.positions = _array("positions", "vector3array", positions)
         count = len(self.positions)
-        if radii is None or _values.is_one_number(radii):
-            self.radii = None if radii is None else _values.number(radii)
-        else:
-            self.radii = _array("radii", "floatarray", radii)
+        self.radii = None if radii is None else _number_or_array("radii", "floatarray", radii)
+        self.colors = None if colors is None else _array("colors", "vector3array", colors)
+        if _is_array(self.radii):
             _check("radii", (len(self.radii),), "one number, or the shape ({},)".format(count),
                    count)
-        self.colors = None if colors is None else _array("colors", "vector3array", colors)
         if self.colors is not None:
             _check("colors", (len(self.colors), 3), "the shape ({}, 3)".format(count), count)
 
@@ -28,8 +26,9 @@ class Points:
 
     def add_to(self, scene):
         """Adds them as one object, within the open blocks; returns it."""
-        one = {"radii": self.radii} if hasattr(self.radii, "getSize") else {"radius": self.radii}
-        return scene.add("points", positions=self.positions, colors=self.colors, **one)
+        name = "radii" if _is_array(self.radii) else "radius"
+        return scene.add("points", positions=self.positions, colors=self.colors,
+                         **{name: self.radii})
 
 
 def points(positions, radii=None, colors=None):
@@ -42,14 +41,27 @@ def points(positions, radii=None, colors=None):
     return Points(positions, radii, colors)
 
 
+def _is_array(value):
+    return hasattr(value, "getSize")
+
+
 def _array(name, kind, value):
+    return _converted(name, lambda: _values.array(kind, value))
+
+
+def _number_or_array(name, kind, value):
+    return _converted(name, lambda: _values.number(value) if not _is_array(value)
+                      and _values.is_one_number(value) else _values.array(kind, value))
+
+
+def _converted(name, convert):
     try:
-        return _values.array(kind, value)
+        return convert()
     except (TypeError, ValueError, OverflowError) as error:
         raise type(error)("points: {}: {}".format(name, error)) from None
 
 
 def _check(name, shape, expected, count):
     if shape[0] != count:
-        raise ValueError("points: {}: expected {}, as positions have the shape ({}, 3), got {}".format(
-            name, expected, count, shape))
+        message = "points: {}: expected {}, as positions have the shape ({}, 3), got {}"
+        raise ValueError(message.format(name, expected, count, shape))

@@ -57,8 +57,8 @@ _MaterialType = Literal[
     "diffuse", "surface", "conductor", "dielectric", "plastic", "principled"
 ]
 _ObjectType = Literal[
-    "box", "cone", "curves", "cylinder", "disk", "instances", "mesh", "patches", "quad", "sphere",
-    "subdivision", "torus"
+    "box", "cone", "curves", "cylinder", "disk", "instances", "mesh", "patches", "points", "quad",
+    "sphere", "subdivision", "torus"
 ]
 _PatternType = Literal["checker", "gradient", "image", "mix", "noise"]
 _TrimmerType = Literal["box", "curve", "plane"]
@@ -422,6 +422,8 @@ class _InstancesObjectRequired(TypedDict):
 class _InstancesObject(_InstancesObjectRequired, total=False):
     """Another object, at many places."""
 
+    # a colour for each instance, components from 0, which the material's colour is multiplied with
+    colors: Optional[_Vector3Array]
 
 class _MeshObjectRequired(TypedDict):
     # the corners of the faces; length
@@ -476,6 +478,20 @@ class _PatchesObject(_PatchesObjectRequired, total=False):
     divisions: Optional[_Integer]
     # what cuts parts of it away: a point stays if every one of them keeps it
     trimmers: Optional[Union[Trimmer, Sequence[Trimmer]]]
+
+class _PointsObjectRequired(TypedDict):
+    # the centre of each; length
+    positions: _Vector3Array
+
+class _PointsObject(_PointsObjectRequired, total=False):
+    """A cloud of points: spheres, by the million; their fronts are outside."""
+
+    # the radius of all; length; 1e-9 to 1e9
+    radius: Optional[_Number]
+    # a radius for each, from 1e-9 to 1e9, in place of "radius"; length
+    radii: Optional[_FloatArray]
+    # a colour for each, components from 0, which the material's colour is multiplied with
+    colors: Optional[_Vector3Array]
 
 class _QuadObject(TypedDict, total=False):
     """A parallelogram, or any four corners."""

@@ -155,6 +155,7 @@ TEST(Instances, CarryColorsLikeMaterialsOfTheirOwn) {
                 scene.MaterialEnd();
             }
         }
+        scene.TransformEnd();
         return scene.render(48, 48, 4);
     };
     const Pixels carried = picture_of(true);

@@ -42,7 +42,7 @@ class Points(PackageTest):
     @needs_numpy
     def test_numpy_arrays(self):
         positions = numpy.array([[-2, 0, 0], [0, 0, 0], [2, 0, 0]])
-        for kind in ("f4", "f8", "i4", ">f8"):
+        for kind in ("f4", "f8", ">f8"):
             scene = row_scene(strict=True)
             with scene.material("diffuse", reflectance=1.0):
                 scene.add(vt.points(positions.astype(kind), numpy.full(3, 0.5, kind),
