@@ -14,10 +14,10 @@ SAMPLES = int(sys.argv[2]) if len(sys.argv) > 2 else 128
 COUNT = int(sys.argv[3]) if len(sys.argv) > 3 else 1000000
 
 galaxy = scene()
-eye, target = vector3(0, 4.6, 8.4), vector3(0, -0.3, 0.5)
-galaxy.newCamera("perspective", ["position", eye, "target", target, "fov", 34.0])
-galaxy.newLight("environment", ["radiance", 0.25])
-galaxy.newLight("point", ["position", vector3(0, 0.9, 0), "intensity", vector3(14, 11, 8)])
+eye, target = vector3(0, 5.2, 9.4), vector3(0, -0.2, 0.4)
+galaxy.newCamera("perspective", ["position", eye, "target", target, "fov", 38.0])
+galaxy.newLight("environment", ["radiance", 0.8])
+galaxy.newLight("point", ["position", vector3(0, 1.2, 0), "intensity", vector3(5, 4.3, 3.5)])
 
 # Two arms wind around the middle, a bulge of old stars; beyond them few are left.
 chance = random.Random(3)
@@ -44,5 +44,6 @@ galaxy.addObject(galaxy.newObject(
     "points", ["positions", positions, "radii", radii, "colors", colors]))
 galaxy.materialEnd()
 
-galaxy.newImager("file", ["name", "million_points.jpg", "exposure", 0.5, "display", "filmic"])
+imager = ["name", "million_points.jpg", "exposure", 0.3, "display", "filmic", "background", 0]
+galaxy.newImager("file", imager)
 galaxy.render(WIDTH, WIDTH * 9 // 16, SAMPLES)
