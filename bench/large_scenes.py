@@ -81,6 +81,10 @@ def cloud(module, count):
 
 
 def add_points(module, scene, parameters):
+    scene.addObject(scene.newObject("points", parameters[:4]))
+
+
+def add_colored_points(module, scene, parameters):
     scene.addObject(scene.newObject("points", parameters))
 
 
@@ -130,6 +134,8 @@ ROWS = {
         10 ** 6, lambda module: hills(module, 1000, 500), add_shining_mesh),
     "a mesh of 1e7 triangles": (10 ** 7, lambda module: hills(module, 2500, 2000), add_mesh),
     "a cloud of 1e6 points": (10 ** 6, lambda module: cloud(module, 10 ** 6), add_points),
+    "a cloud of 1e6 points with colours": (
+        10 ** 6, lambda module: cloud(module, 10 ** 6), add_colored_points),
     "a cloud of 1e6 points that shine": (
         10 ** 6, lambda module: cloud(module, 10 ** 6), add_shining_points),
     "1e6 boxes, one object of places": (
