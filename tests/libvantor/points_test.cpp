@@ -358,6 +358,26 @@ TEST(Points, WindowsAndThreadsMakeNoDifference) {
     EXPECT_EQ(scene.render(32, 32, 4).values, whole.values);
 }
 
+TEST(Points, AreLitByPatchesThoughTheyHaveNone) {
+    // A grey point in the middle of a closed room that shines: its colour counts as in a pass without patches.
+    const auto mean_with = [](bool has_patches) {
+        Scene scene;
+        scene.camera({0, 0, 0.95}, {0, 0, 0}, 40);
+        scene.light("area", "radiance", 0.5);
+        scene.LightBegin();
+        scene.MaterialBegin(scene.diffuse(0.5));
+        scene.AddObject(scene.room());
+        scene.LightEnd();
+        scene.AddObject(points_of(scene, {{{0, 0, 0}, 0.3, {0.5, 0.25, 1}}}, true));
+        scene.MaterialEnd();
+        if (has_patches)
+            scene.Radiosity();
+        return scene.render(16, 16, 64).mean();
+    };
+    const double by_paths = mean_with(false);
+    EXPECT_NEAR(mean_with(true), by_paths, 0.03 * by_paths);
+}
+
 TEST(Points, HaveTheParametersOfASphere) {
     scripted::Points positions, colors;
     Numbers radii;
