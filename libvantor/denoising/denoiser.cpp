@@ -21,7 +21,7 @@ struct RowPairs {
     std::size_t first;
     std::size_t other;
     std::size_t count;
-    const float *weights;
+    float *weights;
 };
 
 class PairFilter {
@@ -42,22 +42,19 @@ class PairFilter {
             limits[pixel] = std::min(1.0f, 1 / sums[pixel]);
     }
 
-    // The result is another plane.
-    void apply(const Picture &picture, Picture &result) const {
-        Planes from = divided(picture);
-        result.pixels = picture.pixels;
+    // What each pixel's radiance gains from its pairs, if they have these irradiances.
+    Planes gains(const Planes &irradiance) const {
+        const Plane none(factors.size());
+        Planes result{none, none, none};
         for_each_pair([&](const RowPairs &pairs) {
-            for (std::size_t k = 0; k < pairs.count; ++k) {
-                const std::size_t i = pairs.first + k;
-                const std::size_t j = pairs.other + k;
-                const float weight = pairs.weights[k] * (factors[i] * factors[j]) * std::min(limits[i], limits[j]);
-                // In radiance, as much as either pixel takes of the other: by the smaller divisor.
-                result.pixels[i] +=
-                    Color{weight * std::min(pixels.divisor.x[i], pixels.divisor.x[j]) * (from.x[j] - from.x[i]),
-                          weight * std::min(pixels.divisor.y[i], pixels.divisor.y[j]) * (from.y[j] - from.y[i]),
-                          weight * std::min(pixels.divisor.z[i], pixels.divisor.z[j]) * (from.z[j] - from.z[i])};
-            }
+            for (std::size_t k = 0; k < pairs.count; ++k)
+                pairs.weights[k] *= factors[pairs.first + k] * factors[pairs.other + k] *
+                                    std::min(limits[pairs.first + k], limits[pairs.other + k]);
+            add_gain(pairs, irradiance.x, pixels.divisor.x, result.x);
+            add_gain(pairs, irradiance.y, pixels.divisor.y, result.y);
+            add_gain(pairs, irradiance.z, pixels.divisor.z, result.z);
         });
+        return result;
     }
 
   private:
@@ -90,14 +87,15 @@ class PairFilter {
         });
     }
 
-    Planes divided(const Picture &picture) const {
-        Planes result = pixels.divisor;
-        for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
-            result.x[i] = picture.pixels[i].r / pixels.divisor.x[i];
-            result.y[i] = picture.pixels[i].g / pixels.divisor.y[i];
-            result.z[i] = picture.pixels[i].b / pixels.divisor.z[i];
-        }
-        return result;
+    // In radiance, as much as either pixel takes of the other: by the smaller divisor.
+    static void add_gain(const RowPairs &pairs, const Plane &irradiance, const Plane &divisor, Plane &gain) {
+        const float *const value = irradiance.data() + pairs.first;
+        const float *const other_value = irradiance.data() + pairs.other;
+        const float *const albedo = divisor.data() + pairs.first;
+        const float *const other_albedo = divisor.data() + pairs.other;
+        float *const into = gain.data() + pairs.first;
+        for (std::size_t k = 0; k < pairs.count; ++k)
+            into[k] += pairs.weights[k] * std::min(albedo[k], other_albedo[k]) * (other_value[k] - value[k]);
     }
 
     const NoisyPixels &pixels;
@@ -105,6 +103,28 @@ class PairFilter {
     Plane factors; // A pair's weight is multiplied by those of both pixels,
     Plane limits;  // and by the smaller of these, so that no pixel takes more from others than it has.
 };
+
+// As that of the pixels, of surfaces alone.
+Planes foreground_irradiance(const FrameBuffer &frame, const NoisyPixels &pixels, const SampleRange &samples) {
+    Planes result = pixels.divisor;
+    const std::vector<Color> &colors = frame.of(Aov::Foreground).pixels;
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        const Color color = colors[i] + frame.guides[i].emission * (-1.0f / static_cast<float>(samples.count()));
+        result.x[i] = color.r / pixels.divisor.x[i];
+        result.y[i] = color.g / pixels.divisor.y[i];
+        result.z[i] = color.b / pixels.divisor.z[i];
+    }
+    return result;
+}
+
+void add(const Planes &gains, const FrameBuffer &noisy, Picture &picture) {
+    const PixelArea &area = picture.window;
+    for (int y = area.y0; y < area.y1; ++y)
+        for (int x = area.x0; x < area.x1; ++x) {
+            const std::size_t i = noisy.index(x, y);
+            picture.at(x, y) += Color{gains.x[i], gains.y[i], gains.z[i]};
+        }
+}
 
 } // namespace
 
@@ -118,13 +138,10 @@ FrameBuffer denoised(const FrameBuffer &noisy, const SampleRange &samples, const
     const NoisyPixels pixels = noisy_pixels(noisy, samples, interrupt);
     const PairFilter filter(pixels, interrupt);
     FrameBuffer result = cropped(noisy, window);
-    for (const Aov aov : {Aov::Color, Aov::Foreground}) {
-        if (!noisy.has(aov))
-            continue;
-        Picture picture(noisy.width(), noisy.height(), noisy.window());
-        filter.apply(noisy.of(aov), picture);
-        result.of(aov).copy(picture, window);
-    }
+    if (noisy.has(Aov::Color))
+        add(filter.gains(pixels.irradiance), noisy, result.of(Aov::Color));
+    if (noisy.has(Aov::Foreground))
+        add(filter.gains(foreground_irradiance(noisy, pixels, samples)), noisy, result.of(Aov::Foreground));
     return result;
 }
 

@@ -12,7 +12,7 @@ inline constexpr int least_denoised_samples = 2;
 PixelArea with_denoiser_margin(const PixelArea &window, int width, int height);
 
 /// What the imagers of a window are shown: the pictures of the noisy frame, whose colour and foreground are denoised.
-/// The noisy frame has guides and the colour, is whole, and has the window's margin. Throws Interrupted.
+/// The noisy frame has guides, is whole, and has the window's margin. Throws Interrupted.
 ///
 /// Pixels that cannot be told apart (pair_weights.h) share what they have, in pairs: the brighter one loses what the
 /// darker one gains. So no light gets lost where rare bright samples stand out, and the picture's mean is what it was.

@@ -46,7 +46,10 @@ class Reader {
 
     void read(std::size_t i) const {
         const GuideSums &sums = frame.guides[i];
-        const Color color = frame.of(Aov::Color).pixels[i];
+        Color color;
+        for (const Color &of_run : sums.radiance)
+            color += of_run;
+        color = color * (1 / count);
         const Color albedo = sums.albedo * (1 / count);
         const Vec3 normal = sums.normal * (1 / count);
         const Color divisor{std::max(albedo.r, least_divisor), std::max(albedo.g, least_divisor),

@@ -24,7 +24,7 @@ struct NoisyPixels {
     int width = 0;
     int height = 0;
     Planes divisor;    ///< The albedo, but not so small that it would amplify noise.
-    Planes irradiance; ///< The colour over the divisor: without textures.
+    Planes irradiance; ///< The colour without emission, over the divisor: without textures.
     Plane variance;    ///< Of the irradiance's error, over its three channels together.
     Planes albedo;
     Planes normal;         ///< Shorter than 1 where the pixel has several, or sees no surface beside one.
@@ -39,7 +39,7 @@ struct NoisyPixels {
     }
 };
 
-/// The frame has guides and the colour, of 2 samples or more. Throws Interrupted.
+/// The frame has guides, of 2 samples or more. Throws Interrupted.
 NoisyPixels noisy_pixels(const FrameBuffer &frame, const SampleRange &samples, const Interrupt &interrupt);
 
 /// How far around a pixel others make a difference to its values here.

@@ -127,6 +127,8 @@ void PathIntegrator::record_guides(const Wave &wave, std::span<const Vertex> ver
             continue;
         GuideSample &guides = *path.guides;
         guides.albedo = path.throughput;
+        if (guides.is_certain)
+            guides.emission = path.radiance;
         guides.is_found = true;
         if (vertex.kind != Kind::Surface)
             continue;
@@ -135,6 +137,7 @@ void PathIntegrator::record_guides(const Wave &wave, std::span<const Vertex> ver
         guides.from = vertex.hit->point;
         guides.normal = surface.arrives_at_front() ? surface.shading_normal() : -surface.shading_normal();
         guides.is_found = !surface.is_specular() || path.bounces >= roulette_depth;
+        guides.is_certain = guides.is_certain && !surface.transmits();
         if (guides.is_found && !surface.is_specular())
             guides.albedo *= surface.albedo();
     }

@@ -52,7 +52,6 @@ class WideFrame {
                with_denoiser_margin(of_window.window(), of_window.width(), of_window.height())),
           window(of_window) {
         add_aovs(wide, imagers);
-        wide.add(Aov::Color);
         wide.add_guides();
         wide.on_finished = [this](const PixelArea &tile) { pass_on(tile); };
     }

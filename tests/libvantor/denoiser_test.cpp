@@ -213,6 +213,21 @@ TEST(Denoiser, WhatIsNoSurfaceStaysBlackWithoutABackground) {
     EXPECT_NE(after.values, before.values);
 }
 
+// A lamp and the wall beside it are the same to all guides; its light stays where it is.
+TEST(Denoiser, LampsHaveNoHalo) {
+    Scene scene;
+    scene.camera({0, 0, 4}, {0, 0, 0}, 40);
+    scene.MaterialBegin(scene.diffuse(0.5));
+    scene.AddObject(scene.object("quad", "origin", VtVector3(-4, -4, 0), "edge_u", VtVector3(8, 0, 0), "edge_v",
+                                 VtVector3(0, 8, 0)));
+    scene.MaterialEnd();
+    scene.light("area", "radiance", 20.0);
+    scene.LightBegin();
+    scene.AddObject(scene.object("disk", "radius", 0.6, "center", VtVector3(0, 0, 0.001)));
+    scene.LightEnd();
+    EXPECT_LT(rmse(denoised(scene, 2), raw(scene, 2)), 1e-5);
+}
+
 TEST(Denoiser, LeavesAPictureWithoutNoiseAlone) {
     Scene scene;
     scene.camera({0, 0, 4}, {0, 0, 0}, 40);
@@ -278,8 +293,8 @@ TEST(Denoiser, BadValuesAreReported) {
     };
     EXPECT_EQ(errors("denoise", 1), "");
     EXPECT_EQ(errors("denoise", 0), "");
-    EXPECT_NE(errors("denoise", 2).find("item 4: parameter \"denoise\""), std::string::npos);
-    EXPECT_NE(errors("denoise", "yes").find("item 4: parameter \"denoise\""), std::string::npos);
+    EXPECT_NE(errors("denoise", 2).find("parameter \"denoise\""), std::string::npos);
+    EXPECT_NE(errors("denoise", "yes").find("parameter \"denoise\""), std::string::npos);
     EXPECT_NE(errors("what", "albedo", "denoise", 1).find("has an effect on \"color\" only"), std::string::npos);
     EXPECT_NE(errors("denoised", 1).find("(did you mean \"denoise\"?)"), std::string::npos);
 }
