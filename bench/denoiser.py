@@ -82,7 +82,7 @@ def draw(make, folder, width, samples, seed, denoise):
     start = time.process_time()
     world.render(width, width, samples)
     seconds = (time.process_time() - start) / 2
-    return numpy.asarray(Picture.load(path)), seconds
+    return numpy.asarray(Picture.load(path).color), seconds
 
 
 def rmse(picture, reference):
