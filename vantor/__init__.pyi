@@ -495,6 +495,7 @@ class Scene:
         exposure: Optional[_Number] = ...,
         display: Optional[Literal["srgb", "linear", "filmic"]] = ...,
         background: Optional[_Switch] = ...,
+        denoise: Optional[_Switch] = ...,
         filter: Optional[Literal["tent", "box", "gaussian", "blackman_harris"]] = ...,
         filter_width: Optional[_Number] = ...,
     ) -> Imager: ...

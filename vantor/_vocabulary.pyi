@@ -132,6 +132,9 @@ class _FileImager(_FileImagerRequired, total=False):
     # 0: where a path meets no surface the colour is black, and .png and .exr files have an alpha,
     # which is 0 there; 0 or 1
     background: Optional[_Switch]
+    # 1: pixels that cannot be told apart from each other are averaged, and the noise is less; 0 or
+    # 1
+    denoise: Optional[_Switch]
     # how samples are spread around a pixel's middle
     filter: Optional[Literal["tent", "box", "gaussian", "blackman_harris"]]
     # the filter from edge to edge; left out, tent 2, box 1, gaussian 3, blackman_harris 4; pixels;

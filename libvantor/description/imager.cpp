@@ -36,12 +36,13 @@ std::optional<Imager> make_file_imager(const Parameters &parameters, const CallR
         return {};
     }
     Aov aov = aov_named(parameters.choice("what"));
-    for (const std::string_view name : {"exposure", "display", "background"})
+    for (const std::string_view name : {"exposure", "display", "background", "denoise"})
         if (aov != Aov::Color && parameters.is_given(name))
             parameters.complain(name, R"(has an effect on "color" only)", report);
     if (aov == Aov::Color && holds_floats(path) && parameters.is_given("display"))
         parameters.complain("display", "has no effect on an .exr file, which is linear", report);
     const bool has_alpha = aov == Aov::Color && !parameters.is_on("background");
+    const bool is_denoised = aov == Aov::Color && parameters.is_on("denoise");
     if (has_alpha)
         aov = Aov::Foreground;
     return FileImager{path,
@@ -50,7 +51,8 @@ std::optional<Imager> make_file_imager(const Parameters &parameters, const CallR
                       display_of(parameters.choice("display")),
                       filter_of(parameters),
                       parameters.is_given("filter") || parameters.is_given("filter_width"),
-                      has_alpha};
+                      has_alpha,
+                      is_denoised};
 }
 
 std::optional<Imager> make_settings(const Parameters &parameters, const CallReport &) {

@@ -30,6 +30,7 @@ struct FileImager {
     Filter filter;
     bool asks_for_filter; ///< Whether the script says anything about it.
     bool has_alpha;       ///< Without a background: where the file can tell how much is covered, it does.
+    bool is_denoised;     ///< Colour alone.
 };
 
 /// How a pass is made.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libvantor/film/aov_table.h"
+#include "libvantor/film/guides.h"
 #include "libvantor/images/picture.h"
 
 #include <array>
@@ -22,6 +23,11 @@ class FrameBuffer {
     int width() const { return full_width; } ///< Of the whole picture.
     int height() const { return full_height; }
     const PixelArea &window() const { return area; }
+    /// Of x and y of the whole picture, inside the window.
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(y - area.y0) * static_cast<std::size_t>(area.width()) +
+               static_cast<std::size_t>(x - area.x0);
+    }
     long pixels() const { return static_cast<long>(area.width()) * area.height(); }
 
     /// Makes room for an AOV: black. Nothing happens if it is there.
@@ -39,6 +45,10 @@ class FrameBuffer {
     void forget_sums() {
         for_each([](Aov, Picture &picture) { picture.part.reset(); });
     }
+
+    /// Has the pass keep what the denoiser goes by.
+    void add_guides() { guides.resize(static_cast<std::size_t>(pixels())); }
+    std::vector<GuideSums> guides; ///< Row after row like the pixels; empty unless they were added.
 
     bool has(Aov aov) const { return pictures[index_of(aov)].has_value(); }
 

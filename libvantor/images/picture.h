@@ -25,6 +25,13 @@ struct Picture {
     Color &at(int x, int y) { return pixels[index(x, y)]; }
     const Color &at(int x, int y) const { return pixels[index(x, y)]; }
 
+    /// Takes an area's pixels from another picture; it lies in the windows of both.
+    void copy(const Picture &from, const PixelArea &area) {
+        for (int y = area.y0; y < area.y1; ++y)
+            for (int x = area.x0; x < area.x1; ++x)
+                at(x, y) = from.at(x, y);
+    }
+
     /// Of x and y in the pixels, and in those of the part.
     std::size_t index(int x, int y) const {
         return static_cast<std::size_t>(y - window.y0) * static_cast<std::size_t>(window.width()) +

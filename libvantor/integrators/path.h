@@ -2,18 +2,21 @@
 #pragma once
 
 #include "libvantor/film/aov_table.h"
+#include "libvantor/film/guides.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {
 
 struct Path {
-    Path(const Ray &first_ray, const Sampler &its_sampler, const MediumStack &around, AovSample *receiver = nullptr)
-        : ray(first_ray), sampler(its_sampler), media(around), aovs(receiver) {}
+    Path(const Ray &first_ray, const Sampler &its_sampler, const MediumStack &around, AovSample *receiver = nullptr,
+         GuideSample *guided = nullptr)
+        : ray(first_ray), sampler(its_sampler), media(around), aovs(receiver), guides(guided) {}
 
     Ray ray;               ///< From its latest vertex; at first from the camera.
     const Sampler sampler; ///< Every random number of the path.
     MediumStack media;     ///< Those that the ray starts in.
     AovSample *aovs;       ///< Receives what the path sees first; may be null.
+    GuideSample *guides;   ///< Receives what a denoiser goes by; may be null.
     Color radiance{};      ///< What has been found so far of the radiance that arrives at the camera.
 
     Color throughput{1, 1, 1};      ///< The product of value * cosine / pdf over its vertices.

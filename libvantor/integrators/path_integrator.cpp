@@ -43,6 +43,7 @@ bool PathIntegrator::trace(std::span<Path> paths) const {
             add_emission(vertices);
             pass_through(wave, vertices);
             record_first_hits(wave, vertices);
+            record_guides(wave, vertices);
             end_at_limits(vertices);
             look_irradiance_up(vertices);
             prepare_bsdfs(vertices);
@@ -114,6 +115,32 @@ void PathIntegrator::record_first_hits(const Wave &wave, std::span<const Vertex>
     for (const Vertex &vertex : vertices)
         if (vertex.kind == Kind::Surface && vertex.path->aovs && vertex.path->bounces == 0)
             vertex.path->aovs->record(*vertex.hit, *vertex.surface, placement_at(*vertex.hit));
+}
+
+// Through smooth glass and mirrors to what is seen there; no further than roulette, whose weights are noise.
+void PathIntegrator::record_guides(const Wave &wave, std::span<const Vertex> vertices) {
+    if (!wave.has_guides())
+        return;
+    for (const Vertex &vertex : vertices) {
+        const Path &path = *vertex.path;
+        if (!path.guides || path.guides->is_found || vertex.kind == Kind::Passed)
+            continue;
+        GuideSample &guides = *path.guides;
+        guides.albedo = path.throughput;
+        if (guides.is_certain)
+            guides.emission = path.radiance;
+        guides.is_found = true;
+        if (vertex.kind != Kind::Surface)
+            continue;
+        const Surface &surface = *vertex.surface;
+        guides.depth += length(vertex.hit->point - guides.from);
+        guides.from = vertex.hit->point;
+        guides.normal = surface.arrives_at_front() ? surface.shading_normal() : -surface.shading_normal();
+        guides.is_found = !surface.is_specular() || path.bounces >= roulette_depth;
+        guides.is_certain = guides.is_certain && !surface.transmits();
+        if (guides.is_found && !surface.is_specular())
+            guides.albedo *= surface.albedo();
+    }
 }
 
 void PathIntegrator::end_at_limits(std::span<Vertex> vertices) const {

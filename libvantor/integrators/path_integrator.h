@@ -38,6 +38,7 @@ class PathIntegrator {
     [[gnu::noinline]] void add_emission(std::span<Vertex> vertices) const;
     [[gnu::noinline]] void pass_through(const Wave &wave, std::span<Vertex> vertices) const;
     [[gnu::noinline]] void record_first_hits(const Wave &wave, std::span<const Vertex> vertices) const;
+    [[gnu::noinline]] static void record_guides(const Wave &wave, std::span<const Vertex> vertices);
     [[gnu::noinline]] void end_at_limits(std::span<Vertex> vertices) const;
     [[gnu::noinline]] void look_irradiance_up(std::span<const Vertex> vertices) const;
     [[gnu::noinline]] void prepare_bsdfs(std::span<Vertex> vertices) const;

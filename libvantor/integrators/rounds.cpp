@@ -12,14 +12,18 @@ namespace {
 // What all pictures of a frame are made of.
 struct FrameSums {
     std::array<std::optional<PartSums>, aov_count> parts;
+    std::vector<GuideSums> guides;
 
     explicit FrameSums(FrameBuffer &frame) {
         frame.for_each([&](Aov aov, Picture &picture) { parts[index_of(aov)] = std::move(picture.part); });
+        guides = std::move(frame.guides);
     }
     void add(const FrameSums &later) {
         for (std::size_t i = 0; i < aov_count; ++i)
             if (parts[i])
                 parts[i]->add(*later.parts[i]);
+        for (std::size_t i = 0; i < guides.size(); ++i)
+            guides[i].add(later.guides[i]);
     }
 };
 
@@ -28,6 +32,8 @@ FrameBuffer frame_like(FrameBuffer &frame, const SampleRange &samples) {
     FrameBuffer result(frame.width(), frame.height(), frame.window());
     frame.for_each([&](Aov aov, Picture &) { result.add(aov); });
     result.keep_sums(samples);
+    if (!frame.guides.empty())
+        result.add_guides();
     return result;
 }
 
@@ -68,6 +74,7 @@ SampleRange render_until(const Deadline &deadline, const SampleRange &samples, c
         round = next_round(samples, made.end, deadline.seconds_left() / seconds_per_sample);
     }
     FrameSums all = sums.take();
+    frame.guides = std::move(all.guides);
     frame.for_each([&](Aov aov, Picture &picture) {
         PartSums &part = *all.parts[index_of(aov)];
         part.samples = made;

@@ -28,10 +28,13 @@ constexpr std::size_t most_paths = block_pixels * samples_per_group;
 // The pixels of a block, row after row.
 struct BlockFilm {
     std::array<PixelFilm, block_pixels> pixels;
+    std::vector<GuideSums> guides; // likewise, if anybody asks
 
     void add(const BlockFilm &later) {
         for (std::size_t i = 0; i < pixels.size(); ++i)
             pixels[i].add(later.pixels[i]);
+        for (std::size_t i = 0; i < guides.size(); ++i)
+            guides[i].add(later.guides[i]);
     }
 };
 
@@ -54,6 +57,9 @@ struct BlockSamples {
                     visit(x, y, sample);
     }
     std::size_t pixel_of(std::size_t sample) const { return sample / static_cast<std::size_t>(end - first); }
+    int sample_of(std::size_t sample) const {
+        return first + static_cast<int>(sample % static_cast<std::size_t>(end - first));
+    }
 };
 
 // Whether an AOV needs to know what paths see first.
@@ -67,7 +73,8 @@ class BlockRenderer {
     BlockRenderer(const World &of, const View &from, const IrradianceLookup &indirect, const Filter &of_samples,
                   const SampleRange &of_each_pixel, const Interrupt &by, FrameBuffer &into)
         : world(of), view(from), integrator(of, from.settings, path_dimension, by, indirect), filter(of_samples),
-          samples(of_each_pixel), interrupt(by), frame(into), has_aovs(needs_first_hits(into)) {}
+          samples(of_each_pixel), interrupt(by), frame(into), has_aovs(needs_first_hits(into)),
+          has_guides(!into.guides.empty()) {}
 
     // Returns how many pixels of the frame are finished: none if it was interrupted.
     int render(const PixelArea &block) const;
@@ -77,10 +84,12 @@ class BlockRenderer {
     struct CameraPaths {
         std::vector<Path> paths;
         std::vector<AovSample> aovs; // of each path, if anybody asks
+        std::vector<GuideSample> guides;
 
-        explicit CameraPaths(bool with_aovs) {
+        CameraPaths(bool with_aovs, bool with_guides) {
             paths.reserve(most_paths);
             aovs.reserve(with_aovs ? most_paths : 0); // paths point to them: they must not move
+            guides.reserve(with_guides ? most_paths : 0);
         }
     };
 
@@ -96,6 +105,7 @@ class BlockRenderer {
     const Interrupt &interrupt;
     FrameBuffer &frame;
     const bool has_aovs;
+    const bool has_guides;
 };
 
 MediumStack BlockRenderer::media_around(const Ray &ray) const {
@@ -120,19 +130,21 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
 
     result.paths.clear();
     result.aovs.clear();
+    result.guides.clear();
     std::size_t i = 0;
     of_block.for_each([&](int x, int y, int) {
         const Point2f position = filter.position(x, y, on_film[i]);
         const Ray ray = camera.ray(position.u, position.v, frame.width(), frame.height(), on_lens[i]);
         AovSample *seen = has_aovs ? &result.aovs.emplace_back(AovSample{.start = ray.origin}) : nullptr;
-        result.paths.emplace_back(ray, samplers[i], media_around(ray), seen);
+        GuideSample *guides = has_guides ? &result.guides.emplace_back(GuideSample{.from = ray.origin}) : nullptr;
+        result.paths.emplace_back(ray, samplers[i], media_around(ray), seen, guides);
         ++i;
     });
 }
 
 int BlockRenderer::render(const PixelArea &block) const {
     PairwiseSum<BlockFilm> film;
-    CameraPaths wave(has_aovs);
+    CameraPaths wave(has_aovs, has_guides);
     for (int first = samples.first; first < samples.end; first += samples_per_group) {
         if (interrupt.requested())
             return 0;
@@ -148,7 +160,13 @@ int BlockRenderer::render(const PixelArea &block) const {
             else
                 pixel.add(wave.paths[i].radiance);
         }
-        film.add(group);
+        if (has_guides) {
+            group.guides.resize(block_pixels);
+            for (std::size_t i = 0; i < wave.paths.size(); ++i)
+                group.guides[of_block.pixel_of(i)].add(wave.paths[i].radiance, wave.guides[i],
+                                                       run_of(of_block.sample_of(i), samples.in_all));
+        }
+        film.add(std::move(group));
     }
     return finish(block, film.take());
 }
@@ -160,6 +178,8 @@ int BlockRenderer::finish(const PixelArea &block, const BlockFilm &film) const {
         for (int x = block.x0; x < block.x1; ++x, ++pixel)
             if (frame.window().contains(x, y)) {
                 ++finished;
+                if (has_guides)
+                    frame.guides[frame.index(x, y)] = film.guides[pixel];
                 frame.for_each([&](Aov aov, Picture &picture) {
                     picture.at(x, y) = film.pixels[pixel].value(aov);
                     if (picture.part)

@@ -62,9 +62,11 @@ class Wave {
             if (is_traceable(path.ray.origin, path.ray.direction))
                 growing.push_back(&path);
         records_aovs = std::ranges::any_of(paths, [](const Path &path) { return path.aovs != nullptr; });
+        records_guides = std::ranges::any_of(paths, [](const Path &path) { return path.guides != nullptr; });
     }
 
     bool has_aovs() const { return records_aovs; } ///< Whether any path has.
+    bool has_guides() const { return records_guides; }
     bool is_over() const { return growing.empty(); }
 
     /// Takes each path a step further: finds the first surface on its ray, a vertex of kind Surface or Escaped, and
@@ -133,6 +135,7 @@ class Wave {
     const Path *const first_path;
     std::uint32_t dimension; // the first of the present step
     bool records_aovs = false;
+    bool records_guides = false;
     std::vector<Path *> growing;
 
     // Of the present chunk.

@@ -28,6 +28,8 @@ constexpr Parameter file_parameters[] = {
      displays},
     {"background", ValueKind::Switch, off_or_on, Presence::Default, value(1, 1, 1), "",
      "0: where a path meets no surface the colour is black, and .png and .exr files have an alpha, which is 0 there"},
+    {"denoise", ValueKind::Switch, off_or_on, Presence::Default, value(0), "",
+     "1: pixels that cannot be told apart from each other are averaged, and the noise is less"},
     {"filter", ValueKind::Choice, any, Presence::Default, none, "", "how samples are spread around a pixel's middle",
      filters},
     {"filter_width", ValueKind::Number, filter_widths, Presence::Optional, none, "pixels",

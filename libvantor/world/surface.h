@@ -61,11 +61,12 @@ class Surface {
     Vec3 shading_normal() const { return frame.z; } ///< On the front; bent where the material has bumps.
     bool is_specular() const { return vantor::is_specular(description); }
     bool is_diffuse() const { return vantor::is_diffuse(description); }
+    bool transmits() const { return vantor::transmits(description); }
     Color albedo() const { return vantor::albedo(description); }
 
     /// What lights are chosen by at its hit: the side where the path arrives is lit, or both.
     LightSampleContext light_context(const Hit &hit) const {
-        return {hit.point, transmits(description) ? Vec3() : is_front ? frame.z : -frame.z};
+        return {hit.point, transmits() ? Vec3() : is_front ? frame.z : -frame.z};
     }
 
     /// As opacity_at().

@@ -87,7 +87,7 @@ TEST(AovTable, ObjectsHaveColorsOfTheirOwnAndNoneIsBlack) {
 }
 
 FileImager imager_of(const std::string &name, Aov aov) {
-    return {scripted::path_of(name), aov, 1, vantor::Display::Linear, {}, false, false};
+    return {scripted::path_of(name), aov, 1, vantor::Display::Linear, {}, false, false, false};
 }
 
 TEST(FrameBuffer, HoldsWhatWasAddedInTheWindow) {

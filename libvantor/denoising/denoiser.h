@@ -1,0 +1,27 @@
+// Denoiser: a picture with less noise, of the same samples.
+#pragma once
+
+#include "libvantor/denoising/noisy_pixels.h"
+
+namespace vantor {
+
+/// Of how few samples no noise can be told: one has no variance.
+inline constexpr int least_denoised_samples = 2;
+
+/// What has to be rendered so that the pixels of a window can be denoised as those of the whole picture are.
+PixelArea with_denoiser_margin(const PixelArea &window, int width, int height);
+
+/// What the imagers of a window are shown: the pictures of the noisy frame, whose colour and foreground are denoised.
+/// The noisy frame has guides, is whole, and has the window's margin. Throws Interrupted.
+///
+/// Pixels that cannot be told apart (pair_weights.h) share what they have, in pairs: the brighter one loses what the
+/// darker one gains. So no light gets lost where rare bright samples stand out, and the picture's mean is what it was.
+/// Weights of all pairs are scaled by a factor for each of their pixels, such that those of a pixel add up to 1,
+/// nearly, and no more than that (Sinkhorn's iteration: Milanfar, "Symmetrizing Smoothing Filters", 2013).
+FrameBuffer denoised(const FrameBuffer &noisy, const SampleRange &samples, const PixelArea &window,
+                     const Interrupt &interrupt);
+
+/// A part of the frame's pictures: the window, which lies in its.
+FrameBuffer cropped(const FrameBuffer &frame, const PixelArea &window);
+
+} // namespace vantor
