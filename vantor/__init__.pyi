@@ -536,6 +536,7 @@ class Scene:
         __type: Literal["area"],
         *,
         radiance: Optional[_Color] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(
@@ -545,6 +546,7 @@ class Scene:
         direction: Optional[_Vector3] = ...,
         irradiance: Optional[_Color] = ...,
         angle: Optional[_Number] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(
@@ -553,6 +555,7 @@ class Scene:
         *,
         name: Optional[_PictureSource] = ...,
         radiance: Optional[_Color] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(
@@ -572,6 +575,7 @@ class Scene:
         scale: Optional[_Number] = ...,
         sun: Optional[_Switch] = ...,
         ground_albedo: Optional[_Color] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(

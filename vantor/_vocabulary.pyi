@@ -246,6 +246,8 @@ class _AreaLight(TypedDict, total=False):
     # the radiance that leaves the front of every object in its light block; power / (area * solid
     # angle); 0 or more
     radiance: Optional[_Color]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _DistantLight(TypedDict, total=False):
     """Light from far away, parallel or from a disk."""
@@ -257,6 +259,8 @@ class _DistantLight(TypedDict, total=False):
     # the diameter of its disk in the sky (the sun's is 0.53); below 0.001 it is parallel light,
     # and not seen; degrees; 0 to 180
     angle: Optional[_Number]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _EnvironmentLight(TypedDict, total=False):
     """Light from all directions."""
@@ -267,6 +271,8 @@ class _EnvironmentLight(TypedDict, total=False):
     # the radiance from all directions; a picture is multiplied by it; power / (area * solid
     # angle); 0 or more
     radiance: Optional[_Color]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _PointLight(TypedDict, total=False):
     """Shines from one point in all directions."""
@@ -289,6 +295,8 @@ class _SkyLight(TypedDict, total=False):
     sun: Optional[_Switch]
     # the fraction of light that the ground below the horizon reflects; 0 to 1
     ground_albedo: Optional[_Color]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _SpotLight(TypedDict, total=False):
     """Shines from one point into a cone."""

@@ -14,6 +14,7 @@ struct DescribedLight {
     std::vector<Light> lights;            ///< That shine by themselves: none of an area light, two of a sky with a sun.
     std::optional<Color> area_radiance{}; ///< Of an area light: it shines from the objects of its light block.
     bool is_on = true;
+    bool is_visible = true; ///< To the camera.
 
     bool is_area() const { return area_radiance.has_value(); }
 };

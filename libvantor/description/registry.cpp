@@ -263,8 +263,9 @@ void Registry::add_object(VtLong id) {
     usage.note_used(EntityKind::Object, index);
     usage.note_used(EntityKind::Light, light);
     usage.note_added(shown, material_index, material);
-    placed.push_back(
-        {&shown, world_from_object, &material, interior, light, object.prototype ? &object.instances : nullptr});
+    const bool is_hidden = light >= 0 && !all_lights[static_cast<std::size_t>(light)].is_visible;
+    placed.push_back({&shown, world_from_object, &material, interior, light,
+                      object.prototype ? &object.instances : nullptr, is_hidden});
 }
 
 void Registry::begin_transform(const VtTransform &transform) {

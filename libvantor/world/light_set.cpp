@@ -27,10 +27,15 @@ LightSet::LightSet(std::span<const DescribedLight> described, std::span<const Pl
         }
         emitters_of.push_back(emitters);
     }
+    std::vector<bool> are_hidden(lights.size());
     for (const DescribedLight &light : described)
-        if (light.is_on)
+        if (light.is_on) {
             lights.insert(lights.end(), light.lights.begin(), light.lights.end());
+            are_hidden.resize(lights.size(), !light.is_visible);
+        }
     make_samplers();
+    std::ranges::copy_if(infinite_lights, std::back_inserter(visible_infinite_lights),
+                         [&](std::uint32_t light) { return !are_hidden[light]; });
 }
 
 void LightSet::make_samplers() {

@@ -61,10 +61,10 @@ class LightSet {
     float pdf(int emitter, const LightSampleContext &reference, Vec3 direction, const Hit &hit) const;
 
     /// What a ray that leaves the scene finds of each infinite light with an extent: calls visit(radiance, pdf), with
-    /// the pdf with which sample(reference) chooses the light and this direction.
-    template <class Visit>
-    void for_each_infinite(const LightSampleContext &reference, Vec3 direction, Visit visit) const {
-        for (const std::uint32_t light : infinite_lights) {
+    /// the pdf with which sample(reference) chooses the light and this direction. The camera does not see all of them.
+    template <class Visit> void for_each_infinite(const LightSampleContext &reference, Vec3 direction,
+                                                  bool is_from_camera, Visit visit) const {
+        for (const std::uint32_t light : is_from_camera ? visible_infinite_lights : infinite_lights) {
             const SeenLight seen = seen_at_infinity(light, reference, direction);
             if (!is_black(seen.radiance))
                 visit(seen.radiance, seen.pdf);
@@ -76,8 +76,9 @@ class LightSet {
     void make_samplers();
 
     std::vector<Light> lights;
-    std::vector<EmitterRange> emitters_of;      // for each placement
-    std::vector<std::uint32_t> infinite_lights; // with an extent
+    std::vector<EmitterRange> emitters_of;              // for each placement
+    std::vector<std::uint32_t> infinite_lights;         // with an extent
+    std::vector<std::uint32_t> visible_infinite_lights; // the same that the camera sees
     BvhLightSampler sampler;
     BvhLightSampler positional; // only of lights that shine from single points
 };
