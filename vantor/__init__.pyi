@@ -137,6 +137,9 @@ class Picture:
         exposure: _Number = 0.0,
         display: Optional[_Display] = None,
         name: str = "color",
+        *,
+        bits: Optional[int] = None,
+        layers: Union[str, Iterable[str]] = (),
     ) -> None: ...
     def png(
         self,
@@ -436,6 +439,8 @@ class Scene:
         up: Optional[_Vector3] = ...,
         fov: Optional[_Number] = ...,
         fov_axis: Optional[Literal["vertical", "horizontal", "smaller", "larger"]] = ...,
+        focal_lengths: Optional[_Vector2] = ...,
+        principal_point: Optional[_Vector2] = ...,
         aperture_radius: Optional[_Number] = ...,
         focus_distance: Optional[_Number] = ...,
     ) -> Camera: ...
@@ -447,12 +452,15 @@ class Scene:
         name: _Text,
         what: Optional[
             Literal[
-                "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha"
+                "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha",
+                "depth_z"
             ]
         ] = ...,
         exposure: Optional[_Number] = ...,
         display: Optional[Literal["srgb", "linear", "filmic"]] = ...,
         background: Optional[_Switch] = ...,
+        bits: Optional[_Integer] = ...,
+        layers: Optional[_Text] = ...,
         filter: Optional[Literal["tent", "box", "gaussian", "blackman_harris"]] = ...,
         filter_width: Optional[_Number] = ...,
     ) -> Imager: ...

@@ -7,7 +7,7 @@ from . import _native
 from ._messages import script_place, tell
 
 # How files begin that the renderer reads as pictures.
-_SIGNATURES = (b"\x89PNG", b"\xff\xd8", b"\x76\x2f\x31\x01")
+_SIGNATURES = (b"\x89PNG", b"\xff\xd8", b"\x76\x2f\x31\x01", b"#?")
 
 
 class Shading:
@@ -157,7 +157,7 @@ class Shading:
         return path, None if start.startswith(_SIGNATURES) else _NO_PICTURE
 
 
-_NO_PICTURE = "it is no PNG, JPEG or OpenEXR file"
+_NO_PICTURE = "it is no PNG, JPEG, OpenEXR or Radiance file"
 _OF_INTERFACE = ("base_color", "metallic", "roughness", "transmission", "ior", "clearcoat",
                  "clearcoat_roughness")
 

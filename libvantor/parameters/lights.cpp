@@ -31,7 +31,8 @@ constexpr Parameter distant_parameters[] = {
 };
 constexpr Parameter environment_parameters[] = {
     {"name", ValueKind::Text, any, Presence::Optional, none, "",
-     "a PNG, JPEG or OpenEXR picture of all directions, longitude across and latitude upwards; left out, all are "
+     "a PNG, JPEG, OpenEXR or Radiance picture of all directions, longitude across and latitude upwards; left out, all "
+     "are "
      "alike"},
     {"radiance", ValueKind::Color, not_negative, Presence::Default, value(1, 1, 1), "power / (area * solid angle)",
      "the radiance from all directions; a picture is multiplied by it"},

@@ -244,7 +244,7 @@ TEST(TextureFile, OpenExrIsLinearAndItsColorsAreDividedByTheirAlpha) {
     const std::string path = path_of("texture.exr");
     Picture picture(1, 1, {0, 0, 1, 1});
     picture.at(0, 0) = {0.5f, 0.25f, 2};
-    write(path, exr_file(picture, 1, ""));
+    write(path, exr_file(picture, {}));
     TextureFiles files;
     EXPECT_FLOAT_EQ(texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0).b, 2);
     EXPECT_EQ(texture_of(files, path, ColorSpace::Linear), texture_of(files, path, ColorSpace::AsFile));
@@ -331,7 +331,7 @@ TEST(NewTexture, SaysWhatCannotBeRead) {
     const std::string path = path_of("bad.png");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(path.c_str()), 1); }),
               "vantor: newTexture " + vantor::in_quotes(path) +
-                  ": cannot read the picture: it is no PNG, JPEG or OpenEXR file; it is grey\n");
+                  ": cannot read the picture: it is no PNG, JPEG, OpenEXR or Radiance file; it is grey\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(nullptr), 2); }),
               "vantor: newTexture: no picture file is named\n");
     List grey("texture", 1);

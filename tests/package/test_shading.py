@@ -224,8 +224,8 @@ class ShadingTest(PackageTest):
     def test_pictures_that_cannot_be_used_are_left_out_with_a_warning(self):
         data = square({"pbrMetallicRoughness": {"baseColorTexture": PICTURE, "metallicFactor": 0,
                                                 "baseColorFactor": [0.25, 0.5, 1, 1]}})
-        for content, why in ((None, "No such file"), (b"BM6", "no PNG, JPEG or OpenEXR"),
-                             (b"", "no PNG, JPEG or OpenEXR")):
+        for content, why in ((None, "No such file"), (b"BM6", "no PNG, JPEG, OpenEXR or Radiance"),
+                             (b"", "no PNG, JPEG, OpenEXR or Radiance")):
             if content is not None:
                 with open(self.path("name.png"), "wb") as file:
                     file.write(content)

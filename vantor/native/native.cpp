@@ -19,6 +19,7 @@ PyMethodDef functions[] = {
     {"float32", float32, METH_O, nullptr},
     {"shape", shape, METH_O, nullptr},
     {"read_picture", read_picture, METH_O, nullptr},
+    {"read_layers", read_layers, METH_O, nullptr},
     {"read_part", read_part, METH_O, nullptr},
     {"join_parts", join_parts, METH_VARARGS, nullptr},
     {"sum_parts", sum_parts, METH_O, nullptr},
