@@ -544,6 +544,7 @@ class Scene:
         __type: Literal["area"],
         *,
         radiance: Optional[_Color] = ...,
+        pattern: Optional[Pattern] = ...,
         visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload

@@ -261,6 +261,8 @@ class _AreaLight(TypedDict, total=False):
     # the radiance that leaves the front of every object in its light block; power / (area * solid
     # angle); 0 or more
     radiance: Optional[_Color]
+    # what the radiance is multiplied by from point to point; left out, it is the same everywhere
+    pattern: Optional[Pattern]
     # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
     visible: Optional[_Switch]
 

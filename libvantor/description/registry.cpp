@@ -70,7 +70,10 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
         if (parameters.knows("position") && !is_in_reach(parameters, call))
             break;
         ++light_changes;
-        const int index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
+        DescribedLight light = make_light(*type, parameters, current_transform(), call);
+        if (parameters.knows("pattern") && parameters.is_given("pattern"))
+            light.pattern = find_pattern(parameters, "pattern", call);
+        const int index = appended(all_lights, std::move(light));
         if (all_lights.back().is_area())
             current_area_light = index;
         return index;

@@ -19,6 +19,8 @@ constexpr Parameter visible{"visible",
 constexpr Parameter area_parameters[] = {
     {"radiance", ValueKind::Color, not_negative, Presence::Default, value(1, 1, 1), "power / (area * solid angle)",
      "the radiance that leaves the front of every object in its light block"},
+    {"pattern", ValueKind::PatternId, any, Presence::Optional, none, "",
+     "what the radiance is multiplied by from point to point; left out, it is the same everywhere"},
     visible,
 };
 constexpr Parameter distant_parameters[] = {

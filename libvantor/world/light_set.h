@@ -5,7 +5,7 @@
 #include "libvantor/description/registry.h"
 #include "libvantor/embree/hit.h"
 #include "libvantor/lights/bvh_light_sampler.h"
-#include "libvantor/lights/emitters.h"
+#include "libvantor/world/emission_patterns.h"
 
 #include <span>
 
@@ -55,7 +55,8 @@ class LightSet {
     /// The emitter at a hit, which shines from the front; -1 if nothing shines there.
     int emitter_at(const Hit &hit) const { return emitters_of[hit.placement].of(hit.primitive); }
 
-    Color radiance(int emitter) const;
+    /// Where a ray has hit the emitter.
+    Color radiance(int emitter, const Hit &hit) const;
 
     /// The pdf with which sample(reference) chooses the emitter and the direction of the ray that hit it.
     float pdf(int emitter, const LightSampleContext &reference, Vec3 direction, const Hit &hit) const;
@@ -79,6 +80,7 @@ class LightSet {
     std::vector<EmitterRange> emitters_of;              // for each placement
     std::vector<std::uint32_t> infinite_lights;         // with an extent
     std::vector<std::uint32_t> visible_infinite_lights; // the same that the camera sees
+    EmissionPatterns patterns;
     BvhLightSampler sampler;
     BvhLightSampler positional; // only of lights that shine from single points
 };

@@ -34,7 +34,7 @@ PyMethodDef functions[] = {
     {"end_with", end_with, METH_O, nullptr},
     {"fork", fork_process, METH_NOARGS, nullptr},
     {"read_model", read_model, METH_O, nullptr},
-    {"emission_groups", emission_groups, METH_VARARGS, nullptr},
+    {"emission_parts", emission_parts, METH_VARARGS, nullptr},
     {nullptr, nullptr, 0, nullptr},
 };
 
