@@ -150,7 +150,7 @@ void write_bytes(const std::string &path, const std::string &bytes) {
 std::string jpeg_of_ramp() {
     vantor::BytePicture picture{64, 48, {}};
     for (int i = 0; i < 64 * 48; ++i)
-        picture.values.insert(picture.bytes.end(),
+        picture.values.insert(picture.values.end(),
                               {static_cast<std::uint8_t>(4 * (i % 64)), static_cast<std::uint8_t>(2 * (i % 64)), 60});
     return vantor::jpeg_file(picture, "a comment");
 }
