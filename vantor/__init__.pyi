@@ -139,6 +139,9 @@ class Picture:
         exposure: _Number = 0.0,
         display: Optional[_Display] = None,
         name: str = "color",
+        *,
+        bits: Optional[int] = None,
+        layers: Union[str, Iterable[str]] = (),
     ) -> None: ...
     def png(
         self,
@@ -478,6 +481,8 @@ class Scene:
         up: Optional[_Vector3] = ...,
         fov: Optional[_Number] = ...,
         fov_axis: Optional[Literal["vertical", "horizontal", "smaller", "larger"]] = ...,
+        focal_lengths: Optional[_Vector2] = ...,
+        principal_point: Optional[_Vector2] = ...,
         aperture_radius: Optional[_Number] = ...,
         focus_distance: Optional[_Number] = ...,
     ) -> Camera: ...
@@ -489,13 +494,16 @@ class Scene:
         name: _Text,
         what: Optional[
             Literal[
-                "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha"
+                "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha",
+                "depth_z"
             ]
         ] = ...,
         exposure: Optional[_Number] = ...,
         display: Optional[Literal["srgb", "linear", "filmic"]] = ...,
         background: Optional[_Switch] = ...,
         denoise: Optional[_Switch] = ...,
+        bits: Optional[_Integer] = ...,
+        layers: Optional[_Text] = ...,
         filter: Optional[Literal["tent", "box", "gaussian", "blackman_harris"]] = ...,
         filter_width: Optional[_Number] = ...,
     ) -> Imager: ...
@@ -579,6 +587,8 @@ class Scene:
         __type: Literal["area"],
         *,
         radiance: Optional[_Color] = ...,
+        pattern: Optional[Pattern] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(
@@ -588,6 +598,7 @@ class Scene:
         direction: Optional[_Vector3] = ...,
         irradiance: Optional[_Color] = ...,
         angle: Optional[_Number] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(
@@ -596,6 +607,7 @@ class Scene:
         *,
         name: Optional[_PictureSource] = ...,
         radiance: Optional[_Color] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(
@@ -615,6 +627,7 @@ class Scene:
         scale: Optional[_Number] = ...,
         sun: Optional[_Switch] = ...,
         ground_albedo: Optional[_Color] = ...,
+        visible: Optional[_Switch] = ...,
     ) -> Light: ...
     @overload
     def light(

@@ -5,7 +5,7 @@ import os
 from . import _native
 
 # Of these every pixel has one number; the files have it three times.
-_SINGLE = ("depth", "object_id", "alpha")
+_SINGLE = ("depth", "depth_z", "object_id", "alpha")
 
 _FLOAT = 4
 _PIXEL = 3 * _FLOAT
@@ -41,9 +41,14 @@ class Picture:
 
     @classmethod
     def load(cls, path):
-        """The picture in a PNG, JPEG, TIFF or OpenEXR file. What 8 bits hold is taken as sRGB."""
+        """The picture in a PNG, JPEG, TIFF, OpenEXR or Radiance file. What integers hold is taken
+        as sRGB. Layers of an OpenEXR file are further values by their names; one named "color",
+        beside the picture itself, is "color_layer"."""
         width, height, colors, alpha = _native.read_picture(path)
-        return cls(width, height, {"color": colors}, alpha=alpha)
+        values = {"color": colors}
+        for name, layer in _native.read_layers(path).items():
+            values["color_layer" if name == "color" else name] = layer
+        return cls(width, height, values, alpha=alpha)
 
     @classmethod
     def of(cls, value):
@@ -128,22 +133,33 @@ class Picture:
             raise KeyError('the picture has no "{}"; it has {}'.format(name, ", ".join(self.names)))
         return self._layers[name]
 
-    def save(self, path, exposure=0.0, display=None, name="color"):
+    def save(self, path, exposure=0.0, display=None, name="color", *, bits=None, layers=()):
         """Writes a .png, .jpg, .tif or .exr file, whole or not at all.
 
-        What is saved, the colour or another value by its name, is multiplied by 2^exposure. In 8
-        bits, display is "srgb" (the default of colours), "filmic" or "linear" (that of all other
-        values); a normal from -1 to 1 is then shown as 0 to 1, and the greatest depth as white.
+        What is saved, the colour or another value by its name, is multiplied by 2^exposure. In
+        integers, display is "srgb" (the default of colours), "filmic" or "linear" (that of all
+        other values); a normal from -1 to 1 is then shown as 0 to 1, and the greatest depth as
+        white. bits are those of a channel: 8 or 16 of a .png file, 16 or 32 of an .exr file. In an
+        .exr file, layers are the names of further values to be saved beside.
         """
         path = os.fspath(path)
         is_float = str(path).lower().endswith(".exr")
+        layers = (layers,) if isinstance(layers, str) else tuple(layers)
+        if layers and not is_float:
+            raise ValueError("only .exr files have layers, got {!r}".format(path))
+        if name in layers or len(set(layers)) < len(layers):
+            raise ValueError("layers: expected names that differ, got {!r}".format((name, *layers)))
         layer, display = self._in_8_bits(name, display)
         layer = self._layer(name) if is_float else layer
         scale = _factor_of(exposure)
         x0, y0 = self.origin
         window = (x0, y0, x0 + self.width, y0 + self.height)
         alpha = self._alpha if name == "color" and "alpha" in self._layers else None
-        _native.write_picture(path, *self.full_size, window, layer, scale, display, alpha)
+        beside = tuple((layer_name, self._layer(layer_name)) for layer_name in layers)
+        if bits == 16 and is_float and name == "object_id":
+            bits = None  # halves are whole numbers only up to 2048
+        _native.write_picture(path, *self.full_size, window, layer, scale, display, alpha,
+                              bits or 0, beside)
 
     def png(self, exposure=0.0, display=None, name="color"):
         """The colour, or another value, as a PNG file in memory; the rest is as for save()."""
@@ -152,7 +168,7 @@ class Picture:
 
     def _in_8_bits(self, name, display):
         layer = self._layer(name)
-        if name in ("normal", "depth"):
+        if name in ("normal", "depth", "depth_z"):
             layer = _shown(layer, name)
         return layer, display or ("srgb" if name in ("color", "albedo") else "linear")
 

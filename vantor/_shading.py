@@ -7,7 +7,7 @@ from . import _native
 from ._messages import script_place, tell
 
 # How files begin that the renderer reads as pictures.
-_SIGNATURES = (b"\x89PNG", b"\xff\xd8", b"\x76\x2f\x31\x01")
+_SIGNATURES = (b"\x89PNG", b"\xff\xd8", b"\x76\x2f\x31\x01", b"#?")
 
 
 class Shading:
@@ -31,8 +31,8 @@ class Shading:
         return self._materials[number]
 
     def parts(self, mesh):
-        """The mesh in parts that shine alike: pairs of triangles and their light, an area light or
-        None."""
+        """The mesh in parts that shine, and those that do not: pairs of triangles and their light,
+        an area light or None."""
         number = mesh.get("material", -1)
         told = self._model.materials[number] if 0 <= number < len(self._model.materials) else {}
         strength = told.get("emissive_intensity", 1.0)
@@ -45,18 +45,21 @@ class Shading:
         path = self._path(name)
         if not path:
             return [(mesh["triangles"], None)]
+        if told.get("emissive_wrap", "repeat") != "repeat":
+            return [(mesh["triangles"], self._light(color, self._image(told, "emissive")))]
+        # Triangles that are black all over would be lights for nothing.
         width, height, pixels, _ = _native.read_picture(path)
-        groups = _native.emission_groups(_native.from_array(mesh["triangles"])[0],
-                                         _native.from_array(mesh["uvs"])[0], pixels, width, height)
-        return [
-            (triangles, self._light(tuple(a * b for a, b in zip(color, mean))))
-            for mean, triangles in groups
-            if triangles
-        ]
+        dark, bright = _native.emission_parts(_native.from_array(mesh["triangles"])[0],
+                                              _native.from_array(mesh["uvs"])[0],
+                                              pixels, width, height)
+        parts = [(dark, None)] if dark else []
+        if bright:
+            parts.append((bright, self._light(color, self._image(told, "emissive"))))
+        return parts
 
-    def _light(self, radiance):
-        if not max(radiance) > 0:
-            return None
+    def _light(self, radiance, pattern=None):
+        if pattern:
+            return self._scene.light("area", radiance=radiance, pattern=pattern)
         if radiance not in self._lights:
             self._lights[radiance] = self._scene.light("area", radiance=radiance)
         return self._lights[radiance]
@@ -157,7 +160,7 @@ class Shading:
         return path, None if start.startswith(_SIGNATURES) else _NO_PICTURE
 
 
-_NO_PICTURE = "it is no PNG, JPEG or OpenEXR file"
+_NO_PICTURE = "it is no PNG, JPEG, OpenEXR or Radiance file"
 _OF_INTERFACE = ("base_color", "metallic", "roughness", "transmission", "ior", "clearcoat",
                  "clearcoat_roughness")
 

@@ -63,7 +63,7 @@ _ObjectType = Literal[
 _PatternType = Literal["checker", "gradient", "image", "mix", "noise"]
 _TrimmerType = Literal["box", "curve", "plane"]
 _Aov = Literal[
-    "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha"
+    "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha", "depth_z"
 ]
 _Display = Literal["srgb", "linear", "filmic"]
 _Filter = Literal["tent", "box", "gaussian", "blackman_harris"]
@@ -105,6 +105,12 @@ class _PerspectiveCamera(TypedDict, total=False):
     fov: Optional[_Number]
     # the side of the picture that the field of view spans
     fov_axis: Optional[Literal["vertical", "horizontal", "smaller", "larger"]]
+    # across and down, in place of "fov": how far from the principal point lies what is as far
+    # aside as it is ahead; pixels; 0.001 to 1e9
+    focal_lengths: Optional[_Vector2]
+    # where the view axis meets the picture, (0, 0) being the middle of its upper left pixel; left
+    # out, in the middle; pixels; -1e9 to 1e9
+    principal_point: Optional[_Vector2]
     # the radius of the lens; 0 is a pinhole, with which everything is sharp; length; 0 to 1e9
     aperture_radius: Optional[_Number]
     # how far along the view axis pictures are sharp; left out, at the target, or 1 without a
@@ -116,12 +122,15 @@ class _FileImagerRequired(TypedDict):
     name: _Text
 
 class _FileImager(_FileImagerRequired, total=False):
-    """Writes the picture to a file: .exr floats, linear; all others 8 bits a channel."""
+    """Writes the picture to a file: .exr floats, linear; all others integers, 8 bits a channel
+    unless said otherwise.
+    """
 
     # what the picture shows of each pixel
     what: Optional[
         Literal[
-            "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha"
+            "color", "albedo", "normal", "depth", "position", "object_id", "variance", "alpha",
+            "depth_z"
         ]
     ]
     # the colour is multiplied by 2^exposure; stops; -100 to 100
@@ -135,6 +144,12 @@ class _FileImager(_FileImagerRequired, total=False):
     # 1: pixels that cannot be told apart from each other are averaged, and the noise is less; 0 or
     # 1
     denoise: Optional[_Switch]
+    # of a channel: 8 or 16 in a .png file, 16 (half floats) or 32 in an .exr file; left out, 8 and
+    # 32; bits; 8, 16 or 32
+    bits: Optional[_Integer]
+    # what an .exr file shows besides, each in a layer of its name: words that "what" takes, with
+    # spaces between
+    layers: Optional[_Text]
     # how samples are spread around a pixel's middle
     filter: Optional[Literal["tent", "box", "gaussian", "blackman_harris"]]
     # the filter from edge to edge; left out, tent 2, box 1, gaussian 3, blackman_harris 4; pixels;
@@ -249,6 +264,10 @@ class _AreaLight(TypedDict, total=False):
     # the radiance that leaves the front of every object in its light block; power / (area * solid
     # angle); 0 or more
     radiance: Optional[_Color]
+    # what the radiance is multiplied by from point to point; left out, it is the same everywhere
+    pattern: Optional[Pattern]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _DistantLight(TypedDict, total=False):
     """Light from far away, parallel or from a disk."""
@@ -260,16 +279,20 @@ class _DistantLight(TypedDict, total=False):
     # the diameter of its disk in the sky (the sun's is 0.53); below 0.001 it is parallel light,
     # and not seen; degrees; 0 to 180
     angle: Optional[_Number]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _EnvironmentLight(TypedDict, total=False):
     """Light from all directions."""
 
-    # a PNG, JPEG or OpenEXR picture of all directions, longitude across and latitude upwards; left
-    # out, all are alike
+    # a PNG, JPEG, OpenEXR or Radiance picture of all directions, longitude across and latitude
+    # upwards; left out, all are alike
     name: Optional[_PictureSource]
     # the radiance from all directions; a picture is multiplied by it; power / (area * solid
     # angle); 0 or more
     radiance: Optional[_Color]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _PointLight(TypedDict, total=False):
     """Shines from one point in all directions."""
@@ -292,6 +315,8 @@ class _SkyLight(TypedDict, total=False):
     sun: Optional[_Switch]
     # the fraction of light that the ground below the horizon reflects; 0 to 1
     ground_albedo: Optional[_Color]
+    # 0: the camera does not see it; mirrors, glass and everything that it lights do; 0 or 1
+    visible: Optional[_Switch]
 
 class _SpotLight(TypedDict, total=False):
     """Shines from one point into a cone."""
@@ -607,8 +632,7 @@ class _ImagePattern(_ImagePatternRequired, total=False):
     filter: Optional[Literal["bilinear", "nearest", "trilinear"]]
     # what the pattern shows; one channel as a grey, the alpha as 1 where the file has none
     channel: Optional[Literal["color", "red", "green", "blue", "alpha"]]
-    # how the numbers of the file are taken; file: sRGB in PNG and JPEG files, linear in OpenEXR
-    # files
+    # how the numbers of the file are taken; file: sRGB in PNG and JPEG files, linear in all others
     color_space: Optional[Literal["file", "srgb", "linear"]]
 
 class _MixPattern(TypedDict, total=False):

@@ -17,12 +17,13 @@ enum class Aov {
     ObjectId,   ///< Of the first sample.
     Variance,   ///< Of the colour: how far off its mean over the samples is likely to be, squared.
     Alpha,      ///< How much of the pixel a surface covers, 0 to 1.
+    DepthZ,     ///< How far the surface is along the camera's axis.
     Foreground, ///< The radiance that arrives from there: what is left of the colour without a background.
 };
 
 /// In the order of Aov. The first is the default. The foreground is what imagers without a background show as colour.
-inline constexpr std::string_view aov_names[] = {"color",    "albedo",    "normal",   "depth",
-                                                 "position", "object_id", "variance", "alpha"};
+inline constexpr std::string_view aov_names[] = {"color",     "albedo",   "normal", "depth",  "position",
+                                                 "object_id", "variance", "alpha",  "depth_z"};
 inline constexpr std::size_t aov_count = std::size(aov_names) + 1;
 
 constexpr std::size_t index_of(Aov aov) { return static_cast<std::size_t>(aov); }

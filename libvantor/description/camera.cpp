@@ -73,10 +73,25 @@ PerspectiveCamera::FovAxis fov_axis_of(std::string_view word) {
     return PerspectiveCamera::FovAxis::Vertical;
 }
 
+std::optional<Intrinsics> intrinsics_of(const Parameters &parameters) {
+    if (!parameters.is_given("focal_lengths"))
+        return {};
+    const VtVector3 lengths = parameters.vector("focal_lengths");
+    Intrinsics result{{static_cast<float>(lengths[0]), static_cast<float>(lengths[1])}, {}};
+    if (parameters.is_given("principal_point")) {
+        // Scripts count from the middle of the first pixel, rays from its corner.
+        const VtVector3 point = parameters.vector("principal_point");
+        result.principal_point = {static_cast<float>(point[0] + 0.5), static_cast<float>(point[1] + 0.5)};
+    }
+    return result;
+}
+
 std::optional<Camera> make_perspective(const Parameters &parameters, const VtTransform &transform,
                                        const CallReport &report) {
     const View view(parameters, report);
     parameters.complain_without("aperture_radius", {"focus_distance"}, report);
+    parameters.complain_without("focal_lengths", {"principal_point"}, report);
+    parameters.complain_beside("focal_lengths", {"fov", "fov_axis"}, report);
     const double aperture = parameters.number("aperture_radius");
     const VtVector3 aperture_right = transformed_direction(scaled(view.aside, aperture), transform);
     const VtVector3 aperture_up = transformed_direction(scaled(view.above, aperture), transform);
@@ -88,7 +103,9 @@ std::optional<Camera> make_perspective(const Parameters &parameters, const VtTra
 
     const double focus =
         parameters.is_given("focus_distance") ? parameters.number("focus_distance") : view.target_distance;
-    const double half_side = focus * std::tan(0.5 * parameters.number("fov") * std::numbers::pi / 180.0);
+    const std::optional<Intrinsics> intrinsics = intrinsics_of(parameters);
+    const double half_side =
+        intrinsics ? focus : focus * std::tan(0.5 * parameters.number("fov") * std::numbers::pi / 180.0);
     VtVector3 axes[] = {transformed_direction(scaled(view.ahead, focus), transform),
                         transformed_direction(scaled(view.aside, half_side), transform),
                         transformed_direction(scaled(view.above, half_side), transform), aperture_right, aperture_up};
@@ -104,6 +121,7 @@ std::optional<Camera> make_perspective(const Parameters &parameters, const VtTra
     camera.aperture_right = to_float(aperture_right);
     camera.aperture_up = to_float(aperture_up);
     camera.fov_axis = fov_axis_of(parameters.choice("fov_axis"));
+    camera.intrinsics = intrinsics;
     camera.has_lens = aperture > 0;
     return Camera(camera);
 }

@@ -13,6 +13,12 @@ namespace vantor {
 /// Of a ray. In the vector's space a transform may have squeezed one axis to nothing; the direction is then any.
 inline Vec3 ray_direction(Vec3 v) { return direction_of(v, {0, 0, -1}); }
 
+/// What calibration finds out about a camera, in pixels of the whole picture.
+struct Intrinsics {
+    Point2f focal_lengths;
+    std::optional<Point2f> principal_point; ///< From the upper left corner, y down; none is the picture's middle.
+};
+
 /// A pinhole or thin-lens camera. The picture of the point that a ray goes to is sharp: it lies on a plane across the
 /// view axis, where the rays of all points of the lens meet. Potmesil, Chakravarty, "A Lens and Aperture Camera Model
 /// for Synthetic Image Generation", 1981.
@@ -32,11 +38,24 @@ struct PerspectiveCamera {
     Vec3 aperture_right;
     Vec3 aperture_up;
     FovAxis fov_axis;
+    std::optional<Intrinsics> intrinsics; ///< In place of a field of view, which is then 1 to all sides.
     bool has_lens;
 
+    Vec3 ahead() const { return forward; }
     Ray ray(float x, float y, int width, int height, Point2f lens) const;
 
   private:
+    // A point of the picture on the plane at a distance of 1: to the right and upwards.
+    Point2f on_unit_plane(float x, float y, int width, int height) const {
+        const Point2f middle{0.5f * static_cast<float>(width), 0.5f * static_cast<float>(height)};
+        if (intrinsics) {
+            const Point2f principal = intrinsics->principal_point.value_or(middle);
+            return {(x - principal.u) / intrinsics->focal_lengths.u, (principal.v - y) / intrinsics->focal_lengths.v};
+        }
+        const float unit = 1 / half_side(width, height);
+        return {(x - middle.u) * unit, (middle.v - y) * unit};
+    }
+
     // Half the side that the field of view spans, in pixels.
     float half_side(int width, int height) const {
         switch (fov_axis) {
@@ -60,6 +79,7 @@ struct OrthographicCamera {
     Vec3 right;     ///< Half the picture's height, to the right.
     Vec3 up;        ///< Half the picture's height.
 
+    Vec3 ahead() const { return direction; }
     Ray ray(float x, float y, int width, int height) const {
         const float half_height = 0.5f * static_cast<float>(height);
         const float across = (x - 0.5f * static_cast<float>(width)) / half_height;
@@ -75,6 +95,7 @@ struct PanoramaCamera {
     Vec3 right;
     Vec3 up;
 
+    Vec3 ahead() const { return forward; }
     Ray ray(float x, float y, int width, int height) const;
 };
 
@@ -104,6 +125,18 @@ class Camera {
     /// Whether its rays start in many places.
     bool has_many_origins() const { return has_lens() || std::holds_alternative<OrthographicCamera>(kind); }
 
+    /// The direction across the plane of its pictures, ahead; unit length. It is that of the view, unless a transform
+    /// shears the camera.
+    Vec3 axis() const {
+        return std::visit(
+            [](const auto &camera) {
+                const Vec3 ahead = ray_direction(camera.ahead());
+                const Vec3 normal = direction_of(cross(camera.right, camera.up), ahead);
+                return dot(normal, ahead) < 0 ? -normal : normal;
+            },
+            kind);
+    }
+
     /// Where it stands, in the world.
     Vec3 position() const {
         return std::visit([](const auto &camera) { return camera.position; }, kind);
@@ -123,9 +156,7 @@ std::optional<Camera> make_camera(const Type &type, const Parameters &parameters
                                   const CallReport &report);
 
 inline Ray PerspectiveCamera::ray(float x, float y, int width, int height, Point2f lens) const {
-    const float unit = 1 / half_side(width, height);
-    const float across = (x - 0.5f * static_cast<float>(width)) * unit;
-    const float upwards = (0.5f * static_cast<float>(height) - y) * unit;
+    const auto [across, upwards] = on_unit_plane(x, y, width, height);
     const Vec3 to_sharp_plane = forward + right * across + up * upwards;
     if (!has_lens)
         return {position, ray_direction(to_sharp_plane)};

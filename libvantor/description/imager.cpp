@@ -1,6 +1,8 @@
 // Imager: where a picture goes, what it shows, and how it is made.
 #include "libvantor/description/imager.h"
 
+#include "libvantor/parameters/suggestion.h"
+
 #include <cmath>
 
 namespace vantor {
@@ -26,6 +28,57 @@ Filter filter_of(const Parameters &parameters) {
     return filter;
 }
 
+// Of a channel; 0 for what is usual in the format.
+int bits_of(const Parameters &parameters, const std::string &path, const CallReport &report) {
+    if (!parameters.is_given("bits"))
+        return 0;
+    const auto bits = static_cast<int>(parameters.integer("bits"));
+    const std::span<const int> known = bits_of_format(path);
+    if (std::ranges::find(known, bits) != known.end())
+        return bits;
+    const std::string expected = joined(
+        {std::to_string(known[0]), known.size() > 1 ? joined({" or ", std::to_string(known[1])}) : std::string()});
+    parameters.complain("bits",
+                        joined({"is ", std::to_string(bits), ", which such a file does not have (expected ", expected,
+                                "; ", std::to_string(known[0]), " counts)"}),
+                        report);
+    return 0;
+}
+
+// The words of a text, which spaces or commas divide.
+std::vector<std::string_view> words_in(std::string_view text) {
+    constexpr std::string_view dividers = ", \t\n";
+    std::vector<std::string_view> result;
+    for (std::size_t end = 0;;) {
+        const std::size_t begin = text.find_first_not_of(dividers, end);
+        if (begin == std::string_view::npos)
+            return result;
+        end = std::min(text.find_first_of(dividers, begin), text.size());
+        result.push_back(text.substr(begin, end - begin));
+    }
+}
+
+std::vector<Aov> layers_of(const Parameters &parameters, const std::string &path, Aov shown, const CallReport &report) {
+    std::vector<Aov> layers;
+    if (!parameters.is_given("layers"))
+        return layers;
+    if (!holds_floats(path)) {
+        parameters.complain("layers", "has an effect on .exr files only", report);
+        return layers;
+    }
+    const Words known(std::begin(aov_names), std::end(aov_names));
+    for (const std::string_view word : words_in(parameters.text("layers"))) {
+        const Aov aov = aov_named(word);
+        if (std::ranges::find(known, word) == known.end())
+            parameters.complain("layers", joined({"has ", in_quotes(word), suggestion(word, known)}), report);
+        else if (aov == shown || std::ranges::find(layers, aov) != layers.end())
+            parameters.complain("layers", joined({"has ", in_quotes(word), ", which the file has already"}), report);
+        else
+            layers.push_back(aov);
+    }
+    return layers;
+}
+
 std::optional<Imager> make_file_imager(const Parameters &parameters, const CallReport &report) {
     const std::string path = parameters.text("name");
     if (!has_known_format(path)) {
@@ -41,6 +94,9 @@ std::optional<Imager> make_file_imager(const Parameters &parameters, const CallR
             parameters.complain(name, R"(has an effect on "color" only)", report);
     if (aov == Aov::Color && holds_floats(path) && parameters.is_given("display"))
         parameters.complain("display", "has no effect on an .exr file, which is linear", report);
+    const int bits = bits_of(parameters, path, report);
+    if (bits == 16 && holds_floats(path) && aov == Aov::ObjectId)
+        parameters.complain("bits", R"(is 16, which "object_id" is too large for (it keeps 32))", report);
     const bool has_alpha = aov == Aov::Color && !parameters.is_on("background");
     const bool is_denoised = aov == Aov::Color && parameters.is_on("denoise");
     if (has_alpha)
@@ -52,7 +108,9 @@ std::optional<Imager> make_file_imager(const Parameters &parameters, const CallR
                       filter_of(parameters),
                       parameters.is_given("filter") || parameters.is_given("filter_width"),
                       has_alpha,
-                      is_denoised};
+                      is_denoised,
+                      bits,
+                      layers_of(parameters, path, aov, report)};
 }
 
 std::optional<Imager> make_settings(const Parameters &parameters, const CallReport &) {

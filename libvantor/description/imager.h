@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace vantor {
 
@@ -28,9 +29,11 @@ struct FileImager {
     float scale;     ///< What the colour is multiplied by.
     Display display; ///< How 8 bits are made of the colour.
     Filter filter;
-    bool asks_for_filter; ///< Whether the script says anything about it.
-    bool has_alpha;       ///< Without a background: where the file can tell how much is covered, it does.
-    bool is_denoised;     ///< Colour alone.
+    bool asks_for_filter;      ///< Whether the script says anything about it.
+    bool has_alpha;            ///< Without a background: where the file can tell how much is covered, it does.
+    bool is_denoised;          ///< Colour alone.
+    int bits = 0;              ///< Of a channel; 0 for what is usual in the format.
+    std::vector<Aov> layers{}; ///< What an .exr file shows besides.
 };
 
 /// How a pass is made.

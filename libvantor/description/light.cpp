@@ -183,7 +183,9 @@ bool is_placed(const Type &type) { return maker_of(light_makers(), type).make !=
 DescribedLight make_light(const Type &type, const Parameters &parameters, const VtTransform &transform,
                           const CallReport &report) {
     try {
-        return maker_of(light_makers(), type).make(parameters, transform, report);
+        DescribedLight light = maker_of(light_makers(), type).make(parameters, transform, report);
+        light.is_visible = !parameters.knows("visible") || parameters.is_on("visible");
+        return light;
     } catch (const Interrupted &) {
         report.diagnostic("interrupted; the light is black");
         return {};

@@ -3,6 +3,7 @@
 
 #include "libvantor/lights/light.h"
 #include "libvantor/parameters/type_maker.h"
+#include "libvantor/patterns/source.h"
 
 #include <optional>
 #include <vector>
@@ -13,7 +14,9 @@ namespace vantor {
 struct DescribedLight {
     std::vector<Light> lights;            ///< That shine by themselves: none of an area light, two of a sky with a sun.
     std::optional<Color> area_radiance{}; ///< Of an area light: it shines from the objects of its light block.
+    const Pattern *pattern = nullptr;     ///< Of an area light: what that is multiplied by; null for 1.
     bool is_on = true;
+    bool is_visible = true; ///< To the camera.
 
     bool is_area() const { return area_radiance.has_value(); }
 };

@@ -70,7 +70,10 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
         if (parameters.knows("position") && !is_in_reach(parameters, call))
             break;
         ++light_changes;
-        const int index = appended(all_lights, make_light(*type, parameters, current_transform(), call));
+        DescribedLight light = make_light(*type, parameters, current_transform(), call);
+        if (parameters.knows("pattern") && parameters.is_given("pattern"))
+            light.pattern = find_pattern(parameters, "pattern", call);
+        const int index = appended(all_lights, std::move(light));
         if (all_lights.back().is_area())
             current_area_light = index;
         return index;
@@ -263,9 +266,10 @@ void Registry::add_object(VtLong id) {
     usage.note_used(EntityKind::Object, index);
     usage.note_used(EntityKind::Light, light);
     usage.note_added(shown, material_index, material);
+    const bool is_hidden = light >= 0 && !all_lights[static_cast<std::size_t>(light)].is_visible;
     placed.push_back({&shown, world_from_object, &material, interior, light,
                       object.prototype ? &object.instances : nullptr,
-                      object.instance_colors.empty() ? nullptr : &object.instance_colors});
+                      object.instance_colors.empty() ? nullptr : &object.instance_colors, is_hidden});
 }
 
 void Registry::begin_transform(const VtTransform &transform) {

@@ -24,6 +24,7 @@ struct Placement {
     int light;                              ///< The area light that shines from it, an index of lights(); -1 for none.
     const std::vector<Instance> *instances; ///< Where the object stands before that transform; null if it does so once.
     const std::vector<Color> *instance_colors = nullptr; ///< Which each of them carries; null if they carry none.
+    bool is_hidden = false; ///< The camera does not see it, nor what it does to light on its way to the camera.
 
     /// Whether rays may go on behind its surface: it bounds a medium, or lets light pass.
     bool may_be_crossed() const { return interior >= 0 || material->is_see_through() || transmits(material->bsdf); }

@@ -97,7 +97,17 @@ AccelerationStructure::Placed AccelerationStructure::place(std::size_t index, co
             // The instance keeps the scene.
             result.geometry = instance(scene_of_one(result.geometry.get(), interrupt).get(), Affine());
     }
+    if (placement.is_hidden)
+        hide(result.geometry.get());
     return result;
+}
+
+// From rays that have the camera's mask.
+void AccelerationStructure::hide(RTCGeometry geometry) const {
+    if (rtcGetDeviceProperty(device.get(), RTC_DEVICE_PROPERTY_RAY_MASK_SUPPORTED) == 0)
+        throw EmbreeError("Embree was built without ray masks, which \"visible\" 0 of an area light needs");
+    rtcSetGeometryMask(geometry, mask_of_hidden);
+    rtcCommitGeometry(geometry);
 }
 
 OwnedGeometry AccelerationStructure::copy(std::size_t index, const Placement &placement, HitFormat &format) {

@@ -64,6 +64,7 @@ class AccelerationStructure {
 
     Form form_of(const Placement &placement) const;
     Placed place(std::size_t index, const Placement &placement, Form form, const Interrupt &interrupt);
+    void hide(RTCGeometry geometry) const;
     OwnedGeometry copy(std::size_t index, const Placement &placement, HitFormat &format);
     const SharedScene &shared_scene(const Object &object, const Interrupt &interrupt);
     OwnedGeometry instance(RTCScene of, const Affine &map) const;

@@ -21,6 +21,13 @@ struct Segment {
 /// corners of the world. One sum is tested instead of six numbers, which is quicker.
 inline bool is_traceable(Vec3 from, Vec3 direction) { return dot(from, from) + dot(direction, direction) <= 2.5e19f; }
 
+/// What rays may meet, as bits. A ray without a mask meets everything.
+enum RayMask : std::uint32_t {
+    mask_of_all = ~0u,
+    mask_of_camera = 1, ///< All but what is hidden from the camera.
+    mask_of_hidden = 2, ///< That alone.
+};
+
 struct Hit {
     bool exists;           ///< Whether the ray meets anything; the rest is meaningless otherwise.
     float distance;        ///< From the ray's origin.

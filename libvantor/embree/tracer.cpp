@@ -16,7 +16,8 @@ constexpr float infinity = std::numeric_limits<float>::infinity();
 // Rays go to Embree in packets, as wide as the processor takes at once: 16, or else 8. Narrower ones are not worth it.
 template <class Rays> constexpr std::size_t width_of = std::extent_v<decltype(Rays::tfar)>;
 
-template <class Rays> void set_ray(Rays &packet, std::size_t lane, Vec3 from, Vec3 direction, float reach) {
+template <class Rays>
+void set_ray(Rays &packet, std::size_t lane, Vec3 from, Vec3 direction, float reach, RayMask mask = mask_of_all) {
     packet.org_x[lane] = from.x;
     packet.org_y[lane] = from.y;
     packet.org_z[lane] = from.z;
@@ -26,7 +27,7 @@ template <class Rays> void set_ray(Rays &packet, std::size_t lane, Vec3 from, Ve
     packet.tnear[lane] = 0;
     packet.tfar[lane] = reach;
     packet.time[lane] = 0;
-    packet.mask[lane] = ~0u;
+    packet.mask[lane] = mask;
     packet.id[lane] = static_cast<unsigned>(lane);
     packet.flags[lane] = 0;
 }
@@ -89,16 +90,23 @@ void Tracer::intersect(std::span<const Ray> rays, bool are_coherent, std::span<H
     intersect(rays, {}, are_coherent, hits);
 }
 
+namespace {
+
+RayMask mask_of(std::span<const RayMask> masks, std::size_t ray) { return masks.empty() ? mask_of_all : masks[ray]; }
+
+} // namespace
+
 void Tracer::intersect(std::span<const Ray> rays, std::span<const RayStart> starts, bool are_coherent,
-                       std::span<Hit> hits) const {
+                       std::span<Hit> hits, std::span<const RayMask> masks) const {
     if (has_wide_packets)
-        intersect_in_packets<RTCRayHit16>(rays, starts, are_coherent, hits);
+        intersect_in_packets<RTCRayHit16>(rays, starts, are_coherent, hits, masks);
     else
-        intersect_in_packets<RTCRayHit8>(rays, starts, are_coherent, hits);
+        intersect_in_packets<RTCRayHit8>(rays, starts, are_coherent, hits, masks);
 }
 
 template <class Packet> void Tracer::intersect_in_packets(std::span<const Ray> rays, std::span<const RayStart> starts,
-                                                          bool are_coherent, std::span<Hit> hits) const {
+                                                          bool are_coherent, std::span<Hit> hits,
+                                                          std::span<const RayMask> masks) const {
     constexpr std::size_t width = width_of<decltype(Packet::ray)>;
     RayQuery query(are_coherent);
     CrossedInPacket<width> crossed(query, *structure);
@@ -107,8 +115,8 @@ template <class Packet> void Tracer::intersect_in_packets(std::span<const Ray> r
     for (std::size_t first = 0; first < rays.size(); first += width) {
         const std::size_t used = std::min(width, rays.size() - first);
         for (std::size_t lane = 0; lane < width; ++lane) {
-            const Ray &ray = rays[first + in_use(lane, used)];
-            set_ray(packet.ray, lane, ray.origin, ray.direction, infinity);
+            const std::size_t i = first + in_use(lane, used);
+            set_ray(packet.ray, lane, rays[i].origin, rays[i].direction, infinity, mask_of(masks, i));
             packet.hit.geomID[lane] = RTC_INVALID_GEOMETRY_ID;
             packet.hit.instID[0][lane] = RTC_INVALID_GEOMETRY_ID;
         }
@@ -119,12 +127,12 @@ template <class Packet> void Tracer::intersect_in_packets(std::span<const Ray> r
             decode(packet, lane, rays[first + lane], hits[first + lane]);
     }
     if (!starts.empty())
-        leave_before_entering<Packet>(rays, starts, hits);
+        leave_before_entering<Packet>(rays, starts, hits, masks);
 }
 
 // Where a ray enters a body, another one may end that it is in, within rounding at the same place: that comes first.
 template <class Packet> void Tracer::leave_before_entering(std::span<const Ray> rays, std::span<const RayStart> starts,
-                                                           std::span<Hit> hits) const {
+                                                           std::span<Hit> hits, std::span<const RayMask> masks) const {
     constexpr std::size_t width = width_of<decltype(Packet::ray)>;
     RayQuery query(false);
     CrossedInPacket<width> crossed(query, *structure);
@@ -164,7 +172,7 @@ template <class Packet> void Tracer::leave_before_entering(std::span<const Ray> 
         const float reach = (is_near ? hit.distance : margin) + margin;
         // Its own other side comes after it, however thin it is.
         of_lanes[used].crossed.add(hit, true, reach);
-        set_ray(packet.ray, used, short_rays[used].origin, direction, reach);
+        set_ray(packet.ray, used, short_rays[used].origin, direction, reach, mask_of(masks, i));
         packet.hit.geomID[used] = RTC_INVALID_GEOMETRY_ID;
         packet.hit.instID[0][used] = RTC_INVALID_GEOMETRY_ID;
         indexes[used] = i;
@@ -221,7 +229,7 @@ std::vector<Hit> Tracer::intersect_all(const Ray &ray) const {
     query.ray.dir_y = ray.direction.y;
     query.ray.dir_z = ray.direction.z;
     query.ray.tfar = infinity;
-    query.ray.mask = ~0u;
+    query.ray.mask = mask_of_all;
     query.ray.id = collecting_ray;
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
     query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;

@@ -41,8 +41,8 @@ class Tracer {
     /// Whether any surface may be crossed. If so, rays have starts: the surfaces that they have crossed are not met
     /// again. Where several lie at one place, those of bodies that a ray leaves come before those that it enters.
     bool has_crossings() const { return may_cross; }
-    void intersect(std::span<const Ray> rays, std::span<const RayStart> starts, bool are_coherent,
-                   std::span<Hit> hits) const;
+    void intersect(std::span<const Ray> rays, std::span<const RayStart> starts, bool are_coherent, std::span<Hit> hits,
+                   std::span<const RayMask> masks = {}) const;
     void occluded(std::span<const Segment> segments, std::span<const RayStart> starts,
                   std::span<char> are_occluded) const;
 
@@ -60,11 +60,12 @@ class Tracer {
     /// Reads one lane of an Embree packet.
     template <class Packet> void decode(const Packet &packet, std::size_t lane, const Ray &ray, Hit &hit) const;
 
-    /// Rays have starts, or `starts` is empty; here and below.
+    /// Rays have starts and masks, or those are empty; here and below.
     template <class Packet> void intersect_in_packets(std::span<const Ray> rays, std::span<const RayStart> starts,
-                                                      bool are_coherent, std::span<Hit> hits) const;
-    template <class Packet>
-    void leave_before_entering(std::span<const Ray> rays, std::span<const RayStart> starts, std::span<Hit> hits) const;
+                                                      bool are_coherent, std::span<Hit> hits,
+                                                      std::span<const RayMask> masks) const;
+    template <class Packet> void leave_before_entering(std::span<const Ray> rays, std::span<const RayStart> starts,
+                                                       std::span<Hit> hits, std::span<const RayMask> masks) const;
     template <class Packet> void occluded_in_packets(std::span<const Segment> segments,
                                                      std::span<const RayStart> starts,
                                                      std::span<char> are_occluded) const;

@@ -29,13 +29,22 @@ Picture shown_in_8_bits(const Picture &picture, const AovRow &row) {
 std::string write_file(const FileImager &imager, const FrameBuffer &frame, const std::string &comment) {
     const Picture &picture = frame.of(imager.aov);
     const AovRow &row = row_of(imager.aov);
-    if (!row.in_8_bits)
-        return write_picture(
-            picture, {imager.scale, imager.display, comment, imager.has_alpha ? &frame.of(Aov::Alpha) : nullptr},
-            imager.path);
-    if (holds_floats(imager.path))
-        return write_picture(picture, {1, Display::Linear, comment}, imager.path);
-    return write_picture(shown_in_8_bits(picture, row), {1, row.display, comment}, imager.path);
+    FileForm form{.comment = comment, .bits = imager.bits};
+    for (const Aov layer : imager.layers)
+        form.layers.push_back({std::string(aov_names[index_of(layer)]), &frame.of(layer)});
+    if (!row.in_8_bits) {
+        form.scale = imager.scale;
+        form.display = imager.display;
+        form.alpha = imager.has_alpha ? &frame.of(Aov::Alpha) : nullptr;
+        return write_picture(picture, form, imager.path);
+    }
+    if (holds_floats(imager.path)) {
+        if (imager.aov == Aov::ObjectId)
+            form.bits = 0; // halves are whole numbers only up to 2048
+        return write_picture(picture, form, imager.path);
+    }
+    form.display = row.display;
+    return write_picture(shown_in_8_bits(picture, row), form, imager.path);
 }
 
 void show_tile(const std::vector<FileImager> &imagers, const FrameBuffer &frame, const PixelArea &tile) {

@@ -17,6 +17,7 @@ Color normal(const FirstHit &first) {
 }
 // Surfaces that the path passed straight through lie on the same line.
 Color depth(const FirstHit &first) { return grey(length(first.hit.point - first.path_start)); }
+Color depth_z(const FirstHit &first) { return grey(dot(first.hit.point - first.path_start, first.camera_axis)); }
 Color position(const FirstHit &first) { return color_of(first.hit.point); }
 Color object_id(const FirstHit &first) { return grey(static_cast<float>(first.placement.object->id)); }
 
@@ -44,6 +45,7 @@ constexpr AovRow rows[] = {
     {Aov::ObjectId, object_id, Reduction::First, distinct_color, Display::Linear},
     {Aov::Variance, nullptr, Reduction::RadianceVariance, as_it_is, Display::Linear},
     {Aov::Alpha, alpha, Reduction::Mean, as_it_is, Display::Linear},
+    {Aov::DepthZ, depth_z, Reduction::MeanOfHits, relative_to_largest, Display::Linear},
     {Aov::Foreground, nullptr, Reduction::RadianceOfHits, nullptr, Display::Srgb},
 };
 
@@ -72,7 +74,7 @@ static_assert(have_values());
 std::span<const AovRow, aov_count> aov_table() { return rows; }
 
 void AovSample::record(const Hit &hit, const Surface &surface, const Placement &placement) {
-    const FirstHit first{hit, surface, placement, start};
+    const FirstHit first{hit, surface, placement, start, axis};
     is_hit = true;
     for (std::size_t i = 0; i < aov_count; ++i)
         if (rows[i].value)

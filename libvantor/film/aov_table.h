@@ -17,6 +17,7 @@ struct FirstHit {
     const Surface &surface;
     const Placement &placement;
     Vec3 path_start;
+    Vec3 camera_axis;
 };
 
 /// One AOV. Files of floats hold the values themselves; only the colour is exposed there, too.
@@ -37,7 +38,8 @@ inline const AovRow &row_of(Aov aov) { return aov_table()[index_of(aov)]; }
 /// What a sample of a pixel sees first, for every AOV that has a value there. It hits nothing where the path leaves the
 /// scene, or a medium scatters it before.
 struct AovSample {
-    Vec3 start{}; ///< Of the path; given.
+    Vec3 start{}; ///< Of the path; given, like the next.
+    Vec3 axis{};  ///< Of the camera.
     bool is_hit = false;
     std::array<Color, aov_count> values{};
 

@@ -1,7 +1,9 @@
-// Display: from linear values to the 8 bits of a picture that is looked at.
+// Display: from linear values to the 8 or 16 bits of a picture that is looked at.
 #pragma once
 
 #include "libvantor/base/color.h"
+
+#include <limits>
 
 namespace vantor {
 
@@ -19,16 +21,17 @@ inline float filmic(float linear) {
     return x * (2.51f * x + 0.03f) / (x * (2.43f * x + 0.59f) + 0.14f);
 }
 
-/// 0 to 255, rounded.
-inline std::uint8_t shown(float linear, Display display) {
-    switch (display) {
-    case Display::Linear:
-        return static_cast<std::uint8_t>(std::lround(255.0f * std::clamp(linear, 0.0f, 1.0f)));
-    case Display::Filmic:
-        return srgb_byte(filmic(linear));
-    default:
-        return srgb_byte(linear);
-    }
+/// From 0 to 1, as the display wants it.
+inline float displayed(float linear, Display display) {
+    if (display == Display::Linear)
+        return std::clamp(linear, 0.0f, 1.0f);
+    return srgb_of_linear(std::clamp(display == Display::Filmic ? filmic(linear) : linear, 0.0f, 1.0f));
+}
+
+/// 0 to the largest integer, 255 or 65535; rounded.
+template <class Integer = std::uint8_t> Integer shown(float linear, Display display) {
+    constexpr auto largest = static_cast<float>(std::numeric_limits<Integer>::max());
+    return static_cast<Integer>(std::lround(largest * displayed(linear, display)));
 }
 
 } // namespace vantor

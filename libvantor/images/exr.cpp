@@ -1,4 +1,5 @@
 // OpenEXR files, by its library.
+#include "libvantor/images/exr_layers.h"
 #include "libvantor/images/exr_part.h"
 #include "libvantor/images/formats.h"
 
@@ -10,6 +11,8 @@
 #include <ImfStdIO.h>
 #include <ImfStringAttribute.h>
 #include <ImfTiledOutputFile.h>
+#include <half.h>
+#include <list>
 
 namespace vantor {
 
@@ -34,14 +37,60 @@ void add_part(const PartSums &part, const Imath::Box2i &data, Imf::Header &heade
     }
 }
 
+// Halves in place of floats: those beyond their range become the largest.
+std::vector<Imath::half> halves_of(const std::vector<Color> &pixels) {
+    std::vector<Imath::half> result;
+    result.reserve(3 * pixels.size());
+    constexpr auto largest = static_cast<float>(HALF_MAX);
+    for (const Color &pixel : pixels)
+        for (const float value : {pixel.r, pixel.g, pixel.b})
+            result.emplace_back(std::clamp(value, -largest, largest));
+    return result;
+}
+
+// The channels of a file, written straight from pixels that have to stay as long as it.
+class FileChannels {
+  public:
+    FileChannels(const Imath::Box2i &its_data, Imf::Header &its_header, Imf::FrameBuffer &its_frame)
+        : data(its_data), header(its_header), frame(its_frame) {}
+
+    // Of each name, a component of the pixels.
+    void add(const std::string &prefix, std::initializer_list<const char *> names, const std::vector<Color> &pixels,
+             bool as_halves) {
+        if (as_halves) {
+            halves.push_back(halves_of(pixels));
+            add(prefix, names, Imf::HALF, halves.back().data());
+        } else {
+            add(prefix, names, Imf::FLOAT, &pixels[0].r);
+        }
+    }
+
+  private:
+    template <class Value> void add(const std::string &prefix, std::initializer_list<const char *> names,
+                                    Imf::PixelType type, const Value *first) {
+        const std::size_t size = 3 * sizeof(Value);
+        for (const char *name : names) {
+            const std::string channel = prefix + name;
+            header.channels().insert(channel, Imf::Channel(type));
+            frame.insert(channel, Imf::Slice::Make(type, first++, data, size,
+                                                   size * static_cast<std::size_t>(data.max.x - data.min.x + 1)));
+        }
+    }
+
+    const Imath::Box2i data;
+    Imf::Header &header;
+    Imf::FrameBuffer &frame;
+    std::list<std::vector<Imath::half>> halves;
+};
+
 } // namespace
 
-std::string exr_file(const Picture &picture, float scale, const std::string &comment, const Picture *alpha) {
+std::string exr_file(const Picture &picture, const FileForm &form) {
     std::vector<Color> scaled;
-    if (scale != 1) {
+    if (form.scale != 1) {
         scaled.reserve(picture.pixels.size());
         for (const Color c : picture.pixels)
-            scaled.push_back(c * scale);
+            scaled.push_back(c * form.scale);
     }
 
     // The library wants bounds that include the last pixel.
@@ -51,20 +100,17 @@ std::string exr_file(const Picture &picture, float scale, const std::string &com
     Imf::Header header(display, data);
     header.compression() = Imf::ZIP_COMPRESSION;
     header.setTileDescription(Imf::TileDescription(64, 64, Imf::ONE_LEVEL));
-    Imf::addComments(header, comment);
+    Imf::addComments(header, form.comment);
 
-    const float *values = &(scale != 1 ? scaled : picture.pixels)[0].r;
     Imf::FrameBuffer frame;
-    const auto add = [&](const char *name, const float *first) {
-        header.channels().insert(name, Imf::Channel(Imf::FLOAT));
-        frame.insert(name, Imf::Slice::Make(Imf::FLOAT, first, data, sizeof(Color),
-                                            sizeof(Color) * static_cast<std::size_t>(window.width())));
-    };
-    add("R", values);
-    add("G", values + 1);
-    add("B", values + 2);
-    if (alpha)
-        add("A", &alpha->pixels[0].r);
+    FileChannels channels(data, header, frame);
+    const bool as_halves = form.bits == 16;
+    channels.add("", {"R", "G", "B"}, form.scale != 1 ? scaled : picture.pixels, as_halves);
+    if (form.alpha)
+        channels.add("", {"A"}, form.alpha->pixels, as_halves);
+    for (const FileLayer &layer : form.layers)
+        channels.add(layer.name + ".", exr_layers::channels_of(layer.name), layer.picture->pixels,
+                     as_halves && !exr_layers::needs_floats(layer.name));
     if (picture.part)
         add_part(*picture.part, data, header, frame);
     Imf::StdOSStream stream;

@@ -11,6 +11,7 @@
 #include <ImfStdIO.h>
 #include <ImfStringAttribute.h>
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 #include <vector>
 
@@ -31,33 +32,71 @@ struct Window {
     }
 };
 
-// Those of the channels R, G, B and A that there are; or Y in place of the colours.
+// What a layer's channels are called behind its name, but for words of sums. Without a name, the file's own.
+std::vector<std::string> names_in(const Imf::ChannelList &channels, std::string_view layer) {
+    std::vector<std::string> names;
+    for (auto channel = channels.begin(); channel != channels.end(); ++channel) {
+        const std::string_view name = channel.name();
+        const std::size_t point = name.rfind('.');
+        const bool is_inside = point != std::string_view::npos;
+        if ((layer.empty() || channel.channel().type != Imf::UINT) && (is_inside ? name.substr(0, point) : "") == layer)
+            names.emplace_back(is_inside ? name.substr(point + 1) : name);
+    }
+    return names;
+}
+
+// The channels that make a picture: of colours (R, G, B and A, as many of them as there are), of a grey (Y), and in
+// layers of a vector (X, Y and Z), or of one number by any name. None if they make no picture.
+std::vector<std::string> picture_names(const std::vector<std::string> &names, bool is_layer) {
+    const auto has = [&](const char *name) { return std::ranges::find(names, name) != names.end(); };
+    std::vector<std::string> result;
+    if (has("R") || has("G") || has("B"))
+        result = {"R", "G", "B"};
+    else if (is_layer && has("X") && has("Y") && has("Z"))
+        result = {"X", "Y", "Z"};
+    else if (is_layer && names.size() == 1)
+        return names;
+    else if (has("Y"))
+        result = {"Y"};
+    if (!result.empty() && has("A"))
+        result.emplace_back("A");
+    return result;
+}
+
 struct PictureChannels {
     PixelFormat format{SampleType::Half, true, false};
-    std::vector<const char *> names; // in the order of a pixel
+    std::vector<std::string> names; // in the order of a pixel
 
-    explicit PictureChannels(const Imf::ChannelList &channels) {
-        format.is_grey = !channels.findChannel("R") && !channels.findChannel("G") && !channels.findChannel("B");
-        if (format.is_grey && !channels.findChannel("Y"))
-            throw std::runtime_error("the file has neither the channels R, G and B nor Y");
-        format.has_alpha = channels.findChannel("A") != nullptr;
-        names = format.is_grey ? std::vector{"Y"} : std::vector{"R", "G", "B"};
-        if (format.has_alpha)
-            names.push_back("A");
-        for (const char *name : names)
+    PictureChannels(const Imf::ChannelList &channels, const std::string &layer) {
+        names = picture_names(names_in(channels, layer), !layer.empty());
+        if (names.empty())
+            throw std::runtime_error(layer.empty()
+                                         ? "the file has neither the channels R, G and B nor Y"
+                                         : joined({"the file has no layer ", in_quotes(layer), " that is a picture"}));
+        format.has_alpha = names.size() > 1 && names.back() == "A";
+        format.is_grey = names.size() - (format.has_alpha ? 1 : 0) == 1;
+        for (std::string &name : names) {
+            if (!layer.empty())
+                name = joined({layer, ".", name});
             if (const Imf::Channel *channel = channels.findChannel(name); channel && channel->type != Imf::HALF)
                 format.type = SampleType::Float;
+        }
     }
 };
 
 // Before the file is opened in earnest, which takes memory for every line.
-void check_exr_header(const std::string &path, long file_size) {
+Imf::Header header_of(const std::string &path) {
     Imf::StdIFStream stream(path.c_str());
     char magic_and_version[8];
     stream.read(magic_and_version, sizeof magic_and_version);
     int version = static_cast<unsigned char>(magic_and_version[4]);
     Imf::Header header;
     header.readFrom(stream, version);
+    return header;
+}
+
+void check_exr_header(const std::string &path, const std::string &layer, long file_size) {
+    const Imf::Header header = header_of(path);
     const Window display(header.displayWindow());
     const Window data(header.dataWindow());
     // What is outside of the data window takes no bytes, and of one colour many pixels go into a byte, but a damaged
@@ -75,7 +114,7 @@ void check_exr_header(const std::string &path, long file_size) {
     double sample_count = 4; // a line of colours and alpha
     for (auto channel = header.channels().begin(); channel != header.channels().end(); ++channel)
         sample_count += static_cast<double>(std::min(lines, data.height));
-    check_memory(display.width, display.height, PictureChannels(header.channels()).format,
+    check_memory(display.width, display.height, PictureChannels(header.channels(), layer).format,
                  static_cast<double>(data.width) * sample_count * sizeof(float));
 }
 
@@ -119,10 +158,21 @@ void read_lines(Imf::InputFile &file, const PictureChannels &channels, Raster &r
 
 } // namespace
 
-Raster read_exr(const std::string &path, long file_size, const Interrupt &interrupt) {
-    check_exr_header(path, file_size);
+std::vector<std::string> exr_layer_names(const std::string &path) {
+    const Imf::Header header = header_of(path);
+    std::set<std::string> names;
+    header.channels().layers(names);
+    std::vector<std::string> result(names.begin(), names.end());
+    std::erase_if(result, [&](const std::string &layer) {
+        return picture_names(names_in(header.channels(), layer), true).empty();
+    });
+    return result;
+}
+
+Raster read_exr(const std::string &path, const std::string &layer, long file_size, const Interrupt &interrupt) {
+    check_exr_header(path, layer, file_size);
     Imf::InputFile file(path.c_str(), 0);
-    const PictureChannels channels(file.header().channels());
+    const PictureChannels channels(file.header().channels(), layer);
     const Window display(file.header().displayWindow());
     Raster raster(static_cast<int>(display.width), static_cast<int>(display.height), channels.format);
     if (channels.format.type == SampleType::Half)
@@ -153,7 +203,7 @@ SampleRange samples_of(const Imf::Header &header) {
 } // namespace
 
 Picture read_exr_part(const std::string &path, long file_size) {
-    check_exr_header(path, file_size);
+    check_exr_header(path, "", file_size);
     Imf::InputFile file(path.c_str(), 0);
     const Imf::Header &header = file.header();
     const Window display(header.displayWindow());

@@ -48,7 +48,7 @@ fs::path resolved(const std::string &path) {
     throw std::system_error(ELOOP, std::generic_category());
 }
 
-// As files of 8 bits have it: colours as if all of the pixel were covered.
+// As files of integers have it: colours as if all of the pixel were covered.
 Picture unassociated(const Picture &picture, const Picture &alpha) {
     Picture result = picture;
     for (std::size_t i = 0; i < result.pixels.size(); ++i)
@@ -57,33 +57,35 @@ Picture unassociated(const Picture &picture, const Picture &alpha) {
     return result;
 }
 
-// The values as they are shown, in 8 bits.
-BytePicture bytes_of(const Picture &picture, float scale, Display display) {
-    BytePicture result{picture.window.width(), picture.window.height(), {}};
-    result.bytes.reserve(3 * picture.pixels.size());
+// The values as they are shown.
+template <class Integer> IntegerPicture<Integer> integers_of(const Picture &picture, float scale, Display display) {
+    IntegerPicture<Integer> result{picture.window.width(), picture.window.height(), {}};
+    result.values.reserve(3 * picture.pixels.size());
     for (const Color &c : picture.pixels)
         for (const float value : {c.r, c.g, c.b})
-            result.bytes.push_back(shown(value * scale, display));
+            result.values.push_back(shown<Integer>(value * scale, display));
     return result;
 }
 
+template <class Integer> std::string png_file_of(const Picture &picture, const FileForm &form) {
+    if (!form.alpha)
+        return png_file(integers_of<Integer>(picture, form.scale, form.display), form.comment);
+    IntegerPicture<Integer> values = integers_of<Integer>(unassociated(picture, *form.alpha), form.scale, form.display);
+    for (const Color &covered : form.alpha->pixels)
+        values.alpha.push_back(shown<Integer>(covered.r, Display::Linear));
+    return png_file(values, form.comment);
+}
+
 std::string file_of(const Picture &picture, const FileForm &form, Format format) {
-    if (format == Format::Exr)
-        return exr_file(picture, form.scale, form.comment, form.alpha);
-    if (format == Format::Png && form.alpha) {
-        BytePicture bytes = bytes_of(unassociated(picture, *form.alpha), form.scale, form.display);
-        for (const Color &covered : form.alpha->pixels)
-            bytes.alpha.push_back(shown(covered.r, Display::Linear));
-        return png_file(bytes, form.comment);
-    }
-    const BytePicture bytes = bytes_of(picture, form.scale, form.display);
     switch (format) {
+    case Format::Exr:
+        return exr_file(picture, form);
     case Format::Jpeg:
-        return jpeg_file(bytes, form.comment);
+        return jpeg_file(integers_of<std::uint8_t>(picture, form.scale, form.display), form.comment);
     case Format::Tiff:
-        return tiff_file(bytes, form.comment);
+        return tiff_file(integers_of<std::uint8_t>(picture, form.scale, form.display), form.comment);
     default:
-        return png_file(bytes, form.comment);
+        return form.bits == 16 ? png_file_of<std::uint16_t>(picture, form) : png_file_of<std::uint8_t>(picture, form);
     }
 }
 
@@ -106,6 +108,20 @@ const TileHandler &tile_handler() { return the_tile_handler(); }
 
 bool has_known_format(const std::string &path) { return format_of(path) != Format::Unknown; }
 bool holds_floats(const std::string &path) { return format_of(path) == Format::Exr; }
+
+std::span<const int> bits_of_format(const std::string &path) {
+    static constexpr int of_png[] = {8, 16};
+    static constexpr int of_exr[] = {32, 16};
+    static constexpr int of_others[] = {8};
+    switch (format_of(path)) {
+    case Format::Png:
+        return of_png;
+    case Format::Exr:
+        return of_exr;
+    default:
+        return of_others;
+    }
+}
 
 std::string why_unwritable(const std::string &path, int width, int height) {
     if (format_of(path) == Format::Jpeg && std::max(width, height) > largest_jpeg_side)
@@ -133,7 +149,8 @@ std::string why_unwritable(const std::string &path, int width, int height) {
 
 std::string write_picture(const Picture &picture, const FileForm &form, const std::string &path) {
     try {
-        if (holds_floats(path) && form.scale == 1 && the_handler() && the_handler()(picture, path))
+        if (holds_floats(path) && form.scale == 1 && form.layers.empty() && the_handler() &&
+            the_handler()(picture, path))
             return {};
         const std::string bytes = file_of(picture, form, format_of(path));
         TemporaryFile file(resolved(path));

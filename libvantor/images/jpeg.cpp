@@ -94,9 +94,9 @@ bool encode(JpegWriter &writer, const BytePicture &picture, const std::string &c
     jpeg_write_marker(&info, JPEG_COM, reinterpret_cast<const JOCTET *>(comment.data()),
                       static_cast<unsigned>(comment.size()));
     const std::size_t row = 3 * static_cast<std::size_t>(picture.width);
-    for (std::size_t first = 0; first < picture.bytes.size(); first += row) {
+    for (std::size_t first = 0; first < picture.values.size(); first += row) {
         // The library's rows are not constant, but it only reads them.
-        JSAMPROW pixels = const_cast<JSAMPROW>(picture.bytes.data() + first);
+        JSAMPROW pixels = const_cast<JSAMPROW>(picture.values.data() + first);
         jpeg_write_scanlines(&info, &pixels, 1);
     }
     jpeg_finish_compress(&info);

@@ -6,6 +6,7 @@
 #include "libvantor/images/raster.h"
 
 #include <string>
+#include <vector>
 
 namespace vantor {
 
@@ -19,11 +20,16 @@ void check_memory(long width, long height, PixelFormat format, double decoding_b
 /// For files whose picture takes more than they can hold, however well it is compressed.
 [[noreturn]] void refuse_as_too_short();
 
-Raster read_exr(const std::string &path, long file_size, const Interrupt &interrupt);
+/// Without a layer's name, the file's own picture.
+Raster read_exr(const std::string &path, const std::string &layer, long file_size, const Interrupt &interrupt);
+
+/// Of those that are pictures, in alphabetical order.
+std::vector<std::string> exr_layer_names(const std::string &path);
 
 /// A part of a larger picture, as exr_file() writes it, without what its colours were multiplied by.
 Picture read_exr_part(const std::string &path, long file_size);
 
+Raster read_hdr(const std::string &path, long file_size, const Interrupt &interrupt);
 Raster read_jpeg(const std::string &path, long file_size, const Interrupt &interrupt);
 Raster read_png(const std::string &path, long file_size, const Interrupt &interrupt);
 

@@ -1,4 +1,4 @@
-// Reading pictures: PNG, JPEG and OpenEXR files, recognised by their first bytes.
+// Reading pictures: PNG, JPEG, OpenEXR and Radiance files, recognised by their first bytes.
 #include "libvantor/images/reading.h"
 
 #include "libvantor/base/report.h"
@@ -71,21 +71,32 @@ long size_of(const std::string &path) {
     return found.st_size;
 }
 
-Raster read(const std::string &path, const Interrupt &interrupt) {
-    const long file_size = size_of(path);
-    char start[8] = {};
+// The first bytes of a file.
+std::string start_of(const std::string &path) {
+    std::string start(8, '\0');
     std::ifstream file(path, std::ios::binary);
     if (!file)
         throw std::system_error(errno, std::generic_category());
-    file.read(start, sizeof start);
-    const std::string_view signature(start, sizeof start);
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    return start;
+}
+
+bool is_exr(std::string_view start) { return start.starts_with("\x76\x2f\x31\x01"); }
+
+Raster read(const std::string &path, const std::string &layer, const Interrupt &interrupt) {
+    const long file_size = size_of(path);
+    const std::string signature = start_of(path);
+    if (is_exr(signature))
+        return read_exr(path, layer, file_size, interrupt);
+    if (!layer.empty())
+        throw std::runtime_error("only OpenEXR files have layers");
     if (signature == "\x89PNG\r\n\x1a\n")
         return read_png(path, file_size, interrupt);
     if (signature.starts_with("\xff\xd8\xff"))
         return read_jpeg(path, file_size, interrupt);
-    if (signature.starts_with("\x76\x2f\x31\x01"))
-        return read_exr(path, file_size, interrupt);
-    throw std::runtime_error("it is no PNG, JPEG or OpenEXR file");
+    if (signature.starts_with("#?"))
+        return read_hdr(path, file_size, interrupt);
+    throw std::runtime_error("it is no PNG, JPEG, OpenEXR or Radiance file");
 }
 
 // Why a file cannot be read, of the exception that is being handled.
@@ -103,14 +114,23 @@ std::string reason() {
 
 } // namespace
 
-ReadPicture read_picture(const std::string &path) {
+ReadPicture read_picture(const std::string &path, const std::string &layer) {
     const Interrupt interrupt;
     try {
-        return {read(path, interrupt), {}};
+        return {read(path, layer, interrupt), {}};
     } catch (const Interrupted &) {
         return {{}, "interrupted", true};
     } catch (const std::exception &) {
         return {{}, reason()};
+    }
+}
+
+std::vector<std::string> layer_names(const std::string &path) {
+    try {
+        size_of(path);
+        return is_exr(start_of(path)) ? exr_layer_names(path) : std::vector<std::string>();
+    } catch (const std::exception &) {
+        return {}; // read_picture() says why
     }
 }
 

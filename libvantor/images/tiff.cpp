@@ -110,7 +110,7 @@ bool encode(TIFF *tiff, const BytePicture &picture) {
     const std::size_t length = 3 * static_cast<std::size_t>(picture.width);
     std::vector<std::uint8_t> row(length);
     for (int y = 0; is_good && y < picture.height; ++y) {
-        std::copy_n(picture.bytes.data() + static_cast<std::size_t>(y) * length, length, row.data());
+        std::copy_n(picture.values.data() + static_cast<std::size_t>(y) * length, length, row.data());
         is_good = TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0) == 1;
     }
     return is_good && TIFFFlush(tiff) == 1;

@@ -28,6 +28,9 @@ struct Path {
     int diffuse_surfaces = 0;       ///< How many it has met.
     RayStart start{};               ///< Of the ray; where surfaces may be crossed.
 
+    /// Whether the ray is still the camera's: at most passed straight through surfaces that are not quite opaque.
+    bool is_from_camera() const { return bounces == 0; }
+
     /// Goes on from there. False if the ray cannot be followed.
     bool leave(Vec3 from, Vec3 direction) {
         ray = {from, direction};

@@ -82,12 +82,14 @@ void PathIntegrator::add_emission(std::span<Vertex> vertices) const {
             if (!path.finds_lights)
                 mis_weight = power_heuristic(path.direction_pdf,
                                              world.lights.pdf(emitter, path.vertex, path.ray.direction, hit));
-            path.radiance += clamped(path.throughput * world.lights.radiance(emitter) * mis_weight, path.bounces > 1);
+            path.radiance +=
+                clamped(path.throughput * world.lights.radiance(emitter, hit) * mis_weight, path.bounces > 1);
         } else if (vertex.kind == Kind::Escaped) {
-            world.lights.for_each_infinite(path.vertex, path.ray.direction, [&](Color radiance, float pdf) {
+            const auto add = [&](Color radiance, float pdf) {
                 const float mis_weight = path.finds_lights ? 1.0f : power_heuristic(path.direction_pdf, pdf);
                 path.radiance += clamped(path.throughput * radiance * mis_weight, path.bounces > 1);
-            });
+            };
+            world.lights.for_each_infinite(path.vertex, path.ray.direction, path.is_from_camera(), add);
         }
     }
 }

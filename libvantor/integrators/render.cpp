@@ -40,6 +40,8 @@ void add_aovs(FrameBuffer &frame, const std::vector<FileImager> &imagers) {
         frame.add(imager.aov);
         if (imager.has_alpha)
             frame.add(Aov::Alpha);
+        for (const Aov layer : imager.layers)
+            frame.add(layer);
     }
 }
 
@@ -149,7 +151,14 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     }
     if (window.is_empty() || !samples || !registry.camera() || imagers.empty())
         return;
-    registry.tell_vain(std::ranges::any_of(imagers, [](const FileImager &i) { return shows_light(i.aov); }));
+    registry.tell_vain(std::ranges::any_of(imagers, [](const FileImager &imager) {
+        return shows_light(imager.aov) || std::ranges::any_of(imager.layers, shows_light);
+    }));
+
+    for (const FileImager &imager : imagers)
+        if (!samples->is_whole() && !imager.layers.empty())
+            report.note(joined({"render: the layers of ", in_quotes(imager.path),
+                                " are of its samples alone, without the sums that parts are put together by"}));
 
     FrameBuffer frame(request.width, request.height, window);
     add_aovs(frame, imagers);

@@ -125,6 +125,7 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
     get_2d_of(samplers, film_dimension, on_film);
     std::vector<Point2f> on_lens(samplers.size());
     const Camera &camera = view.camera;
+    const Vec3 axis = camera.axis();
     if (camera.has_lens())
         get_2d_of(samplers, lens_dimension, on_lens);
 
@@ -135,7 +136,7 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
     of_block.for_each([&](int x, int y, int) {
         const Point2f position = filter.position(x, y, on_film[i]);
         const Ray ray = camera.ray(position.u, position.v, frame.width(), frame.height(), on_lens[i]);
-        AovSample *seen = has_aovs ? &result.aovs.emplace_back(AovSample{.start = ray.origin}) : nullptr;
+        AovSample *seen = has_aovs ? &result.aovs.emplace_back(AovSample{.start = ray.origin, .axis = axis}) : nullptr;
         GuideSample *guides = has_guides ? &result.guides.emplace_back(GuideSample{.from = ray.origin}) : nullptr;
         result.paths.emplace_back(ray, samplers[i], media_around(ray), seen, guides);
         ++i;

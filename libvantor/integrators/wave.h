@@ -116,7 +116,12 @@ class Wave {
         if (world.tracer.has_crossings())
             for (; start_count < count; ++start_count)
                 starts[start_count] = chunk[start_count]->start;
-        world.tracer.intersect(std::span(rays).first(count), std::span(starts).first(start_count), are_coherent, hits);
+        std::size_t mask_count = 0;
+        if (world.has_hidden)
+            for (; mask_count < count; ++mask_count)
+                masks[mask_count] = chunk[mask_count]->is_from_camera() ? mask_of_camera : mask_of_all;
+        world.tracer.intersect(std::span(rays).first(count), std::span(starts).first(start_count), are_coherent, hits,
+                               std::span(masks).first(mask_count));
         get_2d_of(std::span(samplers).first(count), dimension + light_point, light_points);
         get_2d_of(std::span(samplers).first(count), dimension + next_direction, next_directions);
         for (std::size_t i = 0; i < count; ++i) {
@@ -141,6 +146,7 @@ class Wave {
     // Of the present chunk.
     Ray rays[chunk_size];
     RayStart starts[chunk_size];
+    RayMask masks[chunk_size];
     Hit hits[chunk_size];
     Sampler samplers[chunk_size];
     Point2f light_points[chunk_size];

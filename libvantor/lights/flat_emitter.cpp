@@ -22,6 +22,11 @@ Point2f sample_area(const FlatEmitter &emitter, Point2f numbers) {
 
 } // namespace
 
+Vec3 FlatEmitter::point(Point2f numbers) const {
+    const Point2f uv = sample_area(*this, numbers);
+    return corner + edge_u * uv.u + edge_v * uv.v;
+}
+
 LightBounds FlatEmitter::bounds() const {
     const auto box_around = [&](Vec3 center, Vec3 half) {
         return LightBounds{center, half, normal, 1, 0, area * luminance(emitted)};

@@ -38,6 +38,18 @@ struct FlatEmitter {
 
     float pdf(Vec3 reference, Vec3 direction, Vec3 point) const;
 
+    /// A point, uniform in area.
+    Vec3 point(Point2f numbers) const;
+
+    /// u and v of a point, wherever it lies beside the plane.
+    Point2f coordinates(Vec3 point) const {
+        const Vec3 from_corner = point - corner;
+        const Vec3 across = cross(edge_u, edge_v);
+        const float inverse_square = 1 / dot(across, across);
+        return {dot(cross(from_corner, edge_v), across) * inverse_square,
+                dot(cross(edge_u, from_corner), across) * inverse_square};
+    }
+
     /// The solid angle by which it is sampled from there; 0 if it is sampled by area.
     float sampled_solid_angle(Vec3 reference) const;
 

@@ -25,6 +25,11 @@ LightBounds SphereEmitter::bounds() const {
     return {world_from_unit->offset, half, {0, 0, 1}, -1, 0, pi * squared_radius * luminance(emitted)};
 }
 
+Vec3 SphereEmitter::point(Point2f numbers) const {
+    constexpr float all_directions = 2; // 1 - cos of half a turn
+    return world_from_unit->point(warp::cone(numbers, all_directions));
+}
+
 bool SphereEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {
     const Affine &map = *world_from_unit;
     const Vec3 from = map.point_back(reference);

@@ -21,6 +21,9 @@ struct SphereEmitter {
     bool sample(Vec3 reference, Point2f numbers, EmissionSample &result) const;
     Color radiance() const { return emitted; }
     float pdf(Vec3 reference, Vec3 direction, Vec3 point) const;
+
+    /// A point, uniform in area where it is the unit sphere.
+    Vec3 point(Point2f numbers) const;
 };
 
 } // namespace vantor

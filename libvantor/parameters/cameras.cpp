@@ -33,6 +33,7 @@ constexpr Parameter orthographic_parameters[] = {
 };
 constexpr Parameter panorama_parameters[] = {position, target, up};
 
+constexpr Range pixel_lengths{.low = 1e-3, .high = 1e9, .text = "0.001 to 1e9"};
 constexpr std::string_view fov_axes[] = {"vertical", "horizontal", "smaller", "larger"};
 constexpr Parameter perspective_parameters[] = {
     position,
@@ -41,6 +42,10 @@ constexpr Parameter perspective_parameters[] = {
     {"fov", ValueKind::Number, field_of_view, Presence::Default, value(45), "degrees", "field of view"},
     {"fov_axis", ValueKind::Choice, any, Presence::Default, none, "",
      "the side of the picture that the field of view spans", fov_axes},
+    {"focal_lengths", ValueKind::Vector2, pixel_lengths, Presence::Optional, none, "pixels",
+     "across and down, in place of \"fov\": how far from the principal point lies what is as far aside as it is ahead"},
+    {"principal_point", ValueKind::Vector2, coordinate, Presence::Optional, none, "pixels",
+     "where the view axis meets the picture, (0, 0) being the middle of its upper left pixel; left out, in the middle"},
     {"aperture_radius", ValueKind::Number, aperture, Presence::Default, value(0), "length",
      "the radius of the lens; 0 is a pinhole, with which everything is sharp"},
     {"focus_distance", ValueKind::Number, size, Presence::Optional, none, "length",

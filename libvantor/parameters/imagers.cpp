@@ -15,6 +15,7 @@ constexpr std::string_view filters[] = {"tent", "box", "gaussian", "blackman_har
 constexpr Range seeds{.low = 0.0, .high = 2147483647.0, .text = "0 to 2147483647"};
 constexpr Range bounces{.low = 1.0, .high = 1000.0, .text = "1 to 1000"};
 constexpr Range sample_counts{.low = 0.0, .high = 16777216.0, .text = "0 to 16777216"};
+constexpr Range bit_counts{.low = 8.0, .high = 32.0, .text = "8, 16 or 32"};
 constexpr Range filter_widths{.low = 0.01, .high = 64.0, .text = "0.01 to 64"};
 
 constexpr Parameter file_parameters[] = {
@@ -30,6 +31,10 @@ constexpr Parameter file_parameters[] = {
      "0: where a path meets no surface the colour is black, and .png and .exr files have an alpha, which is 0 there"},
     {"denoise", ValueKind::Switch, off_or_on, Presence::Default, value(0), "",
      "1: pixels that cannot be told apart from each other are averaged, and the noise is less"},
+    {"bits", ValueKind::Integer, bit_counts, Presence::Optional, none, "bits",
+     "of a channel: 8 or 16 in a .png file, 16 (half floats) or 32 in an .exr file; left out, 8 and 32"},
+    {"layers", ValueKind::Text, any, Presence::Optional, none, "",
+     "what an .exr file shows besides, each in a layer of its name: words that \"what\" takes, with spaces between"},
     {"filter", ValueKind::Choice, any, Presence::Default, none, "", "how samples are spread around a pixel's middle",
      filters},
     {"filter_width", ValueKind::Number, filter_widths, Presence::Optional, none, "pixels",
@@ -52,7 +57,9 @@ constexpr Parameter settings_parameters[] = {
      "the pass begins no further samples that are likely to end later; 0 is no limit"},
 };
 constexpr Type imagers_table[] = {
-    {"file", "Writes the picture to a file: .exr floats, linear; all others 8 bits a channel.", file_parameters},
+    {"file",
+     "Writes the picture to a file: .exr floats, linear; all others integers, 8 bits a channel unless said otherwise.",
+     file_parameters},
     {"settings", "Writes nothing; says how pictures are made while its block is open.", settings_parameters},
 };
 

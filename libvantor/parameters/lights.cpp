@@ -8,9 +8,20 @@ using namespace tables;
 
 namespace {
 
+constexpr Parameter visible{"visible",
+                            ValueKind::Switch,
+                            off_or_on,
+                            Presence::Default,
+                            value(1),
+                            "",
+                            "0: the camera does not see it; mirrors, glass and everything that it lights do"};
+
 constexpr Parameter area_parameters[] = {
     {"radiance", ValueKind::Color, not_negative, Presence::Default, value(1, 1, 1), "power / (area * solid angle)",
      "the radiance that leaves the front of every object in its light block"},
+    {"pattern", ValueKind::PatternId, any, Presence::Optional, none, "",
+     "what the radiance is multiplied by from point to point; left out, it is the same everywhere"},
+    visible,
 };
 constexpr Parameter distant_parameters[] = {
     {"direction", ValueKind::Vector3, direction, Presence::Default, value(0, 0, -1), "", "the way the light travels"},
@@ -18,13 +29,16 @@ constexpr Parameter distant_parameters[] = {
      "the irradiance of a surface that faces the light"},
     {"angle", ValueKind::Number, half_turn, Presence::Default, value(0), "degrees",
      "the diameter of its disk in the sky (the sun's is 0.53); below 0.001 it is parallel light, and not seen"},
+    visible,
 };
 constexpr Parameter environment_parameters[] = {
     {"name", ValueKind::Text, any, Presence::Optional, none, "",
-     "a PNG, JPEG or OpenEXR picture of all directions, longitude across and latitude upwards; left out, all are "
+     "a PNG, JPEG, OpenEXR or Radiance picture of all directions, longitude across and latitude upwards; left out, all "
+     "are "
      "alike"},
     {"radiance", ValueKind::Color, not_negative, Presence::Default, value(1, 1, 1), "power / (area * solid angle)",
      "the radiance from all directions; a picture is multiplied by it"},
+    visible,
 };
 constexpr Parameter point_parameters[] = {
     {"position", ValueKind::Vector3, coordinate, Presence::Default, value(0, 0, 0), "length", "where the light stands"},
@@ -41,6 +55,7 @@ constexpr Parameter sky_parameters[] = {
     {"sun", ValueKind::Switch, off_or_on, Presence::Default, value(1), "", "whether the sun shines, too"},
     {"ground_albedo", ValueKind::Color, fraction, Presence::Default, value(0.2, 0.2, 0.2), "",
      "the fraction of light that the ground below the horizon reflects"},
+    visible,
 };
 constexpr Parameter spot_parameters[] = {
     {"position", ValueKind::Vector3, coordinate, Presence::Default, value(0, 0, 0), "length", "where the light stands"},

@@ -57,7 +57,7 @@ constexpr Parameter image_parameters[] = {
     {"channel", ValueKind::Choice, any, Presence::Default, none, "",
      "what the pattern shows; one channel as a grey, the alpha as 1 where the file has none", channels},
     {"color_space", ValueKind::Choice, any, Presence::Default, none, "",
-     "how the numbers of the file are taken; file: sRGB in PNG and JPEG files, linear in OpenEXR files", color_spaces},
+     "how the numbers of the file are taken; file: sRGB in PNG and JPEG files, linear in all others", color_spaces},
 };
 constexpr Parameter mix_parameters[] = {
     a_parameter,

@@ -120,6 +120,7 @@ SideLight Gathering::light_of(std::uint32_t side) const {
         path.direction_pdf = departure.pdf;
         path.finds_lights = false;
         path.finds_only_lights = true;
+        path.bounces = 1; // it comes from a patch, not from the camera
         paths.push_back(path);
     }
     direct_light.trace_shadow_rays([&](std::uint32_t, Color irradiance) { result.direct += irradiance; });

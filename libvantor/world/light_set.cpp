@@ -24,13 +24,20 @@ LightSet::LightSet(std::span<const DescribedLight> described, std::span<const Pl
                 emitters = is_whole
                                ? append_emitters(placement.object->shape, placement.world_from_object, radiance, lights)
                                : append_unsampled_emitter(radiance, lights);
+            if (emitters.first >= 0 && light.pattern && lights.size() > static_cast<std::size_t>(emitters.first))
+                patterns.add(placement, *light.pattern, radiance, emitters, lights);
         }
         emitters_of.push_back(emitters);
     }
+    std::vector<bool> are_hidden(lights.size());
     for (const DescribedLight &light : described)
-        if (light.is_on)
+        if (light.is_on) {
             lights.insert(lights.end(), light.lights.begin(), light.lights.end());
+            are_hidden.resize(lights.size(), !light.is_visible);
+        }
     make_samplers();
+    std::ranges::copy_if(infinite_lights, std::back_inserter(visible_infinite_lights),
+                         [&](std::uint32_t light) { return !are_hidden[light]; });
 }
 
 void LightSet::make_samplers() {
@@ -78,6 +85,11 @@ bool LightSet::sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, Li
             EmissionSample sample;
             if (!light.sample(point, numbers, sample))
                 return false;
+            if constexpr (is_surface<Kind>)
+                if (!patterns.is_empty())
+                    sample.radiance =
+                        patterns.radiance(choice.light, lights[choice.light], sample.end, length(sample.end - point))
+                            .value_or(sample.radiance);
             result.to_light = sample.to_light;
             result.is_infinite = Kind::is_infinite;
             result.is_delta = Kind::is_delta;
@@ -96,7 +108,10 @@ bool LightSet::sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, Li
         lights[choice.light]);
 }
 
-Color LightSet::radiance(int emitter) const {
+Color LightSet::radiance(int emitter, const Hit &hit) const {
+    if (!patterns.is_empty())
+        if (const std::optional<Color> patterned = patterns.radiance(static_cast<std::uint32_t>(emitter), hit))
+            return *patterned;
     return std::visit(
         []<class Kind>(const Kind &light) {
             if constexpr (is_surface<Kind>)

@@ -5,7 +5,7 @@
 #include "libvantor/description/registry.h"
 #include "libvantor/embree/hit.h"
 #include "libvantor/lights/bvh_light_sampler.h"
-#include "libvantor/lights/emitters.h"
+#include "libvantor/world/emission_patterns.h"
 
 #include <span>
 
@@ -55,16 +55,17 @@ class LightSet {
     /// The emitter at a hit, which shines from the front; -1 if nothing shines there.
     int emitter_at(const Hit &hit) const { return emitters_of[hit.placement].of(hit.primitive); }
 
-    Color radiance(int emitter) const;
+    /// Where a ray has hit the emitter.
+    Color radiance(int emitter, const Hit &hit) const;
 
     /// The pdf with which sample(reference) chooses the emitter and the direction of the ray that hit it.
     float pdf(int emitter, const LightSampleContext &reference, Vec3 direction, const Hit &hit) const;
 
     /// What a ray that leaves the scene finds of each infinite light with an extent: calls visit(radiance, pdf), with
-    /// the pdf with which sample(reference) chooses the light and this direction.
-    template <class Visit>
-    void for_each_infinite(const LightSampleContext &reference, Vec3 direction, Visit visit) const {
-        for (const std::uint32_t light : infinite_lights) {
+    /// the pdf with which sample(reference) chooses the light and this direction. The camera does not see all of them.
+    template <class Visit> void for_each_infinite(const LightSampleContext &reference, Vec3 direction,
+                                                  bool is_from_camera, Visit visit) const {
+        for (const std::uint32_t light : is_from_camera ? visible_infinite_lights : infinite_lights) {
             const SeenLight seen = seen_at_infinity(light, reference, direction);
             if (!is_black(seen.radiance))
                 visit(seen.radiance, seen.pdf);
@@ -76,8 +77,10 @@ class LightSet {
     void make_samplers();
 
     std::vector<Light> lights;
-    std::vector<EmitterRange> emitters_of;      // for each placement
-    std::vector<std::uint32_t> infinite_lights; // with an extent
+    std::vector<EmitterRange> emitters_of;              // for each placement
+    std::vector<std::uint32_t> infinite_lights;         // with an extent
+    std::vector<std::uint32_t> visible_infinite_lights; // the same that the camera sees
+    EmissionPatterns patterns;
     BvhLightSampler sampler;
     BvhLightSampler positional; // only of lights that shine from single points
 };

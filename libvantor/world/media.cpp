@@ -47,6 +47,10 @@ MediumStack media_at(Vec3 point, const Tracer &tracer, std::span<const Placement
     const int most_steps = tracer.can_intersect_all() ? 32 : most_crossings;
 
     BodiesAround bodies;
+    const auto cross = [&](const Hit &hit) {
+        if (!placements[hit.placement].is_hidden)
+            bodies.cross(hit, direction, placements);
+    };
     Ray ray{point, direction};
     RayStart start{point};
     for (int i = 0; i < most_steps; ++i) {
@@ -54,7 +58,7 @@ MediumStack media_at(Vec3 point, const Tracer &tracer, std::span<const Placement
         tracer.intersect({&ray, 1}, {&start, 1}, false, {&hit, 1});
         if (!hit.exists)
             return bodies.media();
-        bodies.cross(hit, direction, placements);
+        cross(hit);
         start = start_from(hit, direction, start.crossed, direction);
         ray.origin = start.origin;
     }
@@ -62,7 +66,7 @@ MediumStack media_at(Vec3 point, const Tracer &tracer, std::span<const Placement
     ray.origin = ray.origin + direction * start.crossed.reach();
     if (tracer.can_intersect_all())
         for (const Hit &hit : tracer.intersect_all(ray))
-            bodies.cross(hit, direction, placements);
+            cross(hit);
     return bodies.media();
 }
 

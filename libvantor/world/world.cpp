@@ -11,6 +11,7 @@ void update_placements(World &world, const Registry &registry, const Interrupt &
     world.placements = placements;
     world.media = registry.media();
     world.has_media = std::ranges::any_of(placements, [](const Placement &p) { return p.interior >= 0; });
+    world.has_hidden = std::ranges::any_of(placements, [](const Placement &p) { return p.is_hidden; });
     world.is_opaque = std::ranges::none_of(placements, [](const Placement &p) { return p.material->is_see_through(); });
     world.maps.clear();
     if (std::ranges::any_of(placements, [](const Placement &p) { return p.varies(); })) {

@@ -17,7 +17,8 @@ struct World {
     std::vector<Medium> media; ///< What MediumStack has indexes of.
     std::vector<Affine> maps;  ///< Of the placements, but for their instances; empty if no surface varies.
     bool has_media = false;
-    bool is_opaque = true; ///< No surface lets light pass straight through.
+    bool is_opaque = true;   ///< No surface lets light pass straight through.
+    bool has_hidden = false; ///< The camera does not see everything.
 
     /// How an object stands of which a ray has hit a surface that varies.
     Affine map_at(const Hit &hit) const {

@@ -36,6 +36,7 @@ TEST(AovTable, NamesAreDifferentAndMeanTheirAov) {
     EXPECT_EQ(aov_names[index_of(Aov::Albedo)], "albedo");
     EXPECT_EQ(aov_names[index_of(Aov::Normal)], "normal");
     EXPECT_EQ(aov_names[index_of(Aov::Depth)], "depth");
+    EXPECT_EQ(aov_names[index_of(Aov::DepthZ)], "depth_z");
     EXPECT_EQ(aov_names[index_of(Aov::Position)], "position");
     EXPECT_EQ(aov_names[index_of(Aov::ObjectId)], "object_id");
     EXPECT_EQ(aov_names[index_of(Aov::Variance)], "variance");

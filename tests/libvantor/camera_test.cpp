@@ -1,9 +1,11 @@
 // Cameras: their rays against closed forms, and what lenses leave sharp.
 #include "libvantor/description/camera.h"
 
+#include "tests/libvantor/diagnostic_lines.h"
 #include "tests/libvantor/scripted_scene.h"
 
 #include <cmath>
+#include <numbers>
 
 namespace {
 
@@ -20,6 +22,8 @@ VtTransform identity() {
     transform.Identity();
     return transform;
 }
+
+double radians(double degrees) { return degrees * std::numbers::pi / 180; }
 
 template <class... Values> Camera camera(const char *name, const VtTransform &transform, const Values &...values) {
     vantor::Report report;
@@ -72,6 +76,72 @@ TEST(Camera, FieldOfViewSpansTheSideThatItNames) {
     expect_tangents("horizontal", 1, 0.5f, 1, 2);
     expect_tangents("smaller", 2, 1, 1, 2);
     expect_tangents("larger", 1, 0.5f, 0.5f, 1);
+}
+
+// Scripts count pixels from the middle of the first one, the film from its corner: (x, y) of a script is (x + 0.5,
+// y + 0.5) there.
+TEST(Camera, IntrinsicsProjectAsTheirMatrixDoes) {
+    const double fx = 310, fy = 295, cx = 101.25, cy = 43.5;
+    const Camera calibrated =
+        camera("perspective", identity(), "focal_lengths", VtVector2(fx, fy), "principal_point", VtVector2(cx, cy));
+    // X to the right, Y down and Z ahead, as in the matrix (fx 0 cx, 0 fy cy, 0 0 1).
+    for (const VtVector3 &point : {VtVector3(0, 0, 1), VtVector3(0.2, -0.1, 3), VtVector3(-7, 4, 20)}) {
+        const double x = fx * point[0] / point[2] + cx;
+        const double y = fy * point[1] / point[2] + cy;
+        const Vec3 wanted =
+            normalized({static_cast<float>(point[0]), static_cast<float>(-point[1]), static_cast<float>(-point[2])});
+        expect_near(ray(calibrated, static_cast<float>(x + 0.5), static_cast<float>(y + 0.5)).direction, wanted);
+    }
+    // Without a point the axis meets the middle of the picture, of 200 by 100 pixels at (99.5, 49.5).
+    const Camera centred = camera("perspective", identity(), "focal_lengths", VtVector2(fx, fy));
+    const Camera same =
+        camera("perspective", identity(), "focal_lengths", VtVector2(fx, fy), "principal_point", VtVector2(99.5, 49.5));
+    for (const Point2f at : {Point2f{0, 0}, Point2f{100, 50}, Point2f{170, 20}})
+        expect_near(ray(centred, at.u, at.v).direction, ray(same, at.u, at.v).direction, 0);
+}
+
+TEST(Camera, IntrinsicsAreAFieldOfView) {
+    // Half of 100 pixels at tan(30 degrees).
+    const double focal = 50 / std::tan(radians(30));
+    const Camera by_pixels = camera("perspective", identity(), "position", position, "target", target, "focal_lengths",
+                                    VtVector2(focal, focal), "aperture_radius", 0.25, "focus_distance", 4.0);
+    const Camera by_angle = camera("perspective", identity(), "position", position, "target", target, "fov", 60.0,
+                                   "aperture_radius", 0.25, "focus_distance", 4.0);
+    for (const Point2f at : {Point2f{0, 0}, Point2f{100, 50}, Point2f{170, 20}}) {
+        const Ray r = by_pixels.ray(at.u, at.v, 200, 100, {0.3f, 0.8f});
+        const Ray wanted = by_angle.ray(at.u, at.v, 200, 100, {0.3f, 0.8f});
+        expect_near(r.direction, wanted.direction);
+        expect_near(r.origin, wanted.origin, 1e-6f);
+    }
+}
+
+TEST(Camera, IntrinsicsAndAFieldOfViewContradict) {
+    Scene scene;
+    const auto errors_of = [&](const auto &...values) {
+        return scripted::errors_of([&] {
+            List list(values...);
+            scene.NewCamera("perspective", list);
+        });
+    };
+    expect_diagnostics(errors_of("fov", 40.0, "focal_lengths", VtVector2(300, 300)),
+                       {{.call = "newCamera", .type = "perspective", .item = 1, .parameter = "fov"}});
+    expect_diagnostics(errors_of("principal_point", VtVector2(3, 3)),
+                       {{.call = "newCamera", .type = "perspective", .item = 1, .parameter = "principal_point"}});
+    expect_diagnostics(errors_of("focal_lengths", VtVector2(300, 0)),
+                       {{.call = "newCamera", .type = "perspective", .item = 1, .parameter = "focal_lengths"}});
+    expect_diagnostics(errors_of("focal_lengths", 300.0),
+                       {{.call = "newCamera", .type = "perspective", .item = 1, .parameter = "focal_lengths"}});
+}
+
+TEST(Camera, TheAxisIsAcrossThePicture) {
+    for (const char *name : {"perspective", "orthographic", "panorama"}) {
+        expect_near(camera(name, identity(), "position", position, "target", target).axis(), {-1, 0, 0});
+        // Mirrored and sheared: what is ahead moves aside as well, but the picture's plane stays.
+        VtTransform sheared = identity();
+        sheared[0][0] = -2;
+        sheared[2][1] = 0.5;
+        expect_near(camera(name, sheared).axis(), {0, 0, -1});
+    }
 }
 
 // Where a ray meets the plane that many lengths along an axis from the ray's own place.

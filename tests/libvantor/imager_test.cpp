@@ -470,6 +470,27 @@ TEST(Imager, ExposureAndDisplayAreForTheColour) {
               "got -1\n");
 }
 
+// A wall across the axis, seen by a camera that stands askew of the world's axes, with and without a lens.
+TEST(DepthZ, IsThatOfTheCamera) {
+    const auto depth = [](const char *what, auto... camera) {
+        Scene scene;
+        scripted::List list("position", VtVector3(3, 0, 4), "target", VtVector3(0, 0, 0), camera...);
+        scene.NewCamera("perspective", list);
+        // Through the origin, 5 away: its edges are (4, 0, -3) / 5 and +Y.
+        scene.AddObject(scene.object("quad", "origin", VtVector3(-16, -20, 12), "edge_u", VtVector3(32, 0, -24),
+                                     "edge_v", VtVector3(0, 40, 0)));
+        scene.ImagerBegin(imager(scene, "depth.exr", "what", what));
+        scene.Render(8, 8, 16, 0, 0, 1, 1);
+        scene.ImagerEnd();
+        return scripted::read_exr(scripted::path_of("depth.exr"));
+    };
+    for (const float z : {depth("depth_z", "fov", 60.0).at(0, 0)[0], depth("depth_z", "fov", 60.0).at(4, 4)[0],
+                          depth("depth_z", "aperture_radius", 0.5).at(1, 6)[0]})
+        EXPECT_NEAR(z, 5, 1e-5);
+    // Along the rays the corner is farther away.
+    EXPECT_GT(depth("depth", "fov", 60.0).at(0, 0)[0], 5.5);
+}
+
 // A quad over the left half of the picture, before an environment.
 TEST(Alpha, TellsWhatSurfacesCover) {
     Scene scene;

@@ -152,7 +152,7 @@ TEST(Material, PatternsOfTheObjectsSpaceGoWithTheObject) {
 TEST(Material, ImagesBeginInTheLowerLeftCorner) {
     const std::string path = scripted::path_of("corners.png");
     std::ofstream(path, std::ios::binary)
-        << vantor::png_file({2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255}}, "");
+        << vantor::png_file(vantor::BytePicture{2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255}}, "");
     Square scene;
     const VtLong texture = scene.NewTexture(path.c_str());
     const VtLong image = scene.pattern("image", "texture", static_cast<int>(texture), "filter", "nearest");

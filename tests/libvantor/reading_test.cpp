@@ -150,8 +150,8 @@ void write_bytes(const std::string &path, const std::string &bytes) {
 std::string jpeg_of_ramp() {
     vantor::BytePicture picture{64, 48, {}};
     for (int i = 0; i < 64 * 48; ++i)
-        picture.bytes.insert(picture.bytes.end(),
-                             {static_cast<std::uint8_t>(4 * (i % 64)), static_cast<std::uint8_t>(2 * (i % 64)), 60});
+        picture.values.insert(picture.values.end(),
+                              {static_cast<std::uint8_t>(4 * (i % 64)), static_cast<std::uint8_t>(2 * (i % 64)), 60});
     return vantor::jpeg_file(picture, "a comment");
 }
 
@@ -363,9 +363,9 @@ TEST(Reading, OtherFiles) {
     EXPECT_EQ(vantor::read_picture("/dev/zero").why_not, "Not a regular file");
     const std::string path = path_of("other.png");
     write_bytes(path, "");
-    EXPECT_EQ(vantor::read_picture(path).why_not, "it is no PNG, JPEG or OpenEXR file");
+    EXPECT_EQ(vantor::read_picture(path).why_not, "it is no PNG, JPEG, OpenEXR or Radiance file");
     write_bytes(path, "a text that is no picture");
-    EXPECT_EQ(vantor::read_picture(path).why_not, "it is no PNG, JPEG or OpenEXR file");
+    EXPECT_EQ(vantor::read_picture(path).why_not, "it is no PNG, JPEG, OpenEXR or Radiance file");
 }
 
 // Either a picture of the size that the file has, or a reason in one line.

@@ -45,7 +45,7 @@ using MakeFile = std::string (*)(const vantor::BytePicture &, const std::string 
 long failures_of(MakeFile make_file) {
     vantor::BytePicture picture{70, 50, {}};
     for (int i = 0; i < 3 * 70 * 50; ++i)
-        picture.bytes.push_back(static_cast<std::uint8_t>(i * i % 251));
+        picture.values.push_back(static_cast<std::uint8_t>(i * i % 251));
     const std::string comment(300, 'c');
     const std::string whole = make_file(picture, comment);
     for (long failures = 0;; ++failures) {

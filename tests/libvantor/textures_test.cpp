@@ -227,7 +227,7 @@ Texture texture_of(TextureFile file, ColorSpace space) {
 
 TEST(TextureFile, ColorSpaces) {
     const std::string path = path_of("texture.png");
-    write(path, png_file({1, 1, {128, 255, 10}}, ""));
+    write(path, png_file(vantor::BytePicture{1, 1, {128, 255, 10}}, ""));
     TextureFiles files;
     const Color as_file = texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0);
     // IEC 61966-2-1.
@@ -244,7 +244,7 @@ TEST(TextureFile, OpenExrIsLinearAndItsColorsAreDividedByTheirAlpha) {
     const std::string path = path_of("texture.exr");
     Picture picture(1, 1, {0, 0, 1, 1});
     picture.at(0, 0) = {0.5f, 0.25f, 2};
-    write(path, exr_file(picture, 1, ""));
+    write(path, exr_file(picture, {}));
     TextureFiles files;
     EXPECT_FLOAT_EQ(texture_of(files, path, ColorSpace::AsFile)->levels[0].at(0, 0).b, 2);
     EXPECT_EQ(texture_of(files, path, ColorSpace::Linear), texture_of(files, path, ColorSpace::AsFile));
@@ -262,7 +262,7 @@ TEST(TextureFile, ValuesThatAreNoColorsBecomeBlack) {
 
 TEST(TextureFile, MakesSmallerCopiesOnlyWhereTheyAreWanted) {
     const std::string path = path_of("copies.png");
-    write(path, png_file({8, 4, std::vector<std::uint8_t>(8 * 4 * 3, 200)}, ""));
+    write(path, png_file(vantor::BytePicture{8, 4, std::vector<std::uint8_t>(8 * 4 * 3, 200)}, ""));
     TextureFiles files;
     for (const ColorSpace space : {ColorSpace::Linear, ColorSpace::AsFile}) {
         const auto whole = texture_of(files, path, space, true);
@@ -278,7 +278,7 @@ TEST(TextureFile, MakesSmallerCopiesOnlyWhereTheyAreWanted) {
 
 TEST(TextureFile, IsGreyForOnceWhereTheMakingOfSmallerCopiesIsInterrupted) {
     const std::string path = path_of("copied.png");
-    write(path, png_file({1, 64, std::vector<std::uint8_t>(64 * 3, 255)}, ""));
+    write(path, png_file(vantor::BytePicture{1, 64, std::vector<std::uint8_t>(64 * 3, 255)}, ""));
     const scripted::InterruptHandler handler;
     TextureFiles files;
     Report report;
@@ -301,7 +301,7 @@ TEST(TextureFile, IsGreyForOnceWhereTheMakingOfSmallerCopiesIsInterrupted) {
 
 TEST(TextureFile, IsReadOnce) {
     const std::string path = path_of("once.png");
-    write(path, png_file({1, 1, {255, 255, 255}}, ""));
+    write(path, png_file(vantor::BytePicture{1, 1, {255, 255, 255}}, ""));
     TextureFiles files;
     const auto first = texture_of(files, path, ColorSpace::Linear);
     std::filesystem::remove(path);
@@ -310,7 +310,7 @@ TEST(TextureFile, IsReadOnce) {
 
 TEST(TextureFile, IsGreyWhenInterruptedAndReadAnewTheNextTime) {
     const std::string path = path_of("interrupted.png");
-    write(path, png_file({1, 1, {255, 255, 255}}, ""));
+    write(path, png_file(vantor::BytePicture{1, 1, {255, 255, 255}}, ""));
     const scripted::InterruptHandler handler;
     TextureFiles files;
     {
@@ -331,7 +331,7 @@ TEST(NewTexture, SaysWhatCannotBeRead) {
     const std::string path = path_of("bad.png");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(path.c_str()), 1); }),
               "vantor: newTexture " + vantor::in_quotes(path) +
-                  ": cannot read the picture: it is no PNG, JPEG or OpenEXR file; it is grey\n");
+                  ": cannot read the picture: it is no PNG, JPEG, OpenEXR or Radiance file; it is grey\n");
     EXPECT_EQ(errors_of([&] { EXPECT_EQ(scene.NewTexture(nullptr), 2); }),
               "vantor: newTexture: no picture file is named\n");
     List grey("texture", 1);

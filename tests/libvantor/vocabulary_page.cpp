@@ -24,7 +24,7 @@ std::string tables() {
     for (const vantor::EntityNames &words : vantor::vocabulary()) {
         page += joined({"\n## `", words.call, "`\n"});
         if (words.kind == vantor::EntityKind::Texture)
-            page += "\nTakes the path of a picture file: PNG, JPEG or OpenEXR.\n";
+            page += "\nTakes the path of a picture file: PNG, JPEG, OpenEXR or Radiance.\n";
         for (const vantor::Type &type : words.types) {
             page += joined({"\n### `\"", type.name, "\"`\n\n", type.meaning, "\n\n",
                             "| parameter | value | unit | range | default | meaning |\n",

@@ -138,6 +138,53 @@ class FilesTest(PackageTest):
             for ours, theirs in zip(floats(picture), floats(loaded)):
                 self.assertLessEqual(abs(min(ours, 1) - min(theirs, 1)), tolerance)
 
+    def test_layers_come_back(self):
+        names = ("albedo", "normal", "depth", "depth_z", "object_id")
+        picture = ball_scene().render(16, 12, 4, aovs=names)
+        picture.save(self.path("a.exr"), layers=names)
+        loaded = vt.Picture.load(self.path("a.exr"))
+        self.assertEqual(sorted(loaded.names), sorted(picture.names))
+        for name in picture.names:
+            self.assertEqual(bytes(loaded.buffer(name)), bytes(picture.buffer(name)), name)
+        # The renderer's own file has the same ones.
+        scene = ball_scene()
+        with scene.imager("file", name=self.path("own.exr"), layers=" ".join(names)):
+            scene.render(16, 12, 4)
+        own = vt.Picture.load(self.path("own.exr"))
+        for name in picture.names:
+            self.assertEqual(bytes(own.buffer(name)), bytes(picture.buffer(name)), name)
+        picture.save(self.path("b.exr"), name="normal", layers="color", bits=16)
+        half = vt.Picture.load(self.path("b.exr"))
+        self.assertEqual(half.names, ("color", "color_layer"))
+        for ours, theirs in zip(floats(picture), floats(half, "color_layer")):
+            self.assertAlmostEqual(ours, theirs, delta=abs(ours) / 2000 + 1e-7)
+
+    def test_bits_and_layers_that_a_format_does_not_have(self):
+        picture = ball_scene().render(16, 12, 1, aovs="depth")
+        for name, options, message in (
+            ("a.png", {"bits": 32}, "expected 8 or 16, got 32"),
+            ("a.jpg", {"bits": 16}, "expected 8, got 16"),
+            ("a.exr", {"bits": 8}, "expected 32 or 16, got 8"),
+            ("a.png", {"layers": "depth"}, "only .exr files have layers"),
+            ("a.exr", {"layers": "color"}, "names that differ"),
+        ):
+            self.assertRaisesRegex(ValueError, message, picture.save, self.path(name), **options)
+        self.assertRaisesRegex(KeyError, "normal", picture.save, self.path("a.exr"),
+                               layers="normal")
+
+    def test_16_bits_tell_more_apart(self):
+        picture = ball_scene().render(16, 12, 4)
+        picture.save(self.path("a.png"), bits=16)
+        for ours, theirs in zip(floats(picture), floats(vt.Picture.load(self.path("a.png")))):
+            self.assertAlmostEqual(min(ours, 1), theirs, delta=2e-5)
+
+    def test_radiance_files_are_loaded(self):
+        with open(self.path("a.hdr"), "wb") as file:
+            file.write(b"#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 1 +X 2\n")
+            file.write(bytes((128, 64, 0, 131, 0, 0, 0, 0)))
+        loaded = vt.Picture.load(self.path("a.hdr"))
+        self.assertEqual(floats(loaded), [4, 2, 0, 0, 0, 0])
+
     def test_the_bytes_are_the_renderers_own(self):
         scene = ball_scene()
         for display in ("srgb", "filmic"):

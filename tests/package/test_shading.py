@@ -131,25 +131,38 @@ class ShadingTest(PackageTest):
         for value, expected in zip(scene.render(4, 4, 4).buffer().tolist()[2][2], (0.5, 0.25, 0)):
             self.assertAlmostEqual(value, expected, 3)
 
-    def test_a_picture_of_emission_shines_triangle_by_triangle(self):
+    def test_a_picture_of_emission_shines(self):
         # Dark above the diagonal from the upper left corner, where the second triangle lies.
         self.picture([[(float(x < y - 1),) * 3 for x in range(32)] for y in range(32)])
-        model = self.load(square({"emissiveFactor": [1, 1, 1], "emissiveTexture": PICTURE},
+        model = self.load(square({"emissiveFactor": [1, 0.5, 0], "emissiveTexture": PICTURE},
                                  indices=[0, 1, 3, 1, 2, 3]))
         self.assertEqual(len(self.of(model, "light", "area")), 1)
         self.assertEqual(len(self.of(model, "object", "mesh")), 2)
 
-    def test_groups_of_emission_have_the_means_of_their_triangles(self):
+    def test_emission_is_as_sharp_as_its_picture(self):
+        self.picture([[(1.0, 1.0, 1.0) if x < 16 else (0.0, 0.0, 0.0) for x in range(32)]
+                      for _ in range(32)])
+        scene = vt.Scene()
+        scene.camera("orthographic", position=(0, 0, 3), height=2)
+        scene.add(self.load(square({"emissiveFactor": [1, 0.5, 0], "emissiveTexture": PICTURE})))
+        row = scene.render(8, 8, 4).buffer().tolist()[4]
+        for value, expected in zip(row[1], (1, 0.5, 0)):
+            self.assertAlmostEqual(value, expected, 3)
+        self.assertEqual(row[6], [0, 0, 0])
+
+    def test_triangles_that_do_not_shine_are_told_apart(self):
         triangles = struct.pack("<6i", 0, 1, 2, 0, 2, 3)
         uvs = struct.pack("<8d", 0, 0, 0.5, 0, 0.5, 1, 0, 1)  # the left half
         pixels = struct.pack("<6f", 2, 4, 8, 0, 0, 0)
-        dark, bright = _native.emission_groups(triangles, uvs, pixels, 2, 1)
-        self.assertEqual(dark, ((0, 0, 0), None))
-        for value, expected in zip(bright[0], (2, 4, 8)):
-            self.assertAlmostEqual(value, expected, delta=0.2 * expected)
-        self.assertEqual(bright[1].getSize(), 6)
-        self.assertRaises(ValueError, _native.emission_groups, triangles, uvs[:16], pixels, 2, 1)
-        self.assertRaises(ValueError, _native.emission_groups, triangles, uvs, pixels, 3, 1)
+        dark, bright = _native.emission_parts(triangles, uvs, pixels, 2, 1)
+        self.assertIsNone(dark)
+        self.assertEqual(bright.getSize(), 6)
+        right = struct.pack("<8d", 0.5, 0, 1, 0, 1, 1, 0.5, 1)
+        dark, bright = _native.emission_parts(triangles, right, pixels, 2, 1)
+        self.assertEqual(dark.getSize(), 6)
+        self.assertIsNone(bright)
+        self.assertRaises(ValueError, _native.emission_parts, triangles, uvs[:16], pixels, 2, 1)
+        self.assertRaises(ValueError, _native.emission_parts, triangles, uvs, pixels, 3, 1)
 
     def test_transforms_of_texture_coordinates(self):
         turned = {"index": 0, "extensions": {"KHR_texture_transform": {
@@ -224,8 +237,8 @@ class ShadingTest(PackageTest):
     def test_pictures_that_cannot_be_used_are_left_out_with_a_warning(self):
         data = square({"pbrMetallicRoughness": {"baseColorTexture": PICTURE, "metallicFactor": 0,
                                                 "baseColorFactor": [0.25, 0.5, 1, 1]}})
-        for content, why in ((None, "No such file"), (b"BM6", "no PNG, JPEG or OpenEXR"),
-                             (b"", "no PNG, JPEG or OpenEXR")):
+        for content, why in ((None, "No such file"), (b"BM6", "no PNG, JPEG, OpenEXR or Radiance"),
+                             (b"", "no PNG, JPEG, OpenEXR or Radiance")):
             if content is not None:
                 with open(self.path("name.png"), "wb") as file:
                     file.write(content)

@@ -19,6 +19,7 @@ PyMethodDef functions[] = {
     {"float32", float32, METH_O, nullptr},
     {"shape", shape, METH_O, nullptr},
     {"read_picture", read_picture, METH_O, nullptr},
+    {"read_layers", read_layers, METH_O, nullptr},
     {"read_part", read_part, METH_O, nullptr},
     {"join_parts", join_parts, METH_VARARGS, nullptr},
     {"sum_parts", sum_parts, METH_O, nullptr},
@@ -33,7 +34,7 @@ PyMethodDef functions[] = {
     {"end_with", end_with, METH_O, nullptr},
     {"fork", fork_process, METH_NOARGS, nullptr},
     {"read_model", read_model, METH_O, nullptr},
-    {"emission_groups", emission_groups, METH_VARARGS, nullptr},
+    {"emission_parts", emission_parts, METH_VARARGS, nullptr},
     {nullptr, nullptr, 0, nullptr},
 };
 

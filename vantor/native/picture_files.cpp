@@ -121,6 +121,73 @@ PyObject *read_picture(PyObject *, PyObject *argument) {
     return Py_BuildValue("iiNN", raster.width(), raster.height(), colors.release(), alpha.release());
 }
 
+PyObject *read_layers(PyObject *, PyObject *argument) {
+    PyObject *encoded = nullptr;
+    if (!PyUnicode_FSConverter(argument, &encoded))
+        return nullptr;
+    const Reference held(encoded);
+    const char *path = PyBytes_AS_STRING(encoded);
+    Reference layers(PyDict_New());
+    if (!layers)
+        return nullptr;
+    std::vector<std::string> names;
+    std::string error = unlocked([&] { names = vantor::layer_names(path); });
+    for (const std::string &name : names) {
+        vantor::ReadPicture read;
+        error = unlocked([&] { read = vantor::read_picture(path, name); });
+        if (!read.raster)
+            return file_error("read", path, error.empty() ? read.why_not : error);
+        const Reference key(PyUnicode_DecodeUTF8(name.data(), static_cast<Py_ssize_t>(name.size()), "replace"));
+        const Reference colors(bytes_of(*read.raster, [&](int x, int y) { return read.raster->at(x, y); }));
+        if (!key || !colors || PyDict_SetItem(layers.get(), key.get(), colors.get()) < 0)
+            return nullptr;
+    }
+    if (!error.empty())
+        return file_error("read", path, error);
+    return layers.release();
+}
+
+namespace {
+
+// Pictures beside another one, from pairs of a name and float32 colours; false with an error set.
+class Layers {
+  public:
+    Layers(int full_width, int full_height, const vantor::PixelArea &window) : black(full_width, full_height, window) {}
+
+    bool read(PyObject *pairs) {
+        const Reference items(PySequence_Fast(pairs, "expected pairs of a name and colours"));
+        for (Py_ssize_t i = 0; items && i < PySequence_Fast_GET_SIZE(items.get()); ++i) {
+            const char *name;
+            PyObject *pixels;
+            Colors colors;
+            if (!PyArg_ParseTuple(PySequence_Fast_GET_ITEM(items.get(), i), "sO", &name, &pixels) ||
+                !colors.read(pixels, static_cast<Py_ssize_t>(black.pixels.size())))
+                return false;
+            try {
+                colors.copy_to(pictures.emplace_back(black).pixels.data());
+                names.emplace_back(name);
+            } catch (const std::bad_alloc &) {
+                PyErr_NoMemory();
+                return false;
+            }
+        }
+        return items.get() != nullptr;
+    }
+    std::vector<vantor::FileLayer> of_file() const {
+        std::vector<vantor::FileLayer> result;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            result.push_back({names[i], &pictures[i]});
+        return result;
+    }
+
+  private:
+    const vantor::Picture black;
+    std::vector<std::string> names;
+    std::vector<vantor::Picture> pictures;
+};
+
+} // namespace
+
 PyObject *write_picture(PyObject *, PyObject *arguments) {
     PyObject *encoded = nullptr;
     PyObject *pixels;
@@ -130,8 +197,10 @@ PyObject *write_picture(PyObject *, PyObject *arguments) {
     vantor::FileForm form;
     const char *display;
     PyObject *covered;
-    if (!PyArg_ParseTuple(arguments, "O&ii(iiii)OfsO", PyUnicode_FSConverter, &encoded, &full_width, &full_height,
-                          &window.x0, &window.y0, &window.x1, &window.y1, &pixels, &form.scale, &display, &covered))
+    PyObject *beside;
+    if (!PyArg_ParseTuple(arguments, "O&ii(iiii)OfsOiO", PyUnicode_FSConverter, &encoded, &full_width, &full_height,
+                          &window.x0, &window.y0, &window.x1, &window.y1, &pixels, &form.scale, &display, &covered,
+                          &form.bits, &beside))
         return nullptr;
     const Reference held(encoded);
     const std::string path = PyBytes_AS_STRING(encoded);
@@ -140,12 +209,22 @@ PyObject *write_picture(PyObject *, PyObject *arguments) {
                      path.c_str());
         return nullptr;
     }
+    const std::span<const int> bits = vantor::bits_of_format(path);
+    if (form.bits != 0 && std::ranges::find(bits, form.bits) == bits.end()) {
+        const std::string expected =
+            std::to_string(bits.front()) + (bits.size() > 1 ? " or " + std::to_string(bits.back()) : "");
+        PyErr_Format(PyExc_ValueError, "bits of such a file: expected %s, got %d", expected.c_str(), form.bits);
+        return nullptr;
+    }
     const std::optional<Display> shown_as = display_named(display);
     Colors colors;
     Floats alphas;
+    Layers layers(full_width, full_height, window);
     const Py_ssize_t count = static_cast<Py_ssize_t>(window.width()) * window.height();
-    if (!shown_as || !colors.read(pixels, count) || (covered != Py_None && !alphas.read(covered, count)))
+    if (!shown_as || !colors.read(pixels, count) || (covered != Py_None && !alphas.read(covered, count)) ||
+        !layers.read(beside))
         return nullptr;
+    form.layers = layers.of_file();
     form.display = *shown_as;
     form.comment = "vantor";
     std::string why;
@@ -187,10 +266,10 @@ PyObject *png_bytes(PyObject *, PyObject *arguments) {
         std::vector<Color> linear(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
         colors.copy_to(linear.data());
         vantor::BytePicture bytes{width, height, {}};
-        bytes.bytes.reserve(3 * linear.size());
+        bytes.values.reserve(3 * linear.size());
         for (const Color &c : linear)
             for (const float value : {c.r, c.g, c.b})
-                bytes.bytes.push_back(vantor::shown(value * scale, *shown_as));
+                bytes.values.push_back(vantor::shown(value * scale, *shown_as));
         file = vantor::png_file(bytes, "vantor");
     });
     if (!error.empty()) {
