@@ -28,6 +28,11 @@ enum RayMask : std::uint32_t {
     mask_of_hidden = 2, ///< That alone.
 };
 
+/// Where a ray starts that leaves a point of a surface, given its normal and Hit::error, towards the direction.
+inline Vec3 start_beside(Vec3 point, Vec3 normal, float error, Vec3 direction) {
+    return point + normal * std::copysign(error, dot(normal, direction));
+}
+
 struct Hit {
     bool exists;           ///< Whether the ray meets anything; the rest is meaningless otherwise.
     float distance;        ///< From the ray's origin.
@@ -41,9 +46,7 @@ struct Hit {
     Point2f on_primitive;    ///< Embree's coordinates of the point on it.
 
     /// Where a ray starts that leaves towards the direction: off the surface, so that it does not hit it again.
-    Vec3 origin_towards(Vec3 direction) const {
-        return point + geometric_normal * std::copysign(error, dot(geometric_normal, direction));
-    }
+    Vec3 origin_towards(Vec3 direction) const { return start_beside(point, geometric_normal, error, direction); }
 };
 
 } // namespace vantor

@@ -25,14 +25,17 @@ class DirectLight {
 
     /// The weight of such a sample, where a ray could have found the light too: with that pdf, per solid angle.
     static float mis_weight(const LightSample &light, float pdf_of_ray) {
-        return light.is_delta ? 1.0f : power_heuristic(light.pdf, pdf_of_ray);
+        return vantor::mis_weight(light.is_delta, light.pdf, pdf_of_ray);
     }
 
     /// Notes a sample for a receiver, from which the shadow ray starts: what it brings if all of it arrives. False if
     /// the ray cannot be followed. In a world where no surface may be crossed.
     bool add(std::uint32_t receiver, Vec3 from, const LightSample &light, Color unoccluded) {
-        const Segment segment =
-            light.is_infinite ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1};
+        return add(receiver,
+                   light.is_infinite ? Segment{from, light.to_light, INFINITY} : Segment{from, light.end - from, 1},
+                   unoccluded);
+    }
+    bool add(std::uint32_t receiver, const Segment &segment, Color unoccluded) {
         if (!is_traceable(segment.from, segment.direction))
             return false;
         shadow_rays.segments.push_back(segment);

@@ -63,7 +63,7 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
         return;
     const Vec3 point = lit.ray.origin + lit.ray.direction * distance;
     LightSample light;
-    if (!world.lights.sample_chosen(choice, point, vertex.light_point, light))
+    if (!world.lights.sample_chosen(choice, point, wave.light_points[wave.lane_of(vertex)], light))
         return;
     const float pdf = angles.pdf(distance);
     const float mis_weight = power_heuristic(pdf * choice.pmf, medium.distance_pdf(distance, path.throughput) *
@@ -76,7 +76,8 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
 void PathIntegrator::light_medium(Wave &wave, const Vertex &vertex) const {
     const Path &path = *vertex.path;
     LightSample light;
-    if (!wave.direct_light.sample(vertex.in_medium, wave.sample_light_choice(vertex), vertex.light_point, light))
+    if (!wave.direct_light.sample(vertex.in_medium, wave.sample_light_choice(vertex),
+                                  wave.light_points[wave.lane_of(vertex)], light))
         return;
     const Vec3 *position = vertex.is_ray_lit ? world.lights.position_of(light.choice.light) : nullptr;
     float mis_weight = 1;
@@ -102,11 +103,11 @@ void PathIntegrator::add_medium_light(Wave &wave, const Vertex &vertex, const Me
 }
 
 // The phase function is sampled by its own values, so that the throughput stays. False if no ray can be followed.
-bool PathIntegrator::scatter_at_point(const Vertex &vertex) const {
+bool PathIntegrator::scatter_at_point(const Wave &wave, const Vertex &vertex) const {
     Path &path = *vertex.path;
     const Medium &medium = world.media_of(path.media);
     const Vec3 before = path.ray.direction;
-    const Vec3 direction = medium.phase.sample(before, vertex.next_direction);
+    const Vec3 direction = medium.phase.sample(before, wave.next_directions[wave.lane_of(vertex)]);
     path.vertex = vertex.in_medium;
     path.direction_pdf = medium.phase.evaluate(dot(before, direction));
     path.finds_lights = false;

@@ -13,4 +13,10 @@ inline float power_heuristic(float pdf, float other_pdf) {
     return 1 / (1 + ratio * ratio);
 }
 
+/// The weight of a sampled light, where a ray could have found it too, with that pdf per solid angle. A delta light is
+/// found by none.
+inline float mis_weight(bool is_delta, float pdf, float ray_pdf) {
+    return is_delta ? 1.0f : power_heuristic(pdf, ray_pdf);
+}
+
 } // namespace vantor

@@ -21,7 +21,8 @@ constexpr float last_ray_fraction = 0.25f;
 // Lets a BSDF be made where it is kept: copies of it would cost as much as its making.
 struct InPlace {
     const Surface &surface;
-    operator SurfaceBsdf() const { return surface.bsdf(); }
+    Vec3 arriving;
+    operator SurfaceBsdf() const { return surface.bsdf(arriving); }
 };
 
 // Where a ray starts that leaves the surface towards the direction, where surfaces may be crossed.
@@ -46,7 +47,7 @@ bool PathIntegrator::trace(std::span<Path> paths) const {
             record_guides(wave, vertices);
             end_at_limits(vertices);
             look_irradiance_up(vertices);
-            prepare_bsdfs(vertices);
+            prepare_bsdfs(wave, vertices);
             sample_direct_light(wave, vertices);
             scatter(wave, vertices);
             play_roulette(wave, vertices);
@@ -168,29 +169,59 @@ void PathIntegrator::look_irradiance_up(std::span<const Vertex> vertices) const 
     }
 }
 
-void PathIntegrator::prepare_bsdfs(std::span<Vertex> vertices) const {
-    for (Vertex &vertex : vertices)
-        if (vertex.kind == Kind::Surface)
-            vertex.bsdf.emplace(InPlace{*vertex.surface});
-}
-
-void PathIntegrator::sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const {
-    for (const Vertex &vertex : vertices) {
-        if (vertex.kind == Kind::Surface && !vertex.surface->is_specular())
-            light_surface(wave, vertex);
-        else if (vertex.kind == Kind::Medium)
-            light_medium(wave, vertex);
+void PathIntegrator::prepare_bsdfs(Wave &wave, std::span<Vertex> vertices) const {
+    wave.diffuse.are_set = {};
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        Vertex &vertex = vertices[i];
+        if (vertex.kind != Kind::Surface)
+            continue;
+        if (vertex.surface->is_diffuse())
+            wave.diffuse.set(i, *vertex.hit, *vertex.surface);
+        else
+            vertex.bsdf.emplace(InPlace{*vertex.surface, vertex.path->ray.direction});
     }
 }
 
-// What a sampled light brings: throughput * value * cosine * radiance / pdf.
-void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex) const {
+// What sampled lights bring: throughput * value * cosine * radiance / pdf. Lights are sampled side by side, and so
+// diffuse surfaces reflect them.
+void PathIntegrator::sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const {
+    wave.lights.clear();
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const Vertex &vertex = vertices[i];
+        if (wave.diffuse.are_set[i]) {
+            world.lights.choose(wave.diffuse.light_context(i), wave.sample_light_choice(vertex), i, wave.lights);
+            wave.carried.throughput.set(i, vertex.path->throughput);
+            wave.carried.ray_fraction[i] = vertex.path->finds_only_lights ? last_ray_fraction : 1.0f;
+        } else if (vertex.kind == Kind::Surface && !vertex.surface->is_specular()) {
+            world.lights.choose(vertex.surface->light_context(*vertex.hit), wave.sample_light_choice(vertex), i,
+                                wave.lights);
+        }
+    }
+    world.lights.sample(wave.light_points, wave.lights);
+    const LightSampleLanes &lights = wave.lights.samples;
+    ReflectedLanes reflected;
+    reflect(wave.diffuse, wave.carried, lights, reflected);
+    const bool has_crossings = world.tracer.has_crossings();
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const Vertex &vertex = vertices[i];
+        if (vertex.kind == Kind::Medium) {
+            light_medium(wave, vertex);
+        } else if (reflected.are_lit[i]) {
+            const Color radiance = clamped(reflected.radiance[i], vertex.path->bounces > 0);
+            if (has_crossings)
+                add_crossing_light(wave, vertex, lights.at(i, wave.lights.choices[i]), radiance);
+            else
+                wave.direct_light.add(
+                    wave.index_of(*vertex.path),
+                    {reflected.start[i], reflected.direction[i], lights.is_infinite[i] ? INFINITY : 1.0f}, radiance);
+        } else if (lights.may_arrive[i] && !wave.diffuse.are_set[i]) {
+            light_surface(wave, vertex, lights.at(i, wave.lights.choices[i]));
+        }
+    }
+}
+
+void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex, const LightSample &light) const {
     const Path &path = *vertex.path;
-    const Hit &hit = *vertex.hit;
-    LightSample light;
-    if (!wave.direct_light.sample(vertex.surface->light_context(hit), wave.sample_light_choice(vertex),
-                                  vertex.light_point, light))
-        return;
     const BsdfValue scattered = vertex.bsdf->evaluate(light.to_light);
     if (is_black(scattered.value))
         return;
@@ -198,39 +229,65 @@ void PathIntegrator::light_surface(Wave &wave, const Vertex &vertex) const {
     const Color weighed =
         path.throughput * scattered.value * light.contribution * DirectLight::mis_weight(light, ray_pdf);
     const Color radiance = clamped(weighed, path.bounces > 0);
-    if (!world.tracer.has_crossings()) {
-        wave.direct_light.add(wave.index_of(path), hit.origin_towards(light.to_light), light, radiance);
-        return;
-    }
-    MediumStack media = path.media;
+    if (world.tracer.has_crossings())
+        add_crossing_light(wave, vertex, light, radiance);
+    else
+        wave.direct_light.add(wave.index_of(path), vertex.hit->origin_towards(light.to_light), light, radiance);
+}
+
+// Notes a shadow ray where surfaces may be crossed, and maybe this one is.
+void PathIntegrator::add_crossing_light(Wave &wave, const Vertex &vertex, const LightSample &light,
+                                        Color radiance) const {
+    MediumStack media = vertex.path->media;
     if (vertex.surface->is_crossed(light.to_light))
-        cross_surface(media, placement_at(hit), hit, light.to_light);
-    wave.direct_light.add(wave.index_of(path), start_towards(vertex, light.to_light), media, light, radiance);
+        cross_surface(media, placement_at(*vertex.hit), *vertex.hit, light.to_light);
+    wave.direct_light.add(wave.index_of(*vertex.path), start_towards(vertex, light.to_light), media, light, radiance);
 }
 
 void PathIntegrator::scatter(const Wave &wave, std::span<Vertex> vertices) const {
-    for (Vertex &vertex : vertices)
-        if (vertex.is_scattering() &&
-            !(vertex.kind == Kind::Surface ? scatter_at_surface(wave, vertex) : scatter_at_point(vertex)))
-            vertex.kind = Kind::Ended;
+    ScatteredLanes scattered;
+    vantor::scatter(wave.diffuse, wave.next_directions, scattered);
+    const auto scatter_one = [&](const Vertex &vertex, std::size_t lane) {
+        if (vertex.kind == Kind::Medium)
+            return scatter_at_point(wave, vertex);
+        if (!wave.diffuse.are_set[lane])
+            return scatter_at_surface(wave, vertex);
+        if (!scattered.are_set[lane])
+            return false;
+        Path &path = *vertex.path;
+        path.throughput *= wave.diffuse.reflectance[lane];
+        path.vertex = wave.diffuse.light_context(lane);
+        path.direction_pdf = scattered.pdf[lane];
+        path.finds_lights = false;
+        return leave_surface(vertex, scattered.start[lane], scattered.direction[lane]);
+    };
+    for (std::size_t i = 0; i < vertices.size(); ++i)
+        if (vertices[i].is_scattering() && !scatter_one(vertices[i], i))
+            vertices[i].kind = Kind::Ended;
 }
 
 // False if nothing is scattered, or nowhere that a ray can be followed; here and below.
 bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) const {
     Path &path = *vertex.path;
-    const Hit &hit = *vertex.hit;
     BsdfSample next;
-    if (!vertex.bsdf->sample(vertex.next_direction, wave.sample_unstratified(vertex, Wave::lobe), next))
+    if (!vertex.bsdf->sample(wave.next_directions[wave.lane_of(vertex)], wave.sample_unstratified(vertex, Wave::lobe),
+                             next))
         return false;
     path.throughput *= next.weight;
-    path.vertex = vertex.surface->light_context(hit);
+    path.vertex = vertex.surface->light_context(*vertex.hit);
     path.direction_pdf = next.pdf;
     path.finds_lights = next.is_specular;
+    return leave_surface(vertex, vertex.hit->origin_towards(next.wi), next.wi);
+}
+
+bool PathIntegrator::leave_surface(const Vertex &vertex, Vec3 beside, Vec3 direction) const {
+    Path &path = *vertex.path;
     if (!world.tracer.has_crossings())
-        return path.leave(hit.origin_towards(next.wi), next.wi);
-    if (vertex.surface->is_crossed(next.wi))
-        cross_surface(path.media, placement_at(hit), hit, next.wi);
-    return path.leave(start_towards(vertex, next.wi), next.wi);
+        return path.leave(beside, direction);
+    const Hit &hit = *vertex.hit;
+    if (vertex.surface->is_crossed(direction))
+        cross_surface(path.media, placement_at(hit), hit, direction);
+    return path.leave(start_towards(vertex, direction), direction);
 }
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle

@@ -41,7 +41,7 @@ class PathIntegrator {
     [[gnu::noinline]] static void record_guides(const Wave &wave, std::span<const Vertex> vertices);
     [[gnu::noinline]] void end_at_limits(std::span<Vertex> vertices) const;
     [[gnu::noinline]] void look_irradiance_up(std::span<const Vertex> vertices) const;
-    [[gnu::noinline]] void prepare_bsdfs(std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void prepare_bsdfs(Wave &wave, std::span<Vertex> vertices) const;
     [[gnu::noinline]] void sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const;
     [[gnu::noinline]] void scatter(const Wave &wave, std::span<Vertex> vertices) const;
     [[gnu::noinline]] void play_roulette(const Wave &wave, std::span<Vertex> vertices) const;
@@ -52,9 +52,11 @@ class PathIntegrator {
     void light_medium(Wave &wave, const Vertex &vertex) const;
     void add_medium_light(Wave &wave, const Vertex &vertex, const Medium &medium, Vec3 point, Color throughput,
                           const LightSample &light) const;
-    void light_surface(Wave &wave, const Vertex &vertex) const;
+    void light_surface(Wave &wave, const Vertex &vertex, const LightSample &light) const;
+    void add_crossing_light(Wave &wave, const Vertex &vertex, const LightSample &light, Color radiance) const;
     bool scatter_at_surface(const Wave &wave, const Vertex &vertex) const;
-    bool scatter_at_point(const Vertex &vertex) const;
+    bool leave_surface(const Vertex &vertex, Vec3 beside, Vec3 direction) const;
+    bool scatter_at_point(const Wave &wave, const Vertex &vertex) const;
 
     bool is_at_last_bounce(const Path &path) const {
         return settings.max_bounces < Settings::any_bounces && path.bounces >= settings.max_bounces;

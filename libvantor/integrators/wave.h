@@ -1,6 +1,7 @@
 // Wave: paths that advance together, and the vertices of their present step.
 #pragma once
 
+#include "libvantor/integrators/diffuse_lanes.h"
 #include "libvantor/integrators/direct_light.h"
 #include "libvantor/integrators/path.h"
 #include "libvantor/world/surface.h"
@@ -24,13 +25,11 @@ struct Vertex {
     Kind kind = Kind::Ended;
     bool is_ray_lit = false; ///< Lights that shine from single points lit the whole ray that led here.
     Path *path = nullptr;
-    const Hit *hit = nullptr; ///< Of the path's ray.
-    Point2f light_point{};    ///< The samples that nearly every vertex needs. See Wave for the others.
-    Point2f next_direction{};
+    const Hit *hit = nullptr;        ///< Of the path's ray.
     Vec3 in_medium{};                ///< The point of a medium.
     float distance_pdf = 0;          ///< Per length, with which that was drawn along the ray; unset elsewhere.
     std::optional<Surface> surface;  ///< At the hit, where there is one.
-    std::optional<SurfaceBsdf> bsdf; ///< Of the surface, if it scatters the path.
+    std::optional<SurfaceBsdf> bsdf; ///< Of the surface, if it scatters the path and is not diffuse.
 
     // Not defaulted: value-initialization would then fill the storage of surface and BSDF with zeros first.
     Vertex() {} // NOLINT(modernize-use-equals-default)
@@ -88,6 +87,8 @@ class Wave {
 
     std::uint32_t index_of(const Path &path) const { return static_cast<std::uint32_t>(&path - first_path); }
 
+    std::size_t lane_of(const Vertex &vertex) const { return static_cast<std::size_t>(&vertex - all); }
+
     // The other samples of the present step, made where they are needed.
     float sample_unstratified(const Vertex &vertex, Dimension which) const {
         return vertex.path->sampler.unstratified(dimension + which);
@@ -99,12 +100,19 @@ class Wave {
         return direct_light.choice(vertex.path->sampler, dimension + light_choice);
     }
 
+    // Of the present chunk, a lane for each of its vertices.
+    DiffuseLanes diffuse;
+    CarriedLanes carried;
+    LightLanes lights;
+    Lanes<Point2f> light_points{}; ///< The samples that nearly every vertex needs.
+    Lanes<Point2f> next_directions{};
+
     DirectLight direct_light; ///< Of the present step. Receivers are paths, by index.
 
   private:
     // As many rays as Embree takes at once, and few enough vertices to stay in the first-level cache from one stage to
     // the next.
-    static constexpr std::size_t chunk_size = 16;
+    static constexpr std::size_t chunk_size = lane_count;
 
     std::span<Vertex> intersect(std::span<Path *const> chunk, bool are_coherent) {
         const std::size_t count = chunk.size();
@@ -130,8 +138,6 @@ class Wave {
             vertex.is_ray_lit = false;
             vertex.path = chunk[i];
             vertex.hit = &hits[i];
-            vertex.light_point = light_points[i];
-            vertex.next_direction = next_directions[i];
         }
         return std::span(all).first(count);
     }
@@ -149,8 +155,6 @@ class Wave {
     RayMask masks[chunk_size];
     Hit hits[chunk_size];
     Sampler samplers[chunk_size];
-    Point2f light_points[chunk_size];
-    Point2f next_directions[chunk_size];
     Vertex all[chunk_size];
 };
 

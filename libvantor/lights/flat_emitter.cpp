@@ -1,29 +1,20 @@
 // Flat emitter: a parallelogram, triangle or ring whose front shines.
 #include "libvantor/lights/flat_emitter.h"
 
-#include "libvantor/base/rounding.h"
-#include "libvantor/base/warp.h"
 #include "libvantor/lights/spherical_polygons.h"
 
 namespace vantor {
 
-namespace {
-
-// Coordinates (u, v) on the emitter, uniform in area.
-Point2f sample_area(const FlatEmitter &emitter, Point2f numbers) {
-    if (emitter.outline == FlatEmitter::Outline::Triangle)
-        return warp::triangle(numbers);
-    if (emitter.outline != FlatEmitter::Outline::Ring)
-        return numbers;
+Point2f FlatEmitter::sample_area(Point2f numbers) const {
+    if (outline != Outline::Ring)
+        return sample_polygon(numbers);
     // The squared radius is uniform on a disk, and so it is on a ring.
-    const Vec3 p = warp::disk({emitter.squared_hole + (1 - emitter.squared_hole) * numbers.u, numbers.v});
+    const Vec3 p = warp::disk({squared_hole + (1 - squared_hole) * numbers.u, numbers.v});
     return {p.x, p.y};
 }
 
-} // namespace
-
 Vec3 FlatEmitter::point(Point2f numbers) const {
-    const Point2f uv = sample_area(*this, numbers);
+    const Point2f uv = sample_area(numbers);
     return corner + edge_u * uv.u + edge_v * uv.v;
 }
 
@@ -81,32 +72,24 @@ float FlatEmitter::pdf(Vec3 reference, Vec3 direction, Vec3 point) const {
 }
 
 Point2f FlatEmitter::sample_solid_angle(Vec3 reference, Point2f numbers, float &solid_angle) const {
-    const auto sample = [&](const auto &seen) {
-        solid_angle = usable(seen.solid_angle());
-        return solid_angle > 0 ? seen.sample(numbers) : sample_area(*this, numbers);
+    const auto drawn_from = [&](const auto &polygon) {
+        solid_angle = usable(polygon.solid_angle());
+        return solid_angle > 0 ? polygon.sample(numbers) : sample_area(numbers);
     };
-    return outline == Outline::Triangle ? sample(SphericalTriangle(reference, corner, edge_u, edge_v))
-                                        : sample(SphericalRectangle(reference, corner, edge_u, edge_v));
+    return outline == Outline::Triangle ? drawn_from(SphericalTriangle(reference, corner, edge_u, edge_v))
+                                        : drawn_from(SphericalRectangle(reference, corner, edge_u, edge_v));
 }
 
 bool FlatEmitter::sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {
     float solid_angle = 0;
-    const Point2f uv =
-        is_near(reference) ? sample_solid_angle(reference, numbers, solid_angle) : sample_area(*this, numbers);
-    const Vec3 from_corner = edge_u * uv.u + edge_v * uv.v;
-    const Vec3 point = corner + from_corner;
-    const Vec3 difference = point - reference;
-    const float squared_distance = dot(difference, difference);
-    const float distance = std::sqrt(squared_distance);
-    const float cosine = -dot(difference, normal) / distance;
-    if (!(cosine > 0))
+    const Point2f uv = is_near(reference) ? sample_solid_angle(reference, numbers, solid_angle) : sample_area(numbers);
+    const Seen point = seen(reference, uv);
+    if (!(point.cosine > 0))
         return false;
-
-    result.to_light = difference * (1 / distance);
-    result.end = point + normal * clearance_of_emitter(point, from_corner, distance);
+    result.to_light = point.to_light;
+    result.end = point.end;
     result.radiance = emitted;
-    // From area to solid angle: dw = cos dA / r^2.
-    result.pdf = solid_angle > 0 ? 1 / solid_angle : squared_distance / (cosine * area);
+    result.pdf = solid_angle > 0 ? 1 / solid_angle : point.area_pdf;
     return true;
 }
 

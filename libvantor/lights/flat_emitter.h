@@ -1,6 +1,8 @@
 // Flat emitter: a parallelogram, triangle or ring whose front shines.
 #pragma once
 
+#include "libvantor/base/rounding.h"
+#include "libvantor/base/warp.h"
 #include "libvantor/lights/light_concept.h"
 #include "libvantor/shapes/disk.h"
 
@@ -53,17 +55,48 @@ struct FlatEmitter {
     /// The solid angle by which it is sampled from there; 0 if it is sampled by area.
     float sampled_solid_angle(Vec3 reference) const;
 
-  private:
-    // Whether it has a parametrization by solid angle, and is nearer than its longer edge is long. From farther away
-    // the weights of samples by area differ little, and others take much longer to draw.
+    /// Whether it is sampled by solid angle, mostly: it has a parametrization for that, and is nearer than its longer
+    /// edge is long. From farther away the weights of samples by area differ little, and others take much longer to
+    /// draw.
     bool is_near(Vec3 reference) const {
         const bool is_triangle = outline == Outline::Triangle;
         const Vec3 to_middle = corner + (edge_u + edge_v) * (is_triangle ? 1 / 3.0f : 0.5f) - reference;
-        return dot(to_middle, to_middle) < std::max(dot(edge_u, edge_u), dot(edge_v, edge_v)) &&
-               (is_triangle || outline == Outline::Rectangle);
+        const float square_u = dot(edge_u, edge_u);
+        const float square_v = dot(edge_v, edge_v);
+        return (dot(to_middle, to_middle) < (square_u > square_v ? square_u : square_v)) &
+               (is_triangle | (outline == Outline::Rectangle));
     }
 
-    // Likewise sets the solid angle: 0 if it is sampled by area all the same.
+    /// The u and v of a point that is uniform in area; of the first kind, where it is no ring.
+    Point2f sample_polygon(Point2f numbers) const {
+        const Point2f folded = warp::triangle(numbers);
+        const bool is_triangle = outline == Outline::Triangle;
+        return {is_triangle ? folded.u : numbers.u, is_triangle ? folded.v : numbers.v};
+    }
+    Point2f sample_area(Point2f numbers) const;
+
+    /// How a point of it is seen.
+    struct Seen {
+        float cosine;   ///< At the emitter; at most 0 if it shows its back. The rest is then meaningless.
+        Vec3 to_light;  ///< Unit length.
+        Vec3 end;       ///< The point, clear of the surface.
+        float area_pdf; ///< Per solid angle, of points that are uniform in area.
+    };
+    Seen seen(Vec3 reference, Point2f uv) const {
+        const Vec3 from_corner = edge_u * uv.u + edge_v * uv.v;
+        const Vec3 point = corner + from_corner;
+        const Vec3 difference = point - reference;
+        const float squared_distance = dot(difference, difference);
+        const float distance = std::sqrt(squared_distance);
+        const float cosine = -dot(difference, normal) / distance;
+        // From area to solid angle: dw = cos dA / r^2.
+        return {cosine, difference * (1 / distance),
+                point + normal * clearance_of_emitter(point, from_corner, distance),
+                squared_distance / (cosine * area)};
+    }
+
+  private:
+    // Likewise by solid angle, which it sets: to 0 if the point is uniform in area all the same.
     Point2f sample_solid_angle(Vec3 reference, Point2f numbers, float &solid_angle) const;
 };
 

@@ -36,15 +36,13 @@ class DiffuseBsdf {
 
     bool sample(Point2f u, float, BsdfSample &sample) const {
         const Vec3 above = warp::cosine_hemisphere(u);
-        if (!(above.z > 0))
-            return false;
         const float side = std::copysign(1.0f, wo_cosine);
         // Member by member: a copy of the whole would wait until its parts are stored.
         sample.wi = {above.x, above.y, side * above.z};
         sample.weight = reflectance;
         sample.pdf = warp::cosine_hemisphere_pdf(above.z);
         sample.is_specular = false;
-        return true;
+        return above.z > 0;
     }
 
   private:

@@ -108,6 +108,21 @@ bool LightSet::sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, Li
         lights[choice.light]);
 }
 
+void LightSet::sample(const Lanes<Point2f> &numbers, LightLanes &lanes) const {
+    Mask are_near;
+    sample_by_area(lanes.emitters, lanes.choices, lanes.points, numbers, lanes.samples, are_near);
+    for (std::size_t i = 0; i < lane_count; ++i) {
+        const LightChoice choice = lanes.choices[i];
+        const bool is_sampled = lanes.emitters.are_set[i] && !are_near[i];
+        if (!(choice.pmf > 0) || is_sampled)
+            continue;
+        LightSample sample;
+        lanes.samples.may_arrive[i] = sample_chosen(choice, lanes.points[i], numbers[i], sample);
+        if (lanes.samples.may_arrive[i])
+            lanes.samples.set(i, sample);
+    }
+}
+
 Color LightSet::radiance(int emitter, const Hit &hit) const {
     if (!patterns.is_empty())
         if (const std::optional<Color> patterned = patterns.radiance(static_cast<std::uint32_t>(emitter), hit))

@@ -1,26 +1,15 @@
 // Light set: all lights of a frozen scene, how one is chosen and sampled, and what rays find of them.
 #pragma once
 
-#include "libvantor/base/random.h"
 #include "libvantor/description/registry.h"
 #include "libvantor/embree/hit.h"
 #include "libvantor/lights/bvh_light_sampler.h"
 #include "libvantor/world/emission_patterns.h"
+#include "libvantor/world/light_lanes.h"
 
 #include <span>
 
 namespace vantor {
-
-/// Light that may arrive at a point, if nothing is in the way.
-struct LightSample {
-    Vec3 to_light;      ///< Unit length.
-    Vec3 end;           ///< The point that it comes from, clear of its surface; unset if is_infinite.
-    bool is_infinite;   ///< Comes from infinitely far away.
-    bool is_delta;      ///< No ray can find the light: it is a point or parallel light.
-    Color contribution; ///< Radiance over pdf; of a delta light its irradiance over the probability of the choice.
-    float pdf;          ///< Per solid angle, choice included; above 0 and finite. Unset if is_delta.
-    LightChoice choice; ///< Of the light.
-};
 
 /// All lights that are on. Constant once made.
 class LightSet {
@@ -40,6 +29,20 @@ class LightSet {
 
     /// Samples a light that was chosen. False where none of its light can arrive.
     bool sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, LightSample &result) const;
+
+    /// Likewise for many points: chooses a light for one lane, and then samples those of all lanes, flat emitters side
+    /// by side.
+    void choose(const LightSampleContext &reference, double u, std::size_t lane, LightLanes &lanes) const {
+        const LightChoice choice = sampler.sample(reference, u);
+        lanes.choices[lane] = choice;
+        lanes.points.set(lane, reference.point);
+        if (!(choice.pmf > 0))
+            return;
+        const auto *emitter = std::get_if<FlatEmitter>(&lights[choice.light]);
+        if (emitter && emitter->outline != FlatEmitter::Outline::Ring && patterns.is_empty())
+            lanes.emitters.set(lane, *emitter);
+    }
+    void sample(const Lanes<Point2f> &numbers, LightLanes &lanes) const;
 
     /// Chooses among the lights that shine from single points, for a ray as a whole. The pmf is 0 if there are none.
     LightChoice choose_positional(const LightSampleRay &ray, double u) const { return positional.sample(ray, u); }

@@ -48,7 +48,8 @@ void Surface::vary(const Hit &hit, const World &world) {
     if (opacity_here > 0 && (is_bent || changes_bsdf || variation.opacity.pattern))
         follow_patterns(hit, world, variation);
     if (opacity_here > 0 && placement.has_colors())
-        tint(description, fraction(placement.color_at(hit.instance, hit.primitive, hit.on_primitive)));
+        tint(varied ? *varied : varied.emplace(*constant),
+             fraction(placement.color_at(hit.instance, hit.primitive, hit.on_primitive)));
 }
 
 void Surface::follow_patterns(const Hit &hit, const World &world, const Variation &variation) {
@@ -61,14 +62,17 @@ void Surface::follow_patterns(const Hit &hit, const World &world, const Variatio
         // About half of the width that a pixel sees, and beyond rounding.
         const float step = (0.5f * pixel_angle * hit.distance + rounding_of(hit.point)) / hit_there.scale;
         const BumpPoint point{hit_there.world_from_object, parameters, at, hit.geometric_normal, step};
-        frame = Frame(bent_normal(point, variation, hit.shading_normal));
+        normal = bent_normal(point, variation, hit.shading_normal);
     }
+    if (!(variation.color || variation.roughness || variation.metallic))
+        return;
+    BsdfDescription &here = varied.emplace(*constant);
     if (variation.color)
-        set_color(description, fraction(vantor::evaluate(*variation.color, at)));
+        set_color(here, fraction(vantor::evaluate(*variation.color, at)));
     if (variation.roughness)
-        set_roughness(description, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
+        set_roughness(here, fraction(luminance(vantor::evaluate(*variation.roughness, at))));
     if (variation.metallic)
-        set_metallic(description, fraction(luminance(vantor::evaluate(*variation.metallic, at))));
+        set_metallic(here, fraction(luminance(vantor::evaluate(*variation.metallic, at))));
 }
 
 } // namespace vantor
