@@ -7,11 +7,18 @@ VANTOR_VECTORIZED void sample_by_area(const FlatEmitterLanes &__restrict emitter
                                       const Lanes<LightChoice> &__restrict choices, const Vec3Lanes &__restrict points,
                                       const Lanes<Point2f> &__restrict numbers, LightSampleLanes &__restrict result,
                                       Mask &__restrict are_near) {
+    // Pairs are taken apart beforehand: the loop below then reads lanes only.
+    Lanes<float> u, v, pmf;
+    for (std::size_t i = 0; i < lane_count; ++i) {
+        u[i] = numbers[i].u;
+        v[i] = numbers[i].v;
+        pmf[i] = choices[i].pmf;
+    }
     for (std::size_t i = 0; i < lane_count; ++i) {
         const FlatEmitter emitter = emitters[i];
         const bool is_set = emitters.are_set[i] != 0;
-        const FlatEmitter::Seen seen = emitter.seen(points[i], emitter.sample_polygon(numbers[i]));
-        const float pdf = seen.area_pdf * choices[i].pmf;
+        const FlatEmitter::Seen seen = emitter.seen(points[i], emitter.sample_polygon({u[i], v[i]}));
+        const float pdf = seen.area_pdf * pmf[i];
         const bool is_usable = (pdf > 0) & (pdf <= std::numeric_limits<float>::max());
         are_near[i] = is_set & emitter.is_near(points[i]);
         result.may_arrive[i] = is_set & (seen.cosine > 0) & is_usable;
