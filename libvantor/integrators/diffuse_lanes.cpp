@@ -16,7 +16,10 @@ VANTOR_VECTORIZED void reflect(const DiffuseLanes &__restrict surfaces, const Ca
         const Vec3 start = surfaces.start(i, to_light);
         const Vec3 to_end = lights.end[i] - start;
         const bool is_infinite = lights.is_infinite[i] != 0;
-        result.are_lit[i] = (surfaces.are_set[i] != 0) & (lights.may_arrive[i] != 0) & !is_black(scattered.value);
+        const bool is_set = surfaces.are_set[i] != 0;
+        const bool may_arrive = lights.may_arrive[i] != 0;
+        const bool is_dark = is_black(scattered.value);
+        result.are_lit[i] = is_set & may_arrive & !is_dark;
         result.start.set(i, start);
         result.direction.x[i] = is_infinite ? to_light.x : to_end.x;
         result.direction.y[i] = is_infinite ? to_light.y : to_end.y;
