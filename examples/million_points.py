@@ -28,7 +28,7 @@ for i in range(COUNT):
         turn = chance.uniform(0, 2 * math.pi)
         height, spread = 0.5 * chance.gauss(0, max(0.05, 0.5 - 0.4 * distance)), 0.0
     else:
-        distance = 0.5 + min(chance.expovariate(0.7), 4.5)
+        distance = 0.5 + chance.expovariate(0.7) % 4.5
         spread = chance.gauss(0, 0.26)
         turn = math.pi * (i % 2) + 2.4 * math.log(distance / 0.5) + spread
         height = chance.gauss(0, 0.04 + 0.02 * distance)
