@@ -1,6 +1,7 @@
 # The README's commands. The build itself is CMake's; see CMakePresets.json.
 JOBS := $(shell nproc)
-GALLERY := glass_and_metal media patterns splines million_instances million_points sky radiosity shapes imagers
+GALLERY := glass_and_metal media patterns splines million_instances million_points sky radiosity denoiser \
+           shapes imagers
 
 .PHONY: demo gallery quick test docs docs-check fresh bench clean
 

@@ -14,6 +14,7 @@ SIZE = ("320", "48")
 QUICK_SIZE = ("80", "4")
 SIZES = {
     "cornell_box": ("240", "64"),
+    "denoiser": ("320", "16"),
     "imagers": ("240", "64"),
     "media": ("320", "96"),
     "million_instances": ("320", "32"),

@@ -31,6 +31,7 @@ ENDLESS = """
 
 # Each script of the gallery, with the pictures that it writes.
 GALLERY = {
+    "denoiser": ["denoiser", "denoiser_raw"],
     "glass_and_metal": ["glass_and_metal"],
     "imagers": ["imagers_albedo", "imagers_color", "imagers_depth", "imagers_normal"],
     "media": ["media"],
