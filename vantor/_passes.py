@@ -14,14 +14,14 @@ class Pass:
     pictures hands over the numbers instead."""
 
     def __init__(self, scene, size, window, aovs, filtering, settings, with_files=True,
-                 background=True):
+                 of_color=None):
         self.scene = scene
         self.width, self.height, self.samples = size
         self.window = window
         self.aovs = aovs
         self.filtering = filtering
         self.settings = settings
-        self.background = background
+        self.of_color = of_color or {}
         self._with_files = with_files
         self._imagers = []
         self._files = {}
@@ -38,8 +38,11 @@ class Pass:
                 raise ValueError('aovs: "{}" is none (one of {} is)'.format(aov, names))
 
     def _check_settings(self):
-        for name in self.settings:
-            if not ALL.parameter("newImager", "settings", name):
+        asked = [("settings", name) for name in self.settings]
+        if "denoise" in self.of_color:
+            asked.append(("file", "denoise"))
+        for type, name in asked:
+            if not ALL.parameter("newImager", type, name):
                 raise ValueError("render: this renderer has no {}".format(name))
 
     @property
@@ -66,7 +69,7 @@ class Pass:
         self._imagers = [self.scene.id_of(imager) for imager in last if self._with_files]
         self._imagers += self.scene.own_settings(self.settings)
         for aov, path in self._files.items():
-            self._imagers.append(self.scene.own_imager(path, aov, filtering, self.background))
+            self._imagers.append(self.scene.own_imager(path, aov, filtering, self.of_color))
 
     def run(self, messages):
         """The values that are asked for: a bytearray of three float32 for each pixel of the window,

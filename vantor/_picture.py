@@ -35,7 +35,7 @@ class Picture:
         x0, y0, x1, y1 = work.pixel_window
         size = (work.width, work.height)
         alpha = None
-        if not work.background and "alpha" in layers:
+        if "background" in work.of_color and "alpha" in layers:
             alpha = bytearray(memoryview(layers["alpha"]).cast("f")[::3].tobytes())
         return cls(x1 - x0, y1 - y0, layers, full_size=size, origin=(x0, y0), alpha=alpha)
 

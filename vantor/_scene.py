@@ -162,14 +162,15 @@ class Scene:
         self._call("radiosity")
 
     def render(self, width, height, samples=64, *, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
-               background=True, filter=None, filter_width=None, wait=True, progress=False,
-               first_sample=None, samples_in_all=None, time_limit=None):
+               background=True, denoise=False, filter=None, filter_width=None, wait=True,
+               progress=False, first_sample=None, samples_in_all=None, time_limit=None):
         """Renders a picture.
 
         width and height are those of the whole picture, in pixels; samples are for each pixel. The
         window, x0 y0 x1 y1 in fractions from the upper left corner, is the part that is rendered.
         aovs are names of further values, such as "albedo" and "depth", which the Picture then has.
         Without a background the colour is that of surfaces alone, and the Picture has an alpha.
+        With denoise=True the colour has less noise, of the same samples.
         The filter is that of the imager "file". With wait=False the pass runs in a process of its
         own, and a Job is returned. With progress=True, it is waited for such a Job under a bar of
         tqdm. Where no picture comes of it, SceneError says why.
@@ -182,7 +183,7 @@ class Scene:
                     "time_limit": time_limit}
         return self.render_for(script_place(), width, height, samples, window, aovs, filter,
                                filter_width, wait, progress, background=background,
-                               settings=settings)
+                               denoise=denoise, settings=settings)
 
     def view(self, *, host="127.0.0.1", port=0):
         """Opens a page in which the scene, as it is now, can be looked at from all sides in a
@@ -196,13 +197,18 @@ class Scene:
 
     def render_for(self, place, width, height, samples=64, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
                    filter=None, filter_width=None, wait=True, progress=False,
-                   with_files=True, background=True, settings=None):
+                   with_files=True, background=True, denoise=False, settings=None):
         """As render(), with the place of the script that its messages belong to; with_files=False
         leaves out the file imager that the script has made last."""
         aovs = tuple(aovs) if isinstance(aovs, Iterable) and not isinstance(aovs, str) else (aovs,)
         filtering = {"filter": filter, "filter_width": filter_width}
-        if not _values.switch(background) and "alpha" not in aovs:
-            aovs += ("alpha",)
+        of_color = {}
+        if not _values.switch(background):
+            of_color["background"] = 0
+            if "alpha" not in aovs:
+                aovs += ("alpha",)
+        if _values.switch(denoise):
+            of_color["denoise"] = 1
         work = Pass(
             self,
             (_values.integer(width), _values.integer(height), _values.integer(samples)),
@@ -211,7 +217,7 @@ class Scene:
             {name: value for name, value in filtering.items() if value is not None},
             {name: value for name, value in (settings or {}).items() if value is not None},
             with_files,
-            bool(background),
+            of_color,
         )
         if not wait:
             return Job(work, self.strict, place)
@@ -278,14 +284,14 @@ class Scene:
         self._files += 1
         return os.path.join(self.folder(), "{}{}".format(self._files, ending))
 
-    def own_imager(self, path, aov, filtering, background=True):
+    def own_imager(self, path, aov, filtering, of_color):
         """The number of an imager for this package's own use, made once for each file and way."""
-        key = (path, tuple(sorted(filtering.items())), background)
+        key = (path, tuple(sorted(filtering.items())), tuple(sorted(of_color.items())))
         if key not in self._own_imagers:
             parameters = dict(filtering, name=path)
-            if aov == "color" and not background:
-                parameters["background"] = 0
-            if aov != "color":
+            if aov == "color":
+                parameters.update(of_color)
+            else:
                 known = aov_parameter()
                 parameters[known.name if known else "what"] = aov
             handle = self._create(_handles.Imager, "file", parameters, is_own=True)

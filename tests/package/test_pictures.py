@@ -127,6 +127,18 @@ class FilesTest(PackageTest):
         job = scene.render(16, 12, 16, background=False, wait=False)
         self.assertEqual(bytes(job.result().buffer()), bytes(alone.buffer()))
 
+    def test_denoised(self):
+        scene = ball_scene()
+        raw = scene.render(32, 24, 4, aovs="normal")
+        smooth = scene.render(32, 24, 4, aovs="normal", denoise=True)
+        self.assertEqual(bytes(smooth.buffer("normal")), bytes(raw.buffer("normal")))
+        self.assertNotEqual(bytes(smooth.buffer()), bytes(raw.buffer()))
+        self.assertAlmostEqual(sum(floats(smooth)) / sum(floats(raw)), 1, delta=1e-4)
+        job = scene.render(32, 24, 4, denoise=True, wait=False)
+        self.assertEqual(bytes(job.result().buffer()), bytes(smooth.buffer()))
+        # As it was, when it is not asked for again.
+        self.assertEqual(bytes(scene.render(32, 24, 4).buffer()), bytes(raw.buffer()))
+
     def test_every_format_is_saved_and_loaded(self):
         picture = ball_scene().render(16, 12, 4)
         for ending in ("png", "jpg", "jpeg", "tif", "tiff", "exr"):
