@@ -151,7 +151,11 @@ class Case:
 
     def failures(self):
         """The names of the tests in it that failed; its own where it says no other."""
-        tests = re.findall(r"^(?:FAIL|ERROR): (\S+)|^fail  ([^:]+)", self.text, re.M)
+        tests = re.findall(
+            r"^(?:FAIL|ERROR): (\S+)|^fail  ([^:]+)|^(\S+:\d+:\d+: (?:warning|error): .+)",
+            self.text,
+            re.M,
+        )
         names = dict.fromkeys("".join(test) for test in tests)
         return ["%s, %s" % (self.name, name) for name in names] or [
             "%s (%s)" % (self.name, self.outcome or "no test was counted")

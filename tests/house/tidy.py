@@ -2,8 +2,8 @@
 
 usage: tidy.py [-j JOBS] [PATH...]   PATH is a source or a folder; all rooms are checked without it
 The commands are those of compile_commands.json in the build folder, which VANTOR_BUILD names.
-Closes with one line, "N passed, N failed", one for each source. Where there is no clang-tidy of the
-version that the tree follows, it says "skipped: " and why.
+Closes with one line, "N passed, N failed": sources without a finding, and findings. Where there is
+no clang-tidy of the version that the tree follows, it says "skipped: " and why.
 """
 
 import argparse
@@ -65,15 +65,17 @@ def main():
         return 1
 
     findings = {}
+    clean = 0
     with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
         for text in pool.map(lambda path: checked(program, path), paths):
+            clean += not text
             # One finding in a header comes up with every source that includes it.
             for finding in re.split(r"^(?=\S+:\d+:\d+: (?:warning|error): )", text, flags=re.M):
                 if finding:
                     findings.setdefault(finding.splitlines()[0], finding)
     print("".join(finding for _, finding in sorted(findings.items())), end="")
     print("{} sources, {} findings".format(len(paths), len(findings)))
-    print("{} passed, {} failed".format(len(paths) if not findings else 0, len(findings)))
+    print("{} passed, {} failed".format(clean, len(findings)))
     return 1 if findings else 0
 
 
