@@ -117,9 +117,10 @@ void LightSet::sample(const Lanes<Point2f> &numbers, LightLanes &lanes) const {
         if (!(choice.pmf > 0) || is_sampled)
             continue;
         LightSample sample;
-        lanes.samples.may_arrive[i] = sample_chosen(choice, lanes.points[i], numbers[i], sample);
-        if (lanes.samples.may_arrive[i])
+        const bool may_arrive = sample_chosen(choice, lanes.points[i], numbers[i], sample);
+        if (may_arrive)
             lanes.samples.set(i, sample);
+        lanes.samples.may_arrive[i] = may_arrive;
     }
 }
 

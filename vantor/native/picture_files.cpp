@@ -56,7 +56,7 @@ template <class Function> PyObject *bytes_of(const vantor::Raster &raster, const
 }
 
 // The numbers of a picture as a script has them: float32, for each pixel those of an element.
-template <class Element> class Pixels {
+template <class Element, int floats> class Pixels {
   public:
     Pixels() = default;
     Pixels(const Pixels &) = delete;
@@ -71,7 +71,7 @@ template <class Element> class Pixels {
         if (count > 0 && buffer.len == count * static_cast<Py_ssize_t>(sizeof(Element)))
             return true;
         PyErr_Format(PyExc_ValueError, "expected %zd pixels of %zd float32, got %zd bytes", count,
-                     static_cast<Py_ssize_t>(sizeof(Element) / sizeof(float)), buffer.len);
+                     static_cast<Py_ssize_t>(floats), buffer.len);
         return false;
     }
     void copy_to(Element *pixels) const { std::memcpy(pixels, buffer.buf, static_cast<std::size_t>(buffer.len)); }
@@ -79,8 +79,8 @@ template <class Element> class Pixels {
   private:
     Py_buffer buffer = {};
 };
-using Colors = Pixels<Color>;
-using Floats = Pixels<float>;
+using Colors = Pixels<Color, 3>;
+using Floats = Pixels<float, 1>;
 
 std::optional<Display> display_named(const char *name) {
     const std::string_view text = name;
@@ -228,13 +228,13 @@ PyObject *write_picture(PyObject *, PyObject *arguments) {
     form.display = *shown_as;
     form.comment = "vantor";
     std::string why;
+    std::optional<vantor::Picture> alpha;
     const std::string error = unlocked([&] {
         why = vantor::why_unwritable(path, window.width(), window.height());
         if (!why.empty())
             return;
         vantor::Picture picture(full_width, full_height, window);
         colors.copy_to(picture.pixels.data());
-        std::optional<vantor::Picture> alpha;
         if (covered != Py_None) {
             std::vector<float> values(picture.pixels.size());
             alphas.copy_to(values.data());
