@@ -2,8 +2,8 @@
 
 usage: check.py [PRESET...]
 
-The presets are those of CMakePresets.json: quick, test, clang, sanitize. Without one, all are run
-but quick, which is a part of test. Closes with one line, "N passed, N failed", and fails if
+The presets are those of CMakePresets.json: quick, test, sanitize. Without one, all are run but
+quick, which is a part of test. Closes with one line, "N passed, N failed", and fails if
 anything did; before it stand what was skipped, and why, and last the names of what failed. A Python
 test or a source that clang-tidy looks at counts like a native test. What a step printed stands in
 build/log.
@@ -206,7 +206,7 @@ def run_tests(tally, preset):
 def main(presets):
     os.makedirs(LOG, exist_ok=True)
     tally = Tally()
-    for preset in presets or ["test", "clang", "sanitize"]:
+    for preset in presets or ["test", "sanitize"]:
         if preset == "quick":
             done = build(tally, "test")
         elif preset == "test":
