@@ -519,6 +519,8 @@ class Scene:
         first_sample: Optional[_Integer] = ...,
         samples_in_all: Optional[_Integer] = ...,
         time_limit: Optional[_Number] = ...,
+        noise: Optional[_Number] = ...,
+        adaptive: Optional[_Switch] = ...,
     ) -> Imager: ...
     @overload
     def interface(
@@ -989,6 +991,8 @@ class Scene:
         first_sample: Optional[_Integer] = None,
         samples_in_all: Optional[_Integer] = None,
         time_limit: Optional[_Number] = None,
+        noise: Optional[_Number] = None,
+        adaptive: Optional[_Switch] = None,
     ) -> Picture: ...
     @overload
     def render(
@@ -1008,4 +1012,6 @@ class Scene:
         first_sample: Optional[_Integer] = None,
         samples_in_all: Optional[_Integer] = None,
         time_limit: Optional[_Number] = None,
+        noise: Optional[_Number] = None,
+        adaptive: Optional[_Switch] = None,
     ) -> Job: ...

@@ -1,6 +1,6 @@
 """The command vantor: renders scripts, shows models, explains the vocabulary, says what it runs on.
 
-    python3 -m vantor render scene.py -o out.png --size 640x480 --samples 64
+    python3 -m vantor render scene.py -o out.png --size 640x480 --samples 64 --denoise
     python3 -m vantor show model.glb
     python3 -m vantor view scene.py
     python3 -m vantor vocabulary newLight spot
@@ -32,6 +32,9 @@ def render(arguments):
     """The script makes a Scene in the variable "scene"; what it keeps for __main__ does not run."""
     if arguments.scheduler is None:
         return draw(Source(arguments.script).build(), arguments)
+    if arguments.denoise or arguments.adaptive or arguments.noise or arguments.time_limit:
+        raise SystemExit("vantor: --denoise, --adaptive, --noise and --time-limit do not go with "
+                         "--scheduler (the script's own imagers may say it)")
     try:
         from distributed import Client
     except ImportError:
@@ -64,7 +67,9 @@ def view(arguments):
 
 def draw(scene, arguments):
     size = (*arguments.size, arguments.samples)
-    save(scene.render(*size), arguments)
+    save(scene.render(*size, denoise=arguments.denoise, noise=arguments.noise,
+                      adaptive=arguments.adaptive or None, time_limit=arguments.time_limit),
+         arguments)
 
 
 def save(picture, arguments):
@@ -122,6 +127,13 @@ def parser():
         added.add_argument("--size", type=size_of, default=(640, 480), help="such as 640x480")
         added.add_argument("--samples", type=int, default=64, help="for each pixel (%(default)s)")
         added.add_argument("--exposure", type=float, default=0.0, help="in stops")
+        added.add_argument("--denoise", action="store_true", help="less noise, of the same samples")
+        added.add_argument("--adaptive", action="store_true",
+                           help="samples go where the noise is; --samples is their mean")
+        added.add_argument("--noise", type=float, metavar="ERROR",
+                           help="the relative error below which the picture is good enough")
+        added.add_argument("--time-limit", type=float, metavar="SECONDS",
+                           help="after which no further samples are begun")
 
     rendering = command("render", render, "Renders the scene that a script describes.")
     rendering.add_argument("script")

@@ -163,7 +163,8 @@ class Scene:
 
     def render(self, width, height, samples=64, *, window=(0.0, 0.0, 1.0, 1.0), aovs=(),
                background=True, denoise=False, filter=None, filter_width=None, wait=True,
-               progress=False, first_sample=None, samples_in_all=None, time_limit=None):
+               progress=False, first_sample=None, samples_in_all=None, time_limit=None, noise=None,
+               adaptive=None):
         """Renders a picture.
 
         width and height are those of the whole picture, in pixels; samples are for each pixel. The
@@ -175,12 +176,17 @@ class Scene:
         own, and a Job is returned. With progress=True, it is waited for such a Job under a bar of
         tqdm. Where no picture comes of it, SceneError says why.
 
+        With adaptive=True further samples than 16 go where the noise is, and samples is how many a
+        pixel gets on average. Once the picture's relative error is below noise, such as 0.02, no
+        further samples are begun, nor after time_limit, in seconds; samples are then the most.
+
         With first_sample and samples_in_all the pass makes a part of a larger picture's samples,
-        which vantor.merge() puts together with others. After time_limit, in seconds, no further
-        samples are begun. What is not given of these is as the script's own settings say.
+        which vantor.merge() puts together with others. What is not given of all these is as the
+        script's own settings say.
         """
         settings = {"first_sample": first_sample, "samples_in_all": samples_in_all,
-                    "time_limit": time_limit}
+                    "time_limit": time_limit, "noise": noise,
+                    "adaptive": None if adaptive is None else _values.switch(adaptive)}
         return self.render_for(script_place(), width, height, samples, window, aovs, filter,
                                filter_width, wait, progress, background=background,
                                denoise=denoise, settings=settings)

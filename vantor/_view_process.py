@@ -16,6 +16,7 @@ from . import _native
 from ._messages import Place, SceneError, SceneWarning
 from ._parts import merge
 from ._render_process import collecting, encoded
+from ._vocabulary import ALL
 
 # What is to be seen: the camera's parameters; size in pixels; which value of each pixel, and how it
 # is shown; how many samples in all. A number tells requests apart.
@@ -155,6 +156,9 @@ class _Server:
         settings = {}
         if first is not None:
             settings = {"first_sample": first, "samples_in_all": request.samples}
+            # Steps are parts of the samples, which all pixels get.
+            settings.update((name, 0) for name in ("noise", "adaptive")
+                            if ALL.parameter("newImager", "settings", name))
         start = time.monotonic()
         try:
             picture = self._render(size, count, aovs=_aovs(request), settings=settings)

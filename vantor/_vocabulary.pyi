@@ -176,6 +176,12 @@ class _SettingsImager(TypedDict, total=False):
     samples_in_all: Optional[_Integer]
     # the pass begins no further samples that are likely to end later; 0 is no limit; s; 0 or more
     time_limit: Optional[_Number]
+    # the pass ends when the picture's relative error is below it, as estimated; 0 is never; 0 or
+    # more
+    noise: Optional[_Number]
+    # 1: after 16 samples a pixel, further ones go where the noise is; their number is that of the
+    # mean; 0 or 1
+    adaptive: Optional[_Switch]
 
 class _ConductorInterface(TypedDict, total=False):
     """Reflects like a metal, on both sides."""

@@ -15,7 +15,6 @@ void for_each_tile(const PixelArea &area, const Interrupt &interrupt,
     const int columns = (area.width() + side - 1) / side;
     const int rows = (area.height() + side - 1) / side;
 
-    Progress progress("render", static_cast<long>(columns) * rows);
     tbb::parallel_for(
         tbb::blocked_range<int>(0, columns * rows, 1),
         [&](const tbb::blocked_range<int> &range) {
@@ -23,7 +22,6 @@ void for_each_tile(const PixelArea &area, const Interrupt &interrupt,
                 const int x = area.x0 + (i % columns) * side;
                 const int y = area.y0 + (i / columns) * side;
                 work({x, y, std::min(x + side, area.x1), std::min(y + side, area.y1)});
-                progress.done(1);
             }
         },
         tbb::simple_partitioner());

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "libvantor/base/interrupt.h"
-#include "libvantor/base/progress.h"
 
 #include <functional>
 
@@ -19,6 +18,8 @@ struct PixelArea {
     int height() const { return y1 - y0; }
     bool contains(int x, int y) const { return x >= x0 && x < x1 && y >= y0 && y < y1; }
     bool is_empty() const { return x1 <= x0 || y1 <= y0; }
+
+    bool operator==(const PixelArea &) const = default;
 };
 
 /// Calls work for every tile of the area, on as many threads as there are; each tile once, in no particular order.

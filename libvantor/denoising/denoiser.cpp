@@ -109,7 +109,8 @@ Planes foreground_irradiance(const FrameBuffer &frame, const NoisyPixels &pixels
     Planes result = pixels.divisor;
     const std::vector<Color> &colors = frame.of(Aov::Foreground).pixels;
     for (std::size_t i = 0; i < colors.size(); ++i) {
-        const Color color = colors[i] + frame.guides[i].emission * (-1.0f / static_cast<float>(samples.count()));
+        const auto count = static_cast<float>(frame.count_of(i, samples));
+        const Color color = colors[i] + frame.guides[i].emission * (-1.0f / count);
         result.x[i] = color.r / pixels.divisor.x[i];
         result.y[i] = color.g / pixels.divisor.y[i];
         result.z[i] = color.b / pixels.divisor.z[i];

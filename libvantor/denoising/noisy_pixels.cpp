@@ -23,9 +23,11 @@ void set(Planes &planes, std::size_t i, float x, float y, float z) {
     planes.z[i] = z;
 }
 
+using RunLengths = std::array<float, run_count>;
+
 // How many samples each run has.
-std::array<float, run_count> run_lengths(const SampleRange &samples) {
-    std::array<float, run_count> lengths{};
+RunLengths run_lengths(const SampleRange &samples) {
+    RunLengths lengths{};
     for (int sample = samples.first; sample < samples.end; ++sample)
         ++lengths[static_cast<std::size_t>(run_of(sample, samples.in_all))];
     return lengths;
@@ -36,16 +38,20 @@ float variance_of_mean(float squares, float square_of_mean, float count) {
     return count < 2 ? 0 : std::max(0.0f, squares / count - square_of_mean) / (count - 1);
 }
 
+// Where pixels differ in how many samples they have, these are whole groups.
+constexpr SampleRange one_group{0, samples_per_group, samples_per_group};
+
 class Reader {
   public:
     Reader(const FrameBuffer &of, const SampleRange &samples, NoisyPixels &into)
-        : frame(of), count(static_cast<float>(samples.count())), lengths(run_lengths(samples)), result(into) {
+        : frame(of), group(of.counts.empty() ? samples : one_group), lengths(run_lengths(group)), result(into) {
         for (const float length : lengths)
             runs += length > 0 ? 1.0f : 0.0f;
     }
 
     void read(std::size_t i) const {
         const GuideSums &sums = frame.guides[i];
+        const float count = static_cast<float>(frame.count_of(i, group));
         Color color;
         for (const Color &of_run : sums.radiance)
             color += of_run;
@@ -58,7 +64,7 @@ class Reader {
         set(result.divisor, i, divisor.r, divisor.g, divisor.b);
         set(result.irradiance, i, color.r / divisor.r, color.g / divisor.g, color.b / divisor.b);
         set(result.normal, i, normal.x, normal.y, normal.z);
-        result.variance[i] = variance(sums, color, divisor);
+        result.variance[i] = variance(sums, color, divisor, count);
         const float grey = luminance(albedo);
         result.albedo_variance[i] = 3 * variance_of_mean(sums.albedo_squares, grey * grey, count);
         result.normal_variance[i] = variance_of_mean(sums.surfaces, dot(normal, normal), count);
@@ -69,24 +75,26 @@ class Reader {
 
   private:
     // From how the means of the runs differ, each of which counts by its length.
-    float variance(const GuideSums &sums, Color mean, Color divisor) const {
+    float variance(const GuideSums &sums, Color mean, Color divisor, float count) const {
+        const float groups = count / static_cast<float>(group.count());
         float squares = 0;
         for (std::size_t run = 0; run < lengths.size(); ++run) {
             if (lengths[run] == 0)
                 continue;
-            const Color of_run = sums.radiance[run] * (1 / lengths[run]);
+            const float length = lengths[run] * groups;
+            const Color of_run = sums.radiance[run] * (1 / length);
             const float r = (of_run.r - mean.r) / divisor.r;
             const float g = (of_run.g - mean.g) / divisor.g;
             const float b = (of_run.b - mean.b) / divisor.b;
-            squares += lengths[run] * (r * r + g * g + b * b);
+            squares += length * (r * r + g * g + b * b);
         }
         return squares / ((runs - 1) * count);
     }
 
     const FrameBuffer &frame;
-    const float count;
-    const std::array<float, run_count> lengths;
-    float runs = 0; // that have samples
+    const SampleRange group;  // samples of which each pixel has one such group or more: all, or 16
+    const RunLengths lengths; // in it
+    float runs = 0;           // that have samples
     NoisyPixels &result;
 };
 

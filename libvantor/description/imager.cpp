@@ -120,7 +120,9 @@ std::optional<Imager> make_settings(const Parameters &parameters, const CallRepo
                     parameters.is_on("final_gather"),
                     static_cast<int>(parameters.integer("first_sample")),
                     static_cast<int>(parameters.integer("samples_in_all")),
-                    parameters.number("time_limit")};
+                    parameters.number("time_limit"),
+                    parameters.number("noise"),
+                    parameters.is_on("adaptive")};
 }
 
 constexpr ImagerMaker makers[] = {

@@ -41,11 +41,16 @@ struct Settings {
     std::uint32_t seed = 0;                  ///< Other numbers for every sample.
     static constexpr int any_bounces = 1000; ///< No limit.
     int max_bounces = any_bounces;           ///< How often the direction of a path changes at most.
-    float clamp = 0;        ///< The radiance that one sample of indirect light has at most; 0 is no limit.
-    bool gathers = false;   ///< After radiosity: the first diffuse surface scatters light itself.
-    int first_sample = 0;   ///< Of each pixel, which of a larger picture's samples is the pass's first.
-    int samples_in_all = 0; ///< How many a pixel of that picture has; 0: no more than this pass makes.
-    double time_limit = 0;  ///< Seconds; 0 is no limit.
+    float clamp = 0;          ///< The radiance that one sample of indirect light has at most; 0 is no limit.
+    bool gathers = false;     ///< After radiosity: the first diffuse surface scatters light itself.
+    int first_sample = 0;     ///< Of each pixel, which of a larger picture's samples is the pass's first.
+    int samples_in_all = 0;   ///< How many a pixel of that picture has; 0: no more than this pass makes.
+    double time_limit = 0;    ///< Seconds; 0 is no limit.
+    double noise = 0;         ///< The relative error below which the picture is good enough; 0 is never.
+    bool is_adaptive = false; ///< Samples go where the noise is.
+
+    /// Whether how many samples a pixel gets is told from the whole picture.
+    bool looks_at_noise() const { return noise > 0 || is_adaptive; }
 };
 
 using Imager = std::variant<FileImager, Settings>;

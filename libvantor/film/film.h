@@ -26,6 +26,8 @@ class PixelFilm {
     /// Further samples, added up.
     void add(const PixelFilm &later);
 
+    int samples() const { return count; }
+
     /// What the value is made of.
     SampleSums sums(Aov aov) const;
 

@@ -3,6 +3,7 @@
 
 #include "libvantor/film/aov_table.h"
 #include "libvantor/film/guides.h"
+#include "libvantor/film/half_groups.h"
 #include "libvantor/images/picture.h"
 
 #include <array>
@@ -49,6 +50,17 @@ class FrameBuffer {
     /// Has the pass keep what the denoiser goes by.
     void add_guides() { guides.resize(static_cast<std::size_t>(pixels())); }
     std::vector<GuideSums> guides; ///< Row after row like the pixels; empty unless they were added.
+
+    /// Has the pass keep what errors are told from.
+    void add_halves() { halves.resize(static_cast<std::size_t>(pixels())); }
+    std::vector<HalfSums> halves; ///< Likewise.
+
+    /// Has the pass count the samples of each pixel, and add to those that are there. The sums have to be kept.
+    void count_samples() { counts.resize(static_cast<std::size_t>(pixels())); }
+    std::vector<int> counts; ///< Likewise; where they are empty all pixels have as many.
+    int count_of(std::size_t pixel, const SampleRange &samples) const {
+        return counts.empty() ? samples.count() : counts[pixel];
+    }
 
     bool has(Aov aov) const { return pictures[index_of(aov)].has_value(); }
 

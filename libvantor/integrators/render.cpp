@@ -3,10 +3,11 @@
 
 #include "libvantor/denoising/denoiser.h"
 #include "libvantor/film/aov_output.h"
-#include "libvantor/integrators/rounds.h"
+#include "libvantor/integrators/adaptive_rounds.h"
 #include "libvantor/integrators/tile_loop.h"
 
 #include <atomic>
+#include <charconv>
 
 namespace vantor {
 
@@ -18,17 +19,54 @@ std::string finished_text(const FrameBuffer &frame) {
     return joined({percent == 0 ? "less than 1" : std::to_string(percent), " % of the pixels"});
 }
 
-// What goes into a file besides its pixels.
-std::string comment_of(const RenderRequest &request, const SampleRange &asked, const SampleRange &made,
-                       const FrameBuffer &frame) {
-    const int count = made.count();
+// "16 to 240", of the pixels of an area.
+std::string counts_text(const FrameBuffer &frame, const PixelArea &area) {
+    int fewest = frame.counts[frame.index(area.x0, area.y0)];
+    int most = fewest;
+    for (int y = area.y0; y < area.y1; ++y)
+        for (int x = area.x0; x < area.x1; ++x) {
+            fewest = std::min(fewest, frame.counts[frame.index(x, y)]);
+            most = std::max(most, frame.counts[frame.index(x, y)]);
+        }
+    return joined({std::to_string(fewest), " to ", std::to_string(most)});
+}
+
+std::string_view end_text(SamplesMade::End end) {
+    switch (end) {
+    case SamplesMade::End::AllSamples:
+        break;
+    case SamplesMade::End::TimeLimit:
+        return "stopped by the time limit";
+    case SamplesMade::End::Noise:
+        return "stopped as its noise is low enough";
+    case SamplesMade::End::Interrupt:
+        return "interrupted";
+    }
+    return "";
+}
+
+// An estimate is no better than that.
+std::string two_digits(double number) {
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, number, std::chars_format::general, 2).ptr;
+    return std::string(text, end);
+}
+
+// What goes into a file besides its pixels. The rendered frame may be larger than the file's.
+std::string comment_of(const RenderRequest &request, const SampleRange &asked, const SamplesMade &made,
+                       const FrameBuffer &rendered, const FrameBuffer &frame) {
+    const int count = made.samples.count();
     std::string comment =
         joined({"vantorPM ", VANTOR_VERSION, "; ", std::to_string(request.width), " x ", std::to_string(request.height),
                 " pixels; ", std::to_string(count), count == 1 ? " sample a pixel" : " samples a pixel"});
+    if (!rendered.counts.empty())
+        comment += joined({" on average, from ", counts_text(rendered, frame.window())});
     if (!asked.is_whole())
         comment += joined({", from number ", std::to_string(asked.first), " of ", std::to_string(asked.in_all)});
-    if (made.end < asked.end)
-        comment += joined({"; stopped by the time limit, ", std::to_string(asked.count()), " were asked for"});
+    if (made.relative_error)
+        comment += "; relative error about " + two_digits(*made.relative_error);
+    if (const std::string_view why = end_text(made.end); !why.empty() && frame.is_whole())
+        comment += joined({"; ", why, ", ", std::to_string(asked.count()), " were asked for"});
     if (!frame.is_whole())
         comment += joined({"; interrupted: ", finished_text(frame), " are finished"});
     return comment;
@@ -45,16 +83,13 @@ void add_aovs(FrameBuffer &frame, const std::vector<FileImager> &imagers) {
     }
 }
 
-// A frame with what the denoiser needs, and with its margin around the window. Tiles go to the window's own frame as
-// they are finished, which counts their pixels and shows them.
+// A frame of more than the window: of a margin, by which the denoiser makes the window's pixels, or of the whole
+// picture. Tiles go to the window's own frame as they are finished, which counts their pixels and shows them.
 class WideFrame {
   public:
-    WideFrame(const std::vector<FileImager> &imagers, FrameBuffer &of_window)
-        : wide(of_window.width(), of_window.height(),
-               with_denoiser_margin(of_window.window(), of_window.width(), of_window.height())),
-          window(of_window) {
+    WideFrame(const std::vector<FileImager> &imagers, const PixelArea &area, FrameBuffer &of_window)
+        : wide(of_window.width(), of_window.height(), area), window(of_window) {
         add_aovs(wide, imagers);
-        wide.add_guides();
         wide.on_finished = [this](const PixelArea &tile) { pass_on(tile); };
     }
     WideFrame(const WideFrame &) = delete;
@@ -62,24 +97,13 @@ class WideFrame {
 
     FrameBuffer &frame() { return wide; }
 
-    // After rendering: the window gets its pixels, and the denoised ones are returned; nothing if the pass is
-    // interrupted, or has too few samples.
-    std::optional<FrameBuffer> denoise(const SampleRange &made, const Interrupt &interrupt, const Report &report) {
+    // After rendering: the window gets its pixels.
+    void finish() {
         window.finished = finished;
         if (!wide.is_whole())
-            return {};
+            return;
         window.for_each([&](Aov aov, Picture &picture) { picture.copy(wide.of(aov), window.window()); });
         window.finished = window.pixels();
-        if (made.count() < least_denoised_samples) {
-            report.note("render: \"denoise\" takes 2 samples a pixel or more; the picture is written as it is");
-            return {};
-        }
-        try {
-            return denoised(wide, made, window.window(), interrupt);
-        } catch (const Interrupted &) {
-            report.note("render: interrupted; the picture is not denoised");
-            return {};
-        }
     }
 
   private:
@@ -99,6 +123,23 @@ class WideFrame {
     FrameBuffer &window;
     std::atomic<long> finished = 0;
 };
+
+// The pixels of the window, from a frame with its margin; nothing if the pass is interrupted, or has too few samples.
+std::optional<FrameBuffer> denoised_window(const FrameBuffer &rendered, const SampleRange &made,
+                                           const PixelArea &window, const Interrupt &interrupt, const Report &report) {
+    if (!rendered.is_whole())
+        return {};
+    if (made.count() < least_denoised_samples) {
+        report.note("render: \"denoise\" takes 2 samples a pixel or more; the picture is written as it is");
+        return {};
+    }
+    try {
+        return denoised(rendered, made, window, interrupt);
+    } catch (const Interrupted &) {
+        report.note("render: interrupted; the picture is not denoised");
+        return {};
+    }
+}
 
 // Shows once more what has changed.
 void show_denoised(const std::vector<FileImager> &imagers, const FrameBuffer &frame) {
@@ -129,7 +170,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     // From the first check until the files are there: Ctrl-C is heard even where a disk is slow to answer, and what is
     // finished is kept even where it then ends the process.
     const Interrupt interrupt;
-    const Deadline deadline(registry.settings().time_limit);
+    const RoundLimits limits{Deadline(registry.settings().time_limit), registry.settings().noise};
     const CallReport call(report, "render");
     if (indirect && registry.settings().max_bounces < Settings().max_bounces) {
         report.note("render: \"max_depth\" is given, which the result of radiosity() cannot keep; paths are followed");
@@ -144,12 +185,14 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     const std::vector<FileImager> imagers = writable_imagers(registry, window, call);
     const Filter filter = imagers.empty() ? Filter() : common_filter(imagers, call);
     const bool denoises = samples && is_any_denoised(imagers, *samples, call);
+    const bool by_noise = samples && looks_at_noise(registry.settings(), *samples, call);
+    const bool fits = !by_noise || may_be_rendered_whole(request, call);
     if (report.refuses_pictures()) {
         report.note(joined({"render: no picture is written: ", std::to_string(report.diagnostics()),
                             " diagnostics so far, and VANTOR_DIAGNOSTICS is strict"}));
         return;
     }
-    if (window.is_empty() || !samples || !registry.camera() || imagers.empty())
+    if (window.is_empty() || !samples || !fits || !registry.camera() || imagers.empty())
         return;
     registry.tell_vain(std::ranges::any_of(imagers, [](const FileImager &imager) {
         return shows_light(imager.aov) || std::ranges::any_of(imager.layers, shows_light);
@@ -162,33 +205,53 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
 
     FrameBuffer frame(request.width, request.height, window);
     add_aovs(frame, imagers);
+    const PixelArea whole{0, 0, request.width, request.height};
+    const PixelArea needed = denoises ? with_denoiser_margin(window, whole.width(), whole.height()) : window;
+    const PixelArea &area = by_noise ? whole : needed;
     std::optional<WideFrame> wide;
-    if (denoises)
-        wide.emplace(imagers, frame);
+    if (area != window)
+        wide.emplace(imagers, area, frame);
     FrameBuffer &rendered = wide ? wide->frame() : frame;
+    if (denoises)
+        rendered.add_guides();
     if (tile_handler())
         frame.on_finished = [&](const PixelArea &tile) { show_tile(imagers, frame, tile); };
-    SampleRange made = *samples;
+    SamplesMade made{.samples = *samples};
     try {
         const World &world = worlds.current(registry, interrupt);
         const View view = view_of(world, registry);
         const IrradianceLookup lookup{indirect, view.settings.gathers ? 1 : 0};
-        const auto render_samples = [&](const SampleRange &range, FrameBuffer &into) {
-            render_tiles(world, view, lookup, filter, range, interrupt, into);
+        const auto render_blocks = [&](const SamplesOfBlock &of_block, Progress &progress, FrameBuffer &into) {
+            render_tiles(world, view, lookup, filter, of_block, interrupt, progress, into);
         };
-        if (view.settings.time_limit > 0) {
-            made = render_until(deadline, *samples, interrupt, render_samples, rendered);
+        const auto render_samples = [&](const SampleRange &range, FrameBuffer &into) {
+            Progress progress("render", into.pixels() * range.count());
+            render_blocks([&](const PixelArea &) { return range; }, progress, into);
+        };
+        if (by_noise && view.settings.is_adaptive && request.samples > first_adaptive_samples) {
+            Progress progress("render", rendered.pixels() * samples->count());
+            const auto render_some = [&](const SamplesOfBlock &of_block, FrameBuffer &into) {
+                render_blocks(of_block, progress, into);
+            };
+            made = render_adaptively(limits, samples->count(), needed, interrupt, render_some, rendered);
+        } else if (by_noise && limits.noise > 0) {
+            rendered.add_halves();
+            made = render_in_rounds(limits, *samples, interrupt, render_samples, rendered);
+        } else if (view.settings.time_limit > 0) {
+            made = render_in_rounds(limits, *samples, interrupt, render_samples, rendered);
         } else {
             if (!samples->is_whole())
-                frame.keep_sums(*samples);
+                rendered.keep_sums(*samples);
             render_samples(*samples, rendered);
         }
     } catch (const Interrupted &) {
         // Of a world nothing can be shown before it is whole: no pixel is finished.
     }
-    std::optional<FrameBuffer> smooth;
     if (wide)
-        smooth = wide->denoise(made, interrupt, report);
+        wide->finish();
+    std::optional<FrameBuffer> smooth;
+    if (denoises)
+        smooth = denoised_window(rendered, made.samples, window, interrupt, report);
     if (frame.finished == 0) {
         report.note("render: interrupted; no picture is written");
         return;
@@ -197,7 +260,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
         frame.forget_sums();
     if (smooth && tile_handler())
         show_denoised(imagers, *smooth);
-    write_files(imagers, frame, smooth, comment_of(request, *samples, made, frame), call, report);
+    write_files(imagers, frame, smooth, comment_of(request, *samples, made, rendered, frame), call, report);
 }
 
 } // namespace vantor

@@ -76,6 +76,24 @@ std::optional<SampleRange> samples_of(const RenderRequest &request, const Settin
     return range;
 }
 
+bool looks_at_noise(const Settings &settings, const SampleRange &samples, const CallReport &call) {
+    if (!settings.looks_at_noise())
+        return false;
+    if (!samples.is_whole())
+        call.diagnostic(
+            joined({settings.is_adaptive ? "\"adaptive\"" : "\"noise\"",
+                    " takes all samples of a picture in one pass; of this part of them every pixel gets all"}));
+    return samples.is_whole();
+}
+
+bool may_be_rendered_whole(const RenderRequest &request, const CallReport &call) {
+    const bool may_be = static_cast<long>(request.width) * request.height <= most_pixels;
+    if (!may_be)
+        call.diagnostic(joined({"\"adaptive\" and \"noise\" look at the whole picture, which has more than ",
+                                std::to_string(most_pixels), " pixels; nothing is rendered"}));
+    return may_be;
+}
+
 std::vector<FileImager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call) {
     std::vector<FileImager> imagers = registry.writing_imagers();
     if (imagers.empty())

@@ -2,8 +2,7 @@
 #include "libvantor/integrators/rounds.h"
 
 #include "libvantor/base/pairwise_sum.h"
-
-#include <limits>
+#include "libvantor/integrators/error_estimate.h"
 
 namespace vantor {
 
@@ -34,6 +33,8 @@ FrameBuffer frame_like(FrameBuffer &frame, const SampleRange &samples) {
     result.keep_sums(samples);
     if (!frame.guides.empty())
         result.add_guides();
+    if (!frame.halves.empty())
+        result.add_halves();
     return result;
 }
 
@@ -49,13 +50,35 @@ SampleRange next_round(const SampleRange &all, int first, double most_samples) {
     return {first, first, all.in_all};
 }
 
+// The error of what is made, round by round.
+class NoiseWatch {
+  public:
+    explicit NoiseWatch(const FrameBuffer &frame) : grid{frame.width(), frame.height()}, sums(frame.halves.size()) {}
+
+    void add(const FrameBuffer &some) {
+        for (std::size_t i = 0; i < sums.size(); ++i)
+            sums[i].add(some.halves[i]);
+    }
+    std::optional<double> relative_error(const SampleRange &made) const {
+        if (sums.empty() || made.count() < least_estimated_samples)
+            return {};
+        return estimate_error(grid, sums, [&](const PixelArea &) { return made.count(); }).relative_error;
+    }
+
+  private:
+    const BlockGrid grid;
+    std::vector<HalfSums> sums; // of all pixels; none if nobody asks
+};
+
 } // namespace
 
-SampleRange render_until(const Deadline &deadline, const SampleRange &samples, const Interrupt &interrupt,
-                         const RenderSamples &render, FrameBuffer &frame) {
+SamplesMade render_in_rounds(const RoundLimits &limits, const SampleRange &samples, const Interrupt &interrupt,
+                             const RenderSamples &render, FrameBuffer &frame) {
     PairwiseSum<FrameSums> sums;
-    const double preparation = deadline.seconds_gone();
-    SampleRange made{samples.first, samples.first, samples.in_all};
+    NoiseWatch noise(frame);
+    const double preparation = limits.deadline.seconds_gone();
+    SamplesMade result{.samples = {samples.first, samples.first, samples.in_all}};
+    SampleRange &made = result.samples;
     SampleRange round = next_round(samples, samples.first, std::numeric_limits<double>::infinity());
     while (round.count() > 0) {
         const bool is_first = made.count() == 0;
@@ -63,15 +86,27 @@ SampleRange render_until(const Deadline &deadline, const SampleRange &samples, c
         if (is_first)
             some.on_finished = frame.on_finished;
         render(round, some);
+        if (interrupt.requested())
+            result.end = SamplesMade::End::Interrupt;
         if (interrupt.requested() && !is_first)
             break;
         frame.finished = some.finished;
+        noise.add(some);
         sums.add(FrameSums(some), round.groups());
         made.end = round.end;
-        if (interrupt.requested() || made.end == samples.end)
+        if (interrupt.requested())
             break;
-        const double seconds_per_sample = (deadline.seconds_gone() - preparation) / made.count();
-        round = next_round(samples, made.end, deadline.seconds_left() / seconds_per_sample);
+        result.relative_error = noise.relative_error(made);
+        if (made.end == samples.end)
+            break;
+        if (result.relative_error && *result.relative_error < limits.noise) {
+            result.end = SamplesMade::End::Noise;
+            break;
+        }
+        const double seconds_per_sample = (limits.deadline.seconds_gone() - preparation) / made.count();
+        round = next_round(samples, made.end, limits.deadline.seconds_left() / seconds_per_sample);
+        if (round.count() == 0)
+            result.end = SamplesMade::End::TimeLimit;
     }
     FrameSums all = sums.take();
     frame.guides = std::move(all.guides);
@@ -83,7 +118,7 @@ SampleRange render_until(const Deadline &deadline, const SampleRange &samples, c
         if (made.end == samples.end && !samples.is_whole())
             picture.part = std::move(part);
     });
-    return made;
+    return result;
 }
 
 } // namespace vantor

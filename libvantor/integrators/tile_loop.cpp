@@ -17,48 +17,41 @@ constexpr std::uint32_t film_dimension = 0;
 constexpr std::uint32_t lens_dimension = 1;
 constexpr std::uint32_t path_dimension = 2;
 
-// Paths are traced in waves: some samples of all pixels of a block. The blocks are those of the whole picture, and a
-// window renders every block that it touches in full. So the same paths are traced together in every window, and
-// rounding that depends on a ray's neighbours in its packet makes no difference. For the same reason, the samples of a
-// wave are a group of the whole picture's, whichever of them a pass makes.
-constexpr int block_side = 4;
-constexpr std::size_t block_pixels = std::size_t{block_side} * block_side;
+// The samples of a wave are a group of the whole picture's, whichever of them a pass makes: so the same paths are
+// traced together in every pass.
 constexpr std::size_t most_paths = block_pixels * samples_per_group;
 
 // The pixels of a block, row after row.
 struct BlockFilm {
     std::array<PixelFilm, block_pixels> pixels;
     std::vector<GuideSums> guides; // likewise, if anybody asks
+    std::vector<HalfSums> halves;
 
     void add(const BlockFilm &later) {
         for (std::size_t i = 0; i < pixels.size(); ++i)
             pixels[i].add(later.pixels[i]);
         for (std::size_t i = 0; i < guides.size(); ++i)
             guides[i].add(later.guides[i]);
+        for (std::size_t i = 0; i < halves.size(); ++i)
+            halves[i].add(later.halves[i]);
     }
 };
-
-PixelArea whole_blocks(const PixelArea &window, int width, int height) {
-    const auto down = [](int x) { return x / block_side * block_side; };
-    const auto up = [](int x) { return (x + block_side - 1) / block_side * block_side; };
-    return {down(window.x0), down(window.y0), std::min(up(window.x1), width), std::min(up(window.y1), height)};
-}
 
 // Some samples of every pixel of a block, visited pixel by pixel.
 struct BlockSamples {
     PixelArea block;
-    int first;
-    int end;
+    SampleRange range;
 
+    int count() const { return range.count(); }
     template <class Visit> void for_each(Visit visit) const {
         for (int y = block.y0; y < block.y1; ++y)
             for (int x = block.x0; x < block.x1; ++x)
-                for (int sample = first; sample < end; ++sample)
+                for (int sample = range.first; sample < range.end; ++sample)
                     visit(x, y, sample);
     }
-    std::size_t pixel_of(std::size_t sample) const { return sample / static_cast<std::size_t>(end - first); }
+    std::size_t pixel_of(std::size_t sample) const { return sample / static_cast<std::size_t>(count()); }
     int sample_of(std::size_t sample) const {
-        return first + static_cast<int>(sample % static_cast<std::size_t>(end - first));
+        return range.first + static_cast<int>(sample % static_cast<std::size_t>(count()));
     }
 };
 
@@ -71,13 +64,13 @@ bool needs_first_hits(const FrameBuffer &frame) {
 class BlockRenderer {
   public:
     BlockRenderer(const World &of, const View &from, const IrradianceLookup &indirect, const Filter &of_samples,
-                  const SampleRange &of_each_pixel, const Interrupt &by, FrameBuffer &into)
+                  const Interrupt &by, FrameBuffer &into)
         : world(of), view(from), integrator(of, from.settings, path_dimension, by, indirect), filter(of_samples),
-          samples(of_each_pixel), interrupt(by), frame(into), has_aovs(needs_first_hits(into)),
-          has_guides(!into.guides.empty()) {}
+          interrupt(by), frame(into), has_aovs(needs_first_hits(into)), has_guides(!into.guides.empty()),
+          has_halves(!into.halves.empty()) {}
 
     // Returns how many pixels of the frame are finished: none if it was interrupted.
-    int render(const PixelArea &block) const;
+    int render(const PixelArea &block, const SampleRange &samples) const;
 
   private:
     // Paths as they leave the camera, and what they will see first.
@@ -94,18 +87,20 @@ class BlockRenderer {
     };
 
     void start(const BlockSamples &of_block, CameraPaths &result) const;
+    BlockFilm exposed(const BlockSamples &of_block, const CameraPaths &wave) const;
     MediumStack media_around(const Ray &ray) const;
     int finish(const PixelArea &block, const BlockFilm &film) const;
+    void add_to_frame(std::size_t to, const BlockFilm &film, std::size_t pixel) const;
 
     const World &world;
     const View &view;
     const PathIntegrator integrator;
     const FilterSampler filter;
-    const SampleRange samples;
     const Interrupt &interrupt;
     FrameBuffer &frame;
     const bool has_aovs;
     const bool has_guides;
+    const bool has_halves;
 };
 
 MediumStack BlockRenderer::media_around(const Ray &ray) const {
@@ -118,7 +113,7 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
     samplers.reserve(most_paths);
     of_block.for_each([&](int x, int y, int sample) {
         samplers.emplace_back(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
-                              static_cast<std::uint32_t>(sample), static_cast<std::uint32_t>(samples.in_all),
+                              static_cast<std::uint32_t>(sample), static_cast<std::uint32_t>(of_block.range.in_all),
                               view.settings.seed);
     });
     std::vector<Point2f> on_film(samplers.size());
@@ -143,31 +138,48 @@ void BlockRenderer::start(const BlockSamples &of_block, CameraPaths &result) con
     });
 }
 
-int BlockRenderer::render(const PixelArea &block) const {
+// What a wave that has been traced adds to the pixels.
+BlockFilm BlockRenderer::exposed(const BlockSamples &of_block, const CameraPaths &wave) const {
+    BlockFilm film;
+    for (std::size_t i = 0; i < wave.paths.size(); ++i) {
+        PixelFilm &pixel = film.pixels[of_block.pixel_of(i)];
+        if (has_aovs)
+            pixel.add(wave.paths[i].radiance, wave.aovs[i]);
+        else
+            pixel.add(wave.paths[i].radiance);
+    }
+    if (has_guides) {
+        film.guides.resize(block_pixels);
+        for (std::size_t i = 0; i < wave.paths.size(); ++i)
+            film.guides[of_block.pixel_of(i)].add(wave.paths[i].radiance, wave.guides[i],
+                                                  run_of(of_block.sample_of(i), of_block.range.in_all));
+    }
+    if (has_halves) {
+        film.halves.resize(block_pixels);
+        const auto per_pixel = static_cast<std::size_t>(of_block.count());
+        for (std::size_t first = 0; first < wave.paths.size(); first += per_pixel)
+            for (std::size_t half = 0; half + samples_per_half <= per_pixel; half += samples_per_half) {
+                double sum = 0;
+                for (std::size_t i = 0; i < samples_per_half; ++i)
+                    if (const Color radiance = wave.paths[first + half + i].radiance; is_finite(radiance))
+                        sum += luminance(radiance);
+                film.halves[first / per_pixel].add(sum / samples_per_half);
+            }
+    }
+    return film;
+}
+
+int BlockRenderer::render(const PixelArea &block, const SampleRange &samples) const {
     PairwiseSum<BlockFilm> film;
     CameraPaths wave(has_aovs, has_guides);
     for (int first = samples.first; first < samples.end; first += samples_per_group) {
         if (interrupt.requested())
             return 0;
-        const BlockSamples of_block{block, first, std::min(first + samples_per_group, samples.end)};
+        const BlockSamples of_block{block, {first, std::min(first + samples_per_group, samples.end), samples.in_all}};
         start(of_block, wave);
         if (!integrator.trace(wave.paths))
             return 0;
-        BlockFilm group;
-        for (std::size_t i = 0; i < wave.paths.size(); ++i) {
-            PixelFilm &pixel = group.pixels[of_block.pixel_of(i)];
-            if (has_aovs)
-                pixel.add(wave.paths[i].radiance, wave.aovs[i]);
-            else
-                pixel.add(wave.paths[i].radiance);
-        }
-        if (has_guides) {
-            group.guides.resize(block_pixels);
-            for (std::size_t i = 0; i < wave.paths.size(); ++i)
-                group.guides[of_block.pixel_of(i)].add(wave.paths[i].radiance, wave.guides[i],
-                                                       run_of(of_block.sample_of(i), samples.in_all));
-        }
-        film.add(std::move(group));
+        film.add(exposed(of_block, wave));
     }
     return finish(block, film.take());
 }
@@ -179,36 +191,64 @@ int BlockRenderer::finish(const PixelArea &block, const BlockFilm &film) const {
         for (int x = block.x0; x < block.x1; ++x, ++pixel)
             if (frame.window().contains(x, y)) {
                 ++finished;
-                if (has_guides)
-                    frame.guides[frame.index(x, y)] = film.guides[pixel];
-                frame.for_each([&](Aov aov, Picture &picture) {
-                    picture.at(x, y) = film.pixels[pixel].value(aov);
-                    if (picture.part)
-                        picture.part->pixels[picture.index(x, y)] = film.pixels[pixel].sums(aov);
-                });
+                add_to_frame(frame.index(x, y), film, pixel);
             }
     return finished;
+}
+
+// A pixel of the frame gets that of the block.
+void BlockRenderer::add_to_frame(std::size_t to, const BlockFilm &film, std::size_t pixel) const {
+    const int samples = film.pixels[pixel].samples();
+    const int before = frame.counts.empty() ? 0 : frame.counts[to];
+    if (!frame.counts.empty())
+        frame.counts[to] += samples;
+    if (has_guides)
+        frame.guides[to].add(film.guides[pixel]);
+    if (has_halves)
+        frame.halves[to].add(film.halves[pixel]);
+    frame.for_each([&](Aov aov, Picture &picture) {
+        SampleSums sums = film.pixels[pixel].sums(aov);
+        const Reduction reduction = row_of(aov).reduction;
+        if (before > 0) {
+            SampleSums all = picture.part->pixels[to];
+            all.add(sums, reduction);
+            sums = all;
+        }
+        picture.pixels[to] = sums.value(reduction, before + samples);
+        if (picture.part)
+            picture.part->pixels[to] = sums;
+    });
 }
 
 } // namespace
 
 void render_tiles(const World &world, const View &view, const IrradianceLookup &indirect, const Filter &filter,
-                  const SampleRange &samples, const Interrupt &interrupt, FrameBuffer &frame) {
-    const BlockRenderer renderer(world, view, indirect, filter, samples, interrupt, frame);
+                  const SamplesOfBlock &samples, const Interrupt &interrupt, Progress &progress, FrameBuffer &frame) {
+    const BlockRenderer renderer(world, view, indirect, filter, interrupt, frame);
     std::atomic<long> finished = 0;
     const PixelArea &window = frame.window();
     const auto render_tile = [&](const PixelArea &tile) {
+        long made = 0;
         for (int y = tile.y0; y < tile.y1; y += block_side)
-            for (int x = tile.x0; x < tile.x1; x += block_side)
-                finished +=
-                    renderer.render({x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)});
+            for (int x = tile.x0; x < tile.x1; x += block_side) {
+                const PixelArea block{x, y, std::min(x + block_side, tile.x1), std::min(y + block_side, tile.y1)};
+                const SampleRange range = samples(block);
+                if (range.count() <= 0)
+                    continue;
+                const long pixels = renderer.render(block, range);
+                finished += pixels;
+                made += pixels * range.count();
+            }
+        if (made == 0)
+            return;
         const PixelArea shown{std::max(tile.x0, window.x0), std::max(tile.y0, window.y0), std::min(tile.x1, window.x1),
                               std::min(tile.y1, window.y1)};
         if (frame.on_finished && !interrupt.requested())
             frame.on_finished(shown);
+        progress.done(made);
     };
     for_each_tile(whole_blocks(frame.window(), frame.width(), frame.height()), interrupt, render_tile);
-    frame.finished = finished;
+    frame.finished = std::max(frame.finished, finished.load());
 }
 
 } // namespace vantor

@@ -1,15 +1,17 @@
 // Tile loop: the pixels of a frame, on all cores.
 #pragma once
 
+#include "libvantor/base/progress.h"
 #include "libvantor/film/frame_buffer.h"
+#include "libvantor/integrators/blocks.h"
 #include "libvantor/integrators/irradiance_lookup.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {
 
-/// Gives each pixel of the frame's window these samples, a subtree of all. Once an interrupt is requested no further
-/// pixel is begun, and those that are not finished stay black.
+/// Gives the pixels of the frame's window the samples of their blocks; to the progress, a step for each sample of a
+/// pixel. Once an interrupt is requested no further block is begun, and those that are not finished stay as they were.
 void render_tiles(const World &world, const View &view, const IrradianceLookup &indirect, const Filter &filter,
-                  const SampleRange &samples, const Interrupt &interrupt, FrameBuffer &frame);
+                  const SamplesOfBlock &samples, const Interrupt &interrupt, Progress &progress, FrameBuffer &frame);
 
 } // namespace vantor

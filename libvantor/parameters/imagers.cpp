@@ -55,6 +55,10 @@ constexpr Parameter settings_parameters[] = {
      "how many samples a pixel of that picture has; 0 is as many as there are with this pass"},
     {"time_limit", ValueKind::Number, not_negative, Presence::Default, value(0), "s",
      "the pass begins no further samples that are likely to end later; 0 is no limit"},
+    {"noise", ValueKind::Number, not_negative, Presence::Default, value(0), "",
+     "the pass ends when the picture's relative error is below it, as estimated; 0 is never"},
+    {"adaptive", ValueKind::Switch, off_or_on, Presence::Default, value(0), "",
+     "1: after 16 samples a pixel, further ones go where the noise is; their number is that of the mean"},
 };
 constexpr Type imagers_table[] = {
     {"file",

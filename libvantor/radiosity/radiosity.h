@@ -1,6 +1,7 @@
 // Radiosity: the exchange of light between diffuse surfaces, before any picture is made.
 #pragma once
 
+#include "libvantor/base/progress.h"
 #include "libvantor/radiosity/gathering.h"
 #include "libvantor/radiosity/patch_irradiance.h"
 

@@ -47,6 +47,26 @@ class CommandTest(PackageTest):
         picture = vt.Picture.load(self.path("a.exr"))
         self.assertEqual((picture.width, picture.height), (20, 10))
 
+    def test_how_it_is_rendered(self):
+        script = self.written("scene.py", SCRIPT.encode())
+        asked = ("render", script, "-o", "a.exr", "--size", "24x16", "--samples", "40")
+        scene = vt.Scene()
+        scene.camera("perspective", position=(0, 0, 5))
+        scene.light("sky")
+        scene.add("sphere")
+        for options, keywords in (
+            (("--denoise",), {"denoise": True}),
+            (("--adaptive", "--noise", "0.001"), {"adaptive": True, "noise": 0.001}),
+            (("--noise", "100"), {"noise": 100}),
+            (("--time-limit", "1e-6"), {"time_limit": 1e-6}),
+        ):
+            self.assertEqual(self.vantor(*asked, *options), (0, "a.exr\n", ""))
+            self.assertEqual(bytes(vt.Picture.load(self.path("a.exr")).buffer()),
+                             bytes(scene.render(24, 16, 40, **keywords).buffer()), options)
+        status, _, errors = self.vantor(*asked, "--denoise", "--scheduler", "tcp://127.0.0.1:1")
+        self.assertEqual(status, 1)
+        self.assertIn("do not go with --scheduler", errors)
+
     def test_help(self):
         self.assertIn("vantor.vocabulary()", vantorPM.__doc__)
         for kind, name in (("camera", "perspective"), ("light", "spot"), ("object", "sphere")):

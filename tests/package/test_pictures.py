@@ -139,6 +139,33 @@ class FilesTest(PackageTest):
         # As it was, when it is not asked for again.
         self.assertEqual(bytes(scene.render(32, 24, 4).buffer()), bytes(raw.buffer()))
 
+    def test_samples_by_noise(self):
+        scene = ball_scene()
+        path = self.path("own.exr")
+        scene.imager("file", name=path)
+        plain = bytes(scene.render(32, 24, 100).buffer())
+        for keywords, comment in (
+            ({"adaptive": True}, b"100 samples a pixel on average, from 4"),
+            ({"noise": 100}, b"16 samples a pixel; relative error about "),
+            ({"noise": 0.01, "adaptive": True}, b" samples a pixel on average, from "),
+        ):
+            picture = bytes(scene.render(32, 24, 100, **keywords).buffer())
+            with open(path, "rb") as file:
+                self.assertIn(comment, file.read())
+            self.assertNotEqual(picture, plain)
+            job = scene.render(32, 24, 100, wait=False, **keywords)
+            self.assertEqual(bytes(job.result().buffer()), picture)
+            self.assertEqual(job.progress, 1)
+        # As the script's settings say, unless it is asked for otherwise.
+        settings = scene.imager("settings", noise=100)
+        with settings:
+            self.assertNotEqual(bytes(scene.render(32, 24, 100).buffer()), plain)
+            self.assertEqual(bytes(scene.render(32, 24, 100, noise=0).buffer()), plain)
+        self.assertRaisesRegex(TypeError, "expected an integer", scene.render, 8, 8, 16,
+                               adaptive="yes")
+        with self.assertWarnsRegex(vt.SceneWarning, "takes all samples of a picture in one pass"):
+            scene.render(32, 24, 16, adaptive=True, samples_in_all=32)
+
     def test_every_format_is_saved_and_loaded(self):
         picture = ball_scene().render(16, 12, 4)
         for ending in ("png", "jpg", "jpeg", "tif", "tiff", "exr"):
