@@ -156,38 +156,41 @@ def mean_errors(reference, pictures):
     return [math.sqrt(square) for square in numpy.mean(squares, axis=0)]
 
 
-def seconds_to(error, curve):
-    """Seconds along a curve of (seconds, error), on straight lines in logarithms; beyond its last
-    point the error falls with the root of the seconds. At least those of the first point."""
+def samples_to(error, curve):
+    """Samples along a curve of (samples, error), on straight lines in logarithms; beyond its last
+    point the error falls with the root of the samples. At least those of the first point."""
     if error >= curve[0][1]:
         return curve[0][0]
-    for (t0, e0), (t1, e1) in zip(curve, curve[1:]):
+    for (n0, e0), (n1, e1) in zip(curve, curve[1:]):
         if e1 <= error:
-            share = math.log(error / e0) / math.log(e1 / e0)
-            return t0 * (t1 / t0) ** share
+            return n0 * (n1 / n0) ** (math.log(error / e0) / math.log(e1 / e0))
     return curve[-1][0] * (curve[-1][1] / error) ** 2
 
 
 # ----- the run
 
 
-def convergence(ours, reference, wanted, denoise, repeats):
-    """Curves of (seconds, error), of all pixels and trimmed, until both errors are reached."""
-    samples, curves = 2 if denoise else 1, ([], [])
+def converged(ours, reference, wanted, denoise, repeats):
+    """Curves of (samples, error), of all pixels and trimmed, until both errors are reached; and the
+    (samples, seconds) of each picture."""
+    samples, curves, spent = 2 if denoise else 1, ([], []), []
     while True:
         jobs = [(*SIZE, samples, 11 + i) for i in range(repeats if samples < MOST_SAMPLES else 1)]
         pictures, seconds = ours.draw(jobs, denoise)
+        spent += [(samples, each) for each in seconds]
         errors = mean_errors(reference, pictures)
         for curve, error in zip(curves, errors):
-            curve.append((min(seconds), error))
+            curve.append((samples, error))
         if all(error <= goal for error, goal in zip(errors, wanted)) or samples >= MOST_SAMPLES:
-            return curves
+            return curves, spent
         samples *= 2
 
 
-def reference_of(renderer, samples):
-    pictures, _ = renderer.draw([(*SIZE, samples, 101), (*SIZE, samples, 102)])
-    return Reference(*pictures)
+def cost(jobs, seconds):
+    """The preparation by jobs of one sample, and what a sample takes besides: the least of each."""
+    preparation = min(each for job, each in zip(jobs, seconds) if job[2] == 1)
+    return preparation, min((each - preparation) / job[2]
+                            for job, each in zip(jobs, seconds) if job[2] > 1)
 
 
 def measure(name, setting):
@@ -195,29 +198,35 @@ def measure(name, setting):
     half, repeats = (32, 1) if setting.quick else (64, 3)
     tries = [(*SIZE, PEER_SAMPLES, 11 + i) for i in range(repeats)]
     start = [(4, 4, 1, 1)] * 3  # fewer pixels than that Blender does not render
-    ours, record = Ours(name), {"scene": name}
-    reference = reference_of(ours, half)
-    record["preparation"] = min(ours.draw(start)[1])
-    pictures, seconds = ours.draw(tries)
-    record["errors"], record["seconds"] = mean_errors(reference, pictures), min(seconds)
-    record["mean"] = float(reference.picture.mean())
-    wanted = record["errors"]
+    jobs = [*start, *tries, (*SIZE, half, 101), (*SIZE, half, 102)]
+    ours = Ours(name)
+    pictures, seconds = ours.draw(jobs)
+    reference = Reference(*pictures[-2:])
+    wanted = mean_errors(reference, pictures[3:-2])
+    preparation, a_sample = cost(jobs, seconds)
+    record = {"scene": name, "mean": float(reference.picture.mean()), "errors": wanted}
     if setting.blender:
         cycles = Cycles(name, setting.folder, setting.blender)
-        drawn, seconds = cycles.draw([*start, *tries, (*SIZE, half, 101), (*SIZE, half, 102)])
-        goal = Reference(*drawn[-2:])
-        wanted = mean_errors(goal, drawn[3:-2])
-        record["cycles"] = {"version": cycles.version, "preparation": min(seconds[:3]),
-                            "seconds": min(seconds[3:-2]), "errors": wanted,
-                            "mean": float(goal.picture.mean())}
+        pictures, seconds = cycles.draw(jobs)
+        goal = Reference(*pictures[-2:])
+        wanted = mean_errors(goal, pictures[3:-2])
+        its_preparation, its_sample = cost(jobs, seconds)
+        record["cycles"] = {"version": cycles.version, "mean": float(goal.picture.mean()),
+                            "errors": wanted, "preparation": its_preparation,
+                            "seconds": its_preparation + PEER_SAMPLES * its_sample}
         if setting.keep:
             save(goal.picture, setting.folder, name, "cycles")
     if setting.keep:
         save(reference.picture, setting.folder, name, "vantor")
-    for way, denoise in (("raw", False), ("denoised", True)):
-        curves = convergence(ours, reference, wanted, denoise, repeats)
-        record[way] = {"curves": curves, "seconds": [
-            seconds_to(error, curve) for error, curve in zip(wanted, curves)]}
+    raw, _ = converged(ours, reference, wanted, False, repeats)
+    denoised, spent = converged(ours, reference, wanted, True, repeats)
+    denoiser = min(each - preparation - samples * a_sample for samples, each in spent)
+    record.update({"preparation": preparation, "seconds": preparation + PEER_SAMPLES * a_sample,
+                   "a sample": a_sample, "denoiser": denoiser})
+    for way, curves, more in (("raw", raw, 0), ("denoised", denoised, denoiser)):
+        samples = [samples_to(error, curve) for error, curve in zip(wanted, curves)]
+        record[way] = {"curves": curves, "samples": samples, "seconds": [
+            preparation + more + a_sample * count for count in samples]}
     return record
 
 
@@ -226,30 +235,33 @@ def save(picture, folder, name, by):
 
 
 def show(records):
-    """The table: of one renderer alone, or with times the peer's seconds."""
+    """The tables: of each renderer alone, and of both to the same error."""
     number, rows = tables.number, []
-    heading = ["scene", "mean", "preparation", "16 samples", "error", "trimmed"]
+    heading = ["scene", "mean", "preparation", "16 samples", "denoiser", "error", "trimmed"]
     for record in records:
         for by, of in (("", record), ("  Cycles", record.get("cycles"))):
             if of:
                 rows.append([by or record["scene"], "{:.4f}".format(of["mean"]),
                              number(of["preparation"]), number(of["seconds"]),
+                             number(of.get("denoiser")),
                              *("{:.4f}".format(error) for error in of["errors"])])
-    print("Seconds of the preparation, and with it of 16 samples; relative errors of these\n")
+    print("Seconds of the preparation, with it of 16 samples, of the denoiser; errors of 16 samples,\n"
+          "of all pixels and trimmed\n")
     tables.show(heading, rows)
     if "cycles" not in records[0]:
         return
     heading, rows = ["scene", "Cycles, s"], []
     for way in ("raw", "denoised"):
-        heading += [way + ", s", "trimmed", "times", "trimmed", "to reach"]
+        heading += [way + ", samples", "trimmed", "times", "trimmed", "to reach"]
     for record in records:
         peer = record["cycles"]["seconds"]
         row = [record["scene"], number(peer)]
         for way, reach in zip(("raw", "denoised"), TO_REACH[record["scene"]]):
-            seconds = record[way]["seconds"]
-            row += [number(s) for s in seconds] + [number(peer / s) for s in seconds] + [str(reach)]
+            row += [number(count) for count in record[way]["samples"]]
+            row += [number(peer / seconds) for seconds in record[way]["seconds"]] + [str(reach)]
         rows.append(row)
-    print("Seconds to the error of Cycles at 16 samples, of all pixels and trimmed; times faster\n")
+    print("To the error of Cycles at 16 samples, of all pixels and trimmed: samples, and how many\n"
+          "times faster\n")
     tables.show(heading, rows)
 
 

@@ -44,11 +44,11 @@ class Battery(PackageTest):
         self.assertGreater(with_a_firefly[0], 2 * of_all)
         self.assertLess(abs(with_a_firefly[1] / trimmed - 1), 0.02)
 
-    def test_seconds_are_read_off_the_curve(self):
-        curve = [(1.0, 0.4), (4.0, 0.2), (8.0, 0.1)]
-        for error, seconds in ((0.5, 1.0), (0.4, 1.0), (0.2, 4.0), (0.1 * math.sqrt(2), 32 ** 0.5),
-                               (0.05, 32.0)):
-            self.assertAlmostEqual(battery.seconds_to(error, curve), seconds)
+    def test_samples_are_read_off_the_curve(self):
+        curve = [(1, 0.4), (4, 0.2), (8, 0.1)]
+        for error, samples in ((0.5, 1), (0.4, 1), (0.2, 4), (0.1 * math.sqrt(2), math.sqrt(32)),
+                               (0.05, 32)):
+            self.assertAlmostEqual(battery.samples_to(error, curve), samples)
 
 
 if __name__ == "__main__":
