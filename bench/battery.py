@@ -252,7 +252,7 @@ def show(records):
         return
     heading, rows = ["scene", "Cycles, s"], []
     for way in ("raw", "denoised"):
-        heading += [way + ", samples", "trimmed", "times", "trimmed", "to reach"]
+        heading += [way, "trimmed", "times", "trimmed", "to reach"]
     for record in records:
         peer = record["cycles"]["seconds"]
         row = [record["scene"], number(peer)]
@@ -260,8 +260,8 @@ def show(records):
             row += [number(count) for count in record[way]["samples"]]
             row += [number(peer / seconds) for seconds in record[way]["seconds"]] + [str(reach)]
         rows.append(row)
-    print("To the error of Cycles at 16 samples, of all pixels and trimmed: samples, and how many\n"
-          "times faster\n")
+    print("To the error of Cycles at 16 samples, of all pixels and trimmed: samples, raw and denoised;\n"
+          "and how many times faster\n")
     tables.show(heading, rows)
 
 
