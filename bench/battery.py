@@ -245,8 +245,8 @@ def show(records):
                              number(of["preparation"]), number(of["seconds"]),
                              number(of.get("denoiser")),
                              *("{:.4f}".format(error) for error in of["errors"])])
-    print("Seconds of the preparation, with it of 16 samples, of the denoiser; errors of 16 samples,\n"
-          "of all pixels and trimmed\n")
+    print("Seconds of the preparation, with it of 16 samples, of the denoiser; errors of 16\n"
+          "samples, of all pixels and trimmed\n")
     tables.show(heading, rows)
     if "cycles" not in records[0]:
         return
@@ -260,8 +260,8 @@ def show(records):
             row += [number(count) for count in record[way]["samples"]]
             row += [number(peer / seconds) for seconds in record[way]["seconds"]] + [str(reach)]
         rows.append(row)
-    print("To the error of Cycles at 16 samples, of all pixels and trimmed: samples, raw and denoised;\n"
-          "and how many times faster\n")
+    print("To the error of Cycles at 16 samples, of all pixels and trimmed: samples, raw and\n"
+          "denoised; and how many times faster\n")
     tables.show(heading, rows)
 
 
