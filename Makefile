@@ -1,9 +1,9 @@
 # The README's commands. The build itself is CMake's; see CMakePresets.json.
 JOBS := $(shell nproc)
-GALLERY := glass_and_metal media patterns splines million_instances million_points sky radiosity denoiser \
-           shapes imagers
+GALLERY := glass_and_metal media patterns splines million_instances million_points thousand_lights sky \
+           radiosity denoiser shapes imagers
 
-.PHONY: demo gallery quick test docs docs-check fresh bench clean
+.PHONY: demo gallery quick test docs docs-check fresh bench bench-battery clean
 
 # Builds the module and its renderer, and draws the README's picture.
 demo:
@@ -55,6 +55,14 @@ bench:
 	@cmake --preset release -DVANTOR_BENCH=ON --log-level=WARNING
 	@cmake --build --preset release -j$(JOBS)
 	python3 bench/run.py --build build/release
+
+# The renderer beside Blender's Cycles, if that is installed, in nine scenes: a quarter of an hour. BATTERY takes what
+# bench/battery.py takes: make bench-battery BATTERY=--quick
+bench-battery:
+	@tools/setup build bench
+	@cmake --preset release -DVANTOR_ALSO_FOR=/usr/bin/python3 --log-level=WARNING
+	@cmake --build --preset release -j$(JOBS)
+	PYTHONPATH=build/release/python /usr/bin/python3 bench/battery.py $(BATTERY)
 
 clean:
 	rm -rf build

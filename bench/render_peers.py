@@ -5,6 +5,7 @@ reference. Seconds are processor seconds / 2, of the process and all its threads
 its start: what it takes for next to no picture.
 """
 
+import json
 import os
 import shutil
 import subprocess
@@ -12,7 +13,7 @@ import subprocess
 import render
 
 THREADS = 2
-SCENES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "peers")
+HERE = os.path.dirname(os.path.abspath(__file__))
 
 # What is left to POV-Ray's own settings, or made finer; lights of the lamp; further options.
 POVRAY = (
@@ -45,7 +46,7 @@ def run_povray(folder, name, side, radiosity, lights, *options):
 
 def povray(folder, quick):
     # It reads and writes only below the folder that it is started in, unless it is told otherwise.
-    shutil.copy(os.path.join(SCENES, "cornell.pov"), folder)
+    shutil.copy(os.path.join(HERE, "peers", "cornell.pov"), folder)
     start = run_povray(folder, "start.exr", 1, "RADIOSITY=2", 1)
     pictures = []
     for i, (settings, options) in enumerate(POVRAY[:2] if quick else POVRAY):
@@ -55,20 +56,32 @@ def povray(folder, quick):
     return start, pictures
 
 
+def run_cycles(folder, scene, pictures, blender=("blender",)):
+    """Pictures (file, width, height, samples, seed) of a scene of the battery, all by one process:
+    the version, the seconds of each with the scene's description, and those of the process that are
+    left."""
+    for program in ("peers/battery_cycles.py", "battery_scenes.py"):
+        shutil.copy(os.path.join(HERE, program), folder)
+    program, job, answer = (os.path.join(folder, name) for name in (
+        "battery_cycles.py", "job.json", "answer.json"))
+    with open(job, "w") as file:
+        json.dump({"scene": scene, "pictures": pictures, "threads": THREADS, "answer": answer},
+                  file)
+    in_all = processor_seconds([*blender, "-b", "--factory-startup", "--python-exit-code", "1",
+                                "--python", program, "--", job], folder)
+    with open(answer) as file:
+        told = json.load(file)
+    seconds = [picture / THREADS for picture in told["seconds"]]
+    return told["version"], seconds, in_all - sum(seconds)
+
+
 def cycles(folder, quick):
-    counts = (1, 4, 16) if quick else (1, 16, 64)
-    pictures = []
-    for count in counts:
-        name = os.path.join(folder, "cycles{}.exr".format(count))
-        seconds = processor_seconds(
-            ["blender", "-b", "--factory-startup", "--python-exit-code", "1",
-             "--python", os.path.join(SCENES, "cornell_cycles.py"),
-             "--", name, str(render.SIDE), str(count), str(THREADS)], folder)
-        pictures.append({"samples": count, "seconds": seconds, "file": name})
-    start = render.cost(pictures)[0]
-    for picture in pictures:
-        picture["seconds"] -= start
-    return start, pictures[1:]
+    counts = (4, 16) if quick else (16, 64)
+    files = [os.path.join(folder, "cycles{}.exr".format(count)) for count in counts]
+    _, seconds, start = run_cycles(folder, "cornell", [
+        (file, render.SIDE, render.SIDE, count, 0) for file, count in zip(files, counts)])
+    return start, [{"samples": count, "seconds": spent, "file": file}
+                   for count, spent, file in zip(counts, seconds, files)]
 
 
 PEERS = {"POV-Ray": ("povray", povray), "Cycles": ("blender", cycles)}

@@ -20,6 +20,7 @@ SIZES = {
     "million_instances": ("320", "32"),
     "million_points": ("320", "32"),
     "sky": ("180", "48"),
+    "thousand_lights": ("320", "32"),
 }
 
 TITLES = {

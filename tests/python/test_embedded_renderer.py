@@ -42,6 +42,7 @@ GALLERY = {
     "shapes": ["shapes"],
     "sky": ["sky_evening", "sky_morning", "sky_noon"],
     "splines": ["splines"],
+    "thousand_lights": ["thousand_lights"],
 }
 
 MISTAKES = """
