@@ -10,7 +10,7 @@ namespace {
 // The part of the path's ray that lies in its medium.
 LightSampleRay ray_in_medium(const Vertex &vertex) {
     const Path &path = *vertex.path;
-    const Vec3 from = path.ray.origin + path.ray.direction * path.start.lead;
+    const Vec3 from = path.ray.origin + path.ray.direction * vertex.start->lead;
     const float length =
         vertex.hit->exists ? std::max(0.0f, dot(vertex.hit->point - from, path.ray.direction)) : INFINITY;
     return {{from, path.ray.direction}, length};
@@ -38,7 +38,7 @@ void PathIntegrator::scatter_in_media(Wave &wave, std::span<Vertex> vertices) co
         if (sample.is_scattered) {
             vertex.kind = Vertex::Kind::Medium;
             // Clear of both ends, so that what goes on from there is inside for sure.
-            const float first = path.start.margin;
+            const float first = vertex.start->margin;
             const float last = length - (vertex.hit->exists ? margin_of(*vertex.hit, ray.direction) : 0);
             const float distance = first < last ? std::clamp(sample.distance, first, last) : 0.5f * length;
             vertex.in_medium = ray.origin + ray.direction * distance;
@@ -111,7 +111,7 @@ bool PathIntegrator::scatter_at_point(const Wave &wave, const Vertex &vertex) co
     path.vertex = vertex.in_medium;
     path.direction_pdf = medium.phase.evaluate(dot(before, direction));
     path.finds_lights = false;
-    return path.leave({vertex.in_medium}, direction);
+    return path.leave(vertex.in_medium, direction);
 }
 
 } // namespace vantor

@@ -28,7 +28,7 @@ struct InPlace {
 // Where a ray starts that leaves the surface towards the direction, where surfaces may be crossed.
 RayStart start_towards(const Vertex &vertex, Vec3 direction) {
     const Path &path = *vertex.path;
-    return start_from(*vertex.hit, path.ray.direction, path.start.crossed, direction);
+    return start_from(*vertex.hit, path.ray.direction, vertex.start->crossed, direction);
 }
 
 } // namespace
@@ -109,7 +109,7 @@ void PathIntegrator::pass_through(const Wave &wave, std::span<Vertex> vertices) 
         Path &path = *vertex.path;
         const Vec3 direction = path.ray.direction;
         cross_surface(path.media, placement_at(*vertex.hit), *vertex.hit, direction);
-        vertex.kind = path.leave(start_towards(vertex, direction), direction) ? Kind::Passed : Kind::Ended;
+        vertex.kind = vertex.leave(start_towards(vertex, direction), direction) ? Kind::Passed : Kind::Ended;
     }
 }
 
@@ -291,7 +291,7 @@ bool PathIntegrator::leave_surface(const Vertex &vertex, Vec3 beside, Vec3 direc
     const Hit &hit = *vertex.hit;
     if (vertex.surface->is_crossed(direction))
         cross_surface(path.media, placement_at(hit), hit, direction);
-    return path.leave(start_towards(vertex, direction), direction);
+    return vertex.leave(start_towards(vertex, direction), direction);
 }
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle

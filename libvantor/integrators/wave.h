@@ -26,7 +26,8 @@ struct Vertex {
     bool is_ray_lit = false; ///< Lights that shine from single points lit the whole ray that led here.
     std::uint32_t lane = 0;  ///< Where it is shaded side by side with others: see Wave::put_in_lanes().
     Path *path = nullptr;
-    const Hit *hit = nullptr;        ///< Of the path's ray.
+    RayStart *start = nullptr;       ///< Of the path's ray, where surfaces may be crossed.
+    const Hit *hit = nullptr;        ///< Of it.
     Vec3 in_medium{};                ///< The point of a medium.
     float distance_pdf = 0;          ///< Per length, with which that was drawn along the ray; unset elsewhere.
     std::optional<Surface> surface;  ///< At the hit, where there is one.
@@ -34,6 +35,12 @@ struct Vertex {
 
     // Not defaulted: value-initialization would then fill the storage of surface and BSDF with zeros first.
     Vertex() {} // NOLINT(modernize-use-equals-default)
+
+    /// The path goes on from there, in a world where surfaces may be crossed. False if the ray cannot be followed.
+    bool leave(const RayStart &from, Vec3 direction) const {
+        *start = from;
+        return path->leave(from.origin, direction);
+    }
 
     bool is_scattering() const { return kind >= Kind::Surface; }
     bool goes_on() const { return kind >= Kind::Passed; }
@@ -61,10 +68,12 @@ class Wave {
         for (Path &path : paths)
             if (is_traceable(path.ray.origin, path.ray.direction))
                 growing.push_back(&path);
-        rays.resize(growing.size());
-        starts.resize(world.tracer.has_crossings() ? growing.size() : 0);
-        masks.resize(world.has_hidden ? growing.size() : 0);
+        rays.reserve(growing.size());
         hits.resize(growing.size());
+        if (world.tracer.has_crossings()) {
+            starts.reserve(growing.size());
+            path_starts.resize(paths.size());
+        }
         records_aovs = std::ranges::any_of(paths, [](const Path &path) { return path.aovs != nullptr; });
         records_guides = std::ranges::any_of(paths, [](const Path &path) { return path.guides != nullptr; });
     }
@@ -136,19 +145,18 @@ class Wave {
     static constexpr std::size_t chunk_size = lane_count;
 
     void intersect(bool are_coherent) {
-        const std::size_t count = growing.size();
-        for (std::size_t i = 0; i < count; ++i)
-            rays[i] = growing[i]->ray;
-        std::size_t start_count = 0;
+        rays.clear();
+        starts.clear();
+        masks.clear();
+        for (const Path *path : growing)
+            rays.push_back(path->ray);
         if (world.tracer.has_crossings())
-            for (; start_count < count; ++start_count)
-                starts[start_count] = growing[start_count]->start;
-        std::size_t mask_count = 0;
+            for (const Path *path : growing)
+                starts.push_back(path_starts[index_of(*path)]);
         if (world.has_hidden)
-            for (; mask_count < count; ++mask_count)
-                masks[mask_count] = growing[mask_count]->is_from_camera() ? mask_of_camera : mask_of_all;
-        world.tracer.intersect(std::span(rays).first(count), std::span(starts).first(start_count), are_coherent, hits,
-                               std::span(masks).first(mask_count));
+            for (const Path *path : growing)
+                masks.push_back(path->is_from_camera() ? mask_of_camera : mask_of_all);
+        world.tracer.intersect(rays, starts, are_coherent, hits, masks);
     }
 
     std::span<Vertex> chunk(std::size_t first) {
@@ -159,6 +167,7 @@ class Wave {
             vertex.kind = hit.exists ? Vertex::Kind::Surface : Vertex::Kind::Escaped;
             vertex.is_ray_lit = false;
             vertex.path = growing[first + i];
+            vertex.start = path_starts.empty() ? nullptr : &path_starts[index_of(*vertex.path)];
             vertex.hit = &hit;
         }
         return std::span(all).first(count);
@@ -170,10 +179,11 @@ class Wave {
     bool records_aovs = false;
     bool records_guides = false;
     std::vector<Path *> growing;
+    std::vector<RayStart> path_starts; // of the ray of each path; in a world where surfaces may be crossed
 
     // Of the present step, for each path that grows.
     std::vector<Ray> rays;
-    std::vector<RayStart> starts; // in a world where surfaces may be crossed
+    std::vector<RayStart> starts; // likewise
     std::vector<RayMask> masks;   // where something is hidden
     std::vector<Hit> hits;
 
