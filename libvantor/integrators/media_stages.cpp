@@ -10,7 +10,7 @@ namespace {
 // The part of the path's ray that lies in its medium.
 LightSampleRay ray_in_medium(const Vertex &vertex) {
     const Path &path = *vertex.path;
-    const Vec3 from = path.ray.origin + path.ray.direction * path.start.lead;
+    const Vec3 from = path.ray.origin + path.ray.direction * vertex.start->lead;
     const float length =
         vertex.hit->exists ? std::max(0.0f, dot(vertex.hit->point - from, path.ray.direction)) : INFINITY;
     return {{from, path.ray.direction}, length};
@@ -38,7 +38,7 @@ void PathIntegrator::scatter_in_media(Wave &wave, std::span<Vertex> vertices) co
         if (sample.is_scattered) {
             vertex.kind = Vertex::Kind::Medium;
             // Clear of both ends, so that what goes on from there is inside for sure.
-            const float first = path.start.margin;
+            const float first = vertex.start->margin;
             const float last = length - (vertex.hit->exists ? margin_of(*vertex.hit, ray.direction) : 0);
             const float distance = first < last ? std::clamp(sample.distance, first, last) : 0.5f * length;
             vertex.in_medium = ray.origin + ray.direction * distance;
@@ -63,7 +63,7 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
         return;
     const Vec3 point = lit.ray.origin + lit.ray.direction * distance;
     LightSample light;
-    if (!world.lights.sample_chosen(choice, point, wave.light_points[wave.lane_of(vertex)], light))
+    if (!world.lights.sample_chosen(choice, point, wave.sample_2d(vertex, Wave::light_point), light))
         return;
     const float pdf = angles.pdf(distance);
     const float mis_weight = power_heuristic(pdf * choice.pmf, medium.distance_pdf(distance, path.throughput) *
@@ -76,8 +76,8 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
 void PathIntegrator::light_medium(Wave &wave, const Vertex &vertex) const {
     const Path &path = *vertex.path;
     LightSample light;
-    if (!wave.direct_light.sample(vertex.in_medium, wave.sample_light_choice(vertex),
-                                  wave.light_points[wave.lane_of(vertex)], light))
+    if (!wave.direct_light.sample(vertex.in_medium, wave.sample_light_choice(vertex), wave.light_points[vertex.lane],
+                                  light))
         return;
     const Vec3 *position = vertex.is_ray_lit ? world.lights.position_of(light.choice.light) : nullptr;
     float mis_weight = 1;
@@ -107,11 +107,11 @@ bool PathIntegrator::scatter_at_point(const Wave &wave, const Vertex &vertex) co
     Path &path = *vertex.path;
     const Medium &medium = world.media_of(path.media);
     const Vec3 before = path.ray.direction;
-    const Vec3 direction = medium.phase.sample(before, wave.next_directions[wave.lane_of(vertex)]);
+    const Vec3 direction = medium.phase.sample(before, wave.next_directions[vertex.lane]);
     path.vertex = vertex.in_medium;
     path.direction_pdf = medium.phase.evaluate(dot(before, direction));
     path.finds_lights = false;
-    return path.leave({vertex.in_medium}, direction);
+    return path.leave(vertex.in_medium, direction);
 }
 
 } // namespace vantor

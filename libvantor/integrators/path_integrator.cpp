@@ -28,7 +28,7 @@ struct InPlace {
 // Where a ray starts that leaves the surface towards the direction, where surfaces may be crossed.
 RayStart start_towards(const Vertex &vertex, Vec3 direction) {
     const Path &path = *vertex.path;
-    return start_from(*vertex.hit, path.ray.direction, path.start.crossed, direction);
+    return start_from(*vertex.hit, path.ray.direction, vertex.start->crossed, direction);
 }
 
 } // namespace
@@ -46,11 +46,12 @@ bool PathIntegrator::trace(std::span<Path> paths) const {
             record_first_hits(wave, vertices);
             record_guides(wave, vertices);
             end_at_limits(vertices);
-            look_irradiance_up(vertices);
-            prepare_bsdfs(wave, vertices);
-            sample_direct_light(wave, vertices);
-            scatter(wave, vertices);
-            play_roulette(wave, vertices);
+            const std::span<Vertex *const> scattering = wave.put_in_lanes(vertices);
+            look_irradiance_up(scattering);
+            prepare_bsdfs(wave, scattering);
+            sample_direct_light(wave, scattering);
+            scatter(wave, scattering);
+            play_roulette(wave, scattering);
         });
         trace_shadow_rays(wave, paths);
         // As often as waves of common paths end, which callers watch between.
@@ -108,7 +109,7 @@ void PathIntegrator::pass_through(const Wave &wave, std::span<Vertex> vertices) 
         Path &path = *vertex.path;
         const Vec3 direction = path.ray.direction;
         cross_surface(path.media, placement_at(*vertex.hit), *vertex.hit, direction);
-        vertex.kind = path.leave(start_towards(vertex, direction), direction) ? Kind::Passed : Kind::Ended;
+        vertex.kind = vertex.leave(start_towards(vertex, direction), direction) ? Kind::Passed : Kind::Ended;
     }
 }
 
@@ -147,16 +148,19 @@ void PathIntegrator::record_guides(const Wave &wave, std::span<const Vertex> ver
 }
 
 void PathIntegrator::end_at_limits(std::span<Vertex> vertices) const {
-    for (Vertex &vertex : vertices)
-        if (vertex.is_scattering() && (vertex.path->finds_only_lights || is_at_last_bounce(*vertex.path)))
-            vertex.kind = Kind::Ended;
+    for (Vertex &vertex : vertices) {
+        const bool is_at_limit = vertex.path->finds_only_lights | is_at_last_bounce(*vertex.path);
+        const bool ends = vertex.is_scattering() & is_at_limit;
+        vertex.kind = ends ? Kind::Ended : vertex.kind;
+    }
 }
 
 // Indirect light that is known beforehand. All that is left to the path is direct light.
-void PathIntegrator::look_irradiance_up(std::span<const Vertex> vertices) const {
+void PathIntegrator::look_irradiance_up(std::span<Vertex *const> in_lanes) const {
     if (!indirect.cache)
         return;
-    for (const Vertex &vertex : vertices) {
+    for (const Vertex *of_lane : in_lanes) {
+        const Vertex &vertex = *of_lane;
         Path &path = *vertex.path;
         if (vertex.kind != Kind::Surface || !vertex.surface->is_diffuse() ||
             path.diffuse_surfaces++ < indirect.surfaces_before)
@@ -169,10 +173,10 @@ void PathIntegrator::look_irradiance_up(std::span<const Vertex> vertices) const 
     }
 }
 
-void PathIntegrator::prepare_bsdfs(Wave &wave, std::span<Vertex> vertices) const {
+void PathIntegrator::prepare_bsdfs(Wave &wave, std::span<Vertex *const> in_lanes) const {
     wave.diffuse.are_set = {};
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
-        Vertex &vertex = vertices[i];
+    for (std::size_t i = 0; i < in_lanes.size(); ++i) {
+        Vertex &vertex = *in_lanes[i];
         if (vertex.kind != Kind::Surface)
             continue;
         if (vertex.surface->is_diffuse())
@@ -184,10 +188,10 @@ void PathIntegrator::prepare_bsdfs(Wave &wave, std::span<Vertex> vertices) const
 
 // What sampled lights bring: throughput * value * cosine * radiance / pdf. Lights are sampled side by side, and so
 // diffuse surfaces reflect them.
-void PathIntegrator::sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const {
+void PathIntegrator::sample_direct_light(Wave &wave, std::span<Vertex *const> in_lanes) const {
     wave.lights.clear();
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
-        const Vertex &vertex = vertices[i];
+    for (std::size_t i = 0; i < in_lanes.size(); ++i) {
+        const Vertex &vertex = *in_lanes[i];
         if (wave.diffuse.are_set[i]) {
             world.lights.choose(wave.diffuse.light_context(i), wave.sample_light_choice(vertex), i, wave.lights);
             wave.carried.throughput.set(i, vertex.path->throughput);
@@ -202,8 +206,8 @@ void PathIntegrator::sample_direct_light(Wave &wave, std::span<const Vertex> ver
     ReflectedLanes reflected;
     reflect(wave.diffuse, wave.carried, lights, reflected);
     const bool has_crossings = world.tracer.has_crossings();
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
-        const Vertex &vertex = vertices[i];
+    for (std::size_t i = 0; i < in_lanes.size(); ++i) {
+        const Vertex &vertex = *in_lanes[i];
         if (vertex.kind == Kind::Medium) {
             light_medium(wave, vertex);
         } else if (reflected.are_lit[i]) {
@@ -244,10 +248,11 @@ void PathIntegrator::add_crossing_light(Wave &wave, const Vertex &vertex, const 
     wave.direct_light.add(wave.index_of(*vertex.path), start_towards(vertex, light.to_light), media, light, radiance);
 }
 
-void PathIntegrator::scatter(const Wave &wave, std::span<Vertex> vertices) const {
+void PathIntegrator::scatter(const Wave &wave, std::span<Vertex *const> in_lanes) const {
     ScatteredLanes scattered;
     vantor::scatter(wave.diffuse, wave.next_directions, scattered);
-    const auto scatter_one = [&](const Vertex &vertex, std::size_t lane) {
+    const auto scatter_one = [&](const Vertex &vertex) {
+        const std::size_t lane = vertex.lane;
         if (vertex.kind == Kind::Medium)
             return scatter_at_point(wave, vertex);
         if (!wave.diffuse.are_set[lane])
@@ -261,17 +266,16 @@ void PathIntegrator::scatter(const Wave &wave, std::span<Vertex> vertices) const
         path.finds_lights = false;
         return leave_surface(vertex, scattered.start[lane], scattered.direction[lane]);
     };
-    for (std::size_t i = 0; i < vertices.size(); ++i)
-        if (vertices[i].is_scattering() && !scatter_one(vertices[i], i))
-            vertices[i].kind = Kind::Ended;
+    for (Vertex *vertex : in_lanes)
+        if (!scatter_one(*vertex))
+            vertex->kind = Kind::Ended;
 }
 
 // False if nothing is scattered, or nowhere that a ray can be followed; here and below.
 bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) const {
     Path &path = *vertex.path;
     BsdfSample next;
-    if (!vertex.bsdf->sample(wave.next_directions[wave.lane_of(vertex)], wave.sample_unstratified(vertex, Wave::lobe),
-                             next))
+    if (!vertex.bsdf->sample(wave.next_directions[vertex.lane], wave.sample_unstratified(vertex, Wave::lobe), next))
         return false;
     path.throughput *= next.weight;
     path.vertex = vertex.surface->light_context(*vertex.hit);
@@ -287,15 +291,16 @@ bool PathIntegrator::leave_surface(const Vertex &vertex, Vec3 beside, Vec3 direc
     const Hit &hit = *vertex.hit;
     if (vertex.surface->is_crossed(direction))
         cross_surface(path.media, placement_at(hit), hit, direction);
-    return path.leave(start_towards(vertex, direction), direction);
+    return vertex.leave(start_towards(vertex, direction), direction);
 }
 
 // Russian roulette: the path goes on with that probability, and then counts for those that end (Arvo, Kirk, "Particle
 // Transport and Image Synthesis", 1990). In a medium that only scatters paths lose nothing, and are long; what ends
 // them is that they leave it. Were they cut by chance, few would count for all: in a dense one, ever fewer for ever
 // more.
-void PathIntegrator::play_roulette(const Wave &wave, std::span<Vertex> vertices) const {
-    for (Vertex &vertex : vertices) {
+void PathIntegrator::play_roulette(const Wave &wave, std::span<Vertex *const> in_lanes) const {
+    for (Vertex *of_lane : in_lanes) {
+        Vertex &vertex = *of_lane;
         if (!vertex.is_scattering())
             continue;
         Path &path = *vertex.path;

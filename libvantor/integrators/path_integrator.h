@@ -40,11 +40,11 @@ class PathIntegrator {
     [[gnu::noinline]] void record_first_hits(const Wave &wave, std::span<const Vertex> vertices) const;
     [[gnu::noinline]] static void record_guides(const Wave &wave, std::span<const Vertex> vertices);
     [[gnu::noinline]] void end_at_limits(std::span<Vertex> vertices) const;
-    [[gnu::noinline]] void look_irradiance_up(std::span<const Vertex> vertices) const;
-    [[gnu::noinline]] void prepare_bsdfs(Wave &wave, std::span<Vertex> vertices) const;
-    [[gnu::noinline]] void sample_direct_light(Wave &wave, std::span<const Vertex> vertices) const;
-    [[gnu::noinline]] void scatter(const Wave &wave, std::span<Vertex> vertices) const;
-    [[gnu::noinline]] void play_roulette(const Wave &wave, std::span<Vertex> vertices) const;
+    [[gnu::noinline]] void look_irradiance_up(std::span<Vertex *const> in_lanes) const;
+    [[gnu::noinline]] void prepare_bsdfs(Wave &wave, std::span<Vertex *const> in_lanes) const;
+    [[gnu::noinline]] void sample_direct_light(Wave &wave, std::span<Vertex *const> in_lanes) const;
+    [[gnu::noinline]] void scatter(const Wave &wave, std::span<Vertex *const> in_lanes) const;
+    [[gnu::noinline]] void play_roulette(const Wave &wave, std::span<Vertex *const> in_lanes) const;
     [[gnu::noinline]] static void trace_shadow_rays(Wave &wave, std::span<Path> paths);
 
     // What stages do with a single vertex.

@@ -84,15 +84,19 @@ void transmit(const ShadowRays &shadow_rays, const World &world, std::vector<Col
     }
     // So many surfaces, one behind the other, are taken for opaque.
     constexpr int most_surfaces = 1000;
-    std::vector<Ray> rays(walks.size());
-    std::vector<RayStart> starts(walks.size());
+    std::vector<Ray> rays;
+    rays.reserve(walks.size());
+    std::vector<RayStart> starts;
+    starts.reserve(walks.size());
     std::vector<Hit> hits(walks.size());
     for (int step = 0; !walks.empty(); ++step) {
-        for (std::size_t i = 0; i < walks.size(); ++i) {
-            rays[i] = {walks[i].start.origin, walks[i].direction};
-            starts[i] = walks[i].start;
+        rays.clear();
+        starts.clear();
+        for (const Walk &walk : walks) {
+            rays.push_back({walk.start.origin, walk.direction});
+            starts.push_back(walk.start);
         }
-        world.tracer.intersect(std::span(rays).first(walks.size()), std::span(starts).first(walks.size()), false, hits);
+        world.tracer.intersect(rays, starts, false, hits);
         std::size_t still_going = 0;
         for (std::size_t i = 0; i < walks.size(); ++i)
             if (advance(walks[i], hits[i], world, fractions[walks[i].shadow_ray]))

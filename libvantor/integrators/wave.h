@@ -16,16 +16,18 @@ namespace vantor {
 struct Vertex {
     enum class Kind : std::uint8_t {
         Ended,   ///< The path is at its end.
-        Escaped, ///< Likewise: beyond everything.
+        Escaped, ///< Likewise: beyond everything. Those of all further kinds go on.
         Passed,  ///< On a surface that the path goes straight through.
-        Surface, ///< On a surface that scatters it.
+        Surface, ///< On a surface that scatters it; so does what follows.
         Medium,  ///< At a point of a medium that scatters it.
     };
 
     Kind kind = Kind::Ended;
     bool is_ray_lit = false; ///< Lights that shine from single points lit the whole ray that led here.
+    std::uint32_t lane = 0;  ///< Where it is shaded side by side with others: see Wave::put_in_lanes().
     Path *path = nullptr;
-    const Hit *hit = nullptr;        ///< Of the path's ray.
+    RayStart *start = nullptr;       ///< Of the path's ray, where surfaces may be crossed.
+    const Hit *hit = nullptr;        ///< Of it.
     Vec3 in_medium{};                ///< The point of a medium.
     float distance_pdf = 0;          ///< Per length, with which that was drawn along the ray; unset elsewhere.
     std::optional<Surface> surface;  ///< At the hit, where there is one.
@@ -34,8 +36,14 @@ struct Vertex {
     // Not defaulted: value-initialization would then fill the storage of surface and BSDF with zeros first.
     Vertex() {} // NOLINT(modernize-use-equals-default)
 
-    bool is_scattering() const { return kind == Kind::Surface || kind == Kind::Medium; }
-    bool goes_on() const { return is_scattering() || kind == Kind::Passed; }
+    /// The path goes on from there, in a world where surfaces may be crossed. False if the ray cannot be followed.
+    bool leave(const RayStart &from, Vec3 direction) const {
+        *start = from;
+        return path->leave(from.origin, direction);
+    }
+
+    bool is_scattering() const { return kind >= Kind::Surface; }
+    bool goes_on() const { return kind >= Kind::Passed; }
 };
 
 /// The paths of one call that have not ended, with a vertex of each.
@@ -60,6 +68,12 @@ class Wave {
         for (Path &path : paths)
             if (is_traceable(path.ray.origin, path.ray.direction))
                 growing.push_back(&path);
+        rays.reserve(growing.size());
+        hits.resize(growing.size());
+        if (world.tracer.has_crossings()) {
+            starts.reserve(growing.size());
+            path_starts.resize(paths.size());
+        }
         records_aovs = std::ranges::any_of(paths, [](const Path &path) { return path.aovs != nullptr; });
         records_guides = std::ranges::any_of(paths, [](const Path &path) { return path.guides != nullptr; });
     }
@@ -69,17 +83,18 @@ class Wave {
     bool is_over() const { return growing.empty(); }
 
     /// Takes each path a step further: finds the first surface on its ray, a vertex of kind Surface or Escaped, and
-    /// calls work for the vertices, chunk by chunk. Paths whose vertices do not go on then have ended.
+    /// calls work for the vertices, chunk by chunk. Paths whose vertices do not go on then have ended. All rays are
+    /// traced first, so that the code of neither Embree nor the stages drives the other's out of the cache.
     template <class Work> void advance(bool are_coherent, Work work) {
+        intersect(are_coherent);
         std::size_t still_growing = 0;
-        for (std::span<Path *const> rest = growing; !rest.empty();) {
-            const std::span<Path *const> chunk = rest.first(std::min(chunk_size, rest.size()));
-            rest = rest.subspan(chunk.size());
-            const std::span<Vertex> vertices = intersect(chunk, are_coherent);
+        for (std::size_t first = 0; first < growing.size(); first += chunk_size) {
+            const std::span<Vertex> vertices = chunk(first);
             work(vertices);
-            for (const Vertex &vertex : vertices)
-                if (vertex.goes_on())
-                    growing[still_growing++] = vertex.path;
+            for (const Vertex &vertex : vertices) {
+                growing[still_growing] = vertex.path;
+                still_growing += vertex.goes_on() ? 1 : 0;
+            }
         }
         growing.resize(still_growing);
         dimension += dimensions_per_step;
@@ -87,7 +102,22 @@ class Wave {
 
     std::uint32_t index_of(const Path &path) const { return static_cast<std::uint32_t>(&path - first_path); }
 
-    std::size_t lane_of(const Vertex &vertex) const { return static_cast<std::size_t>(&vertex - all); }
+    /// Gives lanes to those vertices of a chunk that scatter their paths, one after the other, and makes the samples
+    /// that nearly all of them need.
+    std::span<Vertex *const> put_in_lanes(std::span<Vertex> vertices) {
+        // Without branches, here and above: which paths go on cannot be foretold.
+        std::uint32_t count = 0;
+        for (Vertex &vertex : vertices) {
+            in_lanes[count] = &vertex;
+            vertex.lane = count;
+            count += vertex.is_scattering() ? 1 : 0;
+        }
+        for (std::size_t i = 0; i < count; ++i)
+            samplers[i] = in_lanes[i]->path->sampler;
+        get_2d_of(std::span(samplers).first(count), dimension + light_point, light_points);
+        get_2d_of(std::span(samplers).first(count), dimension + next_direction, next_directions);
+        return std::span(in_lanes).first(count);
+    }
 
     // The other samples of the present step, made where they are needed.
     float sample_unstratified(const Vertex &vertex, Dimension which) const {
@@ -100,7 +130,7 @@ class Wave {
         return direct_light.choice(vertex.path->sampler, dimension + light_choice);
     }
 
-    // Of the present chunk, a lane for each of its vertices.
+    // Of the vertices in lanes.
     DiffuseLanes diffuse;
     CarriedLanes carried;
     LightLanes lights;
@@ -114,30 +144,31 @@ class Wave {
     // the next.
     static constexpr std::size_t chunk_size = lane_count;
 
-    std::span<Vertex> intersect(std::span<Path *const> chunk, bool are_coherent) {
-        const std::size_t count = chunk.size();
-        for (std::size_t i = 0; i < count; ++i) {
-            rays[i] = chunk[i]->ray;
-            samplers[i] = chunk[i]->sampler;
-        }
-        std::size_t start_count = 0;
+    void intersect(bool are_coherent) {
+        rays.clear();
+        starts.clear();
+        masks.clear();
+        for (const Path *path : growing)
+            rays.push_back(path->ray);
         if (world.tracer.has_crossings())
-            for (; start_count < count; ++start_count)
-                starts[start_count] = chunk[start_count]->start;
-        std::size_t mask_count = 0;
+            for (const Path *path : growing)
+                starts.push_back(path_starts[index_of(*path)]);
         if (world.has_hidden)
-            for (; mask_count < count; ++mask_count)
-                masks[mask_count] = chunk[mask_count]->is_from_camera() ? mask_of_camera : mask_of_all;
-        world.tracer.intersect(std::span(rays).first(count), std::span(starts).first(start_count), are_coherent, hits,
-                               std::span(masks).first(mask_count));
-        get_2d_of(std::span(samplers).first(count), dimension + light_point, light_points);
-        get_2d_of(std::span(samplers).first(count), dimension + next_direction, next_directions);
+            for (const Path *path : growing)
+                masks.push_back(path->is_from_camera() ? mask_of_camera : mask_of_all);
+        world.tracer.intersect(rays, starts, are_coherent, hits, masks);
+    }
+
+    std::span<Vertex> chunk(std::size_t first) {
+        const std::size_t count = std::min(chunk_size, growing.size() - first);
         for (std::size_t i = 0; i < count; ++i) {
             Vertex &vertex = all[i];
-            vertex.kind = hits[i].exists ? Vertex::Kind::Surface : Vertex::Kind::Escaped;
+            const Hit &hit = hits[first + i];
+            vertex.kind = hit.exists ? Vertex::Kind::Surface : Vertex::Kind::Escaped;
             vertex.is_ray_lit = false;
-            vertex.path = chunk[i];
-            vertex.hit = &hits[i];
+            vertex.path = growing[first + i];
+            vertex.start = path_starts.empty() ? nullptr : &path_starts[index_of(*vertex.path)];
+            vertex.hit = &hit;
         }
         return std::span(all).first(count);
     }
@@ -148,14 +179,18 @@ class Wave {
     bool records_aovs = false;
     bool records_guides = false;
     std::vector<Path *> growing;
+    std::vector<RayStart> path_starts; // of the ray of each path; in a world where surfaces may be crossed
+
+    // Of the present step, for each path that grows.
+    std::vector<Ray> rays;
+    std::vector<RayStart> starts; // likewise
+    std::vector<RayMask> masks;   // where something is hidden
+    std::vector<Hit> hits;
 
     // Of the present chunk.
-    Ray rays[chunk_size];
-    RayStart starts[chunk_size];
-    RayMask masks[chunk_size];
-    Hit hits[chunk_size];
-    Sampler samplers[chunk_size];
     Vertex all[chunk_size];
+    Vertex *in_lanes[chunk_size];
+    Sampler samplers[chunk_size]; // of these
 };
 
 } // namespace vantor

@@ -49,18 +49,19 @@ LightChoice BvhLightSampler::descend(const Reference &reference, double u, Weigh
     return {0, 0};
 }
 
-template <class Reference> float BvhLightSampler::tree_pmf(const Reference &reference, std::uint32_t light) const {
-    float pmf = 1;
+template <class Reference>
+BvhLightSampler::TreePmf BvhLightSampler::tree_pmf(const Reference &reference, std::uint32_t light) const {
+    TreePmf result{1, 0};
     for (std::uint32_t slot = slots[light]; slot != nowhere;) {
         const Node &node = nodes[slot / width];
         Weights weights;
-        const float sum = weigh(node, reference, weights);
+        result.root_sum = weigh(node, reference, weights);
         if (!(weights[slot % width] > 0))
-            return 0;
-        pmf *= weights[slot % width] / sum;
+            return {0, 0};
+        result.pmf *= weights[slot % width] / result.root_sum;
         slot = node.parent;
     }
-    return pmf;
+    return result;
 }
 
 BvhLightSampler::Shares BvhLightSampler::shares(const LightSampleContext &reference, float finite_sum) const {
@@ -119,11 +120,10 @@ float BvhLightSampler::pmf(const LightSampleContext &reference, std::uint32_t li
         const Shares all = shares(reference, nodes.empty() ? 0.0f : weigh(nodes.front(), reference, weights));
         return infinite_pmf(all, infinite_lights[slot - is_light].bounds.irradiance(reference.normal));
     }
-    const float in_tree = tree_pmf(reference, light);
-    if (infinite_lights.empty() || in_tree == 0)
-        return in_tree;
-    Weights weights;
-    return in_tree * shares(reference, weigh(nodes.front(), reference, weights)).finite;
+    const TreePmf in_tree = tree_pmf(reference, light);
+    if (infinite_lights.empty() || in_tree.pmf == 0)
+        return in_tree.pmf;
+    return in_tree.pmf * shares(reference, in_tree.root_sum).finite;
 }
 
 LightChoice BvhLightSampler::sample(const LightSampleRay &reference, double u) const {
@@ -139,7 +139,7 @@ LightChoice BvhLightSampler::sample(const LightSampleRay &reference, double u) c
 float BvhLightSampler::pmf(const LightSampleRay &reference, std::uint32_t light) const {
     if (slots[light] >= is_light)
         return 0;
-    return light == only_light ? 1.0f : tree_pmf(reference, light);
+    return light == only_light ? 1.0f : tree_pmf(reference, light).pmf;
 }
 
 } // namespace vantor

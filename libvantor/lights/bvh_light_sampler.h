@@ -80,7 +80,12 @@ class BvhLightSampler {
 
     template <class Reference>
     LightChoice descend(const Reference &reference, double u, Weights weights, float sum) const;
-    template <class Reference> float tree_pmf(const Reference &reference, std::uint32_t light) const;
+
+    struct TreePmf {
+        float pmf;      // with which the tree, once it is chosen, leads to the light
+        float root_sum; // of the weights at the root; unset if the pmf is 0
+    };
+    template <class Reference> TreePmf tree_pmf(const Reference &reference, std::uint32_t light) const;
 
     std::vector<Node> nodes; // the root first
     std::vector<InfiniteLight> infinite_lights;

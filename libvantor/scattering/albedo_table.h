@@ -4,6 +4,7 @@
 #include "libvantor/scattering/microfacet.h"
 
 #include <array>
+#include <atomic>
 #include <mutex>
 #include <optional>
 
@@ -116,8 +117,13 @@ template <class Albedo, std::size_t count> class AlbedoTablesByIor {
     }
 
     const AlbedoTable<Albedo> &table(std::size_t i) {
-        std::call_once(flags[i],
-                       [&] { tables[i].emplace([&](Vec3 wo, float alpha) { return albedo_of(wo, alpha, iors[i]); }); });
+        // To ask the flag takes longer than a lookup.
+        if (const AlbedoTable<Albedo> *ready = made[i].load(std::memory_order_acquire))
+            return *ready;
+        std::call_once(flags[i], [&] {
+            made[i].store(&tables[i].emplace([&](Vec3 wo, float alpha) { return albedo_of(wo, alpha, iors[i]); }),
+                          std::memory_order_release);
+        });
         return *tables[i];
     }
 
@@ -125,6 +131,7 @@ template <class Albedo, std::size_t count> class AlbedoTablesByIor {
     const AlbedoOf albedo_of;
     std::array<std::once_flag, count> flags;
     std::array<std::optional<AlbedoTable<Albedo>>, count> tables;
+    std::array<std::atomic<const AlbedoTable<Albedo> *>, count> made{}; // those of them that there are
 };
 
 } // namespace vantor
