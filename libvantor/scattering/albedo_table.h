@@ -7,6 +7,7 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace vantor {
 
@@ -32,47 +33,43 @@ template <class Albedo, class AlbedoOf> Albedo mean_over_facets(Vec3 wo, Ggx fac
 }
 
 /// Albedos at nodes, linear between them in the square root of the cosine, because they vary most at small cosines, and
-/// in the roughness. An Albedo is a number, or several that can be added and multiplied by a number.
+/// in the roughness. A row of nodes is computed when its roughness is first asked for. An Albedo is a number, or
+/// several that can be added and multiplied by a number.
 template <class Albedo> class AlbedoTable {
   public:
-    /// `albedo_of(wo, alpha)` computes one, which takes some microseconds.
-    template <class AlbedoOf> explicit AlbedoTable(AlbedoOf albedo_of) {
-        for (int r = 0; r < roughnesses; ++r) {
-            const float alpha = std::max(Ggx::alpha_of(coordinate_of(r, roughnesses)), Ggx::least_alpha);
-            for (int c = 0; c < cosines; ++c) {
-                const float root = std::max(coordinate_of(c, cosines), 0.01f);
-                const float cosine = root * root;
-                albedos[r][c] = albedo_of(Vec3{std::sqrt(1 - cosine * cosine), 0, cosine}, alpha);
-            }
-            // Twice the integral of albedo times cosine, in the root of the cosine, r: 4 albedo(r) r^3 dr. The points
-            // of Gauss and Legendre make it exact between nodes.
-            means[r] = {};
-            for (int c = 0; c + 1 < cosines; ++c)
-                for (const auto &[t, weight] :
-                     {std::pair{0.1127017f, 5 / 18.0f}, {0.5f, 8 / 18.0f}, {0.8872983f, 5 / 18.0f}}) {
-                    const Albedo here = mix(albedos[r][c], albedos[r][c + 1], t);
-                    const float root = (static_cast<float>(c) + t) / (cosines - 1);
-                    means[r] = means[r] + here * (4 * root * root * root * weight / (cosines - 1));
-                }
-        }
-    }
+    /// Computes one, which takes some microseconds; for a table of a boundary with that index of refraction.
+    using AlbedoOf = Albedo (*)(Vec3 wo, float alpha, float ior);
 
-    Albedo at(float cosine, float alpha) const {
+    explicit AlbedoTable(AlbedoOf computed, float of_ior = 1) : albedo_of(computed), ior(of_ior) {}
+
+    Albedo at(float cosine, float alpha) {
         const Position r = position_of(std::sqrt(alpha), roughnesses);
         const Position c = position_of(std::sqrt(cosine), cosines);
-        return mix(mix(albedos[r.node][c.node], albedos[r.node][c.node + 1], c.t),
-                   mix(albedos[r.node + 1][c.node], albedos[r.node + 1][c.node + 1], c.t), r.t);
+        const auto &rougher = row(r.node + 1).albedos;
+        const auto &smoother = row(r.node).albedos;
+        return mix(mix(smoother[c.node], smoother[c.node + 1], c.t), mix(rougher[c.node], rougher[c.node + 1], c.t),
+                   r.t);
     }
 
     /// Over all cosines, weighted by the cosine.
-    Albedo mean(float alpha) const {
+    Albedo mean(float alpha) {
         const Position r = position_of(std::sqrt(alpha), roughnesses);
-        return mix(means[r.node], means[r.node + 1], r.t);
+        return mix(row(r.node).mean, row(r.node + 1).mean, r.t);
     }
 
   private:
     static constexpr int cosines = 32;
     static constexpr int roughnesses = 24;
+
+    struct Row {
+        std::array<Albedo, cosines> albedos;
+        Albedo mean;
+    };
+    struct LazyRow {
+        std::once_flag flag;
+        std::optional<Row> row;
+        std::atomic<const Row *> made = nullptr;
+    };
 
     struct Position {
         std::size_t node;
@@ -83,55 +80,78 @@ template <class Albedo> class AlbedoTable {
         const int lower = std::min(static_cast<int>(scaled), nodes - 2);
         return {static_cast<std::size_t>(lower), scaled - static_cast<float>(lower)};
     }
-    static float coordinate_of(int i, int nodes) { return static_cast<float>(i) / static_cast<float>(nodes - 1); }
+    static float coordinate_of(std::size_t i, int nodes) {
+        return static_cast<float>(i) / static_cast<float>(nodes - 1);
+    }
 
-    std::array<std::array<Albedo, cosines>, roughnesses> albedos;
-    std::array<Albedo, roughnesses> means;
+    const Row &row(std::size_t r) {
+        LazyRow &lazy = rows[r];
+        // To ask the flag takes longer than a lookup.
+        if (const Row *ready = lazy.made.load(std::memory_order_acquire))
+            return *ready;
+        std::call_once(lazy.flag,
+                       [&] { lazy.made.store(&lazy.row.emplace(computed_row(r)), std::memory_order_release); });
+        return *lazy.row;
+    }
+
+    Row computed_row(std::size_t r) const {
+        Row result{};
+        const float alpha = std::max(Ggx::alpha_of(coordinate_of(r, roughnesses)), Ggx::least_alpha);
+        for (std::size_t c = 0; c < cosines; ++c) {
+            const float root = std::max(coordinate_of(c, cosines), 0.01f);
+            const float cosine = root * root;
+            result.albedos[c] = albedo_of(Vec3{std::sqrt(1 - cosine * cosine), 0, cosine}, alpha, ior);
+        }
+        // Twice the integral of albedo times cosine, in the root of the cosine, r: 4 albedo(r) r^3 dr. The points of
+        // Gauss and Legendre make it exact between nodes.
+        for (std::size_t c = 0; c + 1 < cosines; ++c)
+            for (const auto &[t, weight] :
+                 {std::pair{0.1127017f, 5 / 18.0f}, {0.5f, 8 / 18.0f}, {0.8872983f, 5 / 18.0f}}) {
+                const Albedo here = mix(result.albedos[c], result.albedos[c + 1], t);
+                const float root = (static_cast<float>(c) + t) / (cosines - 1);
+                result.mean = result.mean + here * (4 * root * root * root * weight / (cosines - 1));
+            }
+        return result;
+    }
+
+    const AlbedoOf albedo_of;
+    const float ior;
+    std::array<LazyRow, roughnesses> rows;
 };
 
-/// A table for each of some indices of refraction, made at its first use; albedos are linear between these.
+/// A table for each of some indices of refraction; albedos are linear between these.
 template <class Albedo, std::size_t count> class AlbedoTablesByIor {
   public:
-    using AlbedoOf = Albedo (*)(Vec3 wo, float alpha, float ior);
-
     /// The indices ascend.
-    AlbedoTablesByIor(const std::array<float, count> &indices, AlbedoOf computed)
-        : iors(indices), albedo_of(computed) {}
+    AlbedoTablesByIor(const std::array<float, count> &indices, typename AlbedoTable<Albedo>::AlbedoOf albedo_of)
+        : AlbedoTablesByIor(indices, albedo_of, std::make_index_sequence<count>()) {}
 
     Albedo at(float cosine, float alpha, float ior) {
-        return interpolated(ior, [=](const AlbedoTable<Albedo> &table) { return table.at(cosine, alpha); });
+        return interpolated(ior, [=](AlbedoTable<Albedo> &table) { return table.at(cosine, alpha); });
     }
     Albedo mean(float alpha, float ior) {
-        return interpolated(ior, [=](const AlbedoTable<Albedo> &table) { return table.mean(alpha); });
+        return interpolated(ior, [=](AlbedoTable<Albedo> &table) { return table.mean(alpha); });
     }
 
   private:
+    // Tables stay where they are made: threads wait at their flags.
+    template <std::size_t... i>
+    AlbedoTablesByIor(const std::array<float, count> &indices, typename AlbedoTable<Albedo>::AlbedoOf albedo_of,
+                      std::index_sequence<i...>)
+        : iors(indices), tables{AlbedoTable<Albedo>(albedo_of, indices[i])...} {}
+
     template <class Read> Albedo interpolated(float ior, Read read) {
         std::size_t i = 0;
         while (i + 2 < count && iors[i + 1] <= ior)
             ++i;
         const float t = std::clamp((ior - iors[i]) / (iors[i + 1] - iors[i]), 0.0f, 1.0f);
         if (t == 0)
-            return read(table(i));
-        return t == 1 ? read(table(i + 1)) : mix(read(table(i)), read(table(i + 1)), t);
-    }
-
-    const AlbedoTable<Albedo> &table(std::size_t i) {
-        // To ask the flag takes longer than a lookup.
-        if (const AlbedoTable<Albedo> *ready = made[i].load(std::memory_order_acquire))
-            return *ready;
-        std::call_once(flags[i], [&] {
-            made[i].store(&tables[i].emplace([&](Vec3 wo, float alpha) { return albedo_of(wo, alpha, iors[i]); }),
-                          std::memory_order_release);
-        });
-        return *tables[i];
+            return read(tables[i]);
+        return t == 1 ? read(tables[i + 1]) : mix(read(tables[i]), read(tables[i + 1]), t);
     }
 
     const std::array<float, count> iors;
-    const AlbedoOf albedo_of;
-    std::array<std::once_flag, count> flags;
-    std::array<std::optional<AlbedoTable<Albedo>>, count> tables;
-    std::array<std::atomic<const AlbedoTable<Albedo> *>, count> made{}; // those of them that there are
+    std::array<AlbedoTable<Albedo>, count> tables;
 };
 
 } // namespace vantor

@@ -21,9 +21,9 @@ template <class WeightOf> GlossyAlbedo integrated(Vec3 wo, float alpha, WeightOf
     });
 }
 
-const AlbedoTable<GlossyAlbedo> &schlick_table() {
-    static const AlbedoTable<GlossyAlbedo> made(
-        [](Vec3 wo, float alpha) { return integrated(wo, alpha, schlick_weight); });
+AlbedoTable<GlossyAlbedo> &schlick_table() {
+    static AlbedoTable<GlossyAlbedo> made(
+        [](Vec3 wo, float alpha, float) { return integrated(wo, alpha, schlick_weight); });
     return made;
 }
 
