@@ -111,7 +111,7 @@ bool PathIntegrator::scatter_at_point(const Wave &wave, const Vertex &vertex) co
     path.vertex = vertex.in_medium;
     path.direction_pdf = medium.phase.evaluate(dot(before, direction));
     path.finds_lights = false;
-    return path.leave(vertex.in_medium, direction);
+    return vertex.leave(RayStart{vertex.in_medium}, direction);
 }
 
 } // namespace vantor
