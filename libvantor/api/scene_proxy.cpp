@@ -2,7 +2,7 @@
 #include "renderer/vt_local_scene_proxy.h"
 
 #include "libvantor/base/threads.h"
-#include "libvantor/integrators/render.h"
+#include "libvantor/passes/render.h"
 #include "libvantor/radiosity/radiosity.h"
 
 #include <new>

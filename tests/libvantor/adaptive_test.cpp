@@ -1,6 +1,6 @@
 // Passes that look at the noise: where their samples go, when they end, and that nothing else makes a difference.
-#include "libvantor/integrators/error_estimate.h"
-#include "libvantor/integrators/sample_shares.h"
+#include "libvantor/passes/error_estimate.h"
+#include "libvantor/passes/sample_shares.h"
 #include "tests/libvantor/diagnostic_lines.h"
 #include "tests/libvantor/interrupts.h"
 #include "tests/libvantor/noisy_scenes.h"

@@ -1,5 +1,5 @@
 // World: what a scene keeps between passes, and that pictures do not depend on it.
-#include "libvantor/integrators/render.h"
+#include "libvantor/passes/render.h"
 #include "libvantor/radiosity/radiosity.h"
 #include "tests/libvantor/description.h"
 #include "tests/libvantor/interrupts.h"

@@ -1,7 +1,7 @@
 // Sample shares: which blocks of a picture get how many samples.
 #pragma once
 
-#include "libvantor/integrators/blocks.h"
+#include "libvantor/passes/blocks.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
 // Error estimate: how far a picture is likely to be from what it would be with any number of samples.
-#include "libvantor/integrators/error_estimate.h"
+#include "libvantor/passes/error_estimate.h"
 
 #include <cmath>
 

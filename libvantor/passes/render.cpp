@@ -1,10 +1,10 @@
 // Render: from a described scene to picture files.
-#include "libvantor/integrators/render.h"
+#include "libvantor/passes/render.h"
 
 #include "libvantor/denoising/denoiser.h"
 #include "libvantor/film/aov_output.h"
-#include "libvantor/integrators/adaptive_rounds.h"
-#include "libvantor/integrators/tile_loop.h"
+#include "libvantor/passes/adaptive_rounds.h"
+#include "libvantor/passes/tile_loop.h"
 
 #include <atomic>
 #include <charconv>

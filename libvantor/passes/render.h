@@ -2,7 +2,7 @@
 #pragma once
 
 #include "libvantor/integrators/irradiance_lookup.h"
-#include "libvantor/integrators/render_request.h"
+#include "libvantor/passes/render_request.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {

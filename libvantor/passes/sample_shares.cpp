@@ -1,5 +1,5 @@
 // Sample shares: which blocks of a picture get how many samples.
-#include "libvantor/integrators/sample_shares.h"
+#include "libvantor/passes/sample_shares.h"
 
 #include "libvantor/base/random.h"
 

@@ -1,7 +1,7 @@
 // Adaptive rounds: a pass whose further samples go where the noise is.
-#include "libvantor/integrators/adaptive_rounds.h"
+#include "libvantor/passes/adaptive_rounds.h"
 
-#include "libvantor/integrators/sample_shares.h"
+#include "libvantor/passes/sample_shares.h"
 
 namespace vantor {
 

@@ -1,8 +1,8 @@
 // Rounds: a pass that makes its samples a few at a time, so that it can stop in between.
-#include "libvantor/integrators/rounds.h"
+#include "libvantor/passes/rounds.h"
 
 #include "libvantor/base/pairwise_sum.h"
-#include "libvantor/integrators/error_estimate.h"
+#include "libvantor/passes/error_estimate.h"
 
 namespace vantor {
 

@@ -1,5 +1,5 @@
 // Tile loop: the pixels of a frame, on all cores.
-#include "libvantor/integrators/tile_loop.h"
+#include "libvantor/passes/tile_loop.h"
 
 #include "libvantor/base/pairwise_sum.h"
 #include "libvantor/film/film.h"

@@ -1,9 +1,9 @@
 // Adaptive rounds: a pass whose further samples go where the noise is.
 #pragma once
 
-#include "libvantor/integrators/blocks.h"
-#include "libvantor/integrators/error_estimate.h"
-#include "libvantor/integrators/rounds.h"
+#include "libvantor/passes/blocks.h"
+#include "libvantor/passes/error_estimate.h"
+#include "libvantor/passes/rounds.h"
 
 namespace vantor {
 

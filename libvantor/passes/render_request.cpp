@@ -1,5 +1,5 @@
 // Render request: what a script asks a render pass for, and whether it can be served.
-#include "libvantor/integrators/render_request.h"
+#include "libvantor/passes/render_request.h"
 
 namespace vantor {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "libvantor/film/frame_buffer.h"
-#include "libvantor/integrators/blocks.h"
+#include "libvantor/passes/blocks.h"
 
 #include <vector>
 

@@ -3,8 +3,8 @@
 
 #include "libvantor/base/progress.h"
 #include "libvantor/film/frame_buffer.h"
-#include "libvantor/integrators/blocks.h"
 #include "libvantor/integrators/irradiance_lookup.h"
+#include "libvantor/passes/blocks.h"
 #include "libvantor/world/world.h"
 
 namespace vantor {
