@@ -1,7 +1,8 @@
-// Equiangular sampling: points of a ray, evenly by the angle under which a light sees them.
+// Equiangular sampling: points of a part of a ray, evenly by the angle under which a light sees them.
 #pragma once
 
 #include "libvantor/base/rounding.h"
+#include "libvantor/lights/cone.h"
 
 namespace vantor {
 
@@ -9,32 +10,34 @@ namespace vantor {
 /// "Importance Sampling Techniques for Path Tracing in Participating Media", 2012, section 4.
 class Equiangular {
   public:
-    /// The length may be infinite.
-    Equiangular(const Ray &ray, float its_length, Vec3 light) : length(its_length) {
+    /// Nothing is sampled of a part that is empty.
+    Equiangular(const Ray &ray, RayPart of, Vec3 light) : part(of) {
         nearest = dot(light - ray.origin, ray.direction);
         const Vec3 across = ray.origin + ray.direction * nearest - light;
         // Whatever the height, the pdf fits the choice; a ray that goes through the light is one next to it.
         height = std::max(vantor::length(across), rounding_of(light) + 64 * unit_roundoff * std::fabs(nearest));
-        first = std::atan2(-nearest, height);
-        last = std::atan2(length - nearest, height);
+        first = std::atan2(part.from - nearest, height);
+        last = std::atan2(part.to - nearest, height);
     }
 
-    /// False if rounding has left the ray.
+    /// False if rounding has left the part.
     bool sample(float u, float &distance) const {
         distance = nearest + height * std::tan(first + (last - first) * u);
-        return distance > 0 && distance < length;
+        return distance > part.from && distance < part.to;
     }
 
     float pdf(float distance) const {
+        if (!(distance >= part.from && distance <= part.to))
+            return 0;
         const float beyond = distance - nearest;
         return height / ((last - first) * (height * height + beyond * beyond));
     }
 
   private:
-    float length;
+    RayPart part;
     float nearest; // the distance along the ray to the point next to the light
     float height;  // of the light above that point
-    float first;   // the angles from there to the ray's ends
+    float first;   // the angles from there to the part's ends
     float last;
 };
 

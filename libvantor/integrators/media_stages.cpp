@@ -46,9 +46,9 @@ void PathIntegrator::scatter_in_media(Wave &wave, std::span<Vertex> vertices) co
     }
 }
 
-// Lights that shine from single points light the whole ray, most of it where few paths are scattered: so one of them
-// lights a point of its own choice. Where a path that is scattered there could have been lit by it as well, the two are
-// weighed by their pdfs along the ray.
+// Lights that shine from single points light all of the ray that they reach, most of it where few paths are scattered:
+// so one of them lights a point of its own choice. Where a path that is scattered there could have been lit by it as
+// well, the two are weighed by their pdfs along the ray.
 void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Medium &medium) const {
     if (is_black(medium.sigma_s))
         return;
@@ -57,9 +57,10 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
     const LightChoice choice = world.lights.choose_positional(lit, wave.sample_light_choice(vertex));
     if (!(choice.pmf > 0))
         return;
-    const Equiangular angles(lit.ray, lit.length, *world.lights.position_of(choice.light));
+    const RayPart part = world.lights.lit_part(choice.light, lit);
+    const Equiangular angles(lit.ray, part, *world.lights.position_of(choice.light));
     float distance = 0;
-    if (!angles.sample(wave.sample_2d(vertex, Wave::lit_distance).u, distance))
+    if (part.is_empty() || !angles.sample(wave.sample_2d(vertex, Wave::lit_distance).u, distance))
         return;
     const Vec3 point = lit.ray.origin + lit.ray.direction * distance;
     LightSample light;
@@ -84,9 +85,11 @@ void PathIntegrator::light_medium(Wave &wave, const Vertex &vertex) const {
     if (position) {
         const LightSampleRay lit = ray_in_medium(vertex);
         const float distance = dot(vertex.in_medium - lit.ray.origin, lit.ray.direction);
-        mis_weight = power_heuristic(vertex.distance_pdf * light.choice.pmf,
-                                     Equiangular(lit.ray, lit.length, *position).pdf(distance) *
-                                         world.lights.positional_pmf(lit, light.choice.light));
+        const RayPart part = world.lights.lit_part(light.choice.light, lit);
+        if (!part.is_empty())
+            mis_weight = power_heuristic(vertex.distance_pdf * light.choice.pmf,
+                                         Equiangular(lit.ray, part, *position).pdf(distance) *
+                                             world.lights.positional_pmf(lit, light.choice.light));
     }
     add_medium_light(wave, vertex, world.media_of(path.media), vertex.in_medium, path.throughput * mis_weight, light);
 }

@@ -46,7 +46,8 @@ class BvhLightSampler {
     LightChoice sample(const LightSampleContext &reference, double u) const;
     float pmf(const LightSampleContext &reference, std::uint32_t light) const;
 
-    /// Likewise for a whole ray, by the fluence that finite lights bring to it; infinite ones are not chosen.
+    /// Likewise for a whole ray, by the fluence that finite lights bring to the part of it that they reach; infinite
+    /// ones are not chosen.
     LightChoice sample(const LightSampleRay &reference, double u) const;
     float pmf(const LightSampleRay &reference, std::uint32_t light) const;
 

@@ -2,6 +2,7 @@
 #include "libvantor/lights/bvh_light_weights.h"
 
 #include "libvantor/base/rounding.h"
+#include "libvantor/lights/cone.h"
 
 namespace vantor {
 
@@ -35,6 +36,22 @@ inline Angle difference(Angle a, Angle b) {
 }
 
 inline Angle with_cosine(float cosine) { return {cosine, std::sqrt(larger(0.0f, 1 - cosine * cosine))}; }
+
+// The part of a ray that a child's lights may reach. From anywhere in a sphere around the box they shine into a cone
+// that holds the sphere.
+RayPart lit_part(const BvhLightSampler::Node &node, std::size_t lane, Vec3 center, float radius,
+                 const LightSampleRay &reference) {
+    const RayPart whole{0, reference.length};
+    constexpr float rounding_of_cosines = 1e-6f;
+    const Angle normals = with_cosine(node.cos_normals[lane]);
+    const Angle emission = with_cosine(node.cos_emission[lane]);
+    const float cosine = normals.cosine * emission.cosine - normals.sine * emission.sine - rounding_of_cosines;
+    if (normals.cosine <= 0 || emission.cosine <= 0 || cosine <= 0)
+        return whole;
+    const float sine = with_cosine(cosine).sine;
+    const Vec3 axis{node.axis_x[lane], node.axis_y[lane], node.axis_z[lane]};
+    return SolidCone{center - axis * (radius / sine), axis, sine, cosine}.part_of(reference.ray, whole);
+}
 
 } // namespace
 
@@ -100,20 +117,27 @@ float weigh(const BvhLightSampler::Node &node, const LightSampleContext &referen
 }
 
 // A point light of intensity I at the height h above the ray brings it the fluence I / h times the angle under which it
-// sees the ray: the integral of I / (h^2 + t^2). Where light goes to does not count.
+// sees the ray: the integral of I / (h^2 + t^2). Only the part of the ray counts that light may reach.
 float weigh(const BvhLightSampler::Node &node, const LightSampleRay &reference, BvhLightSampler::Weights &weights) {
     const Ray &ray = reference.ray;
     for (std::size_t i = 0; i < width; ++i) {
-        const Vec3 to_light = Vec3{node.center_x[i], node.center_y[i], node.center_z[i]} - ray.origin;
+        weights[i] = 0;
+        if (!(node.intensity[i] > 0))
+            continue;
+        const Vec3 center{node.center_x[i], node.center_y[i], node.center_z[i]};
+        const Vec3 to_light = center - ray.origin;
         const Vec3 half{node.half_x[i], node.half_y[i], node.half_z[i]};
         const float nearest = dot(to_light, ray.direction);
         const Vec3 across = to_light - ray.direction * nearest;
         const float radius = length(half);
         const float coordinates = largest_coordinate(ray.origin) + std::fabs(nearest);
         const float height = std::max({length(across), radius, rounding * coordinates, std::sqrt(least_square)});
-        const float angle = std::atan2(reference.length - nearest, height) + std::atan2(nearest, height);
+        const RayPart part = lit_part(node, i, center, radius, reference);
+        if (part.is_empty())
+            continue;
+        const float angle = std::atan2(part.to - nearest, height) + std::atan2(nearest - part.from, height);
         const float weight = node.intensity[i] * std::max(angle, 1e-6f) / height;
-        weights[i] = node.intensity[i] > 0 ? std::min(std::max(weight, least_light_weight), most_light_weight) : 0.0f;
+        weights[i] = std::min(std::max(weight, least_light_weight), most_light_weight);
     }
     return in_order(weights);
 }

@@ -3,6 +3,7 @@
 
 #include "libvantor/base/numbers.h"
 #include "libvantor/base/random.h"
+#include "libvantor/lights/cone.h"
 #include "libvantor/lights/light_bounds.h"
 
 #include <concepts>
@@ -41,10 +42,14 @@ concept SamplableLight = requires(const Kind &light, Vec3 reference, Point2f num
     { light.sample(reference, numbers, result) } -> std::same_as<bool>;
 };
 
-/// A finite delta light: `position` is the point that it shines from.
+/// A finite delta light.
+///
+/// - `position` is the point that it shines from.
+/// - `lit_part(ray, whole)`: in one piece, the points of that part of a ray that its light may reach.
 template <class Kind>
-concept PositionalLight = requires(const Kind &light) {
+concept PositionalLight = requires(const Kind &light, const Ray &ray, RayPart whole) {
     { light.position } -> std::convertible_to<Vec3>;
+    { light.lit_part(ray, whole) } -> std::same_as<RayPart>;
 };
 
 /// A finite light with an extent: a surface of the scene, whose front shines.

@@ -1,6 +1,7 @@
 // Point light: shines from one point in all directions.
 #pragma once
 
+#include "libvantor/lights/cone.h"
 #include "libvantor/lights/light_concept.h"
 
 namespace vantor {
@@ -13,6 +14,8 @@ struct PointLight {
     Color intensity;
 
     LightBounds bounds() const { return {position, {}, {0, 0, 1}, -1, 0, luminance(intensity)}; }
+
+    RayPart lit_part(const Ray &, RayPart whole) const { return whole; }
 
     bool sample(Vec3 reference, Point2f, EmissionSample &result) const {
         const Vec3 difference = position - reference;

@@ -37,6 +37,15 @@ struct SpotLight {
         return {position, {}, axis, cos_beam, cos_emission, luminance(intensity)};
     }
 
+    /// The points of a ray that the light may reach.
+    RayPart lit_part(const Ray &ray, RayPart whole) const {
+        // What is outside a cone that is wider than a half-space may come in two pieces.
+        if (one_minus_cos_cutoff >= 1)
+            return whole;
+        const float sine = std::sqrt(one_minus_cos_cutoff * (2 - one_minus_cos_cutoff));
+        return SolidCone{position, axis, sine, 1 - one_minus_cos_cutoff}.part_of(ray, whole);
+    }
+
     bool sample(Vec3 reference, Point2f numbers, EmissionSample &result) const {
         if (!PointLight{position, intensity}.sample(reference, numbers, result))
             return false;

@@ -74,6 +74,18 @@ const Vec3 *LightSet::position_of(std::uint32_t light) const {
         lights[light]);
 }
 
+RayPart LightSet::lit_part(std::uint32_t light, const LightSampleRay &ray) const {
+    const RayPart whole{0, ray.length};
+    return std::visit(
+        [&]<class Kind>(const Kind &kind) {
+            if constexpr (is_positional<Kind>)
+                return kind.lit_part(ray.ray, whole);
+            else
+                return whole;
+        },
+        lights[light]);
+}
+
 bool LightSet::sample_chosen(LightChoice choice, Vec3 point, Point2f numbers, LightSample &result) const {
     if (!(choice.pmf > 0))
         return false;

@@ -52,6 +52,9 @@ class LightSet {
     /// Where a light stands; null if it does not shine from a single point.
     const Vec3 *position_of(std::uint32_t light) const;
 
+    /// The points of a ray that such a light may reach.
+    RayPart lit_part(std::uint32_t light, const LightSampleRay &ray) const;
+
     /// The probability with which sample(reference) chooses a light.
     float pmf(const LightSampleContext &reference, std::uint32_t light) const { return sampler.pmf(reference, light); }
 

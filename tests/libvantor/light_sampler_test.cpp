@@ -276,18 +276,114 @@ TEST(LightSampler, ARayChoosesByWhatALightBringsAlongIt) {
         const LightSampleRay ray{{random.point(4), random.direction()}, i % 2 == 0 ? INFINITY : 2.0f};
         double sum = 0;
         for (std::uint32_t light = 0; light < all.lights.size(); ++light) {
-            ASSERT_GT(all.sampler.pmf(ray, light), 0);
+            if (!std::holds_alternative<SpotLight>(all.lights[light])) {
+                ASSERT_GT(all.sampler.pmf(ray, light), 0);
+            }
             sum += all.sampler.pmf(ray, light);
         }
-        EXPECT_NEAR(sum, 1, 1e-4);
+        EXPECT_LE(sum, 1 + 1e-4);
         for (double u = 0; u < 1; u += 0.01) {
             const LightChoice choice = all.sampler.sample(ray, u);
+            ASSERT_TRUE(choice.pmf > 0 || sum < 1 - 1e-4);
+            if (!(choice.pmf > 0))
+                continue;
             ASSERT_NEAR(choice.pmf, all.sampler.pmf(ray, choice.light), 1e-5 * choice.pmf);
         }
     }
     // Twice as far, half as much: of an infinite ray both see the same angle.
     const Lights two({PointLight{{0, 1, 0}, {1, 1, 1}}, PointLight{{0, -2, 0}, {1, 1, 1}}});
     EXPECT_NEAR(two.sampler.pmf(LightSampleRay{{{-1000, 0, 0}, {1, 0, 0}}, INFINITY}, 0), 2 / 3.0, 1e-3);
+}
+
+/// Whether the spot lights the point, as its own samples tell.
+bool is_lit(const SpotLight &spot, Vec3 point) {
+    EmissionSample sample;
+    return spot.sample(point, {}, sample);
+}
+
+/// Turns and moves whatever is made of it.
+struct Pose {
+    Frame frame;
+    Vec3 origin;
+    Vec3 direction(Vec3 of) const { return frame.world_from_local(of); }
+    Vec3 point(Vec3 of) const { return origin + direction(of); }
+};
+
+// Of a spot at the origin that shines along +Z, up to 45 degrees.
+TEST(SpotLight, APartOfARayIsLit) {
+    const float height = static_cast<float>(1 - std::sqrt(0.5));
+    struct Case {
+        Vec3 from;
+        Vec3 to;
+        RayPart lit; // empty: none
+    };
+    const Case cases[] = {
+        {{-5, 0, 2}, {1, 0, 0}, {3, 7}},                                // across
+        {{-5, 0, 2}, {-1, 0, 0}, {}},                                   // away from it
+        {{-5, 0, -2}, {1, 0, 0}, {}},                                   // behind it
+        {{0.5f, 0, 2}, {1, 0, 0}, {0, 1.5f}},                           // from inside
+        {{0, 0, -3}, {0, 0, 1}, {3, 100}},                              // along the axis
+        {{0, 0, 4}, {0, 0, -1}, {0, 4}},                                // against it
+        {{1, 0, 7}, {0, 0, -1}, {0, 6}},                                // beside the axis
+        {{1, 0, -7}, {0, 0, 1}, {8, 100}},                              //
+        {{-5, 4, 2}, {1, 0, 0}, {}},                                    // past it
+        {{0, -2, 0}, normalized({0, 1, 0.5f}), {1.490712f, 4.472136f}}, // slanting
+    };
+    for (const Vec3 axis : {Vec3{0, 0, 1}, normalized({1, -2, 0.3f}), Vec3{0, -1, 0}})
+        for (const Vec3 place : {Vec3{}, Vec3{1000, -200, 5000}}) {
+            const Pose pose{Frame(axis), place};
+            const SpotLight spot{place, axis, {1, 1, 1}, 0.5f * height, height};
+            for (const Case &each : cases) {
+                const RayPart part = spot.lit_part({pose.point(each.from), pose.direction(each.to)}, {0, 100});
+                ASSERT_EQ(part.is_empty(), each.lit.is_empty());
+                if (part.is_empty())
+                    continue;
+                const float tolerance = place.x > 0 ? 5e-3f : 1e-4f;
+                EXPECT_NEAR(part.from, each.lit.from, tolerance);
+                EXPECT_NEAR(part.to, each.lit.to, tolerance);
+            }
+            const SpotLight wide{place, axis, {1, 1, 1}, 0.5f, 1.2f};
+            const RayPart part = wide.lit_part({pose.point({0, 0, 1}), axis}, {2, 7});
+            EXPECT_EQ(part.from, 2);
+            EXPECT_EQ(part.to, 7);
+        }
+}
+
+TEST(LightSampler, ARayAsksASpotWhereAnyOfItIsLit) {
+    Random random(7);
+    for (const int count : {3, 100}) {
+        std::vector<Light> spots;
+        for (int i = 0; i < count; ++i) {
+            const float cutoff = random.between(0.02f, 1.2f);
+            const auto height = [](float angle) { return 2 * std::sin(0.5f * angle) * std::sin(0.5f * angle); };
+            spots.push_back(SpotLight{
+                random.point(3), random.direction(), {1, 1, 1}, height(random.between(0, cutoff)), height(cutoff)});
+        }
+        const Lights all(spots);
+        int lit = 0;
+        for (int i = 0; i < 100; ++i) {
+            const LightSampleRay ray{{random.point(4), random.direction()}, i % 2 == 0 ? INFINITY : 3.0f};
+            for (std::uint32_t light = 0; light < all.lights.size(); ++light) {
+                const auto &spot = std::get<SpotLight>(all.lights[light]);
+                const RayPart part = spot.lit_part(ray.ray, {0, ray.length});
+                const float pmf = all.sampler.pmf(ray, light);
+                // Beside what rounding may move, the part is where the light arrives.
+                for (int j = 1; j < 100; ++j) {
+                    const float distance = 0.03f * static_cast<float>(j);
+                    if (std::fabs(distance - part.from) < 1e-3f || std::fabs(distance - part.to) < 1e-3f)
+                        continue;
+                    const bool is_within = !part.is_empty() && distance > part.from && distance < part.to;
+                    const bool is_lit_there = is_lit(spot, ray.ray.origin + ray.ray.direction * distance);
+                    ASSERT_EQ(is_lit_there, is_within);
+                    lit += is_lit_there ? 1 : 0;
+                    if (is_lit_there) {
+                        ASSERT_GT(pmf, 0);
+                    }
+                }
+            }
+        }
+        EXPECT_GT(lit, 100);
+    }
 }
 
 // A mesh of a million triangles: few nodes, and any of its lights can be chosen.

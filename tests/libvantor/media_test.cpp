@@ -276,6 +276,70 @@ TEST(Media, LightOfAPointIsScatteredAllAlongTheRay) {
     EXPECT_NEAR(scene.render(8, 8, 16).mean(), expected, 0.005 * expected);
 }
 
+// A ball of radius 1 that scatters once, and a ray through its middle, from +Z, that a spot lights a part of.
+TEST(Media, LightOfASpotIsScatteredWhereTheRayIsInItsCone) {
+    constexpr double absorption = 0.3;
+    constexpr double scattering = 0.02;
+    constexpr double cutoff = 12;
+    struct Case {
+        VtVector3 position;
+        VtVector3 target;
+    };
+    const Case cases[] = {
+        {{0.5, 0, 0.2}, {0, 0, 0.1}},   // in the medium, across the ray
+        {{3, 0, -2}, {0, 0, 0}},        // outside of it
+        {{0.3, 0, 6}, {0.1, 0, 0}},     // the camera is in its cone
+        {{0, 0, -3}, {0, 0, 0}},        // along the ray, towards the camera
+        {{0, 200, 0.5}, {0, 0, 0.5}},   // far away: all of the ray is in the cone
+        {{0.5, 0.2, 0}, {0.5, 0.2, 1}}, // past the ray
+        {{0.5, 0, 0}, {1, 0, 0}},       // away from it
+    };
+    for (const auto &[position, target] : cases) {
+        Scene scene;
+        List settings("max_depth", 1);
+        scene.NewImager("settings", settings);
+        List camera("height", 1e-4, "position", VtVector3(0, 0, 4), "target", VtVector3(0, 0, 0));
+        scene.NewCamera("orthographic", camera);
+        const auto minus = [](const VtVector3 &a, const VtVector3 &b) {
+            return VtVector3(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
+        };
+        const auto dot = [](const VtVector3 &a, const VtVector3 &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; };
+        const double distance = std::sqrt(dot(position, position));
+        const double intensity = 4 * M_PI * std::max(1.0, distance * distance);
+        // Further ones that reach nothing of it, which take no samples.
+        for (int i = 0; i < 20; ++i)
+            scene.light("spot", "position", VtVector3(2, 0.1 * i, 0), "target", VtVector3(4, 0, 0), "intensity",
+                        intensity, "cutoff_angle", cutoff);
+        scene.light("spot", "position", position, "target", target, "intensity", intensity, "cutoff_angle", cutoff,
+                    "beam_width", cutoff);
+        begin_boundary(scene);
+        scene.InteriorBegin(new_interior(scene, "sigma_a", absorption, "sigma_s", scattering));
+        scene.AddObject(scene.object("sphere", "radius", 1.0));
+        scene.InteriorEnd();
+        scene.MaterialEnd();
+        const VtVector3 axis = minus(target, position);
+        double expected = 0;
+        constexpr int steps = 10000; // the midpoint rule along the ray
+        for (int i = 0; i < steps; ++i) {
+            const VtVector3 point(0, 0, -1 + 2 * (i + 0.5) / steps);
+            const VtVector3 from_light = minus(point, position);
+            const double squared_distance = dot(from_light, from_light);
+            const double cosine = dot(axis, from_light) / std::sqrt(dot(axis, axis) * squared_distance);
+            if (cosine < std::cos(cutoff * M_PI / 180))
+                continue;
+            // From the point to the light, or to where that way leaves the ball: |p - s w| = 1.
+            const double along = dot(point, from_light) / std::sqrt(squared_distance);
+            const double to_edge = along + std::sqrt(along * along + 1 - dot(point, point));
+            const double way = 1 - point[2] + std::min(to_edge, std::sqrt(squared_distance));
+            expected += intensity / (4 * M_PI) * scattering * std::exp(-(absorption + scattering) * way) /
+                        squared_distance * 2 / steps;
+        }
+        // As of a point light, only the transmittance varies.
+        const double tolerance = 0.005 * expected;
+        EXPECT_NEAR(scene.render(8, 8, 16).mean(), expected, tolerance) << position[0] << ' ' << position[2];
+    }
+}
+
 TEST(Media, EveryRayOfAnOrthographicCameraHasItsOwn) {
     // The right half of the picture starts in an absorbing box, the left half outside of it.
     Scene scene;
