@@ -10,9 +10,12 @@
 #include <assimp/light.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
+#include <assimp/version.h>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -167,20 +170,26 @@ PyObject *texture_of(const aiTexture &texture) {
 
 constexpr double degrees(double radians) { return radians * 180 / std::numbers::pi; }
 
+// The vertical angle of a glTF camera, of what Assimp calls the horizontal one: that is the vertical one times the
+// aspect in Assimp 5.2, and goes by the tangents in 5.4.
+double vertical_angle(double horizontal, double aspect) {
+    const bool is_by_tangents = std::pair(aiGetVersionMajor(), aiGetVersionMinor()) >= std::pair(5U, 3U);
+    return is_by_tangents ? 2 * std::atan(std::tan(horizontal / 2) / aspect) : horizontal / aspect;
+}
+
 PyObject *camera_of(const aiCamera &camera, const std::vector<PlacedNode> &nodes, bool is_of_gltf) {
     Dict result;
     const bool is_perspective = camera.mOrthographicWidth == 0;
     const double aspect = camera.mAspect > 0 ? double{camera.mAspect} : 1;
     result.set("name", text(camera.mName));
     result.set("type", PyUnicode_FromString(is_perspective ? "perspective" : "orthographic"));
-    // Assimp copies a glTF node's translation here, and the node moves it once more. What it calls the horizontal angle
-    // is the vertical one times the aspect there.
+    // Assimp copies a glTF node's translation here, and the node moves it once more.
     result.set("position", triple(is_of_gltf ? aiVector3D() : camera.mPosition));
     result.set("direction", triple(camera.mLookAt));
     result.set("up", triple(camera.mUp));
     if (is_perspective) {
-        const double angle = degrees(double{camera.mHorizontalFOV});
-        result.set("fov", PyFloat_FromDouble(is_of_gltf ? angle / aspect : angle));
+        const double angle = camera.mHorizontalFOV;
+        result.set("fov", PyFloat_FromDouble(degrees(is_of_gltf ? vertical_angle(angle, aspect) : angle)));
         result.set("fov_axis", PyUnicode_FromString(is_of_gltf ? "vertical" : "horizontal"));
     } else {
         result.set("height", PyFloat_FromDouble(2 * double{camera.mOrthographicWidth} / aspect));
