@@ -51,7 +51,7 @@ class FrameBuffer {
     void add_guides() { guides.resize(static_cast<std::size_t>(pixels())); }
     std::vector<GuideSums> guides; ///< Row after row like the pixels; empty unless they were added.
 
-    /// Has the pass keep what errors are told from.
+    /// Has the pass keep what errors are estimated from.
     void add_halves() { halves.resize(static_cast<std::size_t>(pixels())); }
     std::vector<HalfSums> halves; ///< Likewise.
 

@@ -1,4 +1,4 @@
-// Half groups: what the error of a pixel's mean is told from.
+// Half groups: what the error of a pixel's mean is estimated from.
 #pragma once
 
 #include "libvantor/base/sample_range.h"
@@ -9,8 +9,8 @@ inline constexpr int samples_per_half = samples_per_group / 2;
 
 /// Sums over the halves of a pixel's groups of samples, of the mean luminance of each.
 ///
-/// Samples of a pixel are stratified, so that their own variance says too much of the error of their mean: up to twice
-/// the error. Halves of groups are stratified in themselves; how they differ says it better.
+/// Samples of a pixel are stratified, so that their own variance overestimates the error of their mean, by up to a
+/// factor of two. Halves of groups are stratified in themselves: how they differ is the better estimate.
 struct HalfSums {
     double means = 0;
     double squares = 0; ///< Of the means.

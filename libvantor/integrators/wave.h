@@ -105,7 +105,7 @@ class Wave {
     /// Gives lanes to those vertices of a chunk that scatter their paths, one after the other, and makes the samples
     /// that nearly all of them need.
     std::span<Vertex *const> put_in_lanes(std::span<Vertex> vertices) {
-        // Without branches, here and above: which paths go on cannot be foretold.
+        // Without branches, here and above: which paths go on is unpredictable.
         std::uint32_t count = 0;
         for (Vertex &vertex : vertices) {
             in_lanes[count] = &vertex;

@@ -13,9 +13,8 @@ inline constexpr int first_adaptive_samples = samples_per_group;
 /// Gives the pixels of a frame the samples of their blocks.
 using RenderBlocks = std::function<void(const SamplesOfBlock &samples, FrameBuffer &frame)>;
 
-/// Renders a whole picture in rounds, each of which brings the mean number of samples to up to four times what it was
-/// before; where they go, shared_out() decides by the error after
-/// the round before. The frame then has counts.
+/// Renders a whole picture in rounds, each of which brings the mean number of samples to up to four times what it was.
+/// Where they go, shared_out() decides by the error that the round before has left. The frame then has counts.
 ///
 /// All is decided for the whole picture, so that any window has the same pixels; in the last round, where it is known
 /// to be the last, only blocks that touch the needed area are rendered.

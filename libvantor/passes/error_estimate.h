@@ -8,11 +8,11 @@
 
 namespace vantor {
 
-/// Of so few samples no error can be told.
+/// Of fewer samples no error can be estimated.
 inline constexpr int least_estimated_samples = 2 * samples_per_half;
 
 /// Errors of luminance. Those of a block's pixels are relative to the block's own mean; where that is darker than the
-/// picture is on the whole, to the picture's. How bright that is tells the square of the mean of the roots, so that few
+/// picture is on the whole, to the picture's. The picture's is the square of the mean of the roots, so that few
 /// very bright pixels, those of a lamp or of the sun, do not count for all others.
 struct ErrorEstimate {
     std::vector<double> variances; ///< Of a sample of a pixel, for each block.

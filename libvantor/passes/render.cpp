@@ -170,9 +170,10 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     // From the first check until the files are there: Ctrl-C is heard even where a disk is slow to answer, and what is
     // finished is kept even where it then ends the process.
     const Interrupt interrupt;
-    const RoundLimits limits{Deadline(registry.settings().time_limit), registry.settings().noise};
+    const Settings settings = registry.settings();
+    const Deadline deadline(settings.time_limit);
     const CallReport call(report, "render");
-    if (indirect && registry.settings().max_bounces < Settings().max_bounces) {
+    if (indirect && settings.max_bounces < Settings().max_bounces) {
         report.note("render: \"max_depth\" is given, which the result of radiosity() cannot keep; paths are followed");
         indirect = nullptr;
     }
@@ -181,12 +182,15 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     const PixelArea window = window_of(request, call);
     if (!registry.camera())
         call.diagnostic("there is no camera (newCamera makes one); nothing is rendered");
-    const std::optional<SampleRange> samples = samples_of(request, registry.settings(), call);
+    const std::optional<SampleRange> samples = samples_of(request, settings, call);
     const std::vector<FileImager> imagers = writable_imagers(registry, window, call);
     const Filter filter = imagers.empty() ? Filter() : common_filter(imagers, call);
     const bool denoises = samples && is_any_denoised(imagers, *samples, call);
-    const bool by_noise = samples && looks_at_noise(registry.settings(), *samples, call);
-    const bool fits = !by_noise || may_be_rendered_whole(request, call);
+    const bool by_noise = samples && looks_at_noise(settings, *samples, call);
+    const RoundLimits limits{deadline, by_noise ? settings.noise : 0};
+    const bool is_adaptive = by_noise && settings.is_adaptive && request.samples > first_adaptive_samples;
+    const bool needs_whole = is_adaptive || limits.noise > 0;
+    const bool fits = !needs_whole || may_be_rendered_whole(request, call);
     if (report.refuses_pictures()) {
         report.note(joined({"render: no picture is written: ", std::to_string(report.diagnostics()),
                             " diagnostics so far, and VANTOR_DIAGNOSTICS is strict"}));
@@ -207,7 +211,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     add_aovs(frame, imagers);
     const PixelArea whole{0, 0, request.width, request.height};
     const PixelArea needed = denoises ? with_denoiser_margin(window, whole.width(), whole.height()) : window;
-    const PixelArea &area = by_noise ? whole : needed;
+    const PixelArea &area = needs_whole ? whole : needed;
     std::optional<WideFrame> wide;
     if (area != window)
         wide.emplace(imagers, area, frame);
@@ -228,16 +232,15 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
             Progress progress("render", into.pixels() * range.count());
             render_blocks([&](const PixelArea &) { return range; }, progress, into);
         };
-        if (by_noise && view.settings.is_adaptive && request.samples > first_adaptive_samples) {
+        if (is_adaptive) {
             Progress progress("render", rendered.pixels() * samples->count());
             const auto render_some = [&](const SamplesOfBlock &of_block, FrameBuffer &into) {
                 render_blocks(of_block, progress, into);
             };
             made = render_adaptively(limits, samples->count(), needed, interrupt, render_some, rendered);
-        } else if (by_noise && limits.noise > 0) {
-            rendered.add_halves();
-            made = render_in_rounds(limits, *samples, interrupt, render_samples, rendered);
-        } else if (view.settings.time_limit > 0) {
+        } else if (limits.noise > 0 || settings.time_limit > 0) {
+            if (limits.noise > 0)
+                rendered.add_halves();
             made = render_in_rounds(limits, *samples, interrupt, render_samples, rendered);
         } else {
             if (!samples->is_whole())

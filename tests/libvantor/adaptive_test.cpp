@@ -367,6 +367,9 @@ TEST(Adaptive, APictureThatIsTooLargeAsAWholeIsReported) {
     const std::string lines = errors_of([&] { EXPECT_EQ(made(scene, asked, "adaptive", 1).pixels.width, 0); });
     expect_diagnostics(lines, {{.call = "render", .says = "look at the whole picture, which has more than 268435456"}});
     EXPECT_GT(made(scene, asked).pixels.width, 0);
+    Asked few = asked; // no samples remain to be placed: nothing is estimated
+    few.samples = 16;
+    EXPECT_GT(made(scene, few, "adaptive", 1).pixels.width, 0);
 }
 
 TEST(Noise, APassThatReachesAllSamplesIsThatWithoutIt) {
