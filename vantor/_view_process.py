@@ -19,8 +19,9 @@ from ._render_process import collecting, encoded
 from ._vocabulary import ALL
 
 # What is to be seen: the camera's parameters; size in pixels; which value of each pixel, and how it
-# is shown; how many samples in all. A number tells requests apart.
-Request = collections.namedtuple("Request", "number camera size aov exposure display samples")
+# is shown; how many samples in all; whether colours are denoised. A number tells requests apart.
+Request = collections.namedtuple("Request",
+                                 "number camera size aov exposure display samples denoise")
 
 # The pixel of which it is asked what is there, in fractions of the picture.
 Pick = collections.namedtuple("Pick", "camera size x y")
@@ -117,7 +118,7 @@ class _Server:
     def _follow(self, request):
         before = self._request
         self._request = request
-        same = before and before[1:3] == request[1:3] and before.aov == request.aov
+        same = before and _made_of(before) == _made_of(request)
         if same and self._picture is not None:
             self._show()  # by another exposure
             if before.samples == request.samples:
@@ -161,7 +162,8 @@ class _Server:
                             if ALL.parameter("newImager", "settings", name))
         start = time.monotonic()
         try:
-            picture = self._render(size, count, aovs=_aovs(request), settings=settings)
+            picture = self._render(size, count, aovs=_aovs(request), settings=settings,
+                                   denoise=request.denoise and count > 1)
         except SceneError as error:
             if not self._stopped:
                 self._steps = []
@@ -190,6 +192,7 @@ class _Server:
             "number": request.number, "width": picture.width, "height": picture.height,
             "samples": self._samples, "of": request.samples, "done": not self._steps,
             "error": relative_error(picture) if self._samples > 1 else None,
+            "denoised": request.denoise and self._samples > 1,
         }
         png = picture.png(request.exposure, request.display, request.aov)
         self._connection.send(("picture", (facts, png)))
@@ -217,7 +220,8 @@ class _Server:
         request = save.request
         self._view(request.camera)
         aovs = () if request.aov == "color" else (request.aov,)
-        picture = self._undisturbed(request.size, request.samples, aovs=aovs)
+        picture = self._undisturbed(request.size, request.samples, aovs=aovs,
+                                    denoise=request.denoise and request.samples > 1)
         return encoded(picture, save.ending, request.exposure, request.display, request.aov)
 
     def _undisturbed(self, *asked, **options):
@@ -231,6 +235,11 @@ class _Server:
                     raise
             if not self._stopped:
                 return picture
+
+
+def _made_of(request):
+    """What the pixels depend on, rather than how they are shown."""
+    return request.camera, request.size, request.aov, request.denoise
 
 
 def _aovs(request):

@@ -26,6 +26,7 @@ from ._passes import aov_parameter
 from ._source import Source
 from ._studio import scene_of_model
 from ._view_process import Pick, Request, Save, serve
+from ._vocabulary import ALL
 
 _PAGE = pathlib.Path(__file__).with_name("view.html")
 _LOOPBACK = ("127.0.0.1", "localhost", "::1")
@@ -244,8 +245,10 @@ class _Server:
     async def _page(self, _):
         nonce = secrets.token_urlsafe(12)
         known = aov_parameter()
+        denoises = ALL.parameter("newImager", "file", "denoise") is not None
         text = _PAGE.read_text(encoding="utf-8").replace("NONCE", nonce)
         text = text.replace("AOVS", json.dumps(known.choices if known else ["color"]))
+        text = text.replace("DENOISES", json.dumps(denoises))
         policy = ("default-src 'none'; script-src 'nonce-{0}'; style-src 'nonce-{0}'; "
                   "img-src blob:; connect-src 'self'; base-uri 'none'; form-action 'none'")
         return _web().Response(text=text, content_type="text/html", headers={
@@ -464,4 +467,10 @@ def _request(asked, number):
     display = asked["display"] if aov == "color" else None
     return Request(number, _camera(asked["camera"]), _size(asked["size"]), aov,
                    float(_number(asked["exposure"], -20, 20)), display,
-                   int(_number(asked["samples"], 1, 1 << 20)))
+                   int(_number(asked["samples"], 1, 1 << 20)), _denoises(asked) and aov == "color")
+
+
+def _denoises(asked):
+    if not isinstance(asked["denoise"], bool):
+        raise ValueError("expected true or false, got {!r}".format(asked["denoise"]))
+    return asked["denoise"]

@@ -118,16 +118,29 @@ Planes foreground_irradiance(const FrameBuffer &frame, const NoisyPixels &pixels
     return result;
 }
 
-void add(const Planes &gains, const FrameBuffer &noisy, Picture &picture) {
+// To an AOV's picture. That of a part stays one, whose sums are then of its values.
+void add(const Planes &gains, const FrameBuffer &noisy, Aov aov, FrameBuffer &result) {
+    Picture &picture = result.of(aov);
     const PixelArea &area = picture.window;
     for (int y = area.y0; y < area.y1; ++y)
         for (int x = area.x0; x < area.x1; ++x) {
             const std::size_t i = noisy.index(x, y);
             picture.at(x, y) += Color{gains.x[i], gains.y[i], gains.z[i]};
         }
+    if (const std::optional<PartSums> &part = noisy.of(aov).part; part && !part->samples.is_whole()) {
+        picture.part = PartSums{part->samples, part->reduction, {}};
+        picture.part->pixels.reserve(picture.pixels.size());
+        for (const Color &value : picture.pixels)
+            picture.part->pixels.push_back(SampleSums::of(value, part->samples.count()));
+    }
 }
 
 } // namespace
+
+bool can_be_denoised(const SampleRange &samples) {
+    return samples.count() >= samples_per_group ||
+           run_of(samples.first, samples.in_all) != run_of(samples.end - 1, samples.in_all);
+}
 
 PixelArea with_denoiser_margin(const PixelArea &window, int width, int height) {
     return {std::max(0, window.x0 - margin), std::max(0, window.y0 - margin), std::min(width, window.x1 + margin),
@@ -140,9 +153,9 @@ FrameBuffer denoised(const FrameBuffer &noisy, const SampleRange &samples, const
     const PairFilter filter(pixels, interrupt);
     FrameBuffer result = cropped(noisy, window);
     if (noisy.has(Aov::Color))
-        add(filter.gains(pixels.irradiance), noisy, result.of(Aov::Color));
+        add(filter.gains(pixels.irradiance), noisy, Aov::Color, result);
     if (noisy.has(Aov::Foreground))
-        add(filter.gains(foreground_irradiance(noisy, pixels, samples)), noisy, result.of(Aov::Foreground));
+        add(filter.gains(foreground_irradiance(noisy, pixels, samples)), noisy, Aov::Foreground, result);
     return result;
 }
 

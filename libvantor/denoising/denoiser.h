@@ -5,14 +5,15 @@
 
 namespace vantor {
 
-/// Of how few samples no noise can be told: one has no variance.
-inline constexpr int least_denoised_samples = 2;
+/// Whether the noise of so few samples can be told: by two runs or more, as one has no variance.
+bool can_be_denoised(const SampleRange &samples);
 
 /// What has to be rendered so that the pixels of a window can be denoised as those of the whole picture are.
 PixelArea with_denoiser_margin(const PixelArea &window, int width, int height);
 
 /// What the imagers of a window are shown: the pictures of the noisy frame, whose colour and foreground are denoised.
-/// The noisy frame has guides, is whole, and has the window's margin. Throws Interrupted.
+/// The noisy frame has guides, is whole, and has the window's margin. A part of a picture's samples
+/// stays one: put together with others, it makes the mean. Throws Interrupted.
 ///
 /// Pixels that cannot be told apart (pair_weights.h) share what they have, in pairs: the brighter one loses what the
 /// darker one gains. So no light gets lost where rare bright samples stand out, and the picture's mean is what it was.

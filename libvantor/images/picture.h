@@ -25,11 +25,16 @@ struct Picture {
     Color &at(int x, int y) { return pixels[index(x, y)]; }
     const Color &at(int x, int y) const { return pixels[index(x, y)]; }
 
-    /// Takes an area's pixels from another picture; it lies in the windows of both.
+    /// Takes an area's pixels from another picture, and what they are made of if both have that; it lies in the windows
+    /// of both.
     void copy(const Picture &from, const PixelArea &area) {
+        const bool has_sums = part && from.part;
         for (int y = area.y0; y < area.y1; ++y)
-            for (int x = area.x0; x < area.x1; ++x)
+            for (int x = area.x0; x < area.x1; ++x) {
                 at(x, y) = from.at(x, y);
+                if (has_sums)
+                    part->pixels[index(x, y)] = from.part->pixels[from.index(x, y)];
+            }
     }
 
     /// Of x and y in the pixels, and in those of the part.

@@ -66,6 +66,12 @@ struct SampleSums {
     ColorSum squares; ///< Of the radiance alone.
     double hits = 0;  ///< How many samples have a value.
 
+    /// Of so many samples that all have the value.
+    static SampleSums of(Color value, int count) {
+        const double n = count;
+        return {{n * value.r, n * value.g, n * value.b}, {}, n};
+    }
+
     /// Of further samples.
     void add(const SampleSums &later, Reduction reduction) {
         if (reduction == Reduction::First)

@@ -129,8 +129,9 @@ std::optional<FrameBuffer> denoised_window(const FrameBuffer &rendered, const Sa
                                            const PixelArea &window, const Interrupt &interrupt, const Report &report) {
     if (!rendered.is_whole())
         return {};
-    if (made.count() < least_denoised_samples) {
-        report.note("render: \"denoise\" takes 2 samples a pixel or more; the picture is written as it is");
+    if (!can_be_denoised(made)) {
+        report.note("render: \"denoise\" takes 2 samples a pixel or more, the end of a range 3; the picture is written "
+                    "as it is");
         return {};
     }
     try {
@@ -185,7 +186,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     const std::optional<SampleRange> samples = samples_of(request, settings, call);
     const std::vector<FileImager> imagers = writable_imagers(registry, window, call);
     const Filter filter = imagers.empty() ? Filter() : common_filter(imagers, call);
-    const bool denoises = samples && is_any_denoised(imagers, *samples, call);
+    const bool denoises = std::ranges::any_of(imagers, &FileImager::is_denoised);
     const bool by_noise = samples && looks_at_noise(settings, *samples, call);
     const RoundLimits limits{deadline, by_noise ? settings.noise : 0};
     const bool is_adaptive = by_noise && settings.is_adaptive && request.samples > first_adaptive_samples;
@@ -243,8 +244,10 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
                 rendered.add_halves();
             made = render_in_rounds(limits, *samples, interrupt, render_samples, rendered);
         } else {
-            if (!samples->is_whole())
+            if (!samples->is_whole()) {
+                frame.keep_sums(*samples);
                 rendered.keep_sums(*samples);
+            }
             render_samples(*samples, rendered);
         }
     } catch (const Interrupted &) {

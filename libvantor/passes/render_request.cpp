@@ -116,17 +116,6 @@ std::vector<FileImager> writable_imagers(const Registry &registry, const PixelAr
     return written;
 }
 
-bool is_any_denoised(const std::vector<FileImager> &imagers, const SampleRange &samples, const CallReport &call) {
-    const auto found = std::ranges::find_if(imagers, &FileImager::is_denoised);
-    if (found == imagers.end())
-        return false;
-    if (!samples.is_whole())
-        call.diagnostic(
-            joined({in_quotes(found->path), " asks for \"denoise\", which takes all samples of a picture in "
-                                            "one pass; this part of them is written as it is"}));
-    return samples.is_whole();
-}
-
 Filter common_filter(const std::vector<FileImager> &imagers, const CallReport &call) {
     const Filter filter = imagers.back().filter;
     for (const FileImager &imager : imagers)

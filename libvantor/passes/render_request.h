@@ -33,9 +33,6 @@ bool may_be_rendered_whole(const RenderRequest &request, const CallReport &call)
 /// The imagers whose files can be written, the innermost last; each of the others is reported.
 std::vector<FileImager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call);
 
-/// Whether a file is to be denoised; a part of a picture's samples never is, which is reported.
-bool is_any_denoised(const std::vector<FileImager> &imagers, const SampleRange &samples, const CallReport &call);
-
 /// The filter of the innermost file; another that is asked for is reported. All files of a pass are made of the same
 /// samples.
 Filter common_filter(const std::vector<FileImager> &imagers, const CallReport &call);

@@ -41,6 +41,10 @@ def lit_scene(**options):
     return scene
 
 
+def floats(picture, name="color"):
+    return picture.buffer(name).cast("B").cast("f").tolist()
+
+
 def ball_scene():
     scene = lit_scene()
     with scene.material("plastic", color=(0.8, 0.1, 0.1)), vt.translate(0, 1, 0):

@@ -1,10 +1,11 @@
 """Ranges of samples: parts of a picture, put together; and the time limit."""
 
+import os
 import pickle
 import unittest
 
 import vantor as vt
-from scenes import PackageTest, ball_scene, in_silence
+from scenes import PackageTest, ball_scene, floats, in_silence
 
 AOVS = ("albedo", "normal", "depth", "position", "object_id", "variance")
 
@@ -36,6 +37,34 @@ class PartsTest(PackageTest):
         self.assertEqual(numbers(vt.merge([some, parts[0]])), numbers(whole))
         for part in parts:
             self.assertNotEqual(numbers(part)["color"], numbers(whole)["color"])
+
+    def test_denoised_parts_are_put_together_as_their_mean(self):
+        scene = ball_scene()
+        own = self.path("own.exr")
+        scene.imager("file", name=own)
+        smooth, raw = [], []
+        for first, count in RANGES:
+            smooth.append(scene.render(40, 30, count, first_sample=first, samples_in_all=100,
+                                       window=(0.25, 0, 1, 0.5), aovs="variance", denoise=True))
+            raw.append(vt.Picture.load(own))
+            os.rename(own, self.path("{}.exr".format(first)))
+        self.assertNotEqual(bytes(smooth[0].buffer()), bytes(raw[0].buffer()))
+        merged = vt.merge(smooth)
+        means = [sum(weight * value for weight, value in zip((32, 32, 36), values)) / 100
+                 for values in zip(*map(floats, smooth))]
+        for value, mean in zip(floats(merged), means):
+            self.assertAlmostEqual(value, mean, delta=1e-6 * max(1, mean))
+        # What is not denoised is as ever, in the same pass.
+        scene.imager("file", name=self.path("whole.exr"))
+        whole = scene.render(40, 30, 100, window=(0.25, 0, 1, 0.5), aovs="variance")
+        self.assertEqual(bytes(merged.buffer("variance")), bytes(whole.buffer("variance")))
+        of_files = vt.merge([self.path("{}.exr".format(first)) for first, _ in RANGES])
+        self.assertEqual(bytes(of_files.buffer()), bytes(whole.buffer()))
+        # Of two samples at a range's end nothing can be told.
+        with self.assertWarnsRegex(vt.SceneWarning, "as it is"):
+            end = scene.render(40, 30, 2, first_sample=16, samples_in_all=18, denoise=True)
+        self.assertEqual(bytes(end.buffer()), bytes(scene.render(
+            40, 30, 2, first_sample=16, samples_in_all=18).buffer()))
 
     def test_every_cut_is_the_same(self):
         scene = ball_scene()

@@ -6,11 +6,7 @@ import unittest
 import zlib
 
 import vantor as vt
-from scenes import PackageTest, ball_scene, lit_scene, needs_numpy, numpy, run_script
-
-
-def floats(picture, name="color"):
-    return picture.buffer(name).cast("B").cast("f").tolist()
+from scenes import PackageTest, ball_scene, floats, lit_scene, needs_numpy, numpy, run_script
 
 
 def chunk(name, data):

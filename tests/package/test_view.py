@@ -333,6 +333,11 @@ class PageTest(ViewTest):
         self.set("samples", 64)
         self.wait_for(self.is_done)
         self.assertEqual(self.data("samples"), "64")
+        self.assertNotIn("denoising", self.text("status"))
+        self.changed_by(lambda: self.set("aov", "color"))
+        self.assertIn("before denoising", self.text("status"))
+        self.changed_by(lambda: self.browser.find_element("id", "denoise").click())
+        self.assertNotIn("denoising", self.text("status"))
 
     def test_it_saves_at_full_quality(self):
         fetch = """const done = arguments[arguments.length - 1];
@@ -348,7 +353,7 @@ class PageTest(ViewTest):
                 file.write(bytes(data))
             saved = vt.Picture.load(path)
             width, height = self.js("return size()")
-            expected = Source(self.script).build().render(width, height, 24)
+            expected = Source(self.script).build().render(width, height, 24, denoise=True)
             self.assertEqual((saved.width, saved.height), (width, height))
             if ending == ".exr":
                 self.assertEqual(bytes(saved.buffer()), bytes(expected.buffer()))
