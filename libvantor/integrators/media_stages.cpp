@@ -67,8 +67,9 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
     if (!world.lights.sample_chosen(choice, point, wave.sample_2d(vertex, Wave::light_point), light))
         return;
     const float pdf = angles.pdf(distance);
-    const float mis_weight = power_heuristic(pdf * choice.pmf, medium.distance_pdf(distance, path.throughput) *
-                                                                   world.lights.pmf(point, choice.light));
+    const float mis_weight =
+        power_heuristic(pdf * choice.pmf, medium.distance_pdf(distance, path.throughput) *
+                                              world.lights.pmf(path.light_context(point), choice.light));
     const Color throughput = path.throughput * (medium.sigma_s * medium.transmittance(distance) * (mis_weight / pdf));
     add_medium_light(wave, vertex, medium, point, throughput, light);
 }
@@ -77,8 +78,8 @@ void PathIntegrator::light_the_ray(Wave &wave, const Vertex &vertex, const Mediu
 void PathIntegrator::light_medium(Wave &wave, const Vertex &vertex) const {
     const Path &path = *vertex.path;
     LightSample light;
-    if (!wave.direct_light.sample(vertex.in_medium, wave.sample_light_choice(vertex), wave.light_points[vertex.lane],
-                                  light))
+    if (!wave.direct_light.sample(path.light_context(vertex.in_medium), wave.sample_light_choice(vertex),
+                                  wave.light_points[vertex.lane], light))
         return;
     const Vec3 *position = vertex.is_ray_lit ? world.lights.position_of(light.choice.light) : nullptr;
     float mis_weight = 1;
@@ -111,7 +112,7 @@ bool PathIntegrator::scatter_at_point(const Wave &wave, const Vertex &vertex) co
     const Medium &medium = world.media_of(path.media);
     const Vec3 before = path.ray.direction;
     const Vec3 direction = medium.phase.sample(before, wave.next_directions[vertex.lane]);
-    path.vertex = vertex.in_medium;
+    path.vertex = path.light_context(vertex.in_medium);
     path.direction_pdf = medium.phase.evaluate(dot(before, direction));
     path.finds_lights = false;
     return vertex.leave(RayStart{vertex.in_medium}, direction);

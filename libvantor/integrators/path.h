@@ -31,6 +31,12 @@ struct Path {
     /// Whether the ray is still the camera's: at most passed straight through surfaces that are not quite opaque.
     bool is_from_camera() const { return bounces == 0; }
 
+    /// The context of light samples at its vertex. Where few of the rays are followed, they find too little.
+    LightSampleContext light_context(LightSampleContext at) const {
+        at.has_bsdf_samples = !finds_only_lights;
+        return at;
+    }
+
     /// Goes on from there. False if the ray cannot be followed.
     bool leave(Vec3 from, Vec3 direction) {
         ray = {from, direction};

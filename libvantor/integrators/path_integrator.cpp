@@ -193,12 +193,13 @@ void PathIntegrator::sample_direct_light(Wave &wave, std::span<Vertex *const> in
     for (std::size_t i = 0; i < in_lanes.size(); ++i) {
         const Vertex &vertex = *in_lanes[i];
         if (wave.diffuse.are_set[i]) {
-            world.lights.choose(wave.diffuse.light_context(i), wave.sample_light_choice(vertex), i, wave.lights);
+            world.lights.choose(vertex.path->light_context(wave.diffuse.light_context(i)),
+                                wave.sample_light_choice(vertex), i, wave.lights);
             wave.carried.throughput.set(i, vertex.path->throughput);
             wave.carried.ray_fraction[i] = vertex.path->finds_only_lights ? last_ray_fraction : 1.0f;
         } else if (vertex.kind == Kind::Surface && !vertex.surface->is_specular()) {
-            world.lights.choose(vertex.surface->light_context(*vertex.hit), wave.sample_light_choice(vertex), i,
-                                wave.lights);
+            world.lights.choose(vertex.path->light_context(vertex.surface->light_context(*vertex.hit)),
+                                wave.sample_light_choice(vertex), i, wave.lights);
         }
     }
     world.lights.sample(wave.light_points, wave.lights);
@@ -261,7 +262,7 @@ void PathIntegrator::scatter(const Wave &wave, std::span<Vertex *const> in_lanes
             return false;
         Path &path = *vertex.path;
         path.throughput *= wave.diffuse.reflectance[lane];
-        path.vertex = wave.diffuse.light_context(lane);
+        path.vertex = path.light_context(wave.diffuse.light_context(lane));
         path.direction_pdf = scattered.pdf[lane];
         path.finds_lights = false;
         return leave_surface(vertex, scattered.start[lane], scattered.direction[lane]);
@@ -278,7 +279,7 @@ bool PathIntegrator::scatter_at_surface(const Wave &wave, const Vertex &vertex) 
     if (!vertex.bsdf->sample(wave.next_directions[vertex.lane], wave.sample_unstratified(vertex, Wave::lobe), next))
         return false;
     path.throughput *= next.weight;
-    path.vertex = vertex.surface->light_context(*vertex.hit);
+    path.vertex = path.light_context(vertex.surface->light_context(*vertex.hit));
     path.direction_pdf = next.pdf;
     path.finds_lights = next.is_specular;
     return leave_surface(vertex, vertex.hit->origin_towards(next.wi), next.wi);

@@ -12,6 +12,17 @@ namespace {
 constexpr float least_share = 0.05f;
 constexpr float even_part_of_infinite = 0.2f;
 
+// How much of an infinite light is for light samples to find. BSDF samples find what is the same from everywhere at
+// least as well, and a light sample that goes to an even sky is one less of the sun.
+float part_of_light_samples(const InfiniteLightBounds &light, const LightSampleContext &reference) {
+    constexpr float least_part = 0.02f;
+    return reference.has_bsdf_samples ? std::max(light.contrast, least_part) : 1.0f;
+}
+
+float weight(const InfiniteLightBounds &light, const LightSampleContext &reference) {
+    return part_of_light_samples(light, reference) * light.irradiance(reference.normal);
+}
+
 // Which of some weights a number in [0, sum) falls into. The number is then the rest of it, from 0 to 1.
 template <class Weights> std::size_t chosen(const Weights &weights, float sum, double &u) {
     const double wanted = u * sum;
@@ -65,23 +76,28 @@ BvhLightSampler::TreePmf BvhLightSampler::tree_pmf(const Reference &reference, s
 }
 
 BvhLightSampler::Shares BvhLightSampler::shares(const LightSampleContext &reference, float finite_sum) const {
-    float infinite_sum = 0;
-    for (const InfiniteLight &infinite : infinite_lights)
-        infinite_sum += infinite.bounds.irradiance(reference.normal);
-    const float scaled = std::clamp(infinite_sum * intensity_scale, least_light_weight, most_light_weight);
+    float weight_sum = 0;
+    float part_sum = 0;
+    for (const InfiniteLight &infinite : infinite_lights) {
+        weight_sum += weight(infinite.bounds, reference);
+        part_sum += part_of_light_samples(infinite.bounds, reference);
+    }
+    const float scaled = std::clamp(weight_sum * intensity_scale, least_light_weight, most_light_weight);
     if (infinite_lights.empty() || !(finite_sum > 0)) {
         const float infinite = infinite_lights.empty() ? 0.0f : 1.0f;
-        return {1 - infinite, infinite, infinite_sum};
+        return {1 - infinite, infinite, weight_sum, part_sum};
     }
     const float finite = std::clamp(finite_sum / (finite_sum + scaled), least_share, 1 - least_share);
-    return {finite, 1 - finite, infinite_sum};
+    return {finite, 1 - finite, weight_sum, part_sum};
 }
 
-float BvhLightSampler::infinite_pmf(const Shares &shares, float irradiance) const {
+float BvhLightSampler::infinite_pmf(const Shares &shares, const LightSampleContext &reference,
+                                    const InfiniteLight &light) const {
     if (infinite_lights.size() == 1)
         return shares.infinite;
-    const float even = even_part_of_infinite / static_cast<float>(infinite_lights.size());
-    return shares.infinite * (even + (1 - even_part_of_infinite) * (irradiance / shares.infinite_sum));
+    const float even = part_of_light_samples(light.bounds, reference) / shares.part_sum;
+    const float weighed = weight(light.bounds, reference) / shares.weight_sum;
+    return shares.infinite * (even_part_of_infinite * even + (1 - even_part_of_infinite) * weighed);
 }
 
 LightChoice BvhLightSampler::sample(const LightSampleContext &reference, double u) const {
@@ -101,7 +117,7 @@ LightChoice BvhLightSampler::sample(const LightSampleContext &reference, double 
     double up_to = all.finite;
     LightChoice choice{0, 0};
     for (const InfiniteLight &infinite : infinite_lights) {
-        choice = {infinite.light, infinite_pmf(all, infinite.bounds.irradiance(reference.normal))};
+        choice = {infinite.light, infinite_pmf(all, reference, infinite)};
         up_to += choice.pmf;
         if (u < up_to)
             break;
@@ -118,7 +134,7 @@ float BvhLightSampler::pmf(const LightSampleContext &reference, std::uint32_t li
     if (slot >= is_light) {
         Weights weights;
         const Shares all = shares(reference, nodes.empty() ? 0.0f : weigh(nodes.front(), reference, weights));
-        return infinite_pmf(all, infinite_lights[slot - is_light].bounds.irradiance(reference.normal));
+        return infinite_pmf(all, reference, infinite_lights[slot - is_light]);
     }
     const TreePmf in_tree = tree_pmf(reference, light);
     if (infinite_lights.empty() || in_tree.pmf == 0)

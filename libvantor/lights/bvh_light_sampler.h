@@ -72,12 +72,13 @@ class BvhLightSampler {
   private:
     // How the choice is shared among the tree and the infinite lights.
     struct Shares {
-        float finite;       // the probability of the tree
-        float infinite;     // of all infinite lights together
-        float infinite_sum; // of their irradiances
+        float finite;     // the probability of the tree
+        float infinite;   // of all infinite lights together
+        float weight_sum; // of the infinite lights, by weight()
+        float part_sum;   // likewise, by part_of_light_samples()
     };
     Shares shares(const LightSampleContext &reference, float finite_sum) const;
-    float infinite_pmf(const Shares &shares, float irradiance) const;
+    float infinite_pmf(const Shares &shares, const LightSampleContext &reference, const InfiniteLight &light) const;
 
     template <class Reference>
     LightChoice descend(const Reference &reference, double u, Weights weights, float sum) const;

@@ -72,6 +72,7 @@ Environment::Environment(Raster of, Color its_scale, const Affine &its_world_fro
 
     InterpolatedLuminances luminances(picture, scale);
     double sum = 0;
+    double squares = 0;
     // The mean direction of a pixel is shorter than that of its middle by these: of latitudes, and of longitudes.
     const double half_turn = std::numbers::pi / static_cast<double>(picture.width());
     const double shortened = std::sin(half_turn) / half_turn;
@@ -84,6 +85,7 @@ Environment::Environment(Raster of, Color its_scale, const Affine &its_world_fro
         const float mean_cosine = 0.5f * (cos_thetas[r] + cos_thetas[r + 1]);
         Vec3 row_vector;
         for (std::size_t c = 0; c < weights.size(); ++c) {
+            squares += static_cast<double>(weights[c]) * weights[c] * solid_angle;
             sum += weights[c] *= solid_angle;
             const float turn = (static_cast<float>(c) + 0.5f) / static_cast<float>(weights.size());
             const warp::SineCosine along = warp::sine_cosine_of_turn(turn);
@@ -95,6 +97,7 @@ Environment::Environment(Raster of, Color its_scale, const Affine &its_world_fro
     auto of_picture = std::make_unique<const Distribution>(picture.width(), picture.height(), write_weights);
     total = static_cast<float>(sum);
     vector = world_from_local(vector);
+    its_contrast = static_cast<float>(std::clamp(1 - sum * sum / (4 * std::numbers::pi * squares), 0.0, 1.0));
     if (total > 0 && std::isfinite(total))
         distribution = std::move(of_picture);
 }

@@ -36,7 +36,10 @@ class Environment {
     /// The luminance, integrated over all directions of its own space.
     float fluence() const { return total; }
 
-    /// The same with the unit vectors of the directions, in the world.
+    /// Of the luminance: see InfiniteLightBounds.
+    float contrast() const { return its_contrast; }
+
+    /// The fluence with the unit vectors of the directions, in the world.
     Vec3 vector_irradiance() const { return vector; }
 
   private:
@@ -57,6 +60,7 @@ class Environment {
     std::vector<float> cos_thetas; // of the polar angle at the rows' edges, from 1 at the top to -1
     std::unique_ptr<const Distribution> distribution;
     float total = 0;
+    float its_contrast = 0;
     Vec3 vector;
 };
 
@@ -67,7 +71,9 @@ struct EnvironmentLight {
 
     std::shared_ptr<const Environment> environment; ///< Behind a pointer, as most lights are smaller.
 
-    InfiniteLightBounds bounds() const { return {environment->vector_irradiance(), environment->fluence()}; }
+    InfiniteLightBounds bounds() const {
+        return {environment->vector_irradiance(), environment->fluence(), environment->contrast()};
+    }
 
     bool sample(Vec3, Point2f numbers, EmissionSample &result) const {
         result.to_light = environment->sample(numbers, result.pdf);

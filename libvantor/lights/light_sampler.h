@@ -16,6 +16,11 @@ struct LightSampleContext {
     /// counts, and where the choice shall not depend on it.
     Vec3 normal;
 
+    /// Whether BSDF samples, or those of a phase function, find lights from the point as well, and are weighed against
+    /// light samples (multiple importance sampling). Light that is nearly the same from everywhere is then left to
+    /// them.
+    bool has_bsdf_samples = false;
+
     // Implicit: a point alone will do.
     LightSampleContext(Vec3 its_point, Vec3 its_normal = {}) : point(its_point), normal(its_normal) {}
 };

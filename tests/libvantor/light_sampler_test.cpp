@@ -124,7 +124,8 @@ TEST(LightSampler, ProbabilitiesAddUpAndAreThoseOfTheSamples) {
         for (const bool has_sky : {false, true}) {
             const Lights all(has_sky ? with_sky(mixed(random, count, 3)) : mixed(random, count, 3));
             for (int i = 0; i < 20; ++i) {
-                const LightSampleContext reference(random.point(4), i % 3 == 0 ? Vec3() : random.direction());
+                LightSampleContext reference(random.point(4), i % 3 == 0 ? Vec3() : random.direction());
+                reference.has_bsdf_samples = i % 2 == 0;
                 double sum = 0;
                 for (std::uint32_t light = 0; light < all.lights.size(); ++light) {
                     const float pmf = all.sampler.pmf(reference, light);
@@ -253,6 +254,28 @@ TEST(LightSampler, TheShareIsWhatALightBrings) {
     const Lights sun_and_sky({DistantLight{{0, 0.6f, 0.8f}, white}, sky(1 / pi)});
     EXPECT_NEAR(sun_and_sky.sampler.pmf(up, 0), 0.1 + 0.8 * 0.6 / 1.6, 1e-4);
     EXPECT_NEAR(sun_and_sky.sampler.pmf(LightSampleContext({0, 0, 0}, {0, -1, 0}), 0), 0.1, 1e-4);
+}
+
+TEST(LightSampler, AnEvenSkyIsLeftToBsdfSamples) {
+    const Color white{1, 1, 1};
+    const auto environment = [](const Raster &picture) {
+        return EnvironmentLight{std::make_shared<const Environment>(picture, Color{1, 1, 1}, Affine(), Interrupt())};
+    };
+    const EnvironmentLight even = environment(Raster(1, 1, {{1, 1, 1}}));
+    std::vector<Color> pixels(64 * 32, {0.1f, 0.1f, 0.1f});
+    pixels[12 * 64 + 20] = {5000, 5000, 5000};
+    const EnvironmentLight with_sun = environment(Raster(64, 32, std::move(pixels)));
+    LightSampleContext up({0, 0, 0}, {0, 1, 0});
+    up.has_bsdf_samples = true;
+    const auto chance = [&](std::vector<Light> lights) { return Lights(std::move(lights)).sampler.pmf(up, 0); };
+    const DistantLight sun{{0, 0.6f, 0.8f}, white};
+    EXPECT_LT(chance({even, sun}), 0.1);
+    EXPECT_GT(chance({even, sun}), 0.01); // never none
+    EXPECT_GT(chance({with_sun, sun}), 0.3);
+    EXPECT_LE(chance({even, PointLight{{0, 1, 0}, white}}), 0.1);
+    EXPECT_EQ(chance({even}), 1);
+    EXPECT_NEAR(chance({even, even}), 0.5, 1e-5);
+    EXPECT_NEAR(chance({sun, sun}), 0.5, 1e-5);
 }
 
 TEST(LightSampler, OneLightIsCertainAndNoneIsNeverChosen) {

@@ -352,9 +352,12 @@ TEST(LightSampling, BoundsAreThoseOfTheFormulas) {
     const InfiniteLightBounds even =
         EnvironmentLight{std::make_shared<const Environment>(constant, grey, Affine(), Interrupt())}.bounds();
     EXPECT_NEAR(even.fluence, 4 * pi * 2, 1e-3);
+    EXPECT_NEAR(even.contrast, 0, 1e-5);
+    EXPECT_EQ(disk.contrast, 1);
     const Raster above(2, 2, {{1, 1, 1}, {1, 1, 1}, {0, 0, 0}, {0, 0, 0}});
     const InfiniteLightBounds upper =
         EnvironmentLight{std::make_shared<const Environment>(above, grey, Affine(), Interrupt())}.bounds();
+    EXPECT_NEAR(upper.contrast, 0.3, 0.2); // half, were it not interpolated
     EXPECT_GT(upper.irradiance({0, 1, 0}), upper.irradiance({1, 0, 0}));
     EXPECT_GT(upper.irradiance({1, 0, 0}), upper.irradiance({0, -1, 0}));
 }
