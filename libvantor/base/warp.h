@@ -4,6 +4,8 @@
 #include "libvantor/base/numbers.h"
 #include "libvantor/base/random.h"
 
+#include <array>
+
 namespace vantor::warp {
 
 /// Sine and cosine of a whole turn times a number in [0, 1); the error is below 1e-6. Written out, without a branch, so
@@ -64,5 +66,36 @@ inline Point2f triangle(Point2f sample) {
 
 /// An offset from -1 to 1 under the tent 1 - |x|, from a uniform number.
 inline float tent(float sample) { return sample < 0.5f ? std::sqrt(2 * sample) - 1 : 1 - std::sqrt(2 - 2 * sample); }
+
+/// From 0 to 1 by a pdf that goes from a to b in a straight line; neither is below 0. Pharr, Jakob, Humphreys,
+/// "Physically Based Rendering", 4th ed., 2.3.2; here and below, what is nowhere above 0 is sampled evenly.
+inline float linear(float sample, float a, float b) {
+    const float denominator = a + std::sqrt((1 - sample) * a * a + sample * b * b);
+    return denominator > 0 ? std::min(sample * (a + b) / denominator, 1.0f) : sample;
+}
+
+/// Values at the corners of the unit square, 0 or more: at (0, 0), (1, 0), (0, 1) and (1, 1).
+using BilinearPatch = std::array<float, 4>;
+
+inline float mean(const BilinearPatch &patch) {
+    return 0.25f * patch[0] + 0.25f * patch[1] + 0.25f * patch[2] + 0.25f * patch[3];
+}
+
+/// A point of the unit square, by a pdf in proportion to what is interpolated bilinearly: as above, 2.4.2.
+inline Point2f bilinear(Point2f sample, const BilinearPatch &patch) {
+    // Squares of the values themselves may overflow, or underflow.
+    const float scale = mean(patch);
+    if (!(scale > 0))
+        return sample;
+    const BilinearPatch p{patch[0] / scale, patch[1] / scale, patch[2] / scale, patch[3] / scale};
+    const float v = linear(sample.v, p[0] + p[1], p[2] + p[3]);
+    return {linear(sample.u, p[0] * (1 - v) + p[2] * v, p[1] * (1 - v) + p[3] * v), v};
+}
+inline float bilinear_pdf(Point2f point, const BilinearPatch &patch) {
+    const float scale = mean(patch);
+    const float upper = patch[0] * (1 - point.u) + patch[1] * point.u;
+    const float lower = patch[2] * (1 - point.u) + patch[3] * point.u;
+    return scale > 0 ? (upper * (1 - point.v) + lower * point.v) / scale : 0;
+}
 
 } // namespace vantor::warp

@@ -1,62 +1,53 @@
 // Environment: light from all directions, from a picture of them.
 #include "libvantor/lights/environment.h"
 
-#include "libvantor/base/warp.h"
-
 #include <numbers>
 
 namespace vantor {
 
 namespace {
 
-// The mean over a pixel of what is interpolated from the middles of pixels: along each axis the pixel itself counts
-// 3/4 and either neighbour 1/8, the integrals of the tents around them.
-float mean_of_neighbours(float before, float itself, float after) {
-    return 0.125f * before + 0.75f * itself + 0.125f * after;
-}
-
-// The luminance of each pixel of the interpolated picture, row after row.
-class InterpolatedLuminances {
+// The mean luminance of each cell's corners, row after row.
+class CellLuminances {
   public:
-    InterpolatedLuminances(const Raster &of, Color its_scale)
-        : picture(of), scale(its_scale), line(static_cast<std::size_t>(of.width())), before(line.size()),
-          itself(line.size()), after(line.size()) {
-        blend_across(0, after);
-        itself = after;
-    }
+    CellLuminances(const Raster &of, Color its_scale)
+        : picture(of), scale(its_scale), above(static_cast<std::size_t>(of.width())), below(above.size()) {}
 
     void write_next_row(std::span<float> luminances) {
-        before.swap(itself);
-        itself = after; // the last row's next one is itself
-        if (++row < picture.height())
-            blend_across(row, after);
-        for (std::size_t c = 0; c < line.size(); ++c)
-            luminances[c] = mean_of_neighbours(before[c], itself[c], after[c]);
+        above.swap(below);
+        if (row < picture.height())
+            for (std::size_t c = 0; c < below.size(); ++c)
+                below[c] = luminance(picture.at(static_cast<int>(c), row) * scale);
+        else
+            below = above;
+        if (row == 0)
+            above = below;
+        ++row;
+        const std::size_t last = below.size() - 1;
+        for (std::size_t c = 0; c <= last; ++c) {
+            const std::size_t next = c < last ? c + 1 : 0;
+            luminances[c] = warp::mean({above[c], above[next], below[c], below[next]});
+        }
     }
 
   private:
-    void blend_across(int y, std::vector<float> &blended) {
-        for (std::size_t c = 0; c < line.size(); ++c)
-            line[c] = luminance(picture.at(static_cast<int>(c), y) * scale);
-        const std::size_t last = line.size() - 1;
-        for (std::size_t c = 0; c <= last; ++c)
-            blended[c] = mean_of_neighbours(line[c > 0 ? c - 1 : last], line[c], line[c < last ? c + 1 : 0]);
-    }
-
     const Raster &picture;
     Color scale;
     int row = 0;
-    std::vector<float> line;
-    // Rows that are interpolated along themselves.
-    std::vector<float> before;
-    std::vector<float> itself;
-    std::vector<float> after;
+    std::vector<float> above;
+    std::vector<float> below;
 };
 
-// Of the polar angle, over the solid angle between two cosines: the integral of sqrt(1 - c^2).
-double mean_sine(double cos_upper, double cos_lower) {
-    const auto integral = [](double c) { return 0.5 * (c * std::sqrt(std::max(0.0, 1 - c * c)) + std::asin(c)); };
-    return (integral(cos_upper) - integral(cos_lower)) / (cos_upper - cos_lower);
+// One minus the cosine, without its loss of digits.
+double drop_of(double angle) {
+    const double sine = std::sin(0.5 * angle);
+    return 2 * sine * sine;
+}
+
+// Of the polar angle, over the solid angle between two of them: the integral of sin^2 over that of sin.
+double mean_sine(double upper, double lower) {
+    const double integral = 0.5 * (lower - upper) - 0.25 * (std::sin(2 * lower) - std::sin(2 * upper));
+    return integral / (std::cos(upper) - std::cos(lower));
 }
 
 } // namespace
@@ -64,37 +55,36 @@ double mean_sine(double cos_upper, double cos_lower) {
 Environment::Environment(Raster of, Color its_scale, const Affine &its_world_from_local, const Interrupt &interrupt)
     : picture(std::move(of)), scale(its_scale), world_from_local(its_world_from_local.linear),
       local_from_world(its_world_from_local.inverse), determinant(std::fabs(its_world_from_local.determinant)) {
-    const auto rows = static_cast<std::size_t>(picture.height());
-    cos_thetas.reserve(rows + 1);
-    for (std::size_t r = 0; r <= rows; ++r)
-        cos_thetas.push_back(
-            static_cast<float>(std::cos(std::numbers::pi * static_cast<double>(r) / static_cast<double>(rows))));
+    const int rows = picture.height() + 1;
+    const auto edge = [&](int row) { return std::numbers::pi * std::clamp(row - 0.5, 0.0, rows - 1.0) / (rows - 1); };
+    for (int ring = 0; ring <= picture.height() / 2 + 1; ++ring)
+        drops.push_back(static_cast<float>(drop_of(edge(ring))));
 
-    InterpolatedLuminances luminances(picture, scale);
+    CellLuminances luminances(picture, scale);
     double sum = 0;
     double squares = 0;
-    // The mean direction of a pixel is shorter than that of its middle by these: of latitudes, and of longitudes.
+    // The mean direction of a cell is shorter than that of its middle by these: of latitudes, and of longitudes.
     const double half_turn = std::numbers::pi / static_cast<double>(picture.width());
     const double shortened = std::sin(half_turn) / half_turn;
     const auto write_weights = [&](int row, std::span<float> weights) {
         interrupt.check();
         luminances.write_next_row(weights);
-        const auto r = static_cast<std::size_t>(row);
-        const float solid_angle = pixel_solid_angle(row);
-        const float mean_radius = static_cast<float>(shortened * mean_sine(cos_thetas[r], cos_thetas[r + 1]));
-        const float mean_cosine = 0.5f * (cos_thetas[r] + cos_thetas[r + 1]);
+        const float angle = solid_angle(row);
+        const float mean_radius = static_cast<float>(shortened * mean_sine(edge(row), edge(row + 1)));
+        const float mean_cosine = static_cast<float>(0.5 * (std::cos(edge(row)) + std::cos(edge(row + 1))));
         Vec3 row_vector;
         for (std::size_t c = 0; c < weights.size(); ++c) {
-            squares += static_cast<double>(weights[c]) * weights[c] * solid_angle;
-            sum += weights[c] *= solid_angle;
-            const float turn = (static_cast<float>(c) + 0.5f) / static_cast<float>(weights.size());
+            squares += static_cast<double>(weights[c]) * weights[c] * angle;
+            sum += weights[c] *= angle;
+            const std::size_t middle = c + 1 < weights.size() ? c + 1 : 0;
+            const float turn = static_cast<float>(middle) / static_cast<float>(weights.size());
             const warp::SineCosine along = warp::sine_cosine_of_turn(turn);
             row_vector =
                 row_vector + Vec3{-mean_radius * along.sine, mean_cosine, mean_radius * along.cosine} * weights[c];
         }
         vector = vector + row_vector;
     };
-    auto of_picture = std::make_unique<const Distribution>(picture.width(), picture.height(), write_weights);
+    auto of_picture = std::make_unique<const Distribution>(picture.width(), rows, write_weights);
     total = static_cast<float>(sum);
     vector = world_from_local(vector);
     its_contrast = static_cast<float>(std::clamp(1 - sum * sum / (4 * std::numbers::pi * squares), 0.0, 1.0));
@@ -102,69 +92,106 @@ Environment::Environment(Raster of, Color its_scale, const Affine &its_world_fro
         distribution = std::move(of_picture);
 }
 
-float Environment::pixel_solid_angle(int row) const {
-    const auto r = static_cast<std::size_t>(row);
-    return 2 * pi * (cos_thetas[r] - cos_thetas[r + 1]) / static_cast<float>(picture.width());
+Environment::Ring Environment::ring_of(int row) const {
+    const int from_below = picture.height() - row;
+    const auto ring = static_cast<std::size_t>(std::min(row, from_below));
+    return {from_below < row, drops[ring], drops[ring + 1] - drops[ring]};
+}
+
+float Environment::solid_angle(int row) const {
+    return 2 * pi * ring_of(row).height / static_cast<float>(picture.width());
 }
 
 // The middle of the picture is -Z, its upper edge +Y, and +X a quarter of it to the right: as the panorama camera sees.
-Point2f Environment::image_point(Vec3 local) const {
+Environment::Place Environment::place_of(Vec3 local) const {
     const float turn = std::atan2(local.x, -local.z) * (0.5f * inverse_pi) + 0.5f;
     const float polar = std::atan2(std::sqrt(local.x * local.x + local.z * local.z), local.y) * inverse_pi;
     // Under extreme transforms an angle may be NaN.
     const auto inside = [](float fraction) { return fraction >= 0 ? std::min(fraction, 1.0f) : 0.0f; };
-    return {inside(turn) * static_cast<float>(picture.width()), inside(polar) * static_cast<float>(picture.height())};
+    const float x = inside(turn) * static_cast<float>(picture.width()) - 0.5f;
+    const float y = inside(polar) * static_cast<float>(picture.height()) - 0.5f;
+    const float column = std::floor(x);
+    const int row = std::min(static_cast<int>(std::floor(y)) + 1, picture.height());
+    const Cell cell{column < 0 ? picture.width() - 1 : static_cast<int>(column), row};
+    return {cell, {x - column, down_by_angle(y, row)}};
 }
 
-Color Environment::interpolated(Point2f point) const {
-    const int width = picture.width();
-    const int last_row = picture.height() - 1;
-    const float x = point.u - 0.5f;
-    const float y = std::clamp(point.v - 0.5f, 0.0f, static_cast<float>(last_row));
-    const int column = static_cast<int>(std::floor(x));
-    const int row = std::min(static_cast<int>(y), std::max(last_row - 1, 0));
-    const float right = x - static_cast<float>(column);
-    const float down = y - static_cast<float>(row);
-    // The point lies between the edges, or on one of them.
-    const auto around = [width](int i) { return i < 0 ? i + width : i >= width ? i - width : i; };
-    const int columns[] = {around(column), around(column + 1)};
+// The point is y pixels below the middles of the first row.
+float Environment::down_by_angle(float y, int row) const {
+    const bool is_around_pole = row == 0 || row == picture.height();
+    return is_around_pole ? 0 : std::clamp(y - static_cast<float>(row - 1), 0.0f, 1.0f);
+}
+
+Environment::Corners Environment::corners_of(Cell cell) const {
+    const int next = cell.column + 1 < picture.width() ? cell.column + 1 : 0;
+    const int above = std::max(cell.row - 1, 0);
+    const int below = std::min(cell.row, picture.height() - 1);
+    return {picture.at(cell.column, above), picture.at(next, above), picture.at(cell.column, below),
+            picture.at(next, below)};
+}
+
+Color Environment::interpolated(const Corners &corners, Point2f within) const {
     const auto blended = [](Color a, Color b, float t) { return a * (1 - t) + b * t; };
-    const auto in_row = [&](int r) { return blended(picture.at(columns[0], r), picture.at(columns[1], r), right); };
-    return blended(in_row(row), in_row(std::min(row + 1, last_row)), down);
+    return blended(blended(corners[0], corners[1], within.u), blended(corners[2], corners[3], within.u), within.v) *
+           scale;
 }
 
 Color Environment::radiance(Vec3 direction) const {
-    return interpolated(image_point(local_from_world(direction))) * scale;
+    const Place place = place_of(local_from_world(direction));
+    return interpolated(corners_of(place.cell), place.within);
 }
 
-Vec3 Environment::sample(Point2f numbers, float &direction_pdf) const {
-    const Distribution::Sample cell = distribution->sample(numbers);
-    const auto row = static_cast<std::size_t>(cell.row);
-    const float cos_theta = cos_thetas[row] + (cos_thetas[row + 1] - cos_thetas[row]) * cell.within.v;
-    const float radius = std::sqrt(std::max(0.0f, 1 - cos_theta * cos_theta));
-    const float turn = (static_cast<float>(cell.column) + cell.within.u) / static_cast<float>(picture.width());
-    const warp::SineCosine along = warp::sine_cosine_of_turn(turn);
+Vec3 Environment::sample(Point2f numbers, SeenLight &seen) const {
+    const Distribution::Sample drawn = distribution->sample(numbers);
+    const Cell cell{drawn.column, drawn.row};
+    const Corners corners = corners_of(cell);
+    const Point2f within = warp::bilinear(drawn.within, luminances_of(corners));
+
+    const Ring ring = ring_of(cell.row);
+    const float drop = ring.near + ring.height * (ring.is_lower ? 1 - within.v : within.v);
+    const float radius = std::sqrt(std::max(0.0f, drop * (2 - drop)));
+    const float cos_theta = ring.is_lower ? drop - 1 : 1 - drop;
+    const float turn = (static_cast<float>(cell.column) + 0.5f + within.u) / static_cast<float>(picture.width());
+    const warp::SineCosine along = warp::sine_cosine_of_turn(turn < 1 ? turn : turn - 1);
     const Vec3 direction = normalized(world_from_local({-radius * along.sine, cos_theta, radius * along.cosine}));
-    direction_pdf = in_world(cell_pdf(cell.column, cell.row), direction);
+
+    const float y = std::atan2(radius, cos_theta) * inverse_pi * static_cast<float>(picture.height()) - 0.5f;
+    seen.radiance = interpolated(corners, {within.u, down_by_angle(y, cell.row)});
+    seen.pdf = pdf(cell, corners, within, direction);
     return direction;
 }
 
 SeenLight Environment::seen(Vec3 direction) const {
     if (is_black())
         return {{}, 0};
-    const Point2f point = image_point(local_from_world(direction));
-    const int column = std::min(static_cast<int>(point.u), picture.width() - 1);
-    const int row = std::min(static_cast<int>(point.v), picture.height() - 1);
-    return {interpolated(point) * scale, in_world(cell_pdf(column, row), direction)};
+    const Vec3 local = local_from_world(direction);
+    const Place place = place_of(local);
+    const Corners corners = corners_of(place.cell);
+    const Point2f within{place.within.u, down_by_cosine(place.cell.row, local)};
+    return {interpolated(corners, place.within), pdf(place.cell, corners, within, direction)};
 }
 
-float Environment::cell_pdf(int column, int row) const {
-    return distribution->pmf(column, row) / pixel_solid_angle(row);
+warp::BilinearPatch Environment::luminances_of(const Corners &corners) const {
+    return {luminance(corners[0] * scale), luminance(corners[1] * scale), luminance(corners[2] * scale),
+            luminance(corners[3] * scale)};
+}
+
+float Environment::down_by_cosine(int row, Vec3 local) const {
+    const Ring ring = ring_of(row);
+    const float to_pole = ring.is_lower ? -local.y : local.y;
+    const float squared_radius = local.x * local.x + local.z * local.z;
+    const float distance = std::sqrt(squared_radius + local.y * local.y);
+    const float drop = to_pole > 0 ? squared_radius / (distance * (distance + to_pole)) : 1 - to_pole / distance;
+    const float from_edge = (drop - ring.near) / ring.height;
+    const float inside = from_edge >= 0 ? std::min(from_edge, 1.0f) : 0.0f; // NaN likewise
+    return ring.is_lower ? 1 - inside : inside;
 }
 
 // A linear map takes a cone around a unit direction d to one of |det M| / |d M|^3 of its solid angle; and of the unit
 // direction w = d M / |d M| of the world |w M^-1| is 1 / |d M|.
-float Environment::in_world(float local_pdf, Vec3 direction) const {
+float Environment::pdf(Cell cell, const Corners &corners, Point2f within, Vec3 direction) const {
+    const float local_pdf = distribution->pmf(cell.column, cell.row) *
+                            warp::bilinear_pdf(within, luminances_of(corners)) / solid_angle(cell.row);
     const float inverse_stretch = length(local_from_world(direction));
     return local_pdf / (determinant * inverse_stretch * inverse_stretch * inverse_stretch);
 }

@@ -91,6 +91,36 @@ TEST(Warp, TentHasItsShape) {
               highest);
 }
 
+TEST(Warp, BilinearPatchesAreFollowed) {
+    using vantor::warp::BilinearPatch;
+    // With corners and edges of 0; squares would overflow or underflow.
+    for (const BilinearPatch &patch :
+         {BilinearPatch{1, 1, 1, 1}, BilinearPatch{1, 2, 3, 5}, BilinearPatch{0, 0, 0, 1}, BilinearPatch{2, 0, 0, 0},
+          BilinearPatch{0, 0, 1, 2}, BilinearPatch{0, 3, 0, 1}, BilinearPatch{0, 1, 1, 0}, BilinearPatch{5000, 1, 1, 1},
+          BilinearPatch{1e37f, 3e37f, 0, 0}, BilinearPatch{1e-37f, 0, 2e-37f, 0}}) {
+        // The shares above the point, and of its line to the left of it.
+        const auto share = [](double at, double a, double b) { return at * (a + (b - a) * at / 2) / ((a + b) / 2); };
+        const double c = 1 / static_cast<double>(vantor::warp::mean(patch));
+        const double p[] = {patch[0] * c, patch[1] * c, patch[2] * c, patch[3] * c};
+        EXPECT_LT(chi_square([&](Point2f numbers) {
+                      const Point2f at = vantor::warp::bilinear(numbers, patch);
+                      const double left = p[0] + (p[2] - p[0]) * at.v;
+                      const double right = p[1] + (p[3] - p[1]) * at.v;
+                      const float pdf = vantor::warp::bilinear_pdf(at, patch);
+                      EXPECT_NEAR(pdf, left + (right - left) * at.u, 1e-5 * (1 + pdf));
+                      EXPECT_GT(pdf, 0);
+                      return std::pair{static_cast<float>(share(at.u, left, right)),
+                                       static_cast<float>(share(at.v, p[0] + p[1], p[2] + p[3]))};
+                  }),
+                  highest)
+            << patch[0] << " " << patch[1] << " " << patch[2] << " " << patch[3];
+    }
+    const Point2f on_black = vantor::warp::bilinear({0.25f, 0.75f}, {0, 0, 0, 0});
+    EXPECT_EQ(on_black.u, 0.25f);
+    EXPECT_EQ(on_black.v, 0.75f);
+    EXPECT_EQ(vantor::warp::bilinear_pdf(on_black, {0, 0, 0, 0}), 0);
+}
+
 TEST(Warp, SineAndCosineAreRight) {
     for (int i = 0; i < 1000; ++i) {
         const float turn = static_cast<float>(i) / 1000;
