@@ -87,11 +87,13 @@ void PathIntegrator::add_emission(std::span<Vertex> vertices) const {
             path.radiance +=
                 clamped(path.throughput * world.lights.radiance(emitter, hit) * mis_weight, path.bounces > 1);
         } else if (vertex.kind == Kind::Escaped) {
-            const auto add = [&](Color radiance, float pdf) {
-                const float mis_weight = path.finds_lights ? 1.0f : power_heuristic(path.direction_pdf, pdf);
-                path.radiance += clamped(path.throughput * radiance * mis_weight, path.bounces > 1);
+            const auto add = [&](std::uint32_t light, const SeenLight &seen) {
+                float mis_weight = 1;
+                if (!path.finds_lights)
+                    mis_weight = power_heuristic(path.direction_pdf, world.lights.pmf(path.vertex, light) * seen.pdf);
+                path.radiance += clamped(path.throughput * seen.radiance * mis_weight, path.bounces > 1);
             };
-            world.lights.for_each_infinite(path.vertex, path.ray.direction, path.is_from_camera(), add);
+            world.lights.for_each_infinite(path.ray.direction, path.is_from_camera(), add);
         }
     }
 }

@@ -162,8 +162,8 @@ float LightSet::pdf(int emitter, const LightSampleContext &reference, Vec3 direc
         lights[static_cast<std::size_t>(emitter)]);
 }
 
-SeenLight LightSet::seen_at_infinity(std::uint32_t light, const LightSampleContext &reference, Vec3 direction) const {
-    SeenLight result = std::visit(
+SeenLight LightSet::seen_at_infinity(std::uint32_t light, Vec3 direction) const {
+    return std::visit(
         [&]<class Kind>(const Kind &kind) {
             if constexpr (is_seen_at_infinity<Kind>)
                 return kind.seen(direction);
@@ -171,8 +171,6 @@ SeenLight LightSet::seen_at_infinity(std::uint32_t light, const LightSampleConte
                 return SeenLight{};
         },
         lights[light]);
-    result.pdf = sampler.pmf(reference, light) * result.pdf;
-    return result;
 }
 
 } // namespace vantor

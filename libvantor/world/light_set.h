@@ -67,19 +67,18 @@ class LightSet {
     /// The pdf with which sample(reference) chooses the emitter and the direction of the ray that hit it.
     float pdf(int emitter, const LightSampleContext &reference, Vec3 direction, const Hit &hit) const;
 
-    /// What a ray that leaves the scene finds of each infinite light with an extent: calls visit(radiance, pdf), with
-    /// the pdf with which sample(reference) chooses the light and this direction. The camera does not see all of them.
-    template <class Visit> void for_each_infinite(const LightSampleContext &reference, Vec3 direction,
-                                                  bool is_from_camera, Visit visit) const {
+    /// What a ray that leaves the scene finds of each infinite light with an extent: calls visit(light, seen). The
+    /// camera does not see all of them. Whoever needs the pmf() of the light asks for it, as that takes longer.
+    template <class Visit> void for_each_infinite(Vec3 direction, bool is_from_camera, Visit visit) const {
         for (const std::uint32_t light : is_from_camera ? visible_infinite_lights : infinite_lights) {
-            const SeenLight seen = seen_at_infinity(light, reference, direction);
+            const SeenLight seen = seen_at_infinity(light, direction);
             if (!is_black(seen.radiance))
-                visit(seen.radiance, seen.pdf);
+                visit(light, seen);
         }
     }
 
   private:
-    SeenLight seen_at_infinity(std::uint32_t light, const LightSampleContext &reference, Vec3 direction) const;
+    SeenLight seen_at_infinity(std::uint32_t light, Vec3 direction) const;
     void make_samplers();
 
     std::vector<Light> lights;
