@@ -14,14 +14,13 @@ Color fraction(Color color) { return {fraction(color.r), fraction(color.g), frac
 
 // A hit in the space of its object.
 struct HitInObject {
-    Affine world_from_object;
-    float scale; // of lengths, roughly
+    ObjectMap map;
     PointInObject in_object;
 
     HitInObject(const Hit &hit, const World &world)
-        : world_from_object(world.map_at(hit)), scale(std::cbrt(std::fabs(world_from_object.determinant))),
+        : map(world.map_at(hit)),
           in_object(world.placements[hit.placement].object->shape, hit.primitive, hit.on_primitive,
-                    world_from_object.point_back(hit.point), pixel_angle * hit.distance / scale) {}
+                    map.world_from_object.point_back(hit.point), pixel_angle * hit.distance / map.scale) {}
 };
 
 bool is_visible_from(const Variation &variation, bool is_front) { return variation.is_two_sided || is_front; }
@@ -60,8 +59,8 @@ void Surface::follow_patterns(const Hit &hit, const World &world, const Variatio
         return;
     if (variation.bump || variation.normal_map) {
         // About half of the width that a pixel sees, and beyond rounding.
-        const float step = (0.5f * pixel_angle * hit.distance + rounding_of(hit.point)) / hit_there.scale;
-        const BumpPoint point{hit_there.world_from_object, parameters, at, hit.geometric_normal, step};
+        const float step = (0.5f * pixel_angle * hit.distance + rounding_of(hit.point)) / hit_there.map.scale;
+        const BumpPoint point{hit_there.map.world_from_object, parameters, at, hit.geometric_normal, step};
         normal = bent_normal(point, variation, hit.shading_normal);
     }
     if (!(variation.color || variation.roughness || variation.metallic))

@@ -17,7 +17,7 @@ void update_placements(World &world, const Registry &registry, const Interrupt &
     if (std::ranges::any_of(placements, [](const Placement &p) { return p.varies(); })) {
         world.maps.reserve(placements.size());
         for (const Placement &placement : placements)
-            world.maps.push_back(to_float(placement.world_from_object));
+            world.maps.emplace_back(to_float(placement.world_from_object));
     }
 }
 

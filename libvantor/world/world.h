@@ -8,22 +8,30 @@
 
 namespace vantor {
 
+/// How an object stands.
+struct ObjectMap {
+    Affine world_from_object;
+    float scale; ///< Of lengths, roughly.
+
+    explicit ObjectMap(const Affine &map) : world_from_object(map), scale(std::cbrt(std::fabs(map.determinant))) {}
+};
+
 /// A scene as it stands: what rays meet, what lights it, what fills it. Constant during a pass, shared by all threads.
 /// The registry that it was made from has to outlive it.
 struct World {
     Tracer tracer;
     LightSet lights;
     std::span<const Placement> placements;
-    std::vector<Medium> media; ///< What MediumStack has indexes of.
-    std::vector<Affine> maps;  ///< Of the placements, but for their instances; empty if no surface varies.
+    std::vector<Medium> media;   ///< What MediumStack has indexes of.
+    std::vector<ObjectMap> maps; ///< Of the placements, but for their instances; empty if no surface varies.
     bool has_media = false;
     bool is_opaque = true;   ///< No surface lets light pass straight through.
     bool has_hidden = false; ///< The camera does not see everything.
 
-    /// How an object stands of which a ray has hit a surface that varies.
-    Affine map_at(const Hit &hit) const {
+    /// Of the object of which a ray has hit a surface that varies.
+    ObjectMap map_at(const Hit &hit) const {
         const Placement &placement = placements[hit.placement];
-        return placement.instances ? placement.map(hit.instance) : maps[hit.placement];
+        return placement.instances ? ObjectMap(placement.map(hit.instance)) : maps[hit.placement];
     }
 
     /// The medium that counts where there is one.
