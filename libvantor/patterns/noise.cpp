@@ -21,15 +21,24 @@ struct LatticePlace {
     }
 };
 
-// The product of an offset with the gradient at a lattice point, which is one of the twelve directions from the middle
-// of a cube to those of its edges; four of them count twice.
-float gradient_product(std::uint32_t x, std::uint32_t y, std::uint32_t z, Vec3 offset) {
-    const std::uint32_t cell = (x & 0xffffu) | (y & 0xffffu) << 16;
-    const std::uint32_t h = sobol::hash(cell ^ sobol::hash((z & 0xffffu) + 1)) & 15u;
-    const float u = h < 8 ? offset.x : offset.y;
-    const float v = h < 4 ? offset.y : h == 12 || h == 14 ? offset.x : offset.z;
-    return ((h & 1u) ? -u : u) + ((h & 2u) ? -v : v);
-}
+// A layer of lattice points, all of one z.
+class LatticeLayer {
+  public:
+    explicit LatticeLayer(std::uint32_t z) : layer_hash(sobol::hash((z & 0xffffu) + 1)) {}
+
+    // The product of an offset with the gradient at a lattice point, which is one of the twelve directions from the
+    // middle of a cube to those of its edges; four of them count twice.
+    float gradient_product(std::uint32_t x, std::uint32_t y, Vec3 offset) const {
+        const std::uint32_t cell = (x & 0xffffu) | (y & 0xffffu) << 16;
+        const std::uint32_t h = sobol::hash(cell ^ layer_hash) & 15u;
+        const float u = h < 8 ? offset.x : offset.y;
+        const float v = h < 4 ? offset.y : h == 12 || h == 14 ? offset.x : offset.z;
+        return ((h & 1u) ? -u : u) + ((h & 2u) ? -v : v);
+    }
+
+  private:
+    std::uint32_t layer_hash;
+};
 
 // Its first and second derivative are 0 at both ends.
 float fade(float t) { return t * t * t * (t * (t * 6 - 15) + 10); }
@@ -40,18 +49,20 @@ float between(float a, float b, float t) { return a + (b - a) * t; }
 
 float gradient_noise(Vec3 p) {
     const LatticePlace x(p.x), y(p.y), z(p.z);
-    const auto along_x = [&](std::uint32_t up_y, std::uint32_t up_z) {
-        const float offset_y = y.beyond - static_cast<float>(up_y);
+    const float faded_x = fade(x.beyond);
+    const float faded_y = fade(y.beyond);
+    const auto in_layer = [&](std::uint32_t up_z) {
+        const LatticeLayer layer(z.below + up_z);
         const float offset_z = z.beyond - static_cast<float>(up_z);
-        const float left = gradient_product(x.below, y.below + up_y, z.below + up_z, {x.beyond, offset_y, offset_z});
-        const float right =
-            gradient_product(x.below + 1, y.below + up_y, z.below + up_z, {x.beyond - 1, offset_y, offset_z});
-        return between(left, right, fade(x.beyond));
+        const auto along_x = [&](std::uint32_t up_y) {
+            const float offset_y = y.beyond - static_cast<float>(up_y);
+            const float left = layer.gradient_product(x.below, y.below + up_y, {x.beyond, offset_y, offset_z});
+            const float right = layer.gradient_product(x.below + 1, y.below + up_y, {x.beyond - 1, offset_y, offset_z});
+            return between(left, right, faded_x);
+        };
+        return between(along_x(0), along_x(1), faded_y);
     };
-    const auto along_y = [&](std::uint32_t up_z) {
-        return between(along_x(0, up_z), along_x(1, up_z), fade(y.beyond));
-    };
-    return between(along_y(0), along_y(1), fade(z.beyond));
+    return between(in_layer(0), in_layer(1), fade(z.beyond));
 }
 
 float Noise::value(Vec3 p) const {
