@@ -104,6 +104,8 @@ float Environment::solid_angle(int row) const {
 
 // The middle of the picture is -Z, its upper edge +Y, and +X a quarter of it to the right: as the panorama camera sees.
 Environment::Place Environment::place_of(Vec3 local) const {
+    if (picture.width() == 1 && picture.height() == 1)
+        return {{0, 0}, {0, 0}}; // all places are alike
     const float turn = std::atan2(local.x, -local.z) * (0.5f * inverse_pi) + 0.5f;
     const float polar = std::atan2(std::sqrt(local.x * local.x + local.z * local.z), local.y) * inverse_pi;
     // Under extreme transforms an angle may be NaN.
