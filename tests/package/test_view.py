@@ -339,6 +339,19 @@ class PageTest(ViewTest):
         self.changed_by(lambda: self.browser.find_element("id", "denoise").click())
         self.assertNotIn("denoising", self.text("status"))
 
+    def test_it_shows_itself_within_the_page_of_a_notebook(self):
+        notebook = self.path("notebook.html")
+        with open(notebook, "w") as file:
+            file.write("<!DOCTYPE html><title>a page of another origin</title>" +
+                       self.view._repr_html_())
+        self.browser.get("file://" + notebook)
+        self.browser.switch_to.frame(self.browser.find_element("tag name", "iframe"))
+        self.addCleanup(self.browser.switch_to.default_content)
+        self.set("samples", 4)
+        self.wait_for(self.is_done)
+        self.changed_by(self.drag)
+        self.assertEqual(self.browser.get_log("browser"), [])
+
     def test_it_saves_at_full_quality(self):
         fetch = """const done = arguments[arguments.length - 1];
                    fetch("save?" + new URLSearchParams({token, samples: arguments[0],
