@@ -5,6 +5,7 @@ with the program, in whatever way it ends.
 """
 
 import ctypes
+import fcntl
 import os
 import re
 import shutil
@@ -71,6 +72,16 @@ def bare_system(suite, anew):
             suite, part, *mirror())
         os.rename(part, archive)
     return archive
+
+
+def take_place():
+    """The open file by which no other run gets the folder before it is closed."""
+    file = open(os.path.join(PLACE, "lock"), "w")
+    try:
+        fcntl.flock(file, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except OSError:
+        raise Failure("another run is at work in {}: wait for its end".format(PLACE)) from None
+    return file
 
 
 def keep_the_commit():
