@@ -18,7 +18,8 @@ enum class Aov {
     Variance,   ///< Of the colour: how far off its mean over the samples is likely to be, squared.
     Alpha,      ///< How much of the pixel a surface covers, 0 to 1.
     DepthZ,     ///< How far the surface is along the camera's axis.
-    Foreground, ///< The radiance that arrives from there: what is left of the colour without a background.
+    Foreground, ///< Last, as it has no name. The radiance that arrives from there: what is left of the colour without a
+                ///< background.
 };
 
 /// In the order of Aov. The first is the default. The foreground is what imagers without a background show as colour.
@@ -27,6 +28,7 @@ inline constexpr std::string_view aov_names[] = {"color",     "albedo",   "norma
 inline constexpr std::size_t aov_count = std::size(aov_names) + 1;
 
 constexpr std::size_t index_of(Aov aov) { return static_cast<std::size_t>(aov); }
+static_assert(index_of(Aov::Foreground) == std::size(aov_names), "every other AOV has a name, and stands before it");
 
 /// The default for a name that is none of the above, which the vocabulary does not let through.
 constexpr Aov aov_named(std::string_view name) {

@@ -5,22 +5,17 @@ namespace vantor {
 
 namespace {
 
-// Whether light may pass into it.
-bool is_glass(const BsdfDescription &bsdf) {
-    if (const auto *principled = std::get_if<Principled>(&bsdf))
-        return principled->transmission > 0;
-    return std::holds_alternative<Dielectric>(bsdf);
-}
-
 // Whether it encloses nothing, so that light that enters it never leaves. Of larger meshes that is not looked for: it
-// would take long, and several of them may enclose a body together.
+// would take long, and several of them may enclose a body together. Every shape is listed: a new one has to decide.
 struct IsOpen {
     bool operator()(const TriangleMesh &mesh) const { return primitives_of(mesh) < 4; }
     bool operator()(const Quads &quads) const { return primitives_of(quads) < 6; }
     bool operator()(const Disk &) const { return true; }
     bool operator()(const Cone &cone) const { return !cone.is_closed; }
     bool operator()(const Curves &curves) const { return !curves.are_tubes; }
-    template <class Closed> bool operator()(const Closed &) const { return false; }
+    bool operator()(const Sphere &) const { return false; }
+    bool operator()(const Torus &) const { return false; }
+    bool operator()(const Points &) const { return false; }
 };
 
 bool is_open(const Object &object) { return !object.trimmers.empty() || std::visit(IsOpen(), object.shape); }
@@ -62,7 +57,7 @@ void Usage::note_used(EntityKind kind, int index) {
 
 void Usage::note_added(const Object &object, int material_index, const Material &material) {
     note_used(EntityKind::Material, material_index);
-    if (material_index < 0 || !is_glass(material.bsdf) || !is_open(object))
+    if (material_index < 0 || !transmits(material.bsdf) || !is_open(object))
         return;
     if (open_glass++ == 0) {
         first_open_object = object.id;

@@ -27,8 +27,9 @@ class PathIntegrator {
     /// Paths of one call advance together, bounce by bounce, because several rays are traced at once much faster than
     /// one by one (Laine, Karras, Aila, "Megakernels Considered Harmful", 2013). First rays should lie close together.
     ///
-    /// False if it was interrupted, after hundreds of bounces in a dense medium: the paths are of no use then.
-    bool trace(std::span<Path> paths) const;
+    /// False if it was interrupted, after hundreds of bounces in a dense medium: the paths are unfinished then. Callers
+    /// that keep other paths leave these out; callers that keep nothing partial throw Interrupted.
+    [[nodiscard]] bool trace(std::span<Path> paths) const;
 
   private:
     // The stages of a step, in their order. Each works on a chunk of the wave's vertices and decides which go on;

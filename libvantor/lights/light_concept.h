@@ -29,9 +29,8 @@ struct SeenLight {
 ///
 /// - `is_delta`: all its light comes from one point or direction, so that only sample() finds it, never a ray.
 /// - `is_infinite`: its light comes from infinitely far away, the same at every point of the scene.
-/// - `bounds()`: how much of its light may arrive where. It only steers how often the light is chosen: the intensity
-/// may
-///   be rough, but nothing may shine beyond the bounds. A light that is black by them is never sampled.
+/// - `bounds()`: how much of its light may arrive where. It only steers how often the light is chosen: the
+///   intensity may be rough, but nothing may shine beyond the bounds. A light that is black by them is never sampled.
 /// - `sample(reference, numbers, result)`: a point of the light as the reference point sees it, uniform numbers given.
 ///   False if none of its light can arrive there.
 template <class Kind>
@@ -54,11 +53,14 @@ concept PositionalLight = requires(const Kind &light, const Ray &ray, RayPart wh
 
 /// A finite light with an extent: a surface of the scene, whose front shines.
 ///
-/// - `radiance()`: that leaves every point of it, in all directions.
+/// - `emitted`: the radiance that leaves every point of it, in all directions; under a pattern, the mean of it.
+/// - `radiance()`: the same.
 /// - `pdf(reference, direction, point)`: with which sample(reference) draws the direction of a ray that hits the front
 ///   at the point, per solid angle.
+/// - `point(numbers)`, unless it is never sampled: a point of it, uniform numbers given. Patterns ask for it.
 template <class Kind>
 concept EmissiveSurface = requires(const Kind &light, Vec3 reference, Vec3 direction, Vec3 point) {
+    { light.emitted } -> std::same_as<const Color &>;
     { light.radiance() } -> std::same_as<Color>;
     { light.pdf(reference, direction, point) } -> std::same_as<float>;
 };

@@ -89,7 +89,8 @@ void Gathering::see(std::uint32_t side, int first, int end, Row &row) const {
     row.rays += static_cast<int>(rays.size());
     if (paths.empty())
         return;
-    integrator.trace(paths);
+    if (!integrator.trace(paths))
+        throw Interrupted();
     for (const Path &path : paths)
         if (is_finite(path.radiance))
             row.followed += path.radiance * pi;
@@ -124,7 +125,8 @@ SideLight Gathering::light_of(std::uint32_t side) const {
         paths.push_back(path);
     }
     direct_light.trace_shadow_rays([&](std::uint32_t, Color irradiance) { result.direct += irradiance; });
-    integrator.trace(paths);
+    if (!integrator.trace(paths))
+        throw Interrupted();
     for (const Path &path : paths)
         if (is_finite(path.radiance))
             result.direct += path.radiance * pi;

@@ -26,8 +26,7 @@ struct SideLight {
 /// Rays from the patches of a world. Every random number is a function of side and ray.
 class Gathering {
   public:
-    /// A multiple of 32 rays from each side. The world and the patches have to outlive it. What it finds is of no use
-    /// once it was interrupted.
+    /// A multiple of 32 rays from each side. The world, the patches and the interrupt have to outlive it.
     Gathering(const World &of, const Patches &from, int rays, const Interrupt &interrupt)
         : world(of), patches(from), ray_count(rays), integrator(of, Settings(), first_path_dimension, interrupt) {}
 
@@ -36,9 +35,11 @@ class Gathering {
     /// Shoots the rays from first on, and not from end on, and adds what they see. They leave like light that is
     /// scattered diffusely, so that each ray stands for the same part of the irradiance (Nusselt's analogy; Malley's
     /// method: Cohen, Wallace, "Radiosity and Realistic Image Synthesis", 1993, 4.9).
+    /// Throws Interrupted.
     void see(std::uint32_t side, int first, int end, Row &row) const;
 
     /// Direct light by as many samples of lights as there are of directions, and the mean reflectance of the samples.
+    /// Throws Interrupted.
     SideLight light_of(std::uint32_t side) const;
 
   private:

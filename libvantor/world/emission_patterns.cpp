@@ -16,6 +16,12 @@ float usable(float value) {
 }
 Color usable(Color color) { return {usable(color.r), usable(color.g), usable(color.b)}; }
 
+// Asked by kind, not by member: a surface that lacks what a pattern needs of it does not compile.
+template <class Kind>
+concept IsSurface = !std::remove_cvref_t<Kind>::is_delta && !std::remove_cvref_t<Kind>::is_infinite;
+template <class Kind>
+concept IsSampledSurface = IsSurface<Kind> && !std::same_as<std::remove_cvref_t<Kind>, UnsampledEmitter>;
+
 // Of a point of an emitter, as Embree has it: of those shapes that ask for it.
 Point2f on_primitive(const Light &light, Vec3 point) {
     const auto *flat = std::get_if<FlatEmitter>(&light);
@@ -45,7 +51,7 @@ void EmissionPatterns::add(const Placement &placement, const Pattern &pattern, C
     for (std::uint32_t i = first; i < end; ++i)
         std::visit(
             [&](auto &light) {
-                if constexpr (requires { light.emitted; })
+                if constexpr (IsSurface<decltype(light)>)
                     light.emitted = radiance * (means[i - first] + least);
             },
             lights[i]);
@@ -62,7 +68,7 @@ Color EmissionPatterns::mean(const Patterned &patterned, std::uint32_t primitive
         const Point2f numbers{fraction(0.7548776662466927), fraction(0.5698402909980532)};
         const std::optional<Vec3> point = std::visit(
             [&](const auto &emitter) -> std::optional<Vec3> {
-                if constexpr (requires { emitter.point(numbers); })
+                if constexpr (IsSampledSurface<decltype(emitter)>)
                     return emitter.point(numbers);
                 else
                     return {};

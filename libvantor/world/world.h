@@ -55,8 +55,13 @@ View view_of(const World &world, const Registry &registry);
 /// The world that a scene keeps until something in it changes.
 class WorldCache {
   public:
-    /// The world of the registry as it is now, good until the next call; always of the same registry. What is still
-    /// good of the one before stays. Throws Interrupted.
+    /// The world of the registry as it is now, good until the next call; always of the same registry. Throws
+    /// Interrupted.
+    ///
+    /// What stays of the one before are the acceleration structures of single objects; after an added object, the top
+    /// level, all lights and their tree are made anew. All structures are, when the first body with an interior comes,
+    /// or the first surface that may be crossed; that of an object is, when a further use turns its copies into
+    /// instances.
     const World &current(const Registry &registry, const Interrupt &interrupt);
 
   private:
