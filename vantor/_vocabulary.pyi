@@ -166,8 +166,8 @@ class _SettingsImager(TypedDict, total=False):
     max_depth: Optional[_Integer]
     # the most that one sample of indirect light counts; 0 is no limit; radiance; 0 or more
     clamp: Optional[_Number]
-    # after radiosity(): the first diffuse surface gathers its light with rays, and only those are
-    # told the result; 0 or 1
+    # after radiosity(): the first diffuse surface gathers its light with rays, and only those rays
+    # use the result; 0 or 1
     final_gather: Optional[_Switch]
     # the pass makes a range of a larger picture's samples, from this one on; 0 to 16777216
     first_sample: Optional[_Integer]
@@ -226,8 +226,8 @@ class _PlasticInterface(TypedDict, total=False):
     roughness: Optional[_Number]
 
 class _PrincipledInterface(TypedDict, total=False):
-    """Most surfaces by a few numbers: metal, glossy body and glass in shares, sheen, and a clear
-    coat (after Burley 2012 and 2015).
+    """Most surfaces by a few numbers: fractions of metal, glossy body and glass, sheen, and a
+    clear coat (after Burley 2012 and 2015).
     """
 
     # the colour of the body, of the metal, and of light that has gone through the glass; 0 to 1
@@ -782,7 +782,7 @@ class _PlasticMaterial(TypedDict, total=False):
     two_sided: Optional[_Switch]
 
 class _PrincipledMaterial(TypedDict, total=False):
-    """A surface: Most surfaces by a few numbers: metal, glossy body and glass in shares, sheen,
+    """A surface: Most surfaces by a few numbers: fractions of metal, glossy body and glass, sheen,
     and a clear coat (after Burley 2012 and 2015).
     """
 

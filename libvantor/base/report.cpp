@@ -43,8 +43,8 @@ Messages &messages() {
     return only;
 }
 
-// Whether there is a handler, which then has been called.
-bool is_handled(bool is_mistake, std::string_view text) {
+// Calls the handler; false if there is none.
+bool hand_over(bool is_mistake, std::string_view text) {
     const std::lock_guard lock(messages().telling);
     if (messages().handler)
         messages().handler(is_mistake, printable(text).c_str());
@@ -58,7 +58,7 @@ void print_line(std::string_view text) {
 }
 
 void tell(bool is_mistake, std::string_view text, bool is_printed) {
-    if (!is_handled(is_mistake, text) && is_printed)
+    if (!hand_over(is_mistake, text) && is_printed)
         print_line(text);
 }
 
@@ -85,7 +85,7 @@ Report::Report() {
 void Report::diagnostic(std::string_view text) {
     ++count;
     // A handler gets every message and folds repeats itself.
-    if (is_handled(true, text) || mode == Mode::Silent)
+    if (hand_over(true, text) || mode == Mode::Silent)
         return;
     const auto now = std::chrono::steady_clock::now();
     const auto known = std::ranges::find(recent, text, &Recent::text);
@@ -191,7 +191,7 @@ std::string text_of(double number) {
 void report_out_of_memory(const char *what_happened) noexcept {
     char text[200];
     std::snprintf(text, sizeof text, "out of memory: %s", what_happened);
-    if (!is_handled(true, text))
+    if (!hand_over(true, text))
         std::fprintf(stderr, "vantor: %s\n", text);
 }
 

@@ -46,7 +46,7 @@ using MaterialMaker =
 /// One for each type of material.
 std::span<const MaterialMaker> material_makers();
 
-/// Nothing if its interface is none, which has been reported.
+/// Nothing, after a diagnostic, if what is given as its interface is none.
 std::optional<Material> make_material(const Type &type, const Parameters &parameters, const MaterialFinders &find,
                                       const CallReport &report);
 

@@ -25,10 +25,11 @@ std::optional<Object> make_instances(VtLong id, const Object &prototype, const P
         return {};
     }
     const VtInstanceArray<VtTransform> &given = parameters.transform_array("places");
-    if (!is_whole(given, "places", parameters, report))
+    if (!check_storage(given, "places", parameters, report))
         return {};
     std::vector<Color> colors;
-    if (parameters.is_given("colors") && is_whole(parameters.vector3_array("colors"), "colors", parameters, report))
+    if (parameters.is_given("colors") &&
+        check_storage(parameters.vector3_array("colors"), "colors", parameters, report))
         colors = read_colors(static_cast<std::size_t>(given.Size()), "places", parameters, report);
 
     Object result{id, {}, 0, prototype.has_colors};
@@ -45,7 +46,7 @@ std::optional<Object> make_instances(VtLong id, const Object &prototype, const P
                 why = "reaches beyond 1e9";
             if (!why) {
                 result.instances.emplace_back(transforms[i]);
-                // Stays with its place where others are left out.
+                // Stays with its instance where others are left out.
                 if (!colors.empty())
                     colors[result.instances.size() - 1] = colors[index];
                 result.least_scale = std::min(result.least_scale, to_float(transforms[i]).least_scale());

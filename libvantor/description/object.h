@@ -20,7 +20,7 @@ struct Object {
     const Object *prototype = nullptr;
     std::vector<Instance> instances{};
     std::vector<Color> instance_colors{}; ///< Which each of them carries; empty if they carry none.
-    float least_scale = 1;                ///< Of any place.
+    float least_scale = 1;                ///< Of any instance.
 
     /// Whether a point of a primitive stays, given by Embree's coordinates on that and in the object's space.
     bool keeps(std::uint32_t primitive, Point2f on_primitive, Vec3 point) const {

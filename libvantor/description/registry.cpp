@@ -54,7 +54,7 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
 
     switch (kind) {
     case EntityKind::Camera:
-        if (is_in_reach(parameters, call))
+        if (check_reach(parameters, call))
             if (std::optional<Camera> camera = make_camera(*type, parameters, current_transform(), call))
                 current_camera = camera;
         break;
@@ -67,7 +67,7 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
     case EntityKind::Light: {
         if (is_placed(*type) && !is_placeable())
             break;
-        if (parameters.knows("position") && !is_in_reach(parameters, call))
+        if (parameters.knows("position") && !check_reach(parameters, call))
             break;
         ++light_changes;
         DescribedLight light = make_light(*type, parameters, current_transform(), call);
@@ -115,7 +115,7 @@ int Registry::made(VtLong id, EntityKind kind, const char *type_name, const VtAr
     return -1;
 }
 
-bool Registry::is_in_reach(const Parameters &parameters, const CallReport &call) const {
+bool Registry::check_reach(const Parameters &parameters, const CallReport &call) const {
     if (!is_placeable())
         return false;
     const VtVector3 position = transformed_point(parameters.vector("position"), current_transform());

@@ -107,8 +107,8 @@ class Registry {
     /// Reports every other block that is open.
     void report_open_blocks(const CallReport &call) const;
 
-    /// Tells what is described in vain, to a pass that shows light or does not.
-    void tell_vain(bool shows_light) const { usage.tell(all_lights, shows_light, report); }
+    /// Reports what has no effect on the picture, to a pass that shows light or does not.
+    void report_unused(bool shows_light) const { usage.tell(all_lights, shows_light, report); }
 
   private:
     struct Entry {
@@ -126,8 +126,8 @@ class Registry {
     // The index of a new entity among those of its kind; -1 if nothing came of it.
     int made(VtLong id, EntityKind kind, const char *type_name, const VtArgList &list, const CallReport &call);
 
-    // Whether a camera or light can stand at its position under the current transform; reported if it is too far.
-    bool is_in_reach(const Parameters &parameters, const CallReport &call) const;
+    // Checks that a camera or light can stand at its position under the current transform; reports if it is too far.
+    bool check_reach(const Parameters &parameters, const CallReport &call) const;
 
     // The index of an entity of that kind; -1, reported if there never was such an id.
     int find(VtLong id, EntityKind kind, const CallReport &call) const;

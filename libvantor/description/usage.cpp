@@ -1,4 +1,4 @@
-// Usage: what of a description is used, and what is described in vain.
+// Usage: what of a description is used, and what has no effect on the picture.
 #include "libvantor/description/usage.h"
 
 namespace vantor {

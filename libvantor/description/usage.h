@@ -1,4 +1,4 @@
-// Usage: what of a description is used, and what is described in vain.
+// Usage: what of a description is used, and what has no effect on the picture.
 #pragma once
 
 #include "libvantor/description/light.h"

@@ -14,7 +14,7 @@ void throw_device_error(RTCDevice device) {
         return;
     case RTC_ERROR_OUT_OF_MEMORY:
         throw std::bad_alloc();
-    // Of whatever goes wrong inside Embree; all that is known to is an allocation.
+    // For whatever goes wrong inside Embree; the only known cause is an allocation that failed.
     case RTC_ERROR_UNKNOWN:
         throw EmbreeError("Embree failed, as it does when memory is short");
     case RTC_ERROR_UNSUPPORTED_CPU:

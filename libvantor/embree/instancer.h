@@ -10,9 +10,9 @@
 
 namespace vantor {
 
-/// What the callbacks get to see; has to outlive the geometry. A place takes 48 bytes here and some 90 in Embree.
+/// What the callbacks get to see; has to outlive the geometry. An instance takes 48 bytes here and some 90 in Embree.
 struct Instancer {
-    /// Back from a place.
+    /// Back from an instance.
     struct Inverse {
         Linear linear;
         Vec3 offset; ///< Of the map from the object.
@@ -26,11 +26,11 @@ struct Instancer {
     Vec3 high;
     const std::vector<Instance> *instances;
     VtTransform world_from_object;
-    std::vector<Inverse> inverses{}; ///< Of each place.
+    std::vector<Inverse> inverses{}; ///< Of each instance.
 
-    /// A point of the object, at one of the places.
-    Double3 point(std::uint32_t place, Double3 p) const {
-        const Instance &to = (*instances)[place];
+    /// A point of the object, at one of the instances.
+    Double3 point(std::uint32_t instance, Double3 p) const {
+        const Instance &to = (*instances)[instance];
         const Double3 placed = Double3(to.linear.row0) * p.x + Double3(to.linear.row1) * p.y +
                                Double3(to.linear.row2) * p.z + Double3(to.offset);
         const VtVector3 result = transformed_point({placed.x, placed.y, placed.z}, world_from_object);
@@ -40,7 +40,7 @@ struct Instancer {
 
 namespace callbacks {
 
-// A box around the box of the object. Places without a usable inverse have no bounds; Embree then leaves them out.
+// A box around the box of the object. Instances without a usable inverse have no bounds; Embree then leaves them out.
 inline void bounds_of_instance(const RTCBoundsFunctionArguments *arguments) {
     const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
     const Instancer::Inverse &inverse = instancer.inverses[arguments->primID];
@@ -104,8 +104,9 @@ class WithinInstance {
     Query &query;
 };
 
-// A hit has the place where others have the geometry, and the geometry where others have the instance.
-inline void intersect_place(const RTCIntersectFunctionNArguments *arguments) {
+// A hit has the instance's index where others have the geometry's id, and the geometry's id where others have the
+// instance's.
+inline void intersect_instance(const RTCIntersectFunctionNArguments *arguments) {
     const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
     const unsigned n = arguments->N;
     RTCRayN *rays = RTCRayHitN_RayN(arguments->rayhit, n);
@@ -142,7 +143,7 @@ inline void intersect_place(const RTCIntersectFunctionNArguments *arguments) {
     }
 }
 
-inline void occlude_place(const RTCOccludedFunctionNArguments *arguments) {
+inline void occlude_instance(const RTCOccludedFunctionNArguments *arguments) {
     const auto &instancer = *static_cast<const Instancer *>(arguments->geometryUserPtr);
     Query &query = Query::of(arguments->context);
     const WithinInstance within(query, arguments->geomID, arguments->primID);
@@ -163,8 +164,8 @@ inline void set_callbacks(RTCGeometry geometry, Instancer &instancer) {
     rtcSetGeometryUserPrimitiveCount(geometry, static_cast<unsigned>(instancer.inverses.size()));
     rtcSetGeometryUserData(geometry, &instancer);
     rtcSetGeometryBoundsFunction(geometry, callbacks::bounds_of_instance, nullptr);
-    rtcSetGeometryIntersectFunction(geometry, callbacks::intersect_place);
-    rtcSetGeometryOccludedFunction(geometry, callbacks::occlude_place);
+    rtcSetGeometryIntersectFunction(geometry, callbacks::intersect_instance);
+    rtcSetGeometryOccludedFunction(geometry, callbacks::occlude_instance);
 }
 
 } // namespace vantor

@@ -25,7 +25,7 @@ class CrossedSurfaces {
     float reach() const { return largest_distance; }
 
     void add(const Hit &hit, bool is_left, float distance) {
-        // So many surfaces at one place are one too many; the first of them lies farthest behind.
+        // Only so many are kept: the first one is dropped, which lies farthest behind.
         if (count == capacity) {
             for (std::uint32_t i = 1; i < capacity; ++i)
                 all[i - 1] = all[i];

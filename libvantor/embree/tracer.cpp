@@ -163,7 +163,7 @@ template <class Packet> void Tracer::leave_before_entering(std::span<const Ray> 
         if (!hit.exists || dot(hit.geometric_normal, direction) >= 0 ||
             !structure->decoding(hit.placement).may_be_crossed)
             continue;
-        // From just before the hit: where the ray comes from afar, its lengths are too rough. What it has crossed
+        // From just before the hit, where the ray starts far away: its lengths are too rough there. What it has crossed
         // counts next to its start.
         const float margin = 2 * margin_of(hit, direction);
         const bool is_near = hit.distance <= 2 * starts[i].crossed.reach();

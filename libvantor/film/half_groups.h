@@ -24,7 +24,7 @@ struct HalfSums {
         squares += later.squares;
     }
 
-    /// How many halves of groups so many samples hold; what is left of them at the end is none.
+    /// How many halves of groups so many samples complete; an incomplete one at the end does not count.
     static constexpr int halves_of(int samples) { return samples / samples_per_half; }
 
     double mean(int samples) const { return means / halves_of(samples); }

@@ -13,9 +13,9 @@ using Kind = Vertex::Kind;
 // round.
 constexpr int roulette_depth = 3;
 
-// Where a path finds cached irradiance, its direct light is sampled as ever, but only this fraction of the last rays is
-// traced. They make up for what samples of large lights nearby miss; the two are weighed by their expected numbers
-// (Veach 9.2.2).
+// Where a path finds cached irradiance, its direct light is sampled as elsewhere, but only this fraction of the last
+// rays is traced. They make up for what samples of large lights nearby miss; the two are weighed by their expected
+// numbers (Veach 9.2.2).
 constexpr float last_ray_fraction = 0.25f;
 
 // Lets a BSDF be made where it is kept: copies of it would cost as much as its making.
@@ -34,7 +34,7 @@ RayStart start_towards(const Vertex &vertex, Vec3 direction) {
 } // namespace
 
 bool PathIntegrator::trace(std::span<Path> paths) const {
-    // Surfaces that are passed straight through are no bounces, but steps; more than this are one too many.
+    // A surface that is passed straight through is a step, but no bounce. Paths of more steps than this end there.
     constexpr int most_steps = 100000;
 
     Wave wave(paths, world, first_dimension);

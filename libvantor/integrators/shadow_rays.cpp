@@ -7,9 +7,9 @@ namespace vantor {
 
 namespace {
 
-// The shadow ray that starts with unit direction, so that lengths along it are those of the world. False if the light
-// touches the point.
-bool has_unit_direction(Segment &segment) {
+// Gives the shadow ray a direction of unit length, so that lengths along it are those of the world. False if the light
+// touches the point; the shadow ray stays as it is.
+bool normalize(Segment &segment) {
     const float stretch = length(segment.direction);
     if (!(stretch >= std::numeric_limits<float>::min()))
         return false;
@@ -22,7 +22,7 @@ void transmit_in_one_step(const ShadowRays &shadow_rays, const World &world, std
     std::vector<char> are_occluded(shadow_rays.size());
     std::vector<Segment> segments = shadow_rays.segments;
     for (Segment &segment : segments)
-        has_unit_direction(segment);
+        normalize(segment);
     world.tracer.occluded(segments, shadow_rays.starts, are_occluded);
     for (std::size_t i = 0; i < shadow_rays.size(); ++i) {
         if (are_occluded[i])
@@ -78,7 +78,7 @@ void transmit(const ShadowRays &shadow_rays, const World &world, std::vector<Col
     for (std::size_t i = 0; i < shadow_rays.size(); ++i) {
         Segment segment = shadow_rays.segments[i];
         const bool has_end = std::isfinite(segment.reach);
-        if (has_unit_direction(segment))
+        if (normalize(segment))
             walks.push_back({i, segment.direction, segment.from + segment.direction * (has_end ? segment.reach : 0),
                              has_end, shadow_rays.starts[i], shadow_rays.media[i]});
     }

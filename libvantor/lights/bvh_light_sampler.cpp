@@ -9,7 +9,7 @@ namespace {
 
 // How much of the irradiance arrives is not known before the shadow ray: the sun may be behind a wall, a lamp behind a
 // table. So neither the tree nor the infinite lights, nor one of these, takes nearly all of the choice.
-constexpr float least_share = 0.05f;
+constexpr float least_probability = 0.05f;
 constexpr float even_part_of_infinite = 0.2f;
 
 // How much of an infinite light is for light samples to find. BSDF samples find what is the same from everywhere at
@@ -75,7 +75,8 @@ BvhLightSampler::TreePmf BvhLightSampler::tree_pmf(const Reference &reference, s
     return result;
 }
 
-BvhLightSampler::Shares BvhLightSampler::shares(const LightSampleContext &reference, float finite_sum) const {
+BvhLightSampler::Probabilities BvhLightSampler::probabilities(const LightSampleContext &reference,
+                                                              float finite_sum) const {
     float weight_sum = 0;
     float part_sum = 0;
     for (const InfiniteLight &infinite : infinite_lights) {
@@ -87,17 +88,17 @@ BvhLightSampler::Shares BvhLightSampler::shares(const LightSampleContext &refere
         const float infinite = infinite_lights.empty() ? 0.0f : 1.0f;
         return {1 - infinite, infinite, weight_sum, part_sum};
     }
-    const float finite = std::clamp(finite_sum / (finite_sum + scaled), least_share, 1 - least_share);
+    const float finite = std::clamp(finite_sum / (finite_sum + scaled), least_probability, 1 - least_probability);
     return {finite, 1 - finite, weight_sum, part_sum};
 }
 
-float BvhLightSampler::infinite_pmf(const Shares &shares, const LightSampleContext &reference,
+float BvhLightSampler::infinite_pmf(const Probabilities &all, const LightSampleContext &reference,
                                     const InfiniteLight &light) const {
     if (infinite_lights.size() == 1)
-        return shares.infinite;
-    const float even = part_of_light_samples(light.bounds, reference) / shares.part_sum;
-    const float weighed = weight(light.bounds, reference) / shares.weight_sum;
-    return shares.infinite * (even_part_of_infinite * even + (1 - even_part_of_infinite) * weighed);
+        return all.infinite;
+    const float even = part_of_light_samples(light.bounds, reference) / all.part_sum;
+    const float weighed = weight(light.bounds, reference) / all.weight_sum;
+    return all.infinite * (even_part_of_infinite * even + (1 - even_part_of_infinite) * weighed);
 }
 
 LightChoice BvhLightSampler::sample(const LightSampleContext &reference, double u) const {
@@ -108,7 +109,7 @@ LightChoice BvhLightSampler::sample(const LightSampleContext &reference, double 
     if (infinite_lights.empty())
         return descend(reference, u, weights, sum);
 
-    const Shares all = shares(reference, sum);
+    const Probabilities all = probabilities(reference, sum);
     if (u < all.finite) {
         LightChoice choice = descend(reference, u / all.finite, weights, sum);
         choice.pmf *= all.finite;
@@ -133,13 +134,14 @@ float BvhLightSampler::pmf(const LightSampleContext &reference, std::uint32_t li
         return 0;
     if (slot >= is_light) {
         Weights weights;
-        const Shares all = shares(reference, nodes.empty() ? 0.0f : weigh(nodes.front(), reference, weights));
+        const Probabilities all =
+            probabilities(reference, nodes.empty() ? 0.0f : weigh(nodes.front(), reference, weights));
         return infinite_pmf(all, reference, infinite_lights[slot - is_light]);
     }
     const TreePmf in_tree = tree_pmf(reference, light);
     if (infinite_lights.empty() || in_tree.pmf == 0)
         return in_tree.pmf;
-    return in_tree.pmf * shares(reference, in_tree.root_sum).finite;
+    return in_tree.pmf * probabilities(reference, in_tree.root_sum).finite;
 }
 
 LightChoice BvhLightSampler::sample(const LightSampleRay &reference, double u) const {

@@ -70,15 +70,15 @@ class BvhLightSampler {
     static constexpr std::uint32_t nowhere = ~0u;
 
   private:
-    // How the choice is shared among the tree and the infinite lights.
-    struct Shares {
+    // How likely the choice falls on the tree, or on the infinite lights.
+    struct Probabilities {
         float finite;     // the probability of the tree
         float infinite;   // of all infinite lights together
         float weight_sum; // of the infinite lights, by weight()
         float part_sum;   // likewise, by part_of_light_samples()
     };
-    Shares shares(const LightSampleContext &reference, float finite_sum) const;
-    float infinite_pmf(const Shares &shares, const LightSampleContext &reference, const InfiniteLight &light) const;
+    Probabilities probabilities(const LightSampleContext &reference, float finite_sum) const;
+    float infinite_pmf(const Probabilities &all, const LightSampleContext &reference, const InfiniteLight &light) const;
 
     template <class Reference>
     LightChoice descend(const Reference &reference, double u, Weights weights, float sum) const;

@@ -103,9 +103,9 @@ float Environment::solid_angle(int row) const {
 }
 
 // The middle of the picture is -Z, its upper edge +Y, and +X a quarter of it to the right: as the panorama camera sees.
-Environment::Place Environment::place_of(Vec3 local) const {
+Environment::MapPosition Environment::map_position(Vec3 local) const {
     if (picture.width() == 1 && picture.height() == 1)
-        return {{0, 0}, {0, 0}}; // all places are alike
+        return {{0, 0}, {0, 0}}; // all points of it are alike
     const float turn = std::atan2(local.x, -local.z) * (0.5f * inverse_pi) + 0.5f;
     const float polar = std::atan2(std::sqrt(local.x * local.x + local.z * local.z), local.y) * inverse_pi;
     // Under extreme transforms an angle may be NaN.
@@ -139,8 +139,8 @@ Color Environment::interpolated(const Corners &corners, Point2f within) const {
 }
 
 Color Environment::radiance(Vec3 direction) const {
-    const Place place = place_of(local_from_world(direction));
-    return interpolated(corners_of(place.cell), place.within);
+    const MapPosition position = map_position(local_from_world(direction));
+    return interpolated(corners_of(position.cell), position.within);
 }
 
 Vec3 Environment::sample(Point2f numbers, SeenLight &seen) const {
@@ -167,10 +167,10 @@ SeenLight Environment::seen(Vec3 direction) const {
     if (is_black())
         return {{}, 0};
     const Vec3 local = local_from_world(direction);
-    const Place place = place_of(local);
-    const Corners corners = corners_of(place.cell);
-    const Point2f within{place.within.u, down_by_cosine(place.cell.row, local)};
-    return {interpolated(corners, place.within), pdf(place.cell, corners, within, direction)};
+    const MapPosition position = map_position(local);
+    const Corners corners = corners_of(position.cell);
+    const Point2f within{position.within.u, down_by_cosine(position.cell.row, local)};
+    return {interpolated(corners, position.within), pdf(position.cell, corners, within, direction)};
 }
 
 warp::BilinearPatch Environment::luminances_of(const Corners &corners) const {

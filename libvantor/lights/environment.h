@@ -57,11 +57,11 @@ class Environment {
     // The colours of a cell's pixels, without the scale: above to the left and right, then below.
     using Corners = std::array<Color, 4>;
     // A point of the picture: from 0 to 1 across its cell, and down by angle; 0 down around a pole.
-    struct Place {
+    struct MapPosition {
         Cell cell;
         Point2f within;
     };
-    Place place_of(Vec3 local) const;
+    MapPosition map_position(Vec3 local) const;
     float down_by_angle(float y, int row) const;
     Corners corners_of(Cell cell) const;
     Color interpolated(const Corners &corners, Point2f within) const;

@@ -48,7 +48,7 @@ constexpr Parameter settings_parameters[] = {
     {"clamp", ValueKind::Number, not_negative, Presence::Default, value(0), "radiance",
      "the most that one sample of indirect light counts; 0 is no limit"},
     {"final_gather", ValueKind::Switch, off_or_on, Presence::Default, value(0), "",
-     "after radiosity(): the first diffuse surface gathers its light with rays, and only those are told the result"},
+     "after radiosity(): the first diffuse surface gathers its light with rays, and only those rays use the result"},
     {"first_sample", ValueKind::Integer, sample_counts, Presence::Default, value(0, 0, 0), "",
      "the pass makes a range of a larger picture's samples, from this one on"},
     {"samples_in_all", ValueKind::Integer, sample_counts, Presence::Default, value(0, 0, 0), "",

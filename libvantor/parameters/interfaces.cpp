@@ -73,7 +73,7 @@ constexpr Type interfaces_table[] = {
     {"diffuse", "Reflects light equally in all directions, on both sides (Lambert).", diffuse_parameters},
     {"plastic", "A diffuse body under a clear coat, as of paint, on both sides.", plastic_parameters},
     {"principled",
-     "Most surfaces by a few numbers: metal, glossy body and glass in shares, sheen, and a clear coat (after Burley "
+     "Most surfaces by a few numbers: fractions of metal, glossy body and glass, sheen, and a clear coat (after Burley "
      "2012 and 2015).",
      principled_parameters},
 };

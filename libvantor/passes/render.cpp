@@ -187,11 +187,11 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     const std::vector<FileImager> imagers = writable_imagers(registry, window, call);
     const Filter filter = imagers.empty() ? Filter() : common_filter(imagers, call);
     const bool denoises = std::ranges::any_of(imagers, &FileImager::is_denoised);
-    const bool by_noise = samples && looks_at_noise(settings, *samples, call);
+    const bool by_noise = samples && check_noise_settings(settings, *samples, call);
     const RoundLimits limits{deadline, by_noise ? settings.noise : 0};
     const bool is_adaptive = by_noise && settings.is_adaptive && request.samples > first_adaptive_samples;
     const bool needs_whole = is_adaptive || limits.noise > 0;
-    const bool fits = !needs_whole || may_be_rendered_whole(request, call);
+    const bool fits = !needs_whole || check_whole_picture(request, call);
     if (report.refuses_pictures()) {
         report.note(joined({"render: no picture is written: ", std::to_string(report.diagnostics()),
                             " diagnostics so far, and VANTOR_DIAGNOSTICS is strict"}));
@@ -199,7 +199,7 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
     }
     if (window.is_empty() || !samples || !fits || !registry.camera() || imagers.empty())
         return;
-    registry.tell_vain(std::ranges::any_of(imagers, [](const FileImager &imager) {
+    registry.report_unused(std::ranges::any_of(imagers, [](const FileImager &imager) {
         return shows_light(imager.aov) || std::ranges::any_of(imager.layers, shows_light);
     }));
 

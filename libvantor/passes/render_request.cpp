@@ -76,7 +76,7 @@ std::optional<SampleRange> samples_of(const RenderRequest &request, const Settin
     return range;
 }
 
-bool looks_at_noise(const Settings &settings, const SampleRange &samples, const CallReport &call) {
+bool check_noise_settings(const Settings &settings, const SampleRange &samples, const CallReport &call) {
     if (!settings.looks_at_noise())
         return false;
     if (!samples.is_whole())
@@ -86,7 +86,7 @@ bool looks_at_noise(const Settings &settings, const SampleRange &samples, const 
     return samples.is_whole();
 }
 
-bool may_be_rendered_whole(const RenderRequest &request, const CallReport &call) {
+bool check_whole_picture(const RenderRequest &request, const CallReport &call) {
     const bool may_be = static_cast<long>(request.width) * request.height <= most_pixels;
     if (!may_be)
         call.diagnostic(joined({"\"adaptive\" and \"noise\" look at the whole picture, which has more than ",

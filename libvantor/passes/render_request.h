@@ -23,12 +23,12 @@ PixelArea window_of(const RenderRequest &request, const CallReport &call);
 /// Which samples the pass makes; nothing, after a diagnostic, if they cannot be a part of the larger picture.
 std::optional<SampleRange> samples_of(const RenderRequest &request, const Settings &settings, const CallReport &call);
 
-/// Whether the pass looks at the noise of the whole picture, to end or to place its samples; a part of a picture's
-/// samples is made as it is, which is reported.
-bool looks_at_noise(const Settings &settings, const SampleRange &samples, const CallReport &call);
+/// Checks whether the pass looks at the noise of the whole picture, to end or to place its samples; a part of a
+/// picture's samples is made as it is, which is reported.
+bool check_noise_settings(const Settings &settings, const SampleRange &samples, const CallReport &call);
 
-/// Whether the whole picture may be rendered where a window is asked for; reported if not.
-bool may_be_rendered_whole(const RenderRequest &request, const CallReport &call);
+/// Checks that the whole picture may be rendered where a window is asked for; reports if not.
+bool check_whole_picture(const RenderRequest &request, const CallReport &call);
 
 /// The imagers whose files can be written, the innermost last; each of the others is reported.
 std::vector<FileImager> writable_imagers(const Registry &registry, const PixelArea &window, const CallReport &call);

@@ -67,8 +67,8 @@ std::vector<int> shared_out(const BlockGrid &grid, const std::vector<double> &va
     double high = std::exp2(std::ceil(std::log2(limit / *std::ranges::max_element(share))));
     while (give(high) < there_are && high < std::numeric_limits<double>::max() / 2)
         high *= 2;
-    constexpr int halvings = 64; // from here on, factors are the same floats
-    for (int i = 0; i < halvings; ++i) {
+    constexpr int bisections = 64; // from here on, factors are the same floats
+    for (int i = 0; i < bisections; ++i) {
         const double middle = 0.5 * (low + high);
         (give(middle) > there_are ? high : low) = middle;
     }

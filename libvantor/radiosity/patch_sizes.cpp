@@ -176,8 +176,8 @@ PatchSizes::MeshDivision PatchSizes::division_of(std::size_t placement) const {
         largest = std::max(largest, area_of_triangle(placement, p));
     }
     const double exact = std::sqrt(largest) / side;
-    const double halvings = std::max(0.0, std::floor(std::log2(std::max(exact, 1.0))) - 2);
-    return {side, std::max(1, static_cast<int>(std::round(exact / std::exp2(halvings))))};
+    const double bisections = std::max(0.0, std::floor(std::log2(std::max(exact, 1.0))) - 2);
+    return {side, std::max(1, static_cast<int>(std::round(exact / std::exp2(bisections))))};
 }
 
 } // namespace vantor

@@ -14,7 +14,7 @@ constexpr float least_mean = 1e-3f;
 // The fraction of light that single facets reflect or refract.
 float single_albedo(Vec3 wo, float alpha, float ratio) {
     const Ggx facets(alpha);
-    return mean_over_facets<float>(wo, facets, [&](Vec3 half, float share) {
+    return mean_over_facets<float>(wo, facets, [&](Vec3 half, float weight) {
         const float cosine = std::clamp(dot(wo, half), 0.0f, 1.0f);
         const auto [reflectance, refracted_cosine] = refraction_of(cosine, ratio);
         const Vec3 back = reflected(wo, half);
@@ -24,7 +24,7 @@ float single_albedo(Vec3 wo, float alpha, float ratio) {
         const Vec3 through = refracted(wo, half, cosine, refracted_cosine, ratio);
         if (through.z < 0)
             found += (1 - reflectance) * facets.visible(through);
-        return share * found;
+        return weight * found;
     });
 }
 

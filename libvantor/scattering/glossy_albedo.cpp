@@ -11,11 +11,11 @@ namespace {
 // `weight_of` is how far a facet's reflectance has gone from normal to grazing, for a cosine.
 template <class WeightOf> GlossyAlbedo integrated(Vec3 wo, float alpha, WeightOf weight_of) {
     const Ggx facets(alpha);
-    return mean_over_facets<GlossyAlbedo>(wo, facets, [&](Vec3 half, float share) -> GlossyAlbedo {
+    return mean_over_facets<GlossyAlbedo>(wo, facets, [&](Vec3 half, float facet_weight) -> GlossyAlbedo {
         const Vec3 wi = reflected(wo, half);
         if (!(wi.z > 0))
             return {};
-        const float visible = share * facets.visible(wo, wi) / facets.visible(wo);
+        const float visible = facet_weight * facets.visible(wo, wi) / facets.visible(wo);
         const float weight = weight_of(std::clamp(dot(wo, half), 0.0f, 1.0f));
         return {visible * (1 - weight), visible * weight};
     });

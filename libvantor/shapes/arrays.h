@@ -20,9 +20,9 @@ inline bool has_area(Vec3 a, Vec3 b, Vec3 c) {
 // NaN is checked apart, because largest_coordinate() may ignore one.
 inline bool is_usable(Vec3 p) { return is_finite(p) && largest_coordinate(p) <= largest_reach; }
 
-// Whether the array has all the elements that its size says; reported if not.
-template <class Element> bool is_whole(const VtInstanceArray<Element> &array, std::string_view name,
-                                       const Parameters &parameters, const CallReport &report) {
+// Checks that the array has all the elements that its size says; reports if not.
+template <class Element> bool check_storage(const VtInstanceArray<Element> &array, std::string_view name,
+                                            const Parameters &parameters, const CallReport &report) {
     const VtLong stored = stored_count(array);
     const bool has_all = stored == array.Size();
     if (!has_all)

@@ -182,7 +182,7 @@ TriangleMesh tessellated(const Grid &grid, const Side &u, const Side &v, std::si
 
 std::optional<TriangleMesh> make_patches(const Parameters &parameters, const CallReport &report) {
     const VtInstanceArray<VtVector3> &given = parameters.vector3_array("points");
-    if (!is_whole(given, "points", parameters, report))
+    if (!check_storage(given, "points", parameters, report))
         return {};
     std::vector<VtVector3> points = copied(given);
     const auto columns = static_cast<std::size_t>(parameters.integer("columns"));

@@ -3,8 +3,8 @@
 
 namespace vantor {
 
-bool has_one_for_each(std::size_t count, std::string_view of, std::string_view name, VtLong elements,
-                      const Parameters &parameters, const CallReport &report) {
+bool check_one_for_each(std::size_t count, std::string_view of, std::string_view name, VtLong elements,
+                        const Parameters &parameters, const CallReport &report) {
     const bool is_good = static_cast<std::size_t>(elements) == count;
     if (!is_good)
         parameters.complain(name,
@@ -17,7 +17,7 @@ bool has_one_for_each(std::size_t count, std::string_view of, std::string_view n
 std::vector<Color> read_colors(std::size_t count, std::string_view of, const Parameters &parameters,
                                const CallReport &report) {
     const VtInstanceArray<VtVector3> &given = parameters.vector3_array("colors");
-    if (!has_one_for_each(count, of, "colors", given.Size(), parameters, report))
+    if (!check_one_for_each(count, of, "colors", given.Size(), parameters, report))
         return {};
     std::vector<Color> colors = copied(given, [](const VtVector3 &v) { return to_color(v); });
     const auto is_usable_component = [](float c) { return c >= 0 && c <= 1e9f; };

@@ -6,9 +6,9 @@
 
 namespace vantor {
 
-/// Whether an array has one element for each of `of`, which there are so many of; reported if not.
-bool has_one_for_each(std::size_t count, std::string_view of, std::string_view name, VtLong elements,
-                      const Parameters &parameters, const CallReport &report);
+/// Checks that an array has one element for each of `of`, which there are so many of; reports if not.
+bool check_one_for_each(std::size_t count, std::string_view of, std::string_view name, VtLong elements,
+                        const Parameters &parameters, const CallReport &report);
 
 /// The parameter "colors", which the material's colour is multiplied with: one for each of `of`; nothing, after a
 /// diagnostic, if it cannot be used. All its elements have storage.

@@ -9,12 +9,12 @@ namespace vantor {
 
 namespace {
 
-bool has_all_elements(const Parameters &parameters, const CallReport &report) {
-    bool has_all = is_whole(parameters.vector3_array("points"), "points", parameters, report);
+bool check_arrays(const Parameters &parameters, const CallReport &report) {
+    bool has_all = check_storage(parameters.vector3_array("points"), "points", parameters, report);
     if (parameters.is_given("counts"))
-        has_all &= is_whole(parameters.long_array("counts"), "counts", parameters, report);
+        has_all &= check_storage(parameters.long_array("counts"), "counts", parameters, report);
     if (parameters.is_given("radii"))
-        has_all &= is_whole(parameters.double_array("radii"), "radii", parameters, report);
+        has_all &= check_storage(parameters.double_array("radii"), "radii", parameters, report);
     return has_all;
 }
 
@@ -145,7 +145,7 @@ class Maker {
 } // namespace
 
 std::optional<Curves> make_curves(const Parameters &parameters, const CallReport &report) {
-    if (!has_all_elements(parameters, report))
+    if (!check_arrays(parameters, report))
         return {};
     const std::vector<VtVector3> points = copied(parameters.vector3_array("points"));
     const Spline spline = make_spline(parameters, VtBSplineBasis(), report);

@@ -111,22 +111,22 @@ void add_normals(TriangleMesh &mesh, const Parameters &parameters, const CallRep
     const bool are_usable = std::ranges::all_of(normals, has_direction);
     if (!are_usable)
         parameters.complain("normals", "has zero or unusable vectors (expected directions); it is left out", report);
-    else if (has_one_for_each(mesh.points.size(), "points", "normals", static_cast<VtLong>(normals.size()), parameters,
-                              report))
+    else if (check_one_for_each(mesh.points.size(), "points", "normals", static_cast<VtLong>(normals.size()),
+                                parameters, report))
         mesh.normals = std::move(normals);
 }
 
-// Whether all that is given is there; and points and faces are.
-bool is_whole_mesh(const Parameters &parameters, const CallReport &report) {
+// Checks that all that is given has storage, and that there are faces; reports if not.
+bool check_arrays(const Parameters &parameters, const CallReport &report) {
     bool are_whole = true;
     for (const char *name : {"points", "normals", "colors"})
         if (parameters.is_given(name))
-            are_whole &= is_whole(parameters.vector3_array(name), name, parameters, report);
+            are_whole &= check_storage(parameters.vector3_array(name), name, parameters, report);
     for (const char *name : {"triangles", "quads"})
         if (parameters.is_given(name))
-            are_whole &= is_whole(parameters.long_array(name), name, parameters, report);
+            are_whole &= check_storage(parameters.long_array(name), name, parameters, report);
     if (parameters.is_given("uvs"))
-        are_whole &= is_whole(parameters.vector2_array("uvs"), "uvs", parameters, report);
+        are_whole &= check_storage(parameters.vector2_array("uvs"), "uvs", parameters, report);
     if (parameters.is_given("triangles") || parameters.is_given("quads"))
         return are_whole;
     report.diagnostic(
@@ -139,7 +139,7 @@ bool is_whole_mesh(const Parameters &parameters, const CallReport &report) {
 
 std::vector<Point2f> read_uvs(std::size_t points, const Parameters &parameters, const CallReport &report) {
     const VtInstanceArray<VtVector2> &given = parameters.vector2_array("uvs");
-    if (!has_one_for_each(points, "points", "uvs", given.Size(), parameters, report))
+    if (!check_one_for_each(points, "points", "uvs", given.Size(), parameters, report))
         return {};
     std::vector<Point2f> uvs = copied(given, [](const VtVector2 &v) -> Point2f {
         return {static_cast<float>(v[0]), static_cast<float>(v[1])};
@@ -154,7 +154,7 @@ std::vector<Point2f> read_uvs(std::size_t points, const Parameters &parameters, 
 }
 
 std::optional<TriangleMesh> make_mesh(const Parameters &parameters, const CallReport &report) {
-    if (!is_whole_mesh(parameters, report))
+    if (!check_arrays(parameters, report))
         return {};
     TriangleMesh mesh;
     mesh.points = floats_of(parameters.vector3_array("points"));

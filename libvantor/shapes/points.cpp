@@ -68,11 +68,11 @@ void leave_out_unusable(Points &points, const Parameters &parameters, const Call
 
 std::optional<Points> make_points(const Parameters &parameters, const CallReport &report) {
     const VtInstanceArray<VtVector3> &positions = parameters.vector3_array("positions");
-    bool are_whole = is_whole(positions, "positions", parameters, report);
+    bool are_whole = check_storage(positions, "positions", parameters, report);
     if (parameters.is_given("radii"))
-        are_whole &= is_whole(parameters.double_array("radii"), "radii", parameters, report);
+        are_whole &= check_storage(parameters.double_array("radii"), "radii", parameters, report);
     if (parameters.is_given("colors"))
-        are_whole &= is_whole(parameters.vector3_array("colors"), "colors", parameters, report);
+        are_whole &= check_storage(parameters.vector3_array("colors"), "colors", parameters, report);
     if (!are_whole)
         return {};
 

@@ -18,7 +18,7 @@ std::optional<QuadOrMesh> make_quad(const Parameters &parameters, const CallRepo
 
     if (parameters.is_given("corners")) {
         const VtInstanceArray<VtVector3> &given = parameters.vector3_array("corners");
-        if (!is_whole(given, "corners", parameters, report))
+        if (!check_storage(given, "corners", parameters, report))
             return {};
         if (given.Size() != 4) {
             parameters.complain("corners",

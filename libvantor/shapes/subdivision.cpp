@@ -18,14 +18,14 @@ class Reader {
     Reader(const Parameters &all_parameters, const CallReport &to) : parameters(all_parameters), report(to) {}
 
     std::optional<Polygons> read() {
-        bool are_whole = is_whole(parameters.vector3_array("points"), "points", parameters, report);
+        bool are_whole = check_storage(parameters.vector3_array("points"), "points", parameters, report);
         for (const char *name : {"counts", "indices", "crease_edges", "corner_points"})
             if (parameters.is_given(name))
-                are_whole &= is_whole(parameters.long_array(name), name, parameters, report);
+                are_whole &= check_storage(parameters.long_array(name), name, parameters, report);
         if (parameters.is_given("crease_weights"))
-            are_whole &= is_whole(parameters.double_array("crease_weights"), "crease_weights", parameters, report);
+            are_whole &= check_storage(parameters.double_array("crease_weights"), "crease_weights", parameters, report);
         if (parameters.is_given("uvs"))
-            are_whole &= is_whole(parameters.vector2_array("uvs"), "uvs", parameters, report);
+            are_whole &= check_storage(parameters.vector2_array("uvs"), "uvs", parameters, report);
         if (!are_whole)
             return {};
 

@@ -419,7 +419,7 @@ TEST(Noise, EndsAtTheTimeLimitToo) {
         << limited.comment;
 }
 
-TEST(Noise, OfFewerSamplesNothingIsTold) {
+TEST(Noise, IsReportedFrom16SamplesOn) {
     Scene scene;
     make_ball(scene);
     EXPECT_EQ(made(scene, {.samples = 15}, "noise", 1.0).comment.find("error"), std::string::npos);

@@ -70,7 +70,7 @@ VtLong narrow_imager(Scene &scene, const std::string &name, const char *what) {
     return imager(scene, name, "what", what, "filter", "box", "filter_width", 0.01);
 }
 
-TEST(Imager, FeaturesOfASphereAreItsGeometry) {
+TEST(Imager, AovsOfASphereAreItsGeometry) {
     Scene scene;
     const VtLong sphere = build_sphere(scene);
     const char *whats[] = {"albedo", "normal", "depth", "position", "object_id", "color"};
@@ -110,7 +110,7 @@ TEST(Imager, FeaturesOfASphereAreItsGeometry) {
     EXPECT_GT(hits, 100);
 }
 
-TEST(Imager, FeaturesInBytesCanBeLookedAt) {
+TEST(Imager, AovsInBytesCanBeLookedAt) {
     Scene scene;
     const VtLong sphere = build_sphere(scene);
     const char *whats[] = {"albedo", "normal", "depth", "position", "object_id", "variance"};
@@ -414,7 +414,7 @@ TEST(Imager, FilterWidthsBlurAnEdgeSoFar) {
     EXPECT_LT(narrow[16], 0.1);
 }
 
-TEST(Imager, WindowsAndThreadsMakeNoDifferenceToFeaturesUnderAFilter) {
+TEST(Imager, WindowsAndThreadsMakeNoDifferenceToAovsUnderAFilter) {
     Scene scene;
     build_room(scene);
     const char *whats[] = {"color", "albedo", "normal", "depth", "position", "object_id", "variance"};

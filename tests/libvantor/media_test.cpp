@@ -60,7 +60,7 @@ TEST(PhaseFunction, SamplesFollowIt) {
     }
 }
 
-TEST(Medium, FlightsBringTheTransmittanceAndTheScatteredFraction) {
+TEST(Medium, SampledDistancesGiveTheTransmittanceAndTheScatteredFraction) {
     const Medium medium{{0.1f, 0.5f, 0.0f}, {0.7f, 0.2f, 0.0f}};
     constexpr float distance = 1.5f;
     vantor::Color through;

@@ -193,7 +193,7 @@ TEST(Render, InterruptIsHeardWhileImagersAreChecked) {
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST(Render, TimeLeftIsToldInTwoUnitsAtMost) {
+TEST(Render, TimeLeftIsShownInTwoUnitsAtMost) {
     EXPECT_EQ(vantor::time_text(0.4), "0 s");
     EXPECT_EQ(vantor::time_text(59.4), "59 s");
     EXPECT_EQ(vantor::time_text(59.6), "1 min 0 s");

@@ -1,4 +1,4 @@
-// Usage: what is described in vain is said once a pass, and never of a good scene.
+// Usage: what has no effect on the picture is said once a pass, and never of a good scene.
 #include "tests/libvantor/scripted_scene.h"
 
 #include <cstdlib>
