@@ -1,11 +1,16 @@
 """Children: processes that are forked off this one, for work that takes long."""
 
 import contextlib
+import multiprocessing
 import os
+import shutil
 import signal
+import tempfile
 import threading
+import weakref
 
 from . import _native
+from ._files import keep_temporary_files_in, temporary_place
 
 _lock = threading.Lock()
 
@@ -64,3 +69,49 @@ def kill_child(owner, pid):
     os.kill(pid, signal.SIGKILL)
     waited(pid)
     return True
+
+
+class ConnectedChild:
+    """A child at the other end of a connection. Its temporary files lie in a folder of its own,
+    which goes when it ends, in whatever way: a child that is killed can remove nothing."""
+
+    def __init__(self, run, *arguments):
+        """The child calls run(connection, *arguments)."""
+        self._folder = tempfile.mkdtemp(prefix="vantor-", dir=temporary_place())
+        try:
+            with forking():
+                self.connection, child_end = multiprocessing.Pipe()
+                try:
+                    self.pid = start_child(_run_in, self._folder, run, child_end, *arguments)
+                    self._end = weakref.finalize(self, _end_child, os.getpid(), self.pid,
+                                                 self._folder)
+                finally:
+                    child_end.close()
+        except BaseException:
+            shutil.rmtree(self._folder, ignore_errors=True)
+            raise
+
+    @property
+    def is_alive(self):
+        return self._end.alive
+
+    def end(self):
+        """Kills it, if it is alive."""
+        self._end()
+
+    def end_of_itself(self):
+        """How it has ended, or ends now, when its end of the connection is closed."""
+        self._end.detach()
+        status = waited(self.pid)
+        shutil.rmtree(self._folder, ignore_errors=True)
+        return how_ended(status)
+
+
+def _run_in(folder, run, *arguments):
+    keep_temporary_files_in(folder)
+    run(*arguments)
+
+
+def _end_child(owner, pid, folder):
+    if kill_child(owner, pid):
+        shutil.rmtree(folder, ignore_errors=True)

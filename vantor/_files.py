@@ -1,4 +1,4 @@
-"""Files that are written whole or not at all."""
+"""Files: those that are written whole or not at all, and where temporary ones lie."""
 
 import contextlib
 import os
@@ -21,3 +21,17 @@ def write_whole(path, data):
         with contextlib.suppress(OSError):
             os.remove(temporary)
         raise
+
+
+_place = None  # where the system has them
+
+
+def keep_temporary_files_in(folder):
+    """From now on, those of this package in this process."""
+    global _place
+    _place = folder
+
+
+def temporary_place():
+    """The folder for temporary files, as tempfile's functions take it."""
+    return _place

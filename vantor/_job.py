@@ -16,6 +16,7 @@ import weakref
 
 from . import _native
 from ._children import forking, how_ended, kill_child, start_child, waited
+from ._files import temporary_place
 from ._messages import SceneError, tell
 from ._picture import Picture
 from ._progress import wait_with_bar
@@ -38,7 +39,7 @@ class Job:
         self._is_cancelled = False
         self._progress = mmap.mmap(-1, mmap.PAGESIZE)  # shared with the child
         self._preview = _shared_pixels(work)
-        self._folder = tempfile.mkdtemp(prefix="vantor-job-")
+        self._folder = tempfile.mkdtemp(prefix="vantor-job-", dir=temporary_place())
         try:
             work.prepare(self._folder)
             self._fork()

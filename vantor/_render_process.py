@@ -6,16 +6,15 @@ the scene as it is, with all that the renderer has prepared.
 """
 
 import collections
-import multiprocessing
 import os
 import pickle
 import tempfile
 import threading
 import traceback
 import warnings
-import weakref
 
-from ._children import forking, how_ended, kill_child, start_child, waited
+from ._children import ConnectedChild
+from ._files import temporary_place
 from ._messages import Place, SceneError, SceneWarning
 
 # After so many seconds without work the child is ended, and its memory is free.
@@ -41,30 +40,28 @@ class RenderProcess:
     """A child that renders pieces of one source, one after another."""
 
     def __init__(self, pickled_source):
-        with forking():
-            self._connection, child_end = multiprocessing.Pipe()
-            try:
-                self._pid = start_child(_serve, child_end, pickled_source)
-                self._clean = weakref.finalize(self, kill_child, os.getpid(), self._pid)
-            finally:
-                child_end.close()
+        self._child = ConnectedChild(_serve, pickled_source)
+
+    @property
+    def pid(self):
+        return self._child.pid
 
     def render(self, piece, is_wanted):
         """The Reply; None if it is not wanted any more: the child can be asked no more then."""
+        connection = self._child.connection
         try:
-            self._connection.send(piece)
-            while not self._connection.poll(_INTERVAL):
+            connection.send(piece)
+            while not connection.poll(_INTERVAL):
                 if not is_wanted():
-                    self._clean()
+                    self._child.end()
                     return None
-            return self._connection.recv()
+            return connection.recv()
         except (EOFError, OSError):
-            self._clean.detach()
-            text = "the process that renders on a worker has ended " + how_ended(waited(self._pid))
+            text = "the process that renders on a worker has ended " + self._child.end_of_itself()
             return Reply(None, None, [], Failure(None, text), None)
 
     def end(self):
-        self._clean()
+        self._child.end()
 
 
 class Renderer:
@@ -144,7 +141,7 @@ class _Server:
 
 def encoded(picture, ending, exposure, display, name="color"):
     """The bytes of a picture's file."""
-    with tempfile.TemporaryDirectory(prefix="vantor-farm-") as folder:
+    with tempfile.TemporaryDirectory(prefix="vantor-farm-", dir=temporary_place()) as folder:
         path = os.path.join(folder, "picture" + ending)
         picture.save(path, exposure, display, name)
         with open(path, "rb") as file:

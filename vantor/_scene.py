@@ -10,6 +10,7 @@ from collections.abc import Iterable
 import vantorPM
 
 from . import _handles, _native, _values
+from ._files import temporary_place
 from ._job import Job
 from ._messages import SceneError, is_strict_by_environment, script_place, tell
 from ._models import Model
@@ -281,7 +282,7 @@ class Scene:
     def folder(self):
         """A folder for files on the way to and from the renderer; it goes with the scene."""
         if self._folder is None:
-            self._folder = tempfile.mkdtemp(prefix="vantor-")
+            self._folder = tempfile.mkdtemp(prefix="vantor-", dir=temporary_place())
             weakref.finalize(self, _remove_of_owner, self._folder, os.getpid())
         return self._folder
 

@@ -10,7 +10,6 @@ import hmac
 import html
 import json
 import math
-import multiprocessing
 import os
 import pathlib
 import secrets
@@ -18,9 +17,8 @@ import signal
 import socket
 import threading
 import urllib.parse
-import weakref
 
-from ._children import forking, how_ended, kill_child, start_child, waited
+from ._children import ConnectedChild
 from ._models import load
 from ._passes import aov_parameter
 from ._source import Source
@@ -34,6 +32,7 @@ _EVERYWHERE = ("0.0.0.0", "::")
 
 _LOOK = 0.3  # seconds between looks at the script's file
 _STOP = 0.02  # seconds between signals to a child that still renders what nobody wants any more
+_PATIENCE = 0.3  # seconds in which a request may show its first picture before the next one
 _MOST_CRASHES = 3  # in a row, without a picture between them
 
 _CAMERA = ("position", "target", "up", "fov", "fov_axis", "aperture_radius", "focus_distance")
@@ -126,13 +125,9 @@ class _Child:
     def __init__(self, build, take):
         self._take = take
         self._loop = asyncio.get_running_loop()
-        with forking():
-            self._connection, child_end = multiprocessing.Pipe()
-            try:
-                self.pid = start_child(serve, child_end, build)
-            finally:
-                child_end.close()
-        self._clean = weakref.finalize(self, kill_child, os.getpid(), self.pid)
+        self._child = ConnectedChild(serve, build)
+        self._connection = self._child.connection
+        self.pid = self._child.pid
         self._unheard = 0
         self._stopping = None
         self._loop.add_reader(self._connection.fileno(), self._read)
@@ -164,8 +159,7 @@ class _Child:
                     self._take(kind, value)
         except (EOFError, OSError):
             self._forget()
-            self._clean.detach()
-            self._take("ended", how_ended(waited(self.pid)))
+            self._take("ended", self._child.end_of_itself())
 
     def _forget(self):
         self._unheard = 0
@@ -175,9 +169,9 @@ class _Child:
         self._connection.close()
 
     def end(self):
-        if self._clean.alive:
+        if self._child.is_alive:
             self._forget()
-            self._clean()
+            self._child.end()
 
 
 class _Server:
@@ -190,7 +184,9 @@ class _Server:
         self._pages = set()
         self._child = None
         self._scene = None  # what the child has told of it
-        self._request = None
+        self._request = None  # the newest,
+        self._asked = None  # and the last that the child was asked for
+        self._patience = None  # a timer, until that shows its first picture
         self._number = 0
         self._crashes = 0
         self._saves = collections.deque()  # (Save, future); the first is being made
@@ -223,6 +219,7 @@ class _Server:
     async def stop(self):
         if self._watching:
             self._watching.cancel()
+        self._end_patience()
         if self._child:
             self._child.end()
         for page in list(self._pages):
@@ -287,7 +284,7 @@ class _Server:
                 x, y = _number(asked["x"], 0, 1), _number(asked["y"], 0, 1)
                 self._ask(Pick(camera, size, x, y))
                 if self._request:
-                    self._look(self._request)
+                    self._send_request()
             elif what == "rest":
                 self._rest()
             else:
@@ -323,10 +320,29 @@ class _Server:
 
     def _look(self, request):
         self._request = request
-        self._ask(request)
+        if self._patience is None:
+            self._send_request()
+
+    def _send_request(self):
+        self._end_patience()
+        self._asked = self._request
+        self._patience = asyncio.get_running_loop().call_later(_PATIENCE, self._go_to_newest)
+        self._ask(self._request)
+
+    def _go_to_newest(self):
+        """Something is to be seen while the camera is dragged: only now comes the next request."""
+        self._end_patience()
+        if self._asked is not self._request:
+            self._send_request()
+
+    def _end_patience(self):
+        if self._patience:
+            self._patience.cancel()
+        self._patience = None
 
     def _rest(self):
         """Nobody looks: nothing is rendered until somebody does."""
+        self._end_patience()
         if not self._saves:
             self._ask(None)
 
@@ -349,6 +365,8 @@ class _Server:
         if kind == "picture":
             self._crashes = 0
             facts, png = value
+            if self._patience and facts["number"] == self._asked.number:
+                self._go_to_newest()
             header = json.dumps({"what": "picture", **facts}).encode()
             return self._tell(len(header).to_bytes(4, "little") + header + png)
         if kind == "saved":
@@ -371,7 +389,7 @@ class _Server:
         if self._saves:
             self._ask_now(self._saves[0][0])
         elif self._request and self._pages:
-            self._ask_now(self._request)
+            self._send_request()
 
     def _fail_saves(self, why):
         while self._saves:

@@ -22,7 +22,7 @@ from ._farm_jobs import (
     check_open,
     raise_failures,
 )
-from ._files import write_whole
+from ._files import temporary_place, write_whole
 from ._messages import script_place
 from ._passes import pixel_window
 from ._picture import Picture
@@ -153,7 +153,7 @@ def _paths(frames, pattern):
 
 def _check_format(ending, exposure, display):
     """Tries to write a picture, before hours of work for one that cannot be."""
-    with tempfile.TemporaryDirectory(prefix="vantor-farm-") as folder:
+    with tempfile.TemporaryDirectory(prefix="vantor-farm-", dir=temporary_place()) as folder:
         black = Picture(1, 1, {"color": bytearray(12)})
         black.save(os.path.join(folder, "black" + ending), exposure, display)
 

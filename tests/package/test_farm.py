@@ -125,9 +125,9 @@ class RendererTest(PackageTest):
 
     def test_the_process_stays_for_the_next_piece_and_goes_with_another_source(self):
         self.render(ball_scene)
-        pid = self.renderer._process._pid
+        pid = self.renderer._process.pid
         self.render(ball_scene)
-        self.assertEqual(self.renderer._process._pid, pid)
+        self.assertEqual(self.renderer._process.pid, pid)
         self.render(lit_scene, token="b")
         self.assertRaises(ProcessLookupError, os.kill, pid, 0)
 
@@ -155,10 +155,19 @@ class RendererTest(PackageTest):
     def test_a_process_that_is_idle_ends_without_a_trace_and_is_replaced(self):
         with unittest.mock.patch("vantor._render_process.IDLE_SECONDS", 0.2):
             self.render(ball_scene)
-            pid = self.renderer._process._pid
+            pid = self.renderer._process.pid
             while os.path.exists("/proc/{}".format(pid)):  # a zombie, too, is one too many
                 time.sleep(0.01)
         self.assertIsNotNone(self.render(ball_scene).layers)
+
+    def test_a_process_leaves_no_files(self):
+        with unittest.mock.patch("tempfile.tempdir", self.folder):
+            self.render(ball_scene)
+            self.assertNotEqual(os.listdir(self.folder), [])
+            self.renderer.end()
+            self.assertEqual(os.listdir(self.folder), [])
+            self.render(crash)
+            self.assertEqual(os.listdir(self.folder), [])
 
     def test_exceptions_travel(self):
         reply = self.render(no_scene)

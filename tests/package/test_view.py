@@ -5,6 +5,7 @@ import signal
 import sys
 import time
 import unittest
+import unittest.mock
 import urllib.error
 import urllib.request
 import warnings
@@ -141,6 +142,15 @@ class ServerTest(ViewTest):
     def test_nothing_is_saved_before_anybody_looks(self):
         status, text = status_of(self.root + "save?samples=1&token=" + self.token)
         self.assertEqual((status, text), (400, b"nothing is looked at"))
+
+    def test_it_leaves_no_files(self):
+        with unittest.mock.patch("tempfile.tempdir", self.folder):
+            view = ball_scene().view()
+            self.addCleanup(view.close)
+            self.wait_for(lambda: view._server._scene)
+            self.assertNotEqual(os.listdir(self.folder), [])
+            view.close()
+            self.assertEqual(os.listdir(self.folder), [])
 
     def test_its_end_ends_the_child(self):
         pid = self.view._server._child.pid
@@ -305,6 +315,13 @@ class PageTest(ViewTest):
         eval(self.text("camera"), {"scene": scene})
         self.assertEqual(_view_process.camera_of(scene)["target"],
                          [float("{:.7g}".format(x)) for x in moved[1]])
+
+    def test_it_is_seen_while_it_is_dragged(self):
+        self.set("samples", 1 << 20)
+        count = int(self.data("pictures"))
+        self.js("window.dragging = setInterval(() => { orbit(0.01, 0); changed(); }, 10)")
+        self.wait_for(lambda: int(self.data("pictures")) > count + 5, "pictures")
+        self.js("clearInterval(window.dragging)")
 
     def test_a_double_click_takes_what_is_there_as_the_target_and_names_it(self):
         self.double_click(0.5, 0.5)
