@@ -39,10 +39,12 @@ docs:
 	@cmake --build --preset release -j$(JOBS)
 	PYTHONPATH=build/release/python $$(tools/docs-python) docs/site/make.py
 
-# Looks at that site: links, pictures, and every page in headless Chromium.
+# Looks at that site, links, pictures, and every page in headless Chromium; and at the page of a view likewise.
 docs-check:
 	@tools/setup docs
 	$$(tools/docs-python) tests/python/run.py --in tests/site
+	cd build && PYTHONPATH=$(CURDIR)/build/release/python VANTOR_BUILD=$(CURDIR)/build/release \
+	    $$($(CURDIR)/tools/docs-python) ../tests/python/run.py --in ../tests/package test_view
 
 # "make demo" and "make test" in clean Debian systems, before a release; see tools/fresh.
 fresh:
