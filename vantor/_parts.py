@@ -23,7 +23,7 @@ class Layer(bytearray):
 def merge(pictures):
     """The picture of all samples of these, which are Pictures of ranges of samples, or the .exr
     files of such passes, in any order. Once all samples are there it is, bit for bit, what one pass
-    makes of them; before that, it can be merged further."""
+    makes of them, and of denoised parts their mean; before that, it can be merged further."""
     pictures = [_picture(picture) for picture in pictures]
     if not pictures:
         raise ValueError("merge: expected pictures, got none")

@@ -174,8 +174,8 @@ class _Server:
             self._stopped.clear()
             self._steps.insert(0, step)
         elif picture:
-            paths = size[0] * size[1] * count
-            self._rate = paths / max(time.monotonic() - start, 1e-3)
+            if count == 1:  # others are denoised
+                self._rate = size[0] * size[1] / max(time.monotonic() - start, 1e-3)
             self._picture = merge([self._picture, picture]) if first else picture
             self._samples = (first or 0) + count
             # The page may want something else by now; then it is soon asked for again, or old.

@@ -118,7 +118,8 @@ Planes foreground_irradiance(const FrameBuffer &frame, const NoisyPixels &pixels
     return result;
 }
 
-// To an AOV's picture. That of a part stays one, whose sums are then of its values.
+// Adds the gains to an AOV. If the picture is a part of a larger one's samples, the result gets sums, too: as if each
+// sample had the denoised value, so that merged parts make their weighted mean.
 void add(const Planes &gains, const FrameBuffer &noisy, Aov aov, FrameBuffer &result) {
     Picture &picture = result.of(aov);
     const PixelArea &area = picture.window;

@@ -5,15 +5,15 @@
 
 namespace vantor {
 
-/// Whether the noise of so few samples can be told: by two runs or more, as one has no variance.
+/// Whether the noise can be estimated: that takes samples of at least two runs (guides.h).
 bool can_be_denoised(const SampleRange &samples);
 
 /// What has to be rendered so that the pixels of a window can be denoised as those of the whole picture are.
 PixelArea with_denoiser_margin(const PixelArea &window, int width, int height);
 
 /// What the imagers of a window are shown: the pictures of the noisy frame, whose colour and foreground are denoised.
-/// The noisy frame has guides, is whole, and has the window's margin. A part of a picture's samples
-/// stays one: put together with others, it makes the mean. Throws Interrupted.
+/// The noisy frame has guides, is whole, and has the window's margin. A part of a picture's samples stays one: merged
+/// with others, it makes their mean, weighted by samples. Throws Interrupted.
 ///
 /// Pixels that cannot be told apart (pair_weights.h) share what they have, in pairs: the brighter one loses what the
 /// darker one gains. So no light gets lost where rare bright samples stand out, and the picture's mean is what it was.

@@ -3,6 +3,7 @@
 
 #include "libvantor/description/sky.h"
 #include "libvantor/images/reading.h"
+#include "libvantor/lights/cone.h"
 
 #include <numbers>
 
@@ -12,12 +13,6 @@ namespace {
 
 double radians(double degrees) { return degrees * std::numbers::pi / 180; }
 
-// One minus the cosine, without its loss of digits.
-double one_minus_cosine(double angle) {
-    const double sine = std::sin(0.5 * angle);
-    return 2 * sine * sine;
-}
-
 Light distant_light(const VtVector3 &to_light, double diameter, Color irradiance, const VtTransform &transform) {
     // Below this, floats do not tell the disk's directions apart.
     constexpr double least_diameter = 1e-3;
@@ -25,7 +20,7 @@ Light distant_light(const VtVector3 &to_light, double diameter, Color irradiance
     in_world.Normalize();
     if (diameter < least_diameter)
         return DistantLight{to_float(in_world), irradiance};
-    const double height = one_minus_cosine(radians(0.5 * diameter));
+    const double height = one_minus_cos(radians(0.5 * diameter));
     return DistantDiskLight{to_float(in_world), static_cast<float>(height), irradiance};
 }
 
@@ -165,8 +160,8 @@ DescribedLight make_spot(const Parameters &parameters, const VtTransform &transf
         beam = cutoff;
     }
     return {{SpotLight{to_float(transformed_point(position, transform)), to_float(axis), parameters.color("intensity"),
-                       static_cast<float>(one_minus_cosine(radians(beam))),
-                       static_cast<float>(one_minus_cosine(radians(cutoff)))}}};
+                       static_cast<float>(one_minus_cos(radians(beam))),
+                       static_cast<float>(one_minus_cos(radians(cutoff)))}}};
 }
 
 constexpr LightMaker makers[] = {

@@ -31,7 +31,8 @@ struct Path {
     /// Whether the ray is still the camera's: at most passed straight through surfaces that are not quite opaque.
     bool is_from_camera() const { return bounces == 0; }
 
-    /// The context of light samples at its vertex. Where few of the rays are followed, they find too little.
+    /// The context of light samples at its vertex. Once it finds only lights, roulette ends most of its rays, so that
+    /// light samples take their full share.
     LightSampleContext light_context(LightSampleContext at) const {
         at.has_bsdf_samples = !finds_only_lights;
         return at;

@@ -10,6 +10,12 @@ namespace vantor {
 /// minus their product has few digits where they are close.
 inline float one_minus_cos_between(Vec3 a, Vec3 b) { return 0.5f * dot(a - b, a - b); }
 
+/// One minus the cosine of an angle in radians, without the loss of digits of small ones.
+inline double one_minus_cos(double angle) {
+    const double sine = std::sin(0.5 * angle);
+    return 2 * sine * sine;
+}
+
 /// A stretch of a ray, by distances from its origin; empty unless `from` is below `to`, which may be infinite.
 struct RayPart {
     float from;

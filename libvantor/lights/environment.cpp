@@ -1,6 +1,8 @@
 // Environment: light from all directions, from a picture of them.
 #include "libvantor/lights/environment.h"
 
+#include "libvantor/lights/cone.h"
+
 #include <numbers>
 
 namespace vantor {
@@ -38,12 +40,6 @@ class CellLuminances {
     std::vector<float> below;
 };
 
-// One minus the cosine, without its loss of digits.
-double drop_of(double angle) {
-    const double sine = std::sin(0.5 * angle);
-    return 2 * sine * sine;
-}
-
 // Of the polar angle, over the solid angle between two of them: the integral of sin^2 over that of sin.
 double mean_sine(double upper, double lower) {
     const double integral = 0.5 * (lower - upper) - 0.25 * (std::sin(2 * lower) - std::sin(2 * upper));
@@ -58,7 +54,7 @@ Environment::Environment(Raster of, Color its_scale, const Affine &its_world_fro
     const int rows = picture.height() + 1;
     const auto edge = [&](int row) { return std::numbers::pi * std::clamp(row - 0.5, 0.0, rows - 1.0) / (rows - 1); };
     for (int ring = 0; ring <= picture.height() / 2 + 1; ++ring)
-        drops.push_back(static_cast<float>(drop_of(edge(ring))));
+        one_minus_cos_thetas.push_back(static_cast<float>(one_minus_cos(edge(ring))));
 
     CellLuminances luminances(picture, scale);
     double sum = 0;
@@ -87,15 +83,16 @@ Environment::Environment(Raster of, Color its_scale, const Affine &its_world_fro
     auto of_picture = std::make_unique<const Distribution>(picture.width(), rows, write_weights);
     total = static_cast<float>(sum);
     vector = world_from_local(vector);
-    its_contrast = static_cast<float>(std::clamp(1 - sum * sum / (4 * std::numbers::pi * squares), 0.0, 1.0));
-    if (total > 0 && std::isfinite(total))
+    if (total > 0 && std::isfinite(total)) {
+        its_contrast = static_cast<float>(std::clamp(1 - sum * sum / (4 * std::numbers::pi * squares), 0.0, 1.0));
         distribution = std::move(of_picture);
+    }
 }
 
 Environment::Ring Environment::ring_of(int row) const {
     const int from_below = picture.height() - row;
     const auto ring = static_cast<std::size_t>(std::min(row, from_below));
-    return {from_below < row, drops[ring], drops[ring + 1] - drops[ring]};
+    return {from_below < row, one_minus_cos_thetas[ring], one_minus_cos_thetas[ring + 1] - one_minus_cos_thetas[ring]};
 }
 
 float Environment::solid_angle(int row) const {

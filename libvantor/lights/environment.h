@@ -86,8 +86,8 @@ class Environment {
     Color scale;
     Linear world_from_local;
     Linear local_from_world;
-    float determinant;        // of the former, 0 or more
-    std::vector<float> drops; // one minus the cosine of the angle to the pole, at the edges of the rings
+    float determinant;                       // of the former, 0 or more
+    std::vector<float> one_minus_cos_thetas; // one minus the cosine of the angle to the pole, at the edges of the rings
     std::unique_ptr<const Distribution> distribution;
     float total = 0;
     float its_contrast = 0;

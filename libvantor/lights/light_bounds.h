@@ -28,8 +28,8 @@ struct InfiniteLightBounds {
     Vec3 vector;   ///< Of the radiance times the unit vectors to where it comes from: the vector irradiance.
     float fluence; ///< Of the radiance: at least the length of the vector.
 
-    /// How much the radiance differs between directions: v / (1 + v) of its variance over the square of its mean, v. 0
-    /// if it is the same everywhere, close to 1 if it is all in a few directions.
+    /// How much the radiance differs between directions, roughly: v / (1 + v) of its variance over the square of its
+    /// mean, v. 0 if it is the same everywhere, close to 1 if it is all in a few directions.
     float contrast = 1;
 
     /// The irradiance of a surface of that normal, roughly; above 0. Without a normal, the fluence.

@@ -102,7 +102,11 @@ class WideFrame {
         window.finished = finished;
         if (!wide.is_whole())
             return;
-        window.for_each([&](Aov aov, Picture &picture) { picture.copy(wide.of(aov), window.window()); });
+        window.for_each([&](Aov aov, Picture &picture) {
+            if (const std::optional<PartSums> &part = wide.of(aov).part)
+                picture.part = PartSums{part->samples, part->reduction, std::vector<SampleSums>(picture.pixels.size())};
+            picture.copy(wide.of(aov), window.window());
+        });
         window.finished = window.pixels();
     }
 
@@ -130,8 +134,9 @@ std::optional<FrameBuffer> denoised_window(const FrameBuffer &rendered, const Sa
     if (!rendered.is_whole())
         return {};
     if (!can_be_denoised(made)) {
-        report.note("render: \"denoise\" takes 2 samples a pixel or more, the end of a range 3; the picture is written "
-                    "as it is");
+        report.note(
+            "render: \"denoise\" takes at least 2 samples a pixel, or 3 in the last part of a picture; the picture "
+            "is written as it is");
         return {};
     }
     try {
@@ -244,10 +249,8 @@ void render(const RenderRequest &request, const Registry &registry, WorldCache &
                 rendered.add_halves();
             made = render_in_rounds(limits, *samples, interrupt, render_samples, rendered);
         } else {
-            if (!samples->is_whole()) {
-                frame.keep_sums(*samples);
+            if (!samples->is_whole())
                 rendered.keep_sums(*samples);
-            }
             render_samples(*samples, rendered);
         }
     } catch (const Interrupted &) {

@@ -8,10 +8,10 @@
 
 namespace vantor {
 
-/// How an object stands.
+/// An object-to-world transform in floats, and its mean scale.
 struct ObjectMap {
     Affine world_from_object;
-    float scale; ///< Of lengths, roughly.
+    float scale; ///< Of lengths: the cube root of that of volumes.
 
     explicit ObjectMap(const Affine &map) : world_from_object(map), scale(std::cbrt(std::fabs(map.determinant))) {}
 };
@@ -28,7 +28,7 @@ struct World {
     bool is_opaque = true;   ///< No surface lets light pass straight through.
     bool has_hidden = false; ///< The camera does not see everything.
 
-    /// Of the object of which a ray has hit a surface that varies.
+    /// The transform of the object that was hit, of a surface that varies.
     ObjectMap map_at(const Hit &hit) const {
         const Placement &placement = placements[hit.placement];
         return placement.instances ? ObjectMap(placement.map(hit.instance)) : maps[hit.placement];

@@ -88,7 +88,11 @@ class StubsTest(unittest.TestCase):
 
     def test_stubs_are_what_is_there_at_run_time(self):
         # What only the package's own parts call stands in no stub.
-        options = ["--concise", "--ignore-missing-stub"]
+        config = os.path.join(self.folder, "mypy.ini")
+        with open(config, "w") as file:
+            # Its stubs are a package of their own, which not everybody has.
+            file.write("[mypy]\n[mypy-tqdm.*]\nignore_missing_imports = True\n")
+        options = ["--concise", "--ignore-missing-stub", "--mypy-config-file", config]
         status, output = self.output_of("stubtest", *options, "vantorPM", "vantor")
         self.assertEqual(status, 0, output)
 

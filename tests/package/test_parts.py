@@ -60,6 +60,11 @@ class PartsTest(PackageTest):
         self.assertEqual(bytes(merged.buffer("variance")), bytes(whole.buffer("variance")))
         of_files = vt.merge([self.path("{}.exr".format(first)) for first, _ in RANGES])
         self.assertEqual(bytes(of_files.buffer()), bytes(whole.buffer()))
+        # Nor does a limit that is not reached make a difference.
+        limited = [scene.render(40, 30, count, first_sample=first, samples_in_all=100,
+                                window=(0.25, 0, 1, 0.5), aovs="variance", denoise=True,
+                                time_limit=1000) for first, count in RANGES]
+        self.assertEqual(numbers(vt.merge(limited)), numbers(merged))
         # Of two samples at a range's end nothing can be told.
         with self.assertWarnsRegex(vt.SceneWarning, "as it is"):
             end = scene.render(40, 30, 2, first_sample=16, samples_in_all=18, denoise=True)
