@@ -1,6 +1,7 @@
 """Picture: what a pass has made, or a file."""
 
 import os
+import tempfile
 
 from . import _native
 
@@ -177,6 +178,17 @@ class Picture:
 
     def __repr__(self):
         return "<Picture {} x {}: {}>".format(self.width, self.height, ", ".join(self.names))
+
+
+def check_format(path, exposure=0.0, display=None):
+    """Tries to write such a file elsewhere, before hours of work for one that cannot be. Of the
+    path, only the ending counts."""
+    with tempfile.TemporaryDirectory(prefix="vantor-format-") as folder:
+        black = os.path.join(folder, "black" + os.path.splitext(path)[1])
+        try:
+            Picture(1, 1, {"color": bytearray(_PIXEL)}).save(black, exposure, display)
+        except ValueError as error:
+            raise ValueError(str(error).replace(black, path)) from None
 
 
 def _factor_of(exposure):
