@@ -29,7 +29,7 @@ from ._handles import (
     Texture,
     Trimmer,
 )
-from . import _help
+from . import _help, _native
 from ._job import Job, JobError
 from ._messages import SceneError, SceneWarning
 from ._models import Model, load
@@ -43,6 +43,8 @@ from ._viewer import View
 from ._vocabulary import vocabulary
 
 _help.document()
+
+__version__ = _native.version
 
 __all__ = [
     "Camera",

@@ -10,13 +10,18 @@
 import argparse
 import os
 import platform
+import signal
 import sys
 import webbrowser
 
-from . import SceneError, View, _native, farm, load, vocabulary
+from . import SceneError, View, __version__, _native, farm, load, vocabulary
+from ._picture import check_format
 from ._source import NoSceneError, Source
 from ._studio import scene_of_model
 from ._vocabulary import ALL
+
+
+_MOST = 2**31 - 1  # the renderer's integers have 32 bits
 
 
 def size_of(text):
@@ -25,7 +30,24 @@ def size_of(text):
         width, height = map(int, text.lower().split("x"))
     except ValueError:
         raise argparse.ArgumentTypeError('"{}" is no size such as 640x480'.format(text)) from None
+    if not (0 < width <= _MOST and 0 < height <= _MOST):
+        raise argparse.ArgumentTypeError('"{}" has no pixels, or too many'.format(text))
     return width, height
+
+
+def whole_number(low, high):
+    """What makes an option's number, from low to high."""
+    def number(text):
+        try:
+            value = int(text)
+        except ValueError:
+            value = None
+        if value is None or not low <= value <= high:
+            message = 'expected a whole number from {} to {}, got "{}"'
+            raise argparse.ArgumentTypeError(message.format(low, high, text))
+        return value
+
+    return number
 
 
 def render(arguments):
@@ -53,8 +75,10 @@ def view(arguments):
     changes."""
     try:
         opened = View.of_file(arguments.file, host=arguments.host, port=arguments.port)
-    except ImportError as error:
+    except (ImportError, ValueError) as error:
         raise SystemExit("vantor: {}".format(error)) from None
+    for end in (signal.SIGTERM, signal.SIGHUP):
+        signal.signal(end, signal.default_int_handler)  # as Ctrl-C: the child's files go, too
     with opened:
         print(opened.url, flush=True)
         if not arguments.no_browser:
@@ -89,6 +113,7 @@ def info(_):
         os.environ.get("LD_LIBRARY_PATH", ""))
     facts = {
         "Python": "{} ({})".format(platform.python_version(), sys.executable),
+        "version": __version__,
         "package": os.path.dirname(os.path.abspath(__file__)),
         "renderer": "{} ({})".format(library, why),
         "vocabulary": "{} types".format(len(ALL.types)) if ALL.is_known else "not told",
@@ -125,7 +150,8 @@ def parser():
         added.add_argument("-o", "--output", default=output,
                            help="the picture's file (%(default)s)")
         added.add_argument("--size", type=size_of, default=(640, 480), help="such as 640x480")
-        added.add_argument("--samples", type=int, default=64, help="for each pixel (%(default)s)")
+        added.add_argument("--samples", type=whole_number(1, _MOST), default=64,
+                           help="for each pixel (%(default)s)")
         added.add_argument("--exposure", type=float, default=0.0, help="in stops")
         added.add_argument("--denoise", action="store_true", help="less noise, of the same samples")
         added.add_argument("--adaptive", action="store_true",
@@ -148,7 +174,8 @@ def parser():
     viewing.add_argument("file", help="a script, or a model")
     viewing.add_argument("--host", default="127.0.0.1",
                          help="where to listen (%(default)s: this machine alone)")
-    viewing.add_argument("--port", type=int, default=0, help="0: any that is free")
+    viewing.add_argument("--port", type=whole_number(0, 65535), default=0,
+                         help="0: any that is free")
     viewing.add_argument("--no-browser", action="store_true", help="only print the address")
     explaining = command("vocabulary", explain, "Explains what the renderer knows.")
     explaining.add_argument("words", nargs="*", help="a call, a type, or both")
@@ -156,8 +183,22 @@ def parser():
     return top
 
 
+def check_output(known, chosen):
+    """A picture that cannot be saved is not rendered."""
+    folder = os.path.dirname(os.path.abspath(chosen.output))
+    try:
+        check_format(chosen.output, chosen.exposure)
+    except ValueError as error:
+        known.error(str(error))
+    if os.path.isdir(chosen.output) or not os.path.isdir(folder):
+        known.error("--output: no picture can be written to {}".format(chosen.output))
+
+
 def main(arguments=None):
-    chosen = parser().parse_args(arguments)
+    known = parser()
+    chosen = known.parse_args(arguments)
+    if hasattr(chosen, "output"):
+        check_output(known, chosen)
     try:
         chosen.run(chosen)
     except (OSError, LookupError, NoSceneError, SceneError, farm.FarmError) as error:

@@ -12,7 +12,7 @@ import weakref
 
 from ._files import write_whole
 from ._messages import SceneWarning
-from ._progress import wait_with_bar
+from ._progress import end_after, wait_with_bar
 from ._render_process import Renderer
 from ._windows import Canvas
 
@@ -63,7 +63,7 @@ class FarmJob:
         what went wrong on the way, CancelledError if it was cancelled before anything was finished,
         and TimeoutError after the timeout, in seconds; the job then goes on."""
         # Not for ever: on some systems Ctrl-C does not wake up who waits for a thread.
-        end = None if timeout is None else time.monotonic() + timeout
+        end = end_after(timeout)
         if progress:
             wait_with_bar(self, "render", end)
         while not self.done():

@@ -19,7 +19,7 @@ from ._children import forking, how_ended, kill_child, start_child, waited
 from ._files import temporary_place
 from ._messages import SceneError, tell
 from ._picture import Picture
-from ._progress import wait_with_bar
+from ._progress import end_after, wait_with_bar
 
 
 class JobError(RuntimeError):
@@ -93,7 +93,7 @@ class Job:
         """Waits for the Picture; with progress, under a bar of tqdm. Raises SceneError if there is
         none, JobError if the process has crashed, CancelledError if it was cancelled before a pixel
         was finished, and TimeoutError after the timeout, in seconds; the job then goes on."""
-        end = None if timeout is None else time.monotonic() + timeout
+        end = end_after(timeout)
         if progress:
             wait_with_bar(self, "render", end)
         while not self.done():

@@ -1,6 +1,7 @@
 """Parts: pictures of some of the samples, put together."""
 
 import os
+from collections.abc import Iterable
 
 from . import _native
 from ._picture import Picture
@@ -24,6 +25,8 @@ def merge(pictures):
     """The picture of all samples of these, which are Pictures of ranges of samples, or the .exr
     files of such passes, in any order. Once all samples are there it is, bit for bit, what one pass
     makes of them, and of denoised parts their mean; before that, it can be merged further."""
+    if isinstance(pictures, (str, os.PathLike)) or not isinstance(pictures, Iterable):
+        raise TypeError("merge: expected several pictures, got {!r}".format(pictures))
     pictures = [_picture(picture) for picture in pictures]
     if not pictures:
         raise ValueError("merge: expected pictures, got none")

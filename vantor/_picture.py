@@ -1,8 +1,10 @@
 """Picture: what a pass has made, or a file."""
 
 import os
+import tempfile
 
 from . import _native
+from ._files import temporary_place
 
 # Of these every pixel has one number; the files have it three times.
 _SINGLE = ("depth", "depth_z", "object_id", "alpha")
@@ -177,6 +179,17 @@ class Picture:
 
     def __repr__(self):
         return "<Picture {} x {}: {}>".format(self.width, self.height, ", ".join(self.names))
+
+
+def check_format(path, exposure=0.0, display=None):
+    """Tries to write such a file elsewhere, before hours of work for one that cannot be. Of the
+    path, only the ending counts."""
+    with tempfile.TemporaryDirectory(prefix="vantor-", dir=temporary_place()) as folder:
+        black = os.path.join(folder, "black" + os.path.splitext(path)[1])
+        try:
+            Picture(1, 1, {"color": bytearray(_PIXEL)}).save(black, exposure, display)
+        except ValueError as error:
+            raise ValueError(str(error).replace(black, path)) from None
 
 
 def _factor_of(exposure):

@@ -1,6 +1,22 @@
-"""Progress bars: those of tqdm, as text in a terminal and as widgets in a notebook."""
+"""Progress: timeouts, and bars of tqdm, as text in a terminal and as widgets in a notebook."""
 
+import math
 import time
+
+from . import _values
+
+
+def end_after(timeout):
+    """When so many seconds are over, by time.monotonic(); None if there is no timeout."""
+    if timeout is None:
+        return None
+    try:
+        seconds = _values.number(timeout)
+    except TypeError as error:
+        raise TypeError("timeout: {}".format(error)) from None
+    if math.isnan(seconds):
+        raise ValueError("timeout: expected seconds, got {!r}".format(timeout))
+    return time.monotonic() + seconds
 
 
 def wait_with_bar(job, what, end=None):

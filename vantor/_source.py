@@ -23,8 +23,13 @@ class Source:
             self._function = source
         elif isinstance(source, (str, os.PathLike)):
             self._path = os.path.abspath(source)
-            with open(source, encoding="utf-8") as file:
-                self._text = file.read()
+            try:
+                with open(source, encoding="utf-8") as file:
+                    self._text = file.read()
+            except UnicodeDecodeError:
+                raise OSError("{} is no script: it is not UTF-8".format(self._path)) from None
+            if "\0" in self._text:
+                raise OSError("{} is no script: it has null characters".format(self._path))
             compile(self._text, self._path, "exec")  # what is no Python is told here
         else:
             raise TypeError("expected a function that builds a scene, or the path of a script, "
@@ -32,10 +37,14 @@ class Source:
 
     def build(self, frame=None):
         """The scene. A frame is the function's argument, or the script's variable "frame"."""
-        if self._function:
-            scene = self._function() if frame is None else self._function(frame)
-        else:
-            scene = self._run(frame)
+        try:
+            if self._function:
+                scene = self._function() if frame is None else self._function(frame)
+            else:
+                scene = self._run(frame)
+        except SystemExit as error:
+            raise NoSceneError("{} has ended, by sys.exit({!r}), before it made a scene".format(
+                self, error.code)) from None
         if not isinstance(scene, Scene):
             what = ("returns no vantor.Scene" if self._function else
                     'makes no vantor.Scene in the variable "scene"')
@@ -50,6 +59,9 @@ class Source:
         sys.path.insert(0, folder)
         try:
             exec(compile(self._text, self._path, "exec"), names)
+        except SystemExit:
+            if "scene" not in names:
+                raise
         finally:
             sys.path.remove(folder)
         return names.get("scene")

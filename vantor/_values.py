@@ -147,6 +147,8 @@ def by_shape(scene, value):
         return value
     if isinstance(value, (list, tuple)) and value and all(isinstance(v, Handle) for v in value):
         return _native.to_array("intarray", [scene.id_of(handle) for handle in value])
+    if isinstance(value, (list, tuple)) and any(isinstance(v, Transform) for v in value):
+        return array("transformarray", value)
     shape, is_integer = _native.shape(value)
     if shape == ():
         return integer(value) if is_integer else number(value)

@@ -18,6 +18,7 @@ import socket
 import threading
 import urllib.parse
 
+from . import _values
 from ._children import ConnectedChild
 from ._models import load
 from ._passes import aov_parameter
@@ -29,6 +30,8 @@ from ._vocabulary import ALL
 _PAGE = pathlib.Path(__file__).with_name("view.html")
 _LOOPBACK = ("127.0.0.1", "localhost", "::1")
 _EVERYWHERE = ("0.0.0.0", "::")
+
+_LAST_PORT = 65535
 
 _LOOK = 0.3  # seconds between looks at the script's file
 _STOP = 0.02  # seconds between signals to a child that still renders what nobody wants any more
@@ -46,6 +49,10 @@ class View:
         """build() makes the scene, in a child process. When the file that is watched changes, it is
         made anew."""
         _web()
+        if not isinstance(host, str):
+            raise TypeError("host: expected a name or an address, got {!r}".format(host))
+        if not 0 <= _values.integer(port) <= _LAST_PORT:
+            raise ValueError("port: expected 0 to {}, got {}".format(_LAST_PORT, port))
         self._server = _Server(build, watched, host)
         self._loop = asyncio.new_event_loop()
         self._thread = threading.Thread(target=self._loop.run_forever, name="vantor-view",
@@ -210,7 +217,7 @@ class _Server:
         site = web.TCPSite(self._runner, host, port)
         try:
             await site.start()
-        except OSError:
+        except BaseException:
             await self._runner.cleanup()
             raise
         self._start_child()
@@ -232,8 +239,11 @@ class _Server:
         token = request.query.get("token", "")
         origin = request.headers.get("Origin")
         host = request.headers.get("Host", "")
-        name = urllib.parse.urlsplit("//" + host).hostname
-        is_own = origin is None or urllib.parse.urlsplit(origin).netloc == host
+        try:
+            name = urllib.parse.urlsplit("//" + host).hostname
+            is_own = origin is None or urllib.parse.urlsplit(origin).netloc == host
+        except ValueError:  # such as "["
+            return False
         needs_origin = request.path == "/socket"
         is_known = self._hosts is None or name in self._hosts
         return (hmac.compare_digest(token.encode(), self.token.encode()) and is_known and is_own

@@ -75,6 +75,9 @@ class Vocabulary:
         return found.parameters.get(name) if found else None
 
 
+# From which on two words count as one misspelt; "cube" and "curve" have 0.67.
+_LIKENESS = 0.7
+
 ALL = Vocabulary(_native.vocabulary())
 
 
@@ -92,7 +95,7 @@ def vocabulary(*words):
         return ALL
     if not found:
         known = {type.name for type in ALL.types.values()} | {call for call, _ in ALL.types}
-        near = difflib.get_close_matches(words[-1], sorted(known), 1)
+        near = difflib.get_close_matches(words[-1], sorted(known), 1, _LIKENESS)
         hint = ' (did you mean "{}"?)'.format(near[0]) if near else ""
         raise LookupError('nothing is called "{}"{}'.format('" "'.join(words), hint))
     return found[0] if len(found) == 1 else _Types(found)

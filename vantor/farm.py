@@ -10,8 +10,9 @@ A scene cannot travel: the function or the script that builds it does. Without a
 started, and everything is rendered here; the pictures are the same, bit for bit.
 """
 
+import math
 import os
-import tempfile
+from collections.abc import Iterable
 
 from . import _native, _values
 from ._farm_jobs import (
@@ -22,10 +23,10 @@ from ._farm_jobs import (
     check_open,
     raise_failures,
 )
-from ._files import temporary_place, write_whole
+from ._files import write_whole
 from ._messages import script_place
 from ._passes import pixel_window
-from ._picture import Picture
+from ._picture import check_format
 from ._render_process import Piece, encoded
 from ._source import Source
 from ._windows import cut, cut_samples, fractions
@@ -61,12 +62,9 @@ def render(source, width, height, samples=64, *, client=None, frame=None, pieces
                                 progress=progress, **options)
     _check(client)
     size = tuple(map(_values.integer, (width, height, samples)))
-    pixels = pixel_window(_native.numbers(window, (4,)), width, height)
+    pixels = _pixels_of(window, width, height)
     if _values.integer(ranges) < 1:
         raise ValueError("ranges: expected 1 or more, got {}".format(ranges))
-    if pixels[0] >= pixels[2] or pixels[1] >= pixels[3]:
-        raise ValueError("a picture of {} x {} has no pixels in the window {}".format(
-            width, height, tuple(window)))
     workers = len(client.nthreads())
     count = pieces or max(min(_PIECES_OF_A_WORKER * workers, _MOST_PIECES), _LEAST_PIECES, workers)
     samples = cut_samples(size[2], _values.integer(ranges))
@@ -78,6 +76,17 @@ def render(source, width, height, samples=64, *, client=None, frame=None, pieces
     }
     job = FrameJob(client, _pickled(source), parts, (width, height), pixels, len(samples))
     return job.result(progress=progress) if wait else job
+
+
+def _pixels_of(window, width, height):
+    numbers = _native.numbers(window, (4,))
+    if not all(map(math.isfinite, numbers)):
+        raise ValueError("window: expected four finite numbers, got {}".format(numbers))
+    pixels = pixel_window(numbers, width, height)
+    if pixels[0] >= pixels[2] or pixels[1] >= pixels[3]:
+        raise ValueError("a picture of {} x {} has no pixels in the window {}".format(
+            width, height, numbers))
+    return pixels
 
 
 def _with_range(options, ranges, first, samples):
@@ -100,10 +109,12 @@ def animate(source, frames, path, width, height, samples=64, *, client=None, exp
     """
     place = script_place()
     source = Source(source)
+    if not isinstance(frames, Iterable):
+        raise TypeError("frames: expected several, such as range(100), got {!r}".format(frames))
     frames = list(frames)
     paths = _paths(frames, os.fspath(path))
     ending = os.path.splitext(os.fspath(path))[1]
-    _check_format(ending, exposure, display)
+    check_format(os.fspath(path), exposure, display)
     size = tuple(map(_values.integer, (width, height, samples)))
     options = {"filter": filter, "filter_width": filter_width}
     finished = {name: not again and os.path.exists(name) for name in paths}
@@ -149,13 +160,6 @@ def _paths(frames, pattern):
         if not os.path.isdir(folder):
             raise FileNotFoundError("path: there is no folder {}".format(folder))
     return paths
-
-
-def _check_format(ending, exposure, display):
-    """Tries to write a picture, before hours of work for one that cannot be."""
-    with tempfile.TemporaryDirectory(prefix="vantor-farm-", dir=temporary_place()) as folder:
-        black = Picture(1, 1, {"color": bytearray(12)})
-        black.save(os.path.join(folder, "black" + ending), exposure, display)
 
 
 def _check(client):

@@ -3,6 +3,7 @@ What belongs to arrays alone is in test_values.py, to jobs in test_jobs.py, to t
 """
 
 import gc
+import http.client
 import math
 import os
 import types
@@ -12,6 +13,12 @@ import warnings
 import vantor as vt
 from scenes import PackageTest, ball_scene, lit_scene, needs_numpy, numpy
 from test_models import why_not
+from vantor import farm
+
+try:
+    import aiohttp
+except ImportError:
+    aiohttp = None
 
 NAN = math.nan
 CORNERS = [(0, 0, 0), (1, 0, 0), (0, 1, 0)]
@@ -160,8 +167,48 @@ class RefusedTest(PackageTest):
     def test_what_is_asked(self):
         self.assert_refused((
             (TypeError, "expects names, got 5", vt.vocabulary, 5),
+            (LookupError, r'nothing is called "cube"\W*$', vt.vocabulary, "cube"),
+            (TypeError, "merge: expected several pictures, got 5", vt.merge, 5),
+            (TypeError, "merge: expected several pictures, got 'a.exr'", vt.merge, "a.exr"),
             (TypeError, "expected an array of the module", vt.to_numpy, [1, 2]),
             (TypeError, "expected an integer, got nan", vt.Scene, NAN),
+        ))
+
+    def test_how_long_a_job_is_waited_for(self):
+        job = ball_scene().render(2, 2, 1, wait=False)
+        self.assert_refused((
+            (TypeError, "timeout: expected a number, got 'a'", job.result, "a"),
+            (ValueError, "timeout: expected seconds, got nan", job.result, NAN),
+        ))
+        self.assertEqual(job.result(60).width, 2)
+
+    @unittest.skipUnless(aiohttp, "this interpreter has no aiohttp")
+    def test_where_a_view_listens(self):
+        view = ball_scene().view
+        self.assert_refused((
+            (TypeError, "host: expected a name", lambda: view(host=5)),
+            (ValueError, "port: expected 0 to 65535, got 70000", lambda: view(port=70000)),
+            (ValueError, "port: expected 0 to 65535, got -1", lambda: view(port=-1)),
+            (TypeError, "expected an integer", lambda: view(port="80")),
+        ))
+        with view() as opened:
+            connection = http.client.HTTPConnection("127.0.0.1", opened.port, timeout=60)
+            self.addCleanup(connection.close)
+            for name, value in (("Host", "["), ("Origin", "http://[")):
+                connection.request("GET", opened.url[opened.url.index("/?"):],
+                                   headers={name: value})
+                answer = connection.getresponse()
+                self.assertEqual((answer.status, answer.read()), (403, b"forbidden"))
+
+    def test_what_a_farm_is_asked(self):
+        self.assert_refused((
+            (TypeError, r"frames: expected several, such as range\(100\), got 5", farm.animate,
+             ball_scene, 5, self.path("{}.png"), 2, 2),
+            (ValueError, "window: expected four finite numbers", farm._pixels_of, (0, 0, NAN, 1),
+             2, 2),
+            (ValueError, "window: expected four finite numbers", farm._pixels_of,
+             (0, 0, math.inf, 1), 2, 2),
+            (ValueError, "no pixels in the window", farm._pixels_of, (0, 0, 0, 1), 2, 2),
         ))
 
     def test_handles_of_a_scene_that_is_gone(self):

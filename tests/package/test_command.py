@@ -67,6 +67,11 @@ class CommandTest(PackageTest):
         self.assertEqual(status, 1)
         self.assertIn("do not go with --scheduler", errors)
 
+    def test_a_script_that_ends_itself_after_its_scene_is_rendered(self):
+        script = self.written("scene.py", SCRIPT.encode() + b"raise SystemExit\n")
+        asked = ("render", script, "-o", "a.exr", "--size", "4x3", "--samples", "1")
+        self.assertEqual(self.vantor(*asked), (0, "a.exr\n", ""))
+
     def test_help(self):
         self.assertIn("vantor.vocabulary()", vantorPM.__doc__)
         for kind, name in (("camera", "perspective"), ("light", "spot"), ("object", "sphere")):
@@ -109,6 +114,8 @@ class CommandTest(PackageTest):
         self.assertEqual((status, output.split(":")[0]), (0, 'newLight "spot"'))
         status, output, _ = self.vantor("info")
         self.assertEqual(status, 0)
+        self.assertRegex(vt.__version__, r"^\d+\.\d+\.\d+$")
+        self.assertIn(vt.__version__, output.split())
         self.assertIn("libVantor.so (beside the module)", output)
 
     def test_what_is_wrong_is_one_line(self):
@@ -123,6 +130,33 @@ class CommandTest(PackageTest):
             self.assertIn(words, errors)
             self.assertNotIn("Traceback", errors)
         self.assertEqual(os.listdir(self.folder), ["empty.py"])
+
+    def test_arguments_are_checked_before_anything_runs(self):
+        script = self.written("scene.py", b"open('ran', 'w')")
+        os.mkdir(self.path("folder.png"))
+        for arguments, words in (
+            (("render", script, "-o", "a.gif"), "a.gif"),
+            (("render", script, "-o", "none/a.png"), "none/a.png"),
+            (("render", script, "-o", "folder.png"), "folder.png"),
+            (("render", script, "--exposure", "nan"), "exposure"),
+            (("render", script, "--samples", str(10**20)), "--samples"),
+            (("render", script, "--samples", "10**20"), "--samples"),
+            (("show", "a.ply", "--size", "10x0"), "10x0"),
+            (("view", script, "--port", "99999"), "65535"),
+        ):
+            status, _, errors = self.vantor(*arguments)
+            self.assertEqual(status, 2, errors)
+            self.assertIn(words, errors.splitlines()[-1])
+            self.assertNotIn("Traceback", errors)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["folder.png", "scene.py"])
+
+    def test_scripts_that_make_no_scene(self):
+        for text, words in ((b"# \xe4", "UTF-8"), (b"a = 1\0", "null"),
+                            (b"import sys\nsys.exit(0)", "before it made a scene")):
+            status, _, errors = self.vantor("render", self.written("scene.py", text))
+            self.assertEqual((status, len(errors.splitlines())), (1, 1), errors)
+            self.assertIn(words, errors)
+        self.assertEqual(os.listdir(self.folder), ["scene.py"])
 
 
 if __name__ == "__main__":

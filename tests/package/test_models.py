@@ -102,6 +102,28 @@ def gltf(picture):
     }).encode()
 
 
+DAE = """<?xml version="1.0"?>
+<COLLADA xmlns="http://www.collada.org/2005/11/COLLADASchema" version="1.4.1">
+<asset><unit meter="1"/><up_axis>Y_UP</up_axis></asset>
+<library_effects><effect id="paint"><profile_COMMON><technique sid="common"><lambert>
+<diffuse><color>0.75 0.5 0.25 1</color></diffuse>
+</lambert></technique></profile_COMMON></effect></library_effects>
+<library_materials><material id="red"><instance_effect url="#paint"/></material></library_materials>
+<library_geometries><geometry id="shape"><mesh>
+<source id="corners"><float_array id="numbers" count="9">0 0 0 1 0 0 0 1 0</float_array>
+<technique_common><accessor source="#numbers" count="3" stride="3"><param name="X" type="float"/>
+<param name="Y" type="float"/><param name="Z" type="float"/></accessor></technique_common></source>
+<vertices id="points"><input semantic="POSITION" source="#corners"/></vertices>
+<triangles count="1" material="paint"><input semantic="VERTEX" source="#points" offset="0"/>
+<p>0 1 2</p></triangles></mesh></geometry></library_geometries>
+<library_visual_scenes><visual_scene id="all"><node><translate>1 2 3</translate>
+<scale>2 2 2</scale><instance_geometry url="#shape"><bind_material><technique_common>
+<instance_material symbol="paint" target="#red"/></technique_common></bind_material>
+</instance_geometry></node></visual_scene></library_visual_scenes>
+<scene><instance_visual_scene url="#all"/></scene></COLLADA>
+"""
+
+
 @unittest.skipIf(why_not, why_not)
 class FilesTest(PackageTest):
     def written(self, name, data):
@@ -148,6 +170,17 @@ class FilesTest(PackageTest):
         scene.add(model, scale=0.5)
         light, = model.add_lights_to(scene)
         self.assertEqual(light.type, "point")
+        scene.render(4, 4, 1)
+
+    def test_points_node_and_colour_of_a_collada(self):
+        model = vt.load(self.written("a.dae", DAE.encode("ascii")))
+        self.assertEqual((model.triangle_count, model.bounds()), (1, ((1, 2, 3), (3, 4, 3))))
+        self.assertEqual(sorted(points_of(model)), sorted(CORNERS[:3]))
+        color = model.materials[model.meshes[0]["material"]]["base_color"]
+        for value, expected in zip(color, (0.75, 0.5, 0.25)):
+            self.assertAlmostEqual(value, expected, 6)
+        scene = lit_scene(strict=True)
+        scene.add(model)
         scene.render(4, 4, 1)
 
     def test_a_model_stands_where_its_file_says(self):

@@ -49,6 +49,11 @@ class OtherRendererTest(unittest.TestCase):
         self.assertIn("on the error stream", output)
         self.assertIn(LIBRARY, output)
 
+    def test_lists_of_transforms_are_arrays(self):
+        script = ("for places in ([vt.translate(1, 2, 3)], [vt.translate(1, 2, 3).rows]):\n"
+                  " s.object('instances', places=places)")
+        self.assertEqual(self.run_with_it(script)[::2], (0, ""))
+
     def test_handles_still_know_their_kind_when_they_are_used(self):
         status, _, errors = self.run_with_it("s.add(lamp)")
         self.assertEqual(status, 1)

@@ -47,4 +47,11 @@ PyModuleDef companion = {
 
 } // namespace
 
-PyMODINIT_FUNC PyInit__native() { return find_module_types() ? PyModule_Create(&companion) : nullptr; }
+PyMODINIT_FUNC PyInit__native() {
+    if (!find_module_types())
+        return nullptr;
+    PyObject *module = PyModule_Create(&companion);
+    if (module && PyModule_AddStringConstant(module, "version", VANTOR_VERSION) < 0)
+        Py_CLEAR(module);
+    return module;
+}
