@@ -12,8 +12,8 @@ namespace vantor {
 inline constexpr int least_estimated_samples = 2 * samples_per_half;
 
 /// Errors of luminance. Those of a block's pixels are relative to the block's own mean; where that is darker than the
-/// picture is on the whole, to the picture's: the square of the mean of its pixels' square roots, so that few very bright
-/// ones, those of a lamp or of the sun, do not count for all others.
+/// picture is on the whole, to the picture's: the square of the mean of its pixels' square roots, so that few very
+/// bright ones, those of a lamp or of the sun, do not count for all others.
 struct ErrorEstimate {
     std::vector<double> variances; ///< Of a sample of a pixel, for each block.
     double relative_error = 0;     ///< The root of the mean over all pixels of their squared errors.
