@@ -11,6 +11,7 @@ scheduler costs what the second has measured.
 
 import argparse
 import asyncio
+import contextlib
 import functools
 import heapq
 import os
@@ -109,8 +110,10 @@ def processor_seconds(pid):
     spent = sum(map(int, fields[11:15])) / os.sysconf("SC_CLK_TCK")
     folder = "/proc/{}/task".format(pid)
     for thread in os.listdir(folder):
-        with open("{}/{}/children".format(folder, thread)) as file:
-            spent += sum(map(processor_seconds, file.read().split()))
+        # Threads come and go meanwhile, and so do children, whose time their parent then has.
+        with contextlib.suppress(FileNotFoundError, ProcessLookupError):
+            with open("{}/{}/children".format(folder, thread)) as file:
+                spent += sum(map(processor_seconds, file.read().split()))
     return spent
 
 

@@ -72,7 +72,7 @@ class Page:
         begin = time.perf_counter()
         await self.move(samples)
         facts = await self.next_picture()
-        while facts["samples"] > 1:  # of the move before
+        while facts["number"] < self._moves:  # of the move before
             facts = await self.next_picture()
         return 1000 * (time.perf_counter() - begin), facts["width"]
 
