@@ -178,7 +178,8 @@ class _Server:
                 self._rate = size[0] * size[1] / max(time.monotonic() - start, 1e-3)
             self._picture = merge([self._picture, picture]) if first else picture
             self._samples = (first or 0) + count
-            # The page may want something else by now; then it is soon asked for again, or old.
+            # If something else is asked for by now, this picture is out of date, or will be asked
+            # for once more.
             if not self._connection.poll(0):
                 self._show()
 

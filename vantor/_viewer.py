@@ -252,10 +252,9 @@ class _Server:
     async def _page(self, _):
         nonce = secrets.token_urlsafe(12)
         known = aov_parameter()
-        denoises = ALL.parameter("newImager", "file", "denoise") is not None
         text = _PAGE.read_text(encoding="utf-8").replace("NONCE", nonce)
         text = text.replace("AOVS", json.dumps(known.choices if known else ["color"]))
-        text = text.replace("DENOISES", json.dumps(denoises))
+        text = text.replace("DENOISES", json.dumps(_can_denoise()))
         policy = ("default-src 'none'; script-src 'nonce-{0}'; style-src 'nonce-{0}'; "
                   "img-src blob:; connect-src 'self'; base-uri 'none'; form-action 'none'")
         return _web().Response(text=text, content_type="text/html", headers={
@@ -495,7 +494,12 @@ def _request(asked, number):
     display = asked["display"] if aov == "color" else None
     return Request(number, _camera(asked["camera"]), _size(asked["size"]), aov,
                    float(_number(asked["exposure"], -20, 20)), display,
-                   int(_number(asked["samples"], 1, 1 << 20)), _denoises(asked) and aov == "color")
+                   int(_number(asked["samples"], 1, 1 << 20)),
+                   _denoises(asked) and aov == "color" and _can_denoise())
+
+
+def _can_denoise():
+    return ALL.parameter("newImager", "file", "denoise") is not None
 
 
 def _denoises(asked):
