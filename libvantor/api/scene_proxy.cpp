@@ -24,6 +24,13 @@ struct Scene {
     Radiosity radiosity;
 };
 
+struct EndOfWorkers {
+    EndOfWorkers() = default;
+    EndOfWorkers(const EndOfWorkers &) = delete;
+    EndOfWorkers &operator=(const EndOfWorkers &) = delete;
+    ~EndOfWorkers() { vantor::end_workers(); }
+};
+
 // The guard of every entry point: exceptions become messages, and the script goes on.
 template <class Work> void enter(void *record, const char *call, Work work) noexcept {
     if (!record) {
@@ -44,9 +51,14 @@ template <class Work> void enter(void *record, const char *call, Work work) noex
     }
 }
 
-// For what may need more stack than a thread of the script has.
+// For what may need more stack than a thread of the script has, and starts threads: they end with it.
 template <class Work> void enter_pass(void *record, const char *call, Work work) noexcept {
-    enter(record, call, [&](Scene &scene) { vantor::with_enough_stack([&] { work(scene); }); });
+    enter(record, call, [&](Scene &scene) {
+        vantor::with_enough_stack([&] {
+            const EndOfWorkers end_of_workers;
+            work(scene);
+        });
+    });
 }
 
 VtLong create(void *record, EntityKind kind, const char *type, const VtArgList &parameters) noexcept {

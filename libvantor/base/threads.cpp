@@ -5,9 +5,11 @@
 
 #include <cstring>
 #include <exception>
+#include <new>
 #include <pthread.h>
 #include <stdexcept>
 #include <tbb/blocked_range.h>
+#include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
 #include <tbb/partitioner.h>
 
@@ -73,6 +75,15 @@ void for_each_in_parallel(std::size_t count, const std::function<void(std::size_
 void start_workers() {
     tbb::parallel_for(
         tbb::blocked_range<int>(0, 64), [](const tbb::blocked_range<int> &) {}, tbb::simple_partitioner());
+}
+
+void end_workers() noexcept {
+    try {
+        tbb::task_scheduler_handle scheduler{tbb::attach{}};
+        tbb::finalize(scheduler, std::nothrow);
+    } catch (const std::exception &) {
+        // No memory for the handle: they stay.
+    }
 }
 
 } // namespace vantor

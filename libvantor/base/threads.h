@@ -16,4 +16,9 @@ void for_each_in_parallel(std::size_t count, const std::function<void(std::size_
 /// Has oneTBB start its threads, if it has not yet. Throws std::bad_alloc if memory is short.
 void start_workers();
 
+/// Waits for the end of oneTBB's idle threads; of none while something else in the process uses oneTBB, too. A process
+/// that is forked off has no threads but one: it would render on that alone, and wait for ever for a lock that another
+/// thread held at that moment.
+void end_workers() noexcept;
+
 } // namespace vantor

@@ -7,11 +7,18 @@
 #include "libvantor/base/progress.h"
 #include "tests/libvantor/interrupts.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
+#include <iterator>
+#include <mutex>
 #include <pthread.h>
 #include <regex>
 #include <tbb/global_control.h>
+#include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
+#include <thread>
 
 namespace {
 
@@ -235,6 +242,47 @@ TEST(Render, AThreadWithASmallStackMayCall) {
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
     EXPECT_EQ(scripted::read_exr(path).values, scene.render(8, 8, 4).values);
+}
+
+std::ptrdiff_t threads_of_this_process() {
+    const std::filesystem::directory_iterator threads("/proc/self/task");
+    return std::distance(begin(threads), end(threads));
+}
+
+// A process that is forked off in between has all that oneTBB counts on.
+TEST(Render, ThreadsEndWithThePassThatStartedThem) {
+    Scene scene;
+    build(scene);
+    scene.Radiosity();
+    EXPECT_EQ(threads_of_this_process(), 1);
+    const Pixels pixels = scene.render(32, 32, 4);
+    EXPECT_EQ(threads_of_this_process(), 1);
+    EXPECT_EQ(scene.render(32, 32, 4).values, pixels.values);
+}
+
+TEST(Render, ThreadsEndWhereAPassIsCalledFromAThreadThatGoesOn) {
+    Scene scene;
+    build(scene);
+    std::ptrdiff_t after = 0;
+    std::thread([&] {
+        scene.render(8, 8, 4);
+        after = threads_of_this_process();
+    }).join();
+    EXPECT_EQ(after, 2); // the main thread, and the one that has called
+}
+
+// What another part of the process has started with oneTBB stays its own.
+TEST(Render, APassWithinATaskOfAnotherUserOfOneTbb) {
+    Scene scene;
+    build(scene);
+    const Pixels expected = scene.render(8, 8, 4);
+    std::atomic<int> same = 0;
+    std::mutex one_at_a_time;
+    tbb::parallel_for(0, 4, [&](int) {
+        const std::lock_guard lock(one_at_a_time);
+        tbb::this_task_arena::isolate([&] { same += scene.render(8, 8, 4).values == expected.values; });
+    });
+    EXPECT_EQ(same, 4);
 }
 
 } // namespace

@@ -59,6 +59,21 @@ class JobTest(PackageTest):
             pictures = [job.result().result(60) for job in jobs]
         self.assertEqual({bytes(picture.buffer()) for picture in pictures}, {expected})
 
+    def test_after_a_pass_a_job_has_as_many_threads(self):
+        lit_scene().render(8, 8, 1)
+        job = when_begun(long_job())
+        (child,) = children()
+        # One for each processor, and one that watches for the script's end.
+        expected = len(os.sched_getaffinity(0)) + 1
+        tasks = "/proc/{}/task".format(child)
+        end = time.monotonic() + 30
+        while len(os.listdir(tasks)) < expected and time.monotonic() < end:
+            time.sleep(0.01)
+        threads = len(os.listdir(tasks))
+        job.cancel()
+        in_silence(lambda: job.result(60))
+        self.assertEqual(threads, expected)
+
     def test_the_scene_of_the_script_goes_its_own_way(self):
         scene = lit_scene()
         job = scene.render(12, 12, 4, wait=False)
