@@ -24,13 +24,6 @@ struct Scene {
     Radiosity radiosity;
 };
 
-struct EndOfWorkers {
-    EndOfWorkers() = default;
-    EndOfWorkers(const EndOfWorkers &) = delete;
-    EndOfWorkers &operator=(const EndOfWorkers &) = delete;
-    ~EndOfWorkers() { vantor::end_workers(); }
-};
-
 // The guard of every entry point: exceptions become messages, and the script goes on.
 template <class Work> void enter(void *record, const char *call, Work work) noexcept {
     if (!record) {
@@ -51,11 +44,11 @@ template <class Work> void enter(void *record, const char *call, Work work) noex
     }
 }
 
-// For what may need more stack than a thread of the script has, and starts threads: they end with it.
+// For what may need more stack than a thread of the script has, and threads of its own.
 template <class Work> void enter_pass(void *record, const char *call, Work work) noexcept {
     enter(record, call, [&](Scene &scene) {
         vantor::with_enough_stack([&] {
-            const EndOfWorkers end_of_workers;
+            const vantor::Workers workers;
             work(scene);
         });
     });

@@ -3,11 +3,14 @@
 
 #include "libvantor/base/report.h"
 
+#include <atomic>
 #include <cstring>
 #include <exception>
+#include <mutex>
 #include <new>
 #include <pthread.h>
 #include <stdexcept>
+#include <string_view>
 #include <tbb/blocked_range.h>
 #include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
@@ -49,6 +52,42 @@ void *run(void *argument) {
     return nullptr;
 }
 
+[[noreturn]] void throw_no_thread(std::string_view why) {
+    throw std::runtime_error(joined({"no thread could be started (", why, "), as when memory is short"}));
+}
+
+// What keeps oneTBB's threads alive between passes, so that they can be ended before a fork: a process that is forked
+// off has only the thread that did so. OneTBB would count on the others there, and wait for ever for a lock that one of
+// them held at that moment. Never destroyed: scenes may outlive it at the end of the process.
+struct Keeper {
+    std::mutex guard;
+    tbb::task_scheduler_handle threads;
+    std::atomic<bool> has_failed = false;
+};
+Keeper &keeper();
+
+void before_fork() {
+    keeper().guard.lock();
+    // Of a thread that it could not start, oneTBB would wait for the end for ever.
+    if (keeper().threads && !keeper().has_failed)
+        tbb::finalize(keeper().threads, std::nothrow);
+}
+void after_fork() { keeper().guard.unlock(); }
+
+Keeper &keeper() {
+    static Keeper &only = []() -> Keeper & {
+        pthread_atfork(before_fork, after_fork, after_fork);
+        return *new Keeper;
+    }();
+    return only;
+}
+
+void keep_threads() {
+    const std::lock_guard lock(keeper().guard);
+    if (!keeper().threads)
+        keeper().threads = tbb::task_scheduler_handle(tbb::attach{});
+}
+
 } // namespace
 
 void with_enough_stack(const std::function<void()> &work) {
@@ -62,7 +101,7 @@ void with_enough_stack(const std::function<void()> &work) {
     const int error = pthread_create(&thread, &attributes, run, &job);
     pthread_attr_destroy(&attributes);
     if (error != 0)
-        throw std::runtime_error(joined({"no thread could be started (", std::strerror(error), ")"}));
+        throw_no_thread(std::strerror(error));
     pthread_join(thread, nullptr);
     if (job.thrown)
         std::rethrow_exception(job.thrown);
@@ -72,17 +111,23 @@ void for_each_in_parallel(std::size_t count, const std::function<void(std::size_
     tbb::parallel_for(std::size_t{0}, count, work);
 }
 
-void start_workers() {
-    tbb::parallel_for(
-        tbb::blocked_range<int>(0, 64), [](const tbb::blocked_range<int> &) {}, tbb::simple_partitioner());
+Workers::Workers() {
+    try {
+        keep_threads();
+        tbb::parallel_for(
+            tbb::blocked_range<int>(0, 64), [](const tbb::blocked_range<int> &) {}, tbb::simple_partitioner());
+    } catch (const std::exception &error) {
+        keeper().has_failed = true;
+        throw_no_thread(error.what());
+    }
 }
 
-void end_workers() noexcept {
+Workers::~Workers() {
     try {
-        tbb::task_scheduler_handle scheduler{tbb::attach{}};
-        tbb::finalize(scheduler, std::nothrow);
+        tbb::task_scheduler_handle of_this_thread(tbb::attach{});
+        tbb::finalize(of_this_thread, std::nothrow);
     } catch (const std::exception &) {
-        // No memory for the handle: they stay.
+        // No memory for the handle: the thread's part of oneTBB ends with the thread.
     }
 }
 

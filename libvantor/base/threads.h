@@ -13,12 +13,15 @@ void with_enough_stack(const std::function<void()> &work);
 /// Calls work for each number below count, on as many threads as there are. What the work throws is thrown here.
 void for_each_in_parallel(std::size_t count, const std::function<void(std::size_t)> &work);
 
-/// Has oneTBB start its threads, if it has not yet. Throws std::bad_alloc if memory is short.
-void start_workers();
-
-/// Waits for the end of oneTBB's idle threads; of none while something else in the process uses oneTBB, too. A process
-/// that is forked off has no threads but one: it would render on that alone, and wait for ever for a lock that another
-/// thread held at that moment.
-void end_workers() noexcept;
+/// While this lives, oneTBB's threads work for a pass that is called from this thread. They wait for the next one, but
+/// not in the way of a fork: the process and its fork start them anew.
+class Workers {
+  public:
+    /// Throws std::runtime_error if memory is short. Inside Embree, oneTBB would end the process.
+    Workers();
+    ~Workers();
+    Workers(const Workers &) = delete;
+    Workers &operator=(const Workers &) = delete;
+};
 
 } // namespace vantor

@@ -1,8 +1,6 @@
 // Device: Embree's handles, owned; and its errors.
 #include "libvantor/embree/device.h"
 
-#include "libvantor/base/threads.h"
-
 #include <new>
 
 namespace vantor {
@@ -25,8 +23,6 @@ void throw_device_error(RTCDevice device) {
 }
 
 OwnedDevice make_device() {
-    // Where oneTBB first runs inside Embree, and has no memory for its threads, it ends the process.
-    start_workers();
     // By default Embree reserves 128 MiB of addresses for the tessellation of subdivision surfaces, of which there are
     // none; where it gets none, releasing the device may never end.
     OwnedDevice device(rtcNewDevice("tessellation_cache_size=0"));
