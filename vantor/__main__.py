@@ -12,9 +12,11 @@ import os
 import platform
 import signal
 import sys
+import traceback
 import webbrowser
 
 from . import SceneError, View, __version__, _native, farm, load, vocabulary
+from ._messages import Place
 from ._picture import check_format
 from ._source import NoSceneError, Source
 from ._studio import scene_of_model
@@ -29,10 +31,23 @@ def size_of(text):
     try:
         width, height = map(int, text.lower().split("x"))
     except ValueError:
-        raise argparse.ArgumentTypeError('"{}" is no size such as 640x480'.format(text)) from None
+        message = 'expected a size such as 640x480, got "{}"'
+        raise argparse.ArgumentTypeError(message.format(text)) from None
     if not (0 < width <= _MOST and 0 < height <= _MOST):
-        raise argparse.ArgumentTypeError('"{}" has no pixels, or too many'.format(text))
+        message = 'expected a width and a height from 1 to {}, got "{}"'
+        raise argparse.ArgumentTypeError(message.format(_MOST, text))
     return width, height
+
+
+def above_zero(text):
+    """An option's number above 0."""
+    try:
+        value = float(text)
+    except ValueError:
+        value = 0.0
+    if not 0 < value < float("inf"):
+        raise argparse.ArgumentTypeError('expected a number above 0, got "{}"'.format(text))
+    return value
 
 
 def whole_number(low, high):
@@ -53,7 +68,7 @@ def whole_number(low, high):
 def render(arguments):
     """The script makes a Scene in the variable "scene"; what it keeps for __main__ does not run."""
     if arguments.scheduler is None:
-        return draw(Source(arguments.script).build(), arguments)
+        return draw(built(arguments.script), arguments, arguments.script)
     if arguments.denoise or arguments.adaptive or arguments.noise or arguments.time_limit:
         raise SystemExit("vantor: --denoise, --adaptive, --noise and --time-limit do not go with "
                          "--scheduler (the script's own imagers may say it)")
@@ -67,7 +82,7 @@ def render(arguments):
 
 
 def show(arguments):
-    draw(scene_of_model(load(arguments.model), arguments.size), arguments)
+    draw(scene_of_model(load(arguments.model), arguments.size), arguments, arguments.model)
 
 
 def view(arguments):
@@ -89,11 +104,41 @@ def view(arguments):
             pass
 
 
-def draw(scene, arguments):
+def built(script):
+    """The script's scene. What is raised in the script ends the command, with the script's lines
+    alone."""
+    try:
+        source = Source(script)
+    except (SyntaxError, ValueError) as error:
+        end_with(traceback.TracebackException.from_exception(error), [])
+    try:
+        return source.build()
+    except NoSceneError:
+        raise
+    except Exception as error:
+        told = traceback.TracebackException.from_exception(error)
+        package = os.path.dirname(os.path.abspath(__file__))
+        of_script = [line for line in told.stack if os.path.dirname(line.filename) != package]
+        path = os.path.abspath(script)
+        while of_script and of_script[0].filename != path:
+            del of_script[0]
+        end_with(told, of_script)
+
+
+def end_with(told, lines):
+    """Ends the command with an error, of which these lines of its traceback are shown."""
+    told.stack = traceback.StackSummary.from_list(lines)
+    sys.stderr.writelines(told.format(chain=False) if lines else told.format_exception_only())
+    raise SystemExit(1)
+
+
+def draw(scene, arguments, path):
+    """Renders and saves; what is said of the pass is of the file with that path."""
+    place = Place(path, 0, "__main__", {})
+    settings = {"noise": arguments.noise, "adaptive": arguments.adaptive or None,
+                "time_limit": arguments.time_limit}
     size = (*arguments.size, arguments.samples)
-    save(scene.render(*size, denoise=arguments.denoise, noise=arguments.noise,
-                      adaptive=arguments.adaptive or None, time_limit=arguments.time_limit),
-         arguments)
+    save(scene.render_for(place, *size, denoise=arguments.denoise, settings=settings), arguments)
 
 
 def save(picture, arguments):
@@ -139,11 +184,12 @@ def instruction_set():
 
 def parser():
     top = argparse.ArgumentParser(prog="vantor", description=__doc__.splitlines()[0])
+    top.add_argument("--version", action="version", version="vantor " + __version__)
     commands = top.add_subparsers(required=True, metavar="command")
 
     def command(name, run, about):
         added = commands.add_parser(name, help=about, description=about)
-        added.set_defaults(run=run)
+        added.set_defaults(run=run, parser=added)
         return added
 
     def add_picture_options(added, output):
@@ -156,9 +202,9 @@ def parser():
         added.add_argument("--denoise", action="store_true", help="less noise, of the same samples")
         added.add_argument("--adaptive", action="store_true",
                            help="samples go where the noise is; --samples is their mean")
-        added.add_argument("--noise", type=float, metavar="ERROR",
+        added.add_argument("--noise", type=above_zero, metavar="ERROR",
                            help="the relative error below which the picture is good enough")
-        added.add_argument("--time-limit", type=float, metavar="SECONDS",
+        added.add_argument("--time-limit", type=above_zero, metavar="SECONDS",
                            help="after which no further samples are begun")
 
     rendering = command("render", render, "Renders the scene that a script describes.")
@@ -183,22 +229,21 @@ def parser():
     return top
 
 
-def check_output(known, chosen):
+def check_output(chosen):
     """A picture that cannot be saved is not rendered."""
     folder = os.path.dirname(os.path.abspath(chosen.output))
     try:
         check_format(chosen.output, chosen.exposure)
     except ValueError as error:
-        known.error(str(error))
+        chosen.parser.error(str(error))
     if os.path.isdir(chosen.output) or not os.path.isdir(folder):
-        known.error("--output: no picture can be written to {}".format(chosen.output))
+        chosen.parser.error("--output: no picture can be written to {}".format(chosen.output))
 
 
 def main(arguments=None):
-    known = parser()
-    chosen = known.parse_args(arguments)
+    chosen = parser().parse_args(arguments)
     if hasattr(chosen, "output"):
-        check_output(known, chosen)
+        check_output(chosen)
     try:
         chosen.run(chosen)
     except (OSError, LookupError, NoSceneError, SceneError, farm.FarmError) as error:

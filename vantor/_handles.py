@@ -3,6 +3,11 @@
 import weakref
 
 
+def with_article(noun):
+    """"a light", "an object"."""
+    return ("an " if noun[0] in "aeiou" else "a ") + noun
+
+
 class Handle:
     """What a scene has made. It belongs to its scene, and is given where its kind is expected."""
 

@@ -17,13 +17,15 @@ import weakref
 from . import _native
 from ._children import forking, how_ended, kill_child, start_child, waited
 from ._files import temporary_place
-from ._messages import SceneError, tell
+from ._messages import tell
 from ._picture import Picture
 from ._progress import end_after, wait_with_bar
 
 
 class JobError(RuntimeError):
     """The process of a job has ended without a result."""
+
+    __module__ = __package__
 
 
 class Job:
@@ -146,15 +148,15 @@ class Job:
 
     def _picture(self):
         layers, messages, error = self._outcome
+        if not (layers or error or self._is_cancelled):
+            self._work.tell_why_nothing(messages, self._place)
         self._outcome = (layers, [], error)  # messages are told once
         is_strict = self._strict and not self._is_cancelled
         tell(messages, is_strict, self._place, self._work.scene.handles)
         if error and not self._is_cancelled:
             raise JobError(error)
-        if not layers and self._is_cancelled:
-            raise concurrent.futures.CancelledError("cancelled before a pixel was finished")
         if not layers:
-            raise SceneError(self._work.why_nothing(messages))
+            raise concurrent.futures.CancelledError("cancelled before a pixel was finished")
         return Picture.of_pass(self._work, layers)
 
 

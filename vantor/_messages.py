@@ -10,9 +10,13 @@ import warnings
 class SceneWarning(UserWarning):
     """Something is wrong with a scene, and the script goes on."""
 
+    __module__ = __package__
+
 
 class SceneError(Exception):
     """A scene that is strict had a message, or a pass made no picture."""
+
+    __module__ = __package__
 
 
 # Where a message belongs: the script's file and line, its module's name, and the registry in which
@@ -62,11 +66,13 @@ def tell(messages, strict, place=None, handles=()):
 _OF_ENTITY = re.compile(r"^render: .*?\b((?:object|material|light) (\d+))\b")
 # In this package a material is made of an interface in one step.
 _IN_TWO_STEPS = re.compile(r'newInterface ("\w+"), as the interface of a material "surface"')
+# Keywords are told by their names; only the renderer has them in a list.
+_ITEM = re.compile(r'^(new\w+ "[^"]*": )item \d+: ')
 
 
 def _placed(text, place, handles):
     """The text in this package's words, and the place that it belongs to."""
-    text = _IN_TWO_STEPS.sub(r"\1", text)
+    text = _ITEM.sub(r"\1", _IN_TWO_STEPS.sub(r"\1", text))
     found = _OF_ENTITY.search(text)
     for handle in handles if found else ():
         if handle.id == int(found[2]):

@@ -33,6 +33,9 @@ class Model:
             if self.meshes[mesh]["triangles"]
         )
 
+    def __repr__(self):
+        return "<Model: meshes {}, triangles {}>".format(len(self.meshes), self.triangle_count)
+
     def bounds(self):
         """The least and the greatest coordinates of all that stands in the model."""
         corners = [corner for mesh, rows in self.instances

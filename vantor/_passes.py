@@ -4,6 +4,7 @@ import math
 import os
 
 from . import _native
+from ._messages import SceneError, tell
 from ._parts import Layer
 from ._vocabulary import ALL
 
@@ -32,10 +33,10 @@ class Pass:
         known = aov_parameter()
         for aov in self.aovs:
             if not isinstance(aov, str):
-                raise TypeError("aovs: expected names, got {!r}".format(aov))
+                raise TypeError("render: aovs: expected names, got {!r}".format(aov))
             if known and aov not in known.choices:
                 names = ", ".join(known.choices)
-                raise ValueError('aovs: "{}" is none (one of {} is)'.format(aov, names))
+                raise ValueError('render: aovs: "{}" is none (one of {} is)'.format(aov, names))
 
     def _check_settings(self):
         asked = [("settings", name) for name in self.settings]
@@ -93,12 +94,12 @@ class Pass:
         finally:
             self._remove_files()
 
-    def why_nothing(self, messages):
-        """What an error says when there is no picture."""
-        mistakes = [text for is_mistake, text in messages if is_mistake]
-        if mistakes:
-            return "; ".join(mistakes)
-        return "{} has made no picture".format(_native.library() or "the renderer")
+    def tell_why_nothing(self, messages, place):
+        """Raises what is wrong, when there is no picture; warns of the rest."""
+        handles = self.scene.handles
+        tell([message for message in messages if not message[0]], False, place, handles)
+        tell([message for message in messages if message[0]], True, place, handles)
+        raise SceneError("{} has made no picture".format(_native.library() or "the renderer"))
 
     def _without_paths(self, text):
         """A message as of a file that the script knows nothing of."""

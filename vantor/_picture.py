@@ -120,6 +120,13 @@ class Picture:
 
         return numpy.frombuffer(self._alpha, numpy.float32).reshape(self.height, self.width)
 
+    def __array__(self, dtype=None, copy=None):
+        """numpy.asarray(picture) is its color."""
+        colors = self.color
+        if copy is False and dtype not in (None, colors.dtype):
+            raise ValueError("a picture is of float32; another type is a copy")
+        return colors.astype(dtype or colors.dtype, copy=bool(copy))
+
     def __getattr__(self, name):
         layers = self.__dict__.get("_layers", {})
         if name not in layers:

@@ -11,10 +11,12 @@ class Points:
     """
 
     def __init__(self, positions, radii=None, colors=None):
-        self.positions = _array("positions", "vector3array", positions)
+        self.positions = _values.named("points: positions", _values.array, "vector3array",
+                                       positions)
         count = len(self.positions)
-        self.radii = None if radii is None else _number_or_array("radii", "floatarray", radii)
-        self.colors = None if colors is None else _array("colors", "vector3array", colors)
+        self.radii = None if radii is None else _values.named("points: radii", _radii, radii)
+        self.colors = None if colors is None else _values.named(
+            "points: colors", _values.colors, colors)
         if _is_array(self.radii):
             _check("radii", (len(self.radii),), "one number, or the shape ({},)".format(count),
                    count)
@@ -23,6 +25,9 @@ class Points:
 
     def __len__(self):
         return len(self.positions)
+
+    def __repr__(self):
+        return "<Points: {}>".format(len(self))
 
     def add_to(self, scene):
         """Adds them as one object, within the open blocks; returns it."""
@@ -45,20 +50,9 @@ def _is_array(value):
     return hasattr(value, "getSize")
 
 
-def _array(name, kind, value):
-    return _converted(name, lambda: _values.array(kind, value))
-
-
-def _number_or_array(name, kind, value):
-    return _converted(name, lambda: _values.number(value) if not _is_array(value)
-                      and _values.is_one_number(value) else _values.array(kind, value))
-
-
-def _converted(name, convert):
-    try:
-        return convert()
-    except (TypeError, ValueError, OverflowError) as error:
-        raise type(error)("points: {}: {}".format(name, error)) from None
+def _radii(value):
+    is_one = not _is_array(value) and _values.is_one_number(value)
+    return _values.number(value) if is_one else _values.array("floatarray", value)
 
 
 def _check(name, shape, expected, count):

@@ -33,7 +33,7 @@ class Scene:
     """
 
     def __init__(self, patches=10240, *, strict=None):
-        self._scene = vantorPM.scene(_values.integer(patches))
+        self._scene = vantorPM.scene(_values.named("Scene: patches", _values.integer, patches))
         self.strict = is_strict_by_environment() if strict is None else bool(strict)
         self.handles = []
         self._open = []
@@ -119,11 +119,7 @@ class Scene:
     def texture(self, picture):
         """Makes a texture of the path of a picture, a Picture, or an array (H, W, 3) of linear
         floats."""
-        try:
-            path = self._path_of(picture)
-        except (TypeError, ValueError) as error:
-            raise type(error)("newTexture: {}".format(error)) from None
-        id = self._call("newTexture", path)
+        id = self._call("newTexture", _values.named("newTexture", self._path_of, picture))
         return self._keep(_handles.Texture(self, id, None, script_place()))
 
     def trimmer(self, type, /, **parameters):
@@ -136,25 +132,39 @@ class Scene:
         of its own act first, the scale before the transform. Returns the object, or what the model
         gives.
         """
+        own = []
+        for name, make, value in (("transform", Transform, transform), ("scale", scaling, scale)):
+            own += [_values.named("add: " + name, make, value)] if value is not None else []
         if isinstance(what, str):
-            what = self.object(what, **parameters)
+            what = self._object_to_add(what, parameters)
         elif parameters:
             names = ", ".join(parameters)
             raise TypeError("add: {} is made already, and takes no {}".format(what, names))
-        own = [Transform(transform)] if transform is not None else []
-        own += [scaling(scale)] if scale is not None else []
         for block in own:
             block.__enter__()
         try:
             if isinstance(what, (Model, Points)):
                 return what.add_to(self)
-            self._under_transforms(self._call, "addObject", self.id_of(what, "object"))
+            id = _values.named("add", self.id_of, what, "object")
+            self._under_transforms(self._call, "addObject", id)
             materials = [open for open in self._open if open.kind == "material"]
             what.material = materials[-1] if materials else None
             return what
         finally:
             for block in reversed(own):
                 block.__exit__()
+
+    def _object_to_add(self, type, parameters):
+        """Of a type's name; what can be no type and no parameter has its way said."""
+        if ALL.is_known and "." in type and not ALL.find("newObject", type):
+            raise TypeError('add: {0!r} is no type of object; a file is added by '
+                            'add(vantor.load({0!r}))'.format(type))
+        for name, value in parameters.items():
+            of_block = (_handles.Material, _handles.Interior, _handles.Light)
+            if isinstance(value, of_block) and not ALL.parameter("newObject", type, name):
+                raise TypeError('add: {0} is given by its block, "with {0}: scene.add({1!r})"'
+                                .format(value.kind, type))
+        return self.object(type, **parameters)
 
     # Passes.
 
@@ -187,7 +197,7 @@ class Scene:
         """
         settings = {"first_sample": first_sample, "samples_in_all": samples_in_all,
                     "time_limit": time_limit, "noise": noise,
-                    "adaptive": None if adaptive is None else _values.switch(adaptive)}
+                    "adaptive": adaptive}
         return self.render_for(script_place(), width, height, samples, window, aovs, filter,
                                filter_width, wait, progress, background=background,
                                denoise=denoise, settings=settings)
@@ -210,19 +220,24 @@ class Scene:
         aovs = tuple(aovs) if isinstance(aovs, Iterable) and not isinstance(aovs, str) else (aovs,)
         filtering = {"filter": filter, "filter_width": filter_width}
         of_color = {}
-        if not _values.switch(background):
+        named = _values.named
+        if not named("render: background", _values.switch, background):
             of_color["background"] = 0
             if "alpha" not in aovs:
                 aovs += ("alpha",)
-        if _values.switch(denoise):
+        if named("render: denoise", _values.switch, denoise):
             of_color["denoise"] = 1
+        settings = {name: value for name, value in (settings or {}).items() if value is not None}
+        if "adaptive" in settings:
+            settings["adaptive"] = named("render: adaptive", _values.switch, settings["adaptive"])
         work = Pass(
             self,
-            (_values.integer(width), _values.integer(height), _values.integer(samples)),
-            _native.numbers(window, (4,)),
+            tuple(named("render: " + name, _values.integer, value) for name, value in
+                  (("width", width), ("height", height), ("samples", samples))),
+            named("render: window", _native.numbers, window, (4,)),
             ("color", *(aov for aov in aovs if aov != "color")),
             {name: value for name, value in filtering.items() if value is not None},
-            {name: value for name, value in (settings or {}).items() if value is not None},
+            settings,
             with_files,
             of_color,
         )
@@ -237,17 +252,16 @@ class Scene:
         except BaseException:
             tell(messages, False, place, self.handles)
             raise
-        tell(messages, self.strict, place, self.handles)
         if not layers:
-            raise SceneError(work.why_nothing(messages))
+            work.tell_why_nothing(messages, place)
+        tell(messages, self.strict, place, self.handles)
         return Picture.of_pass(work, layers)
 
     def id_of(self, handle, kind=None):
         """The number of a handle of this scene, and of that kind."""
         if not isinstance(handle, _handles.Handle) or kind not in (None, handle.kind):
-            kind = kind or "handle"
-            article = "an" if kind[0] in "aeiou" else "a"
-            raise TypeError("expected {} {}, got {!r}".format(article, kind, handle))
+            expected = _handles.with_article(kind or "handle")
+            raise TypeError("expected {}, got {!r}".format(expected, handle))
         if handle.scene is not self:
             raise ValueError("{!r} belongs to another scene".format(handle))
         return handle.id
@@ -367,15 +381,14 @@ class Scene:
 
     def _converted(self, call, type_name, name, value):
         known = ALL.parameter(call, type_name, name)
-        try:
-            if (call, type_name, name) == ("newLight", "environment", "name"):
-                return self._path_of(value)
-            if known:
-                return _values.by_kind(self, known.kind, value)
-            return _values.by_shape(self, value)
-        except (TypeError, ValueError, OverflowError) as error:
-            message = '{} "{}": {}: {}'.format(call, type_name, name, error)
-            raise type(error)(message) from None
+        where = '{} "{}": {}'.format(call, type_name, name)
+        if (call, type_name, name) == ("newLight", "environment", "name"):
+            return _values.named(where, self._path_of, value)
+        if known and (name, known.kind) == ("colors", "vector3array"):
+            return _values.named(where, _values.colors, value)
+        if known:
+            return _values.named(where, _values.by_kind, self, known.kind, value)
+        return _values.named(where, _values.by_shape, self, value)
 
     def _path_of(self, picture):
         if isinstance(picture, (str, os.PathLike)):
@@ -400,6 +413,8 @@ class Scene:
                 self._call("transformEnd")
 
     def _open_light(self, light):
+        if light.type != "area" and ALL.is_known:
+            raise TypeError('{!r} has no block: objects shine of an "area" light'.format(light))
         # The renderer's block takes the area light that was made or switched on last.
         was_on = light.is_on
         if light is not self._area_light or light.scene is not self:
@@ -407,6 +422,15 @@ class Scene:
         self._begin("light")
         if not was_on:
             self.switch_light(light, False)
+
+
+    def __repr__(self):
+        counts = {}
+        for handle in self.handles:
+            counts[handle.kind] = counts.get(handle.kind, 0) + 1
+        told = ", ".join("{} {}{}".format(count, kind, "" if count == 1 else "s")
+                         for kind, count in counts.items())
+        return "<Scene: {}>".format(told or "empty")
 
 
 def _remove_of_owner(folder, owner):

@@ -40,8 +40,14 @@ class Transform:
         return Transform(vantorPM.compose(self.module_transform, other.module_transform))
 
     def inverse(self):
-        """The transform that takes everything back."""
-        return Transform(vantorPM.invert(self.module_transform))
+        """The transform that takes everything back; ValueError if there is none."""
+        inverse = Transform(vantorPM.invert(self.module_transform))
+        for i, row in enumerate((self @ inverse).rows):
+            for j, number in enumerate(row):
+                # What has none comes back as something else.
+                if not abs(number - (i == j)) < 0.5:
+                    raise ValueError("{!r} has no inverse".format(self))
+        return inverse
 
     def __array__(self, dtype=None, copy=None):
         import numpy

@@ -8,7 +8,7 @@ from typing import Any
 import vantorPM
 
 from . import _native
-from ._handles import Handle
+from ._handles import Handle, with_article
 from ._transforms import Transform
 
 _VECTORS: "dict[int, Any]" = {2: vantorPM.vector2, 3: vantorPM.vector3, 4: vantorPM.vector4}
@@ -21,6 +21,16 @@ _MODULE_TYPES = {
 _MODULE_TYPES.update({type(make(*range(n))): "vector%d" % n for n, make in _VECTORS.items()})
 _BASIS = type(vantorPM.BezierBasis())
 _MODULE_TYPES[_BASIS] = "matrix4"
+
+
+def named(name, convert, *arguments):
+    """What the conversion makes; its errors say what it was of."""
+    try:
+        return convert(*arguments)
+    except (TypeError, ValueError, OverflowError) as error:
+        kind = next(kind for kind in (TypeError, OverflowError, ValueError)
+                    if isinstance(error, kind))
+        raise kind("{}: {}".format(name, error)) from None
 
 
 def number(value):
@@ -39,10 +49,11 @@ def integer(value):
 
 
 def switch(value):
-    is_on = int(value) if isinstance(value, bool) or _is_numpy_bool(value) else integer(value)
-    if is_on not in (0, 1):
-        raise TypeError("expected True or False, got {!r}".format(value))
-    return is_on
+    if isinstance(value, bool) or _is_numpy_bool(value) or hasattr(value, "__index__"):
+        is_on = int(value)
+        if is_on in (0, 1):
+            return is_on
+    raise TypeError("expected True or False, got {!r}".format(value))
 
 
 def _is_numpy_bool(value):
@@ -76,6 +87,16 @@ def array(kind, value):
     return value if _MODULE_TYPES.get(type(value)) == kind else _native.to_array(kind, value)
 
 
+def colors(value):
+    converted = array("vector3array", value)
+    if type(value) not in _MODULE_TYPES and _native.shape(value)[1]:
+        greatest = max(memoryview(_native.from_array(converted)[0]).cast("d"), default=0)
+        if greatest > 1:
+            raise ValueError("expected linear colours, of which 1 is white, got integers up to "
+                             "{:g}".format(greatest))
+    return converted
+
+
 def is_one_number(value):
     return not isinstance(value, (list, tuple, Handle)) and _native.shape(value)[0] == ()
 
@@ -95,7 +116,7 @@ def ids(scene, kind, value):
     if isinstance(value, Handle):
         return scene.id_of(value, kind)
     if not isinstance(value, Iterable):
-        raise TypeError("expected a {0} or several, got {1!r}".format(kind, value))
+        raise TypeError("expected {} or several, got {!r}".format(with_article(kind), value))
     return _native.to_array("intarray", [scene.id_of(handle, kind) for handle in value])
 
 
@@ -118,7 +139,8 @@ def by_kind(scene, kind, value):
     if wanted_id and isinstance(value, Handle):
         return scene.id_of(value, wanted_id)
     if isinstance(value, Handle) and not kind.startswith(("id:", "ids:")):
-        raise TypeError("expected a {}, got {!r}".format(kind.partition(":")[0], value))
+        kind = kind.partition(":")[0]
+        raise TypeError("expected {}, got {!r}".format(with_article(kind), value))
     if kind.startswith("choice:"):
         return text(value)
     if kind.startswith("id:"):

@@ -3,6 +3,7 @@
 import difflib
 
 from . import _native
+from ._handles import with_article
 
 
 class Parameter:
@@ -25,6 +26,19 @@ class Parameter:
         return self.kind[7:].split(",") if self.kind.startswith("choice:") else []
 
 
+def _in_words(kind):
+    """What a parameter of that kind takes."""
+    kind, _, beside = kind.partition("|id:")
+    what, _, of = kind.partition(":")
+    if what == "choice":
+        words = "one of " + ", ".join('"{}"'.format(word) for word in of.split(","))
+    elif what in ("id", "ids"):
+        words = with_article(of) + (" or several" if what == "ids" else "")
+    else:
+        words = kind
+    return "{} or {}".format(words, with_article(beside)) if beside else words
+
+
 class Type:
     """A type of the vocabulary, such as the camera "perspective". Printing it explains it."""
 
@@ -38,7 +52,7 @@ class Type:
         lines = ['{} "{}": {}'.format(self.call, self.name, self.meaning)]
         for parameter in self.parameters.values():
             default = parameter.default
-            facts = [parameter.kind.replace("choice:", "one of ").replace(",", ", ")]
+            facts = [_in_words(parameter.kind)]
             facts += [part for part in (parameter.unit, parameter.range) if part]
             facts += [default if default == "required" else "default " + default] if default else []
             lines.append("    {}: {}".format(parameter.name, "; ".join(facts)))

@@ -121,8 +121,11 @@ std::string type_suggestion(EntityKind kind, std::string_view wrong) {
     // How a surface scatters light is an interface here, where other programs have materials.
     if (kind == EntityKind::Material) {
         const Words interfaces = names_in(names_of(EntityKind::Interface).types);
-        const std::string_view meant = is_in(wrong, interfaces) ? wrong : meant_by_habit(wrong, interfaces);
-        if (!meant.empty() && !is_in(meant, names_in(names_of(kind).types)))
+        const Words materials = names_in(names_of(kind).types);
+        std::string_view meant = is_in(wrong, interfaces) ? wrong : meant_by_habit(wrong, interfaces);
+        if (meant.empty() && word_meant(wrong, materials).empty())
+            meant = nearest(wrong, interfaces);
+        if (!meant.empty() && !is_in(meant, materials))
             return joined(
                 {" (did you mean newInterface ", in_quotes(meant), ", as the interface of a material \"surface\"?)"});
     }

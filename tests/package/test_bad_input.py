@@ -70,9 +70,46 @@ class RefusedTest(PackageTest):
              lambda: scene.light("environment", name=self.folder)),
             (ValueError, r"environment.*name: .*\(H, W, 3\)",
              lambda: scene.light("environment", name=[])),
-            (TypeError, "add: expected an object, got 5|expected an object, got 5", scene.add, 5),
+            (TypeError, "add: expected an object, got 5", scene.add, 5),
+            (TypeError, "add: scale: expected numbers", lambda: scene.add("box", scale="2")),
+            (ValueError, r"add: transform: .*\(4, 4\)", lambda: scene.add("box", transform=[1])),
+            (TypeError, r"vantor.load\('a.obj'\)", scene.add, "a.obj"),
+            (TypeError, "Scene: patches: expected an integer, got 'a'", vt.Scene, "a"),
+            (TypeError, "caps: expected True or False, got 'yes'",
+             lambda: scene.object("cylinder", caps="yes")),
+            (TypeError, "caps: expected True or False, got 2",
+             lambda: scene.object("cylinder", caps=2)),
         ))
         self.assertEqual(len(scene.handles), count)
+
+    def test_what_is_no_block_or_given_by_one(self):
+        scene = lit_scene(strict=True)
+        paint, lamp = scene.material("diffuse"), scene.light("point")
+        fog = scene.interior("homogeneous", sigma_s=1.0)
+        count = len(scene.handles)
+        self.assert_refused((
+            (TypeError, '"with material:', lambda: scene.add("box", material=paint)),
+            (TypeError, '"with interior:', lambda: scene.add("box", medium=fog)),
+            (TypeError, 'light.*has no block.*"area"', lamp.__enter__),
+        ))
+        self.assertEqual(len(scene.handles), count)
+        with paint:
+            scene.add("box")
+        self.assertEqual(scene.render(2, 2, 1).width, 2)
+
+    def test_colours_of_integers(self):
+        scene = lit_scene(strict=True)
+        byte_colors = [(255, 0, 0), (0, 1, 0), (0, 0, 7)]
+        self.assert_refused((
+            (ValueError, "points: colors: .*linear.*255", vt.points, CORNERS, None, byte_colors),
+            (ValueError, "mesh.*colors: .*linear.*255", lambda: scene.object(
+                "mesh", points=CORNERS, triangles=[(0, 1, 2)], colors=byte_colors)),
+        ))
+        white = [(1, 1, 1)] * 3
+        scene.object("mesh", points=CORNERS, triangles=[(0, 1, 2)], colors=white)
+        self.assertEqual(len(vt.points(CORNERS, colors=white)), 3)
+        bright = [(255.0, 1.0, 1.0)] * 3
+        self.assertEqual(len(vt.points(CORNERS, colors=bright)), 3)
 
     def test_transforms(self):
         self.assert_refused((
@@ -85,6 +122,9 @@ class RefusedTest(PackageTest):
             (ValueError, "axis that has a direction", vt.rotate, 90, (0, NAN, 0)),
             (ValueError, "look_at has no direction", vt.look_at, (0, 0, 0), (0, 0, 0)),
             (ValueError, "look_at has no", vt.look_at, (0, 0, NAN), (0, 0, 0)),
+            (ValueError, "has no inverse", vt.scale(1, 0, 1).inverse),
+            (ValueError, "has no inverse", vt.matrix([[1, 2, 3, 4]] * 4).inverse),
+            (ValueError, "has no inverse", vt.scale(NAN).inverse),
         ))
         # Any sixteen numbers are a matrix; what cannot be placed is said where it is.
         scene = lit_scene(strict=True)
@@ -105,11 +145,16 @@ class RefusedTest(PackageTest):
             (vt.SceneError, "the width is 0", render, 0, 4, 1),
             (vt.SceneError, "the number of samples is -1", render, 4, 4, -1),
             (OverflowError, "too large", render, 10**20, 4, 1),
-            (TypeError, "expected an integer, got 4.0", render, 4.0, 4, 1),
+            (TypeError, "width: expected an integer, got 4.0", render, 4.0, 4, 1),
+            (TypeError, "samples: expected an integer, got 'a'", render, 4, 4, "a"),
+            (TypeError, "denoise: expected True or False, got 'yes'",
+             lambda: render(denoise="yes")),
+            (TypeError, "adaptive: expected True or False", lambda: render(adaptive="yes")),
+            (TypeError, "background: expected True or False", lambda: render(background=None)),
             (vt.SceneError, "window", lambda: render(window=(0, 0, NAN, 1))),
             (vt.SceneError, "window",
              lambda: render(window=(0, 0, NAN, 1), wait=False).result()),
-            (ValueError, r"expected the shape \(4,\)", lambda: render(window=(0, 1))),
+            (ValueError, r"window: expected the shape \(4,\)", lambda: render(window=(0, 1))),
             (TypeError, "aovs: expected names, got 5", lambda: render(aovs=5)),
             (TypeError, "aovs: expected names, got None", lambda: render(aovs=[None])),
             (ValueError, 'aovs: "albdo"', lambda: render(aovs="albdo")),

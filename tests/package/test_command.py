@@ -117,6 +117,7 @@ class CommandTest(PackageTest):
         self.assertRegex(vt.__version__, r"^\d+\.\d+\.\d+$")
         self.assertIn(vt.__version__, output.split())
         self.assertIn("libVantor.so (beside the module)", output)
+        self.assertEqual(self.vantor("--version"), (0, "vantor {}\n".format(vt.__version__), ""))
 
     def test_what_is_wrong_is_one_line(self):
         empty = self.written("empty.py", b"")
@@ -142,6 +143,8 @@ class CommandTest(PackageTest):
             (("render", script, "--samples", str(10**20)), "--samples"),
             (("render", script, "--samples", "10**20"), "--samples"),
             (("show", "a.ply", "--size", "10x0"), "10x0"),
+            (("render", script, "--noise", "0"), "--noise"),
+            (("render", script, "--time-limit", "nan"), "--time-limit"),
             (("view", script, "--port", "99999"), "65535"),
         ):
             status, _, errors = self.vantor(*arguments)
@@ -149,6 +152,30 @@ class CommandTest(PackageTest):
             self.assertIn(words, errors.splitlines()[-1])
             self.assertNotIn("Traceback", errors)
         self.assertEqual(sorted(os.listdir(self.folder)), ["folder.png", "scene.py"])
+
+    def test_an_error_of_the_script_has_the_scripts_lines_alone(self):
+        for text, line, words in (
+            (b"def draw():\n    return 1 / 0\n\ndraw()\n", 2, "ZeroDivisionError"),
+            (b"import vantor\nvantor.Scene(strict=True).light('spott')\n", 2, 'mean "spot"'),
+            (b"import vantor\n\nvantor.Scene(strict=True).light(5)\n", 3, "name of a type"),
+            (b"{}['a']\n", 1, "KeyError"),
+            (b"a = 1\nb = = 2\n", 2, "SyntaxError"),
+        ):
+            script = self.written("scene.py", text)
+            status, _, errors = self.vantor("render", script)
+            self.assertEqual(status, 1)
+            self.assertIn(words, errors.splitlines()[-1])
+            self.assertIn('scene.py", line {}'.format(line), errors)
+            package = os.path.dirname(vt.__file__)
+            self.assertNotIn('"' + package, errors)
+
+    def test_what_a_pass_says_is_of_the_scripts_file(self):
+        script = self.written("scene.py", b"import vantor\nscene = vantor.Scene()\n"
+                              b"scene.camera('perspective')\nscene.add('sphere')\n")
+        status, _, errors = self.vantor("render", script, "--size", "4x3", "--samples", "1")
+        self.assertEqual(status, 0)
+        self.assertRegex(errors, r"^scene.py:\d+: SceneWarning: .*light")
+        self.assertNotIn("__main__", errors)
 
     def test_scripts_that_make_no_scene(self):
         for text, words in ((b"# \xe4", "UTF-8"), (b"a = 1\0", "null"),

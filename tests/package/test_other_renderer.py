@@ -57,7 +57,7 @@ class OtherRendererTest(unittest.TestCase):
     def test_handles_still_know_their_kind_when_they_are_used(self):
         status, _, errors = self.run_with_it("s.add(lamp)")
         self.assertEqual(status, 1)
-        self.assertIn("TypeError: expected an object", errors.splitlines()[-1])
+        self.assertIn("TypeError: add: expected an object", errors.splitlines()[-1])
 
 
 if __name__ == "__main__":

@@ -95,6 +95,9 @@ class PassTest(PackageTest):
         picture.color[:] = 0.25
         picture.save(self.path("grey.exr"))
         self.assertEqual(set(floats(vt.Picture.load(self.path("grey.exr")))), {0.25})
+        self.assertTrue(numpy.shares_memory(numpy.asarray(picture), picture.color))
+        self.assertEqual(numpy.asarray(picture, "f8").dtype, numpy.float64)
+        self.assertFalse(numpy.shares_memory(numpy.array(picture), picture.color))
 
 
 class FilesTest(PackageTest):
@@ -157,7 +160,7 @@ class FilesTest(PackageTest):
         with settings:
             self.assertNotEqual(bytes(scene.render(32, 24, 100).buffer()), plain)
             self.assertEqual(bytes(scene.render(32, 24, 100, noise=0).buffer()), plain)
-        self.assertRaisesRegex(TypeError, "expected an integer", scene.render, 8, 8, 16,
+        self.assertRaisesRegex(TypeError, "expected True or False", scene.render, 8, 8, 16,
                                adaptive="yes")
         with self.assertWarnsRegex(vt.SceneWarning, "takes all samples of a picture in one pass"):
             scene.render(32, 24, 16, adaptive=True, samples_in_all=32)

@@ -3,7 +3,9 @@
 import gc
 import inspect
 import os
+import pickle
 import sys
+import types
 import unittest
 import warnings
 import weakref
@@ -139,7 +141,31 @@ class MessagesTest(PackageTest):
         warning, = found
         self.assertIs(warning.category, vt.SceneWarning)
         self.assertEqual((warning.filename, warning.lineno), (__file__, line))
-        self.assertIn('newLight "point": item 0: unknown parameter "powr"', str(warning.message))
+        self.assertIn('newLight "point": unknown parameter "powr"', str(warning.message))
+
+    def test_the_name_of_an_interface_that_is_nearly_right(self):
+        scene = lit_scene()
+        for wrong, right in (("plastik", "plastic"), ("conducter", "conductor"), ("glass",
+                             "dielectric"), ("surfase", "surface")):
+            with self.assertWarnsRegex(vt.SceneWarning, 'did you mean "{}"'.format(right)):
+                scene.material(wrong)
+
+    def test_mistakes_of_a_pass_without_a_picture_are_told_once(self):
+        for wait in (True, False):
+            scene = ball_scene()
+            asked = (0, 4, 1)
+            with warnings.catch_warnings(record=True) as found:
+                warnings.simplefilter("always")
+                with self.assertRaisesRegex(vt.SceneError, "width is 0"):
+                    made = scene.render(*asked, wait=wait)
+                    made.result(60)
+            self.assertEqual(found, [])
+
+    def test_errors_and_warnings_are_the_packages(self):
+        for kind in (vt.SceneError, vt.SceneWarning, vt.JobError):
+            self.assertEqual("{0.__module__}.{0.__name__}".format(kind),
+                             "vantor." + kind.__name__)
+            self.assertIs(pickle.loads(pickle.dumps(kind)), kind)
 
     def test_repeats_are_folded(self):
         script = ("import vantor\nscene = vantor.Scene()\n"
@@ -270,6 +296,25 @@ class VocabularyTest(unittest.TestCase):
         self.assertEqual(vt.vocabulary("newLight", "spot").parameters["cutoff_angle"].unit,
                          "degrees")
         self.assertIn("vertical", vt.vocabulary("perspective").parameters["fov_axis"].choices)
+
+    def test_a_parameter_says_in_words_what_it_takes(self):
+        for words, line in ((("box",), "trimmers: a trimmer or several"),
+                            (("light", "area"), "radiance: color"),
+                            (("light", "area"), "pattern: a pattern"),
+                            (("surface",), "interface: an interface"),
+                            (("surface",), "opacity: number or a pattern"),
+                            (("imager", "file"), 'filter: one of "')):
+            self.assertIn("    {}".format(line), repr(vt.vocabulary(*words)))
+
+    def test_what_is_printed_tells_what_it_is(self):
+        scene = lit_scene()
+        self.assertEqual(repr(vt.Scene()), "<Scene: empty>")
+        for _ in range(2):
+            scene.object("box")
+        self.assertEqual(repr(scene), "<Scene: 1 camera, 1 light, 2 objects>")
+        self.assertEqual(repr(vt.points([(0, 0, 0)] * 3)), "<Points: 3>")
+        mesh = types.SimpleNamespace(vertices=[(0, 0, 0)] * 3, faces=[(0, 1, 2)])
+        self.assertEqual(repr(vt.load(mesh)), "<Model: meshes 1, triangles 1>")
 
     def test_words_with_several_meanings_list_them(self):
         self.assertEqual({type.call for type in vt.vocabulary("diffuse")},

@@ -200,8 +200,8 @@ class ParametersTest(PackageTest):
             TypeError, 'newMaterial "surface": interface: expected an interface, got 1',
             scene.material, "surface", interface=1)
         ball = other.object("sphere")
-        self.assert_refused(ValueError, "{!r} belongs to another scene".format(ball), scene.add,
-                            ball)
+        elsewhere = "add: {!r} belongs to another scene".format(ball)
+        self.assert_refused(ValueError, elsewhere, scene.add, ball)
         self.assertRaises(TypeError, scene.add, light)
         self.assert_refused(TypeError,
                             'newObject "sphere": radius: expected a number, got {!r}'.format(light),
