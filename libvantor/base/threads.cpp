@@ -20,6 +20,9 @@ namespace vantor {
 
 namespace {
 
+// More than oneTBB takes where it starts.
+constexpr std::size_t start_bytes = std::size_t{8} << 20;
+
 // A pass takes some 100 KiB; with sanitizers, several times that.
 constexpr std::ptrdiff_t enough_bytes = std::ptrdiff_t{1} << 20;
 // As much as a main thread usually has. Only what is used takes memory.
@@ -82,6 +85,9 @@ Keeper &keeper() {
     return only;
 }
 
+// Throws std::bad_alloc. Where memory ends while oneTBB starts, it may wait for ever for a lock of its own.
+void check_room_to_start() { ::operator delete(::operator new(start_bytes), start_bytes); }
+
 void keep_threads() {
     const std::lock_guard lock(keeper().guard);
     if (!keeper().threads)
@@ -113,6 +119,7 @@ void for_each_in_parallel(std::size_t count, const std::function<void(std::size_
 
 Workers::Workers() {
     try {
+        check_room_to_start();
         keep_threads();
         tbb::parallel_for(
             tbb::blocked_range<int>(0, 64), [](const tbb::blocked_range<int> &) {}, tbb::simple_partitioner());
