@@ -104,6 +104,8 @@ def value_type(parameter):
     kind, _, id = parameter.kind.partition("|id:")
     if parameter.choices:
         return "Literal[{}]".format(", ".join('"{}"'.format(word) for word in parameter.choices))
+    if kind == "id:texture":
+        return "Union[Texture, _PictureSource]"
     if kind.startswith("id:"):
         return kind[3:].capitalize()
     if kind.startswith("ids:"):

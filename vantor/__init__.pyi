@@ -914,7 +914,7 @@ class Scene:
         self,
         __type: Literal["image"],
         *,
-        texture: Texture,
+        texture: Union[Texture, _PictureSource],
         scale: Optional[_Scale] = ...,
         offset: Optional[_Vector2] = ...,
         wrap: Optional[Literal["repeat", "clamp", "mirror", "black"]] = ...,

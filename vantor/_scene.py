@@ -113,7 +113,8 @@ class Scene:
         return made
 
     def pattern(self, type, /, **parameters):
-        """Makes a pattern, a value that varies over a surface."""
+        """Makes a pattern, a value that varies over a surface. The texture of an "image" may also
+        be given as texture() takes it: a path, a Picture or an array."""
         return self._create(_handles.Pattern, type, parameters)
 
     def texture(self, picture):
@@ -384,6 +385,8 @@ class Scene:
         where = '{} "{}": {}'.format(call, type_name, name)
         if (call, type_name, name) == ("newLight", "environment", "name"):
             return _values.named(where, self._path_of, value)
+        if known and known.kind == "id:texture" and not isinstance(value, _handles.Handle):
+            return _values.named(where, self.texture, value).id
         if known and (name, known.kind) == ("colors", "vector3array"):
             return _values.named(where, _values.colors, value)
         if known:

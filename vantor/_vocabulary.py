@@ -92,6 +92,9 @@ class Vocabulary:
 # From which on two words count as one misspelt; "cube" and "curve" have 0.67.
 _LIKENESS = 0.7
 
+# A parameter such as "radius" belongs to many types.
+_MOST_NAMED = 4
+
 ALL = Vocabulary(_native.vocabulary())
 
 
@@ -111,6 +114,11 @@ def vocabulary(*words):
         known = {type.name for type in ALL.types.values()} | {call for call, _ in ALL.types}
         near = difflib.get_close_matches(words[-1], sorted(known), 1, _LIKENESS)
         hint = ' (did you mean "{}"?)'.format(near[0]) if near else ""
+        having = ['{} "{}"'.format(type.call, type.name) for type in ALL.types.values()
+                  if words[-1] in type.parameters]
+        if having:
+            hint = " (it is a parameter of {})".format(", ".join(having[:_MOST_NAMED]) +
+                                                       " ..." * (len(having) > _MOST_NAMED))
         raise LookupError('nothing is called "{}"{}'.format('" "'.join(words), hint))
     return found[0] if len(found) == 1 else _Types(found)
 

@@ -622,7 +622,7 @@ class _GradientPattern(_GradientPatternRequired, total=False):
 
 class _ImagePatternRequired(TypedDict):
     # the picture
-    texture: Texture
+    texture: Union[Texture, _PictureSource]
 
 class _ImagePattern(_ImagePatternRequired, total=False):
     """A picture over the texture coordinates."""

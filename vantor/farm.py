@@ -66,12 +66,15 @@ def render(source, width, height, samples=64, *, client=None, frame=None, pieces
     if _values.integer(ranges) < 1:
         raise ValueError("ranges: expected 1 or more, got {}".format(ranges))
     workers = len(client.nthreads())
-    count = pieces or max(min(_PIECES_OF_A_WORKER * workers, _MOST_PIECES), _LEAST_PIECES, workers)
+    if pieces is None:
+        pieces = max(min(_PIECES_OF_A_WORKER * workers, _MOST_PIECES), _LEAST_PIECES, workers)
+    if _values.integer(pieces) < 1:
+        raise ValueError("pieces: expected 1 or more, got {}".format(pieces))
     samples = cut_samples(size[2], _values.integer(ranges))
     parts = {
         (part, first): Piece(frame, (*size[:2], end - first), fractions(part, width, height),
                              _with_range(options, samples, first, size[2]), place[:2], None)
-        for part in cut(pixels, _values.integer(count))
+        for part in cut(pixels, _values.integer(pieces))
         for first, end in samples
     }
     job = FrameJob(client, _pickled(source), parts, (width, height), pixels, len(samples))

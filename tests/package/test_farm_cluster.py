@@ -125,6 +125,11 @@ class ClusterTest(PackageTest):
         self.assertIn(of_victim[1], of_others)  # what it had not handed on
         self.assertEqual(len(set(of_victim + of_others)), sum(job.workers.values()))
 
+    def test_pieces_and_ranges_are_at_least_one(self):
+        for name in ("pieces", "ranges"):
+            with self.assertRaisesRegex(ValueError, name + ": expected 1 or more, got 0"):
+                farm.render(ball_scene, *SIZE, 4, client=self.client, **{name: 0})
+
     def test_ranges_of_samples_are_the_picture_of_one_process(self):
         expected = ball_scene().render(*SIZE, 64, aovs="normal")
         picture = farm.render(ball_scene, *SIZE, 64, client=self.client, pieces=4, ranges=4,

@@ -295,6 +295,21 @@ class ArraysTest(PackageTest):
         self.assertEqual((green, blue), (0, 0))
         self.assertRaisesRegex(ValueError, "newTexture", scene.texture, 5)
 
+    def test_the_texture_of_a_pattern_may_be_what_a_texture_is_made_of(self):
+        green = vt.Picture.of([[[0.0, 1.0, 0.0]] * 2] * 2)
+        green.save(self.path("green.exr"))
+        for picture in (self.path("green.exr"), green, [[[0.0, 1.0, 0.0]] * 2] * 2):
+            scene = lit_scene(strict=True)
+            image = scene.pattern("image", texture=picture)
+            with scene.material("surface", interface=scene.interface("diffuse"), color=image):
+                scene.add("sphere", center=(0, 1, 0))
+            albedo = scene.render(9, 9, 1, aovs="albedo").buffer("albedo").tolist()[4][4]
+            self.assertEqual(albedo, [0, 1, 0])
+        self.assertRaisesRegex(ValueError, 'newPattern "image": texture: ', scene.pattern, "image",
+                               texture=5)
+        self.assertRaisesRegex(vt.SceneError, "No such file", scene.pattern, "image",
+                               texture=self.path("none.png"))
+
 
 if __name__ == "__main__":
     unittest.main()

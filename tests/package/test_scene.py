@@ -327,6 +327,11 @@ class VocabularyTest(unittest.TestCase):
             vt.vocabulary("newLight", "spott")
         self.assertIn('did you mean "spot"', str(error.exception))
 
+    def test_the_name_of_a_parameter_tells_whose_it_is(self):
+        for name, type in (("fov", 'newCamera "perspective"'), ("radius", 'newObject "cone"')):
+            with self.assertRaisesRegex(LookupError, "parameter of .*" + type):
+                vt.vocabulary(name)
+
 
 if __name__ == "__main__":
     unittest.main()
