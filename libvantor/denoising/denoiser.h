@@ -15,10 +15,8 @@ PixelArea with_denoiser_margin(const PixelArea &window, int width, int height);
 /// The noisy frame has guides, is whole, and has the window's margin. A part of a picture's samples stays one: merged
 /// with others, it makes their mean, weighted by samples. Throws Interrupted.
 ///
-/// Pixels that cannot be told apart (pair_weights.h) share what they have, in pairs: the brighter one loses what the
-/// darker one gains. So no light gets lost where rare bright samples stand out, and the picture's mean is what it was.
-/// Weights of all pairs are scaled by a factor for each of their pixels, such that those of a pixel add up to 1,
-/// nearly, and no more than that (Sinkhorn's iteration: Milanfar, "Symmetrizing Smoothing Filters", 2013).
+/// Pixels that cannot be told apart share what they have, in pairs (pair_filter.h). So no light gets lost where rare
+/// bright samples stand out, and the picture's mean is what it was.
 FrameBuffer denoised(const FrameBuffer &noisy, const SampleRange &samples, const PixelArea &window,
                      const Interrupt &interrupt);
 

@@ -1,5 +1,6 @@
 // The denoiser: less noise, the same light, and the same bits in every window and on any number of threads.
 #include "libvantor/denoising/denoiser.h"
+#include "libvantor/denoising/pair_filter.h"
 #include "libvantor/denoising/pair_weights.h"
 #include "tests/libvantor/interrupts.h"
 #include "tests/libvantor/noisy_scenes.h"
@@ -79,13 +80,11 @@ TEST(Denoiser, AWindowHasThePixelsOfTheWholePicture) {
             ASSERT_EQ(part.at(x, y), all.at(x, y)) << x << ' ' << y;
 }
 
-// In a picture that is larger than the margin, so that the window does not need all of it.
-TEST(Denoiser, ALargerPicturesMarginIsWideEnough) {
-    constexpr int width = 160;
-    FrameBuffer frame(width, width, {0, 0, width, width});
+// Of 16 samples of a plane surface in noisy light.
+FrameBuffer noisy_frame(int width, int height) {
+    FrameBuffer frame(width, height, {0, 0, width, height});
     frame.add(Aov::Color);
     frame.add_guides();
-    const vantor::SampleRange samples{0, 16, 16};
     for (std::size_t i = 0; i < frame.guides.size(); ++i) {
         vantor::GuideSums &sums = frame.guides[i];
         sums.albedo = Color{8, 8, 8};
@@ -98,6 +97,33 @@ TEST(Denoiser, ALargerPicturesMarginIsWideEnough) {
             frame.of(Aov::Color).pixels[i] += sums.radiance[run] * (1.0f / 16);
         }
     }
+    return frame;
+}
+
+TEST(Denoiser, HowManyRowsAreDoneAtOnceMakesNoDifference) {
+    constexpr int width = 23, height = 80;
+    const FrameBuffer frame = noisy_frame(width, height);
+    const vantor::Interrupt interrupt;
+    const vantor::NoisyPixels pixels = vantor::noisy_pixels(frame, {0, 16, 16}, interrupt);
+    const vantor::Planes *const irradiances[] = {&pixels.irradiance};
+    const auto gains = [&](int rows) { return vantor::pair_gains(pixels, irradiances, rows, interrupt).at(0); };
+    const vantor::Planes all = gains(height);
+    EXPECT_NE(all.x, vantor::Plane(all.x.size()));
+    for (const int rows : {1, 7, 79}) {
+        const vantor::Planes some = gains(rows);
+        EXPECT_EQ(some.x, all.x) << rows;
+        EXPECT_EQ(some.y, all.y) << rows;
+        EXPECT_EQ(some.z, all.z) << rows;
+    }
+    EXPECT_GE(vantor::rows_at_once(1), 64);
+    EXPECT_GE(vantor::rows_at_once(1 << 30), 64);
+}
+
+// In a picture that is larger than the margin, so that the window does not need all of it.
+TEST(Denoiser, ALargerPicturesMarginIsWideEnough) {
+    constexpr int width = 160;
+    const FrameBuffer frame = noisy_frame(width, width);
+    const vantor::SampleRange samples{0, 16, 16};
     const vantor::Interrupt interrupt;
     const FrameBuffer all = vantor::denoised(frame, samples, frame.window(), interrupt);
 
