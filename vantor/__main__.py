@@ -128,7 +128,7 @@ def built(script):
 def end_with(told, lines):
     """Ends the command with an error, of which these lines of its traceback are shown."""
     told.stack = traceback.StackSummary.from_list(lines)
-    sys.stderr.writelines(told.format(chain=False) if lines else told.format_exception_only())
+    sys.stderr.writelines(told.format() if lines else told.format_exception_only())
     raise SystemExit(1)
 
 
