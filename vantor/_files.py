@@ -2,7 +2,9 @@
 
 import contextlib
 import os
+import shutil
 import tempfile
+import weakref
 
 
 def write_whole(path, data):
@@ -35,3 +37,29 @@ def keep_temporary_files_in(folder):
 def temporary_place():
     """The folder for temporary files, as tempfile's functions take it."""
     return _place
+
+
+class TemporaryFolder:
+    """A folder that is made when it is first asked for, and goes with this. A forked process has
+    this too, and leaves the folder alone."""
+
+    def __init__(self):
+        self._path = None
+        self._count = 0
+
+    @property
+    def path(self):
+        if self._path is None:
+            self._path = tempfile.mkdtemp(prefix="vantor-", dir=temporary_place())
+            weakref.finalize(self, _remove_of_owner, self._path, os.getpid())
+        return self._path
+
+    def new_file(self, ending):
+        """A path in the folder that no other file has."""
+        self._count += 1
+        return os.path.join(self.path, "{}{}".format(self._count, ending))
+
+
+def _remove_of_owner(folder, owner):
+    if os.getpid() == owner:
+        shutil.rmtree(folder, ignore_errors=True)

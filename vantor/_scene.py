@@ -1,16 +1,12 @@
 """Scene: what a script describes and renders."""
 
-import keyword
-import os
-import shutil
-import tempfile
-import weakref
 from collections.abc import Iterable
 
 import vantorPM
 
 from . import _handles, _native, _values
-from ._files import temporary_place
+from ._files import TemporaryFolder
+from ._items import items_of, path_of_picture, surface_and_interface
 from ._job import Job
 from ._messages import SceneError, is_strict_by_environment, script_place, tell
 from ._models import Model
@@ -43,8 +39,7 @@ class Scene:
         self._last_settings = None
         self._own_imagers = {}
         self._has_own_settings = False
-        self._folder = None
-        self._files = 0
+        self.files = TemporaryFolder()  # on the way to and from the renderer
 
     # What a scene is made of. The keywords are the renderer's parameters; a name that is a keyword
     # of Python has an underscore behind it ("from_").
@@ -90,17 +85,7 @@ class Scene:
         is_interface = ALL.find("newInterface", type) and not ALL.find("newMaterial", type)
         if not is_interface:
             return self._create(_handles.Material, type, parameters)
-        of_surface, of_interface = {}, {}
-        for name, value in parameters.items():
-            is_surfaces = ALL.parameter("newMaterial", "surface", name) is not None and (
-                isinstance(value, _handles.Pattern)
-                or ALL.parameter("newInterface", type, name) is None
-            )
-            (of_surface if is_surfaces else of_interface)[name] = value
-        # The interface has its name for the colour, the surface another.
-        for name in ("reflectance", "base_color"):
-            if isinstance(of_interface.get(name), _handles.Pattern):
-                of_surface["color"] = of_interface.pop(name)
+        of_surface, of_interface = surface_and_interface(type, parameters)
         of_surface["interface"] = self._create(_handles.Interface, type, of_interface)
         material = self._create(_handles.Material, "surface", of_surface)
         material.type = type
@@ -120,7 +105,7 @@ class Scene:
     def texture(self, picture):
         """Makes a texture of the path of a picture, a Picture, or an array (H, W, 3) of linear
         floats."""
-        id = self._call("newTexture", _values.named("newTexture", self._path_of, picture))
+        id = self._call("newTexture", _values.named("newTexture", path_of_picture, self, picture))
         return self._keep(_handles.Texture(self, id, None, script_place()))
 
     def trimmer(self, type, /, **parameters):
@@ -248,7 +233,7 @@ class Scene:
             return Job(work, self.strict, place).result(progress=True)
         messages = []
         try:
-            work.prepare(self.folder())
+            work.prepare(self.files.path)
             layers = work.run(messages)
         except BaseException:
             tell(messages, False, place, self.handles)
@@ -293,18 +278,6 @@ class Scene:
         """The file imagers whose blocks are open; without any, the one made last."""
         found = [h for h in self._open if h.kind == "imager" and h.type == "file"]
         return found, [self._last_file_imager] if self._last_file_imager and not found else []
-
-    def folder(self):
-        """A folder for files on the way to and from the renderer; it goes with the scene."""
-        if self._folder is None:
-            self._folder = tempfile.mkdtemp(prefix="vantor-", dir=temporary_place())
-            weakref.finalize(self, _remove_of_owner, self._folder, os.getpid())
-        return self._folder
-
-    def new_file(self, ending):
-        """A path in the folder that no other file has."""
-        self._files += 1
-        return os.path.join(self.folder(), "{}{}".format(self._files, ending))
 
     def own_imager(self, path, aov, filtering, of_color):
         """The number of an imager for this package's own use, made once for each file and way."""
@@ -371,34 +344,9 @@ class Scene:
         call = _call_name(handle_class.kind)
         if not isinstance(type, str):
             raise TypeError("{}: expected the name of a type, got {!r}".format(call, type))
-        items = []
-        for name, value in parameters.items():
-            is_word = name.endswith("_") and keyword.iskeyword(name[:-1])
-            name = name[:-1] if is_word else name
-            if value is not None:
-                items += [name, self._converted(call, type, name, value)]
+        items = items_of(self, call, type, parameters)
         handle = handle_class(self, self._call(call, type, items), type, script_place())
         return handle if is_own else self._keep(handle)
-
-    def _converted(self, call, type_name, name, value):
-        known = ALL.parameter(call, type_name, name)
-        where = '{} "{}": {}'.format(call, type_name, name)
-        if (call, type_name, name) == ("newLight", "environment", "name"):
-            return _values.named(where, self._path_of, value)
-        if known and known.kind == "id:texture" and not isinstance(value, _handles.Handle):
-            return _values.named(where, self.texture, value).id
-        if known and (name, known.kind) == ("colors", "vector3array"):
-            return _values.named(where, _values.colors, value)
-        if known:
-            return _values.named(where, _values.by_kind, self, known.kind, value)
-        return _values.named(where, _values.by_shape, self, value)
-
-    def _path_of(self, picture):
-        if isinstance(picture, (str, os.PathLike)):
-            return _values.text(picture)
-        path = self.new_file(".exr")
-        Picture.of(picture).save(path)
-        return path
 
     def _keep(self, handle):
         self.handles.append(handle)
@@ -434,9 +382,3 @@ class Scene:
         told = ", ".join("{} {}{}".format(count, kind, "" if count == 1 else "s")
                          for kind, count in counts.items())
         return "<Scene: {}>".format(told or "empty")
-
-
-def _remove_of_owner(folder, owner):
-    # A forked process has this too, and the folder is not its own.
-    if os.getpid() == owner:
-        shutil.rmtree(folder, ignore_errors=True)

@@ -147,7 +147,7 @@ class Shading:
                 return None, "the model has no such picture in it"
             if not inside.startswith(_SIGNATURES):
                 return None, _NO_PICTURE
-            path = self._scene.new_file(".picture")
+            path = self._scene.files.new_file(".picture")
             with open(path, "wb") as file:
                 file.write(inside)
             return path, None

@@ -100,7 +100,7 @@ class LifeTest(PackageTest):
         self.addCleanup(gc.enable)
         scene = ball_scene()
         handle = scene.handles[-1]
-        folder = scene.folder()
+        folder = scene.files.path
         picture = scene.render(4, 4, 1)
         watch = weakref.ref(scene)
         del scene
