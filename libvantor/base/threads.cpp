@@ -86,7 +86,7 @@ Keeper &keeper() {
 }
 
 // Throws std::bad_alloc. Where memory ends while oneTBB starts, it may wait for ever for a lock of its own.
-void check_room_to_start() { ::operator delete(::operator new(start_bytes), start_bytes); }
+void check_room_to_start() { ::operator delete(::operator new(start_bytes)); }
 
 void keep_threads() {
     const std::lock_guard lock(keeper().guard);
