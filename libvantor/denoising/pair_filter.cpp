@@ -11,7 +11,7 @@ namespace vantor {
 
 namespace {
 
-// From 0 to 1 in 16 bits: there are many, and it is their memory that takes the time.
+// From 0 to 1 in 16 bits, rounded down: there are many, and it is their memory that takes the time.
 using KeptWeight = std::uint16_t;
 constexpr float kept_one = 65535;
 
@@ -35,7 +35,7 @@ struct RowPairs {
 
 VANTOR_VECTORIZED void keep(const float *weights, std::size_t count, KeptWeight *__restrict kept) {
     for (std::size_t k = 0; k < count; ++k)
-        kept[k] = static_cast<KeptWeight>(static_cast<int>(weights[k] * kept_one + 0.5f));
+        kept[k] = static_cast<KeptWeight>(static_cast<int>(weights[k] * kept_one));
 }
 
 // Adds to the sums of pixels the weights of pairs, times the factors of both pixels.
