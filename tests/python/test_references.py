@@ -267,6 +267,11 @@ def make_the_call(function, arguments):
     return True
 
 
+def is_everybodys(value):
+    """Whether the interpreter keeps one such object for all code, so that its count may move."""
+    return value is None or (isinstance(value, int) and -5 <= value <= 256)
+
+
 class ReferenceCountTest(unittest.TestCase):
     def watched(self, value, arguments):
         """The object, its type, each argument and each element of a list or tuple among them."""
@@ -291,9 +296,8 @@ class ReferenceCountTest(unittest.TestCase):
                     else:
                         failed += 1
                 after = [sys.getrefcount(one) for one in objects]
-                # Small integers and None are everybody's: their counts are large, and may move.
                 for one, count_before, count_after in zip(objects, before, after):
-                    if count_before < 1000:
+                    if not is_everybodys(one):
                         self.assertEqual(count_after, count_before, one)
                         compared += 1
         self.assertGreater(succeeded, 500)
@@ -405,7 +409,7 @@ class ReferenceCountTest(unittest.TestCase):
 
 
 class GrowthTest(unittest.TestCase):
-    """Rounds over all operations leave nothing behind."""
+    """Rounds over all operations leave nothing behind, and take nothing away."""
 
     def one_round(self):
         for _, _, function, arguments in self.calls:
@@ -427,7 +431,8 @@ class GrowthTest(unittest.TestCase):
             self.one_round()
 
     def growth(self, measure, rounds):
-        """The least growth in six attempts: a leak shows in each, a cache only in some."""
+        """The change nearest to none in six attempts: a leak, or a reference released twice, shows in
+        each, a cache only in some."""
         attempts = []
         for _ in range(6):
             before = measure()
@@ -435,7 +440,7 @@ class GrowthTest(unittest.TestCase):
                 self.one_round()
             gc.collect()
             attempts.append(measure() - before)
-        return min(attempts)
+        return min(attempts, key=abs)
 
     def scene_rounds(self, measure, rounds):
         def one_round():
@@ -452,24 +457,26 @@ class GrowthTest(unittest.TestCase):
                 one_round()
             gc.collect()
             attempts.append(measure() - before)
-        return min(attempts)
+        return min(attempts, key=abs)
 
     def test_the_interpreters_blocks_do_not_grow(self):
-        self.assertLess(self.growth(sys.getallocatedblocks, 20), 20)
+        self.assertLess(abs(self.growth(sys.getallocatedblocks, 20)), 20)
 
     def test_the_interpreters_blocks_do_not_grow_with_scenes(self):
-        self.assertLess(self.scene_rounds(sys.getallocatedblocks, 10), 10)
+        self.assertLess(abs(self.scene_rounds(sys.getallocatedblocks, 10)), 10)
 
     @unittest.skipUnless(hasattr(sys, "gettotalrefcount"), "no debug build of the interpreter")
-    def test_the_sum_of_all_reference_counts_does_not_grow(self):
-        self.assertLess(self.growth(sys.gettotalrefcount, 20), 20)
+    def test_the_sum_of_all_reference_counts_stays(self):
+        self.assertLess(abs(self.growth(sys.gettotalrefcount, 20)), 20)
 
     @unittest.skipUnless(hasattr(sys, "gettotalrefcount"), "no debug build of the interpreter")
-    def test_the_sum_of_all_reference_counts_does_not_grow_with_scenes(self):
-        self.assertLess(self.scene_rounds(sys.gettotalrefcount, 10), 10)
+    def test_the_sum_of_all_reference_counts_stays_with_scenes(self):
+        self.assertLess(abs(self.scene_rounds(sys.gettotalrefcount, 10)), 10)
 
     def test_native_memory_does_not_grow(self):
-        self.assertLess(self.growth(native_bytes_in_use(self), 20), 20 * 16)
+        # What the C library counts goes up and down by a few hundred bytes with the gaps that it
+        # fills. The smallest leak is 32 bytes in each round.
+        self.assertLess(self.growth(native_bytes_in_use(self), 100), 100 * 16)
 
     def test_native_memory_does_not_grow_with_scenes(self):
         # A library may keep a cache; a scene lost in each round is far more.

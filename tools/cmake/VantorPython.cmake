@@ -74,4 +74,7 @@ function(vantor_python_module target name facts)
                    BUILD_WITH_INSTALL_RPATH ON)
     target_link_options(${target} PRIVATE -Wl,--enable-new-dtags)
     target_include_directories(${target} SYSTEM PRIVATE ${${facts}_INCLUDE})
+    # Debian's headers of the debug build are links to those of the usual one, all but pyconfig.h; g++ would follow them
+    # and take the wrong pyconfig.h.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-canonical-system-headers>)
 endfunction()
