@@ -374,7 +374,6 @@ class Scene:
         if not was_on:
             self.switch_light(light, False)
 
-
     def __repr__(self):
         counts = {}
         for handle in self.handles:

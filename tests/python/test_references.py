@@ -431,8 +431,8 @@ class GrowthTest(unittest.TestCase):
             self.one_round()
 
     def growth(self, measure, rounds):
-        """The change nearest to none in six attempts: a leak, or a reference released twice, shows in
-        each, a cache only in some."""
+        """The change nearest to none in six attempts: a leak, or a reference released twice, shows
+        in each, a cache only in some."""
         attempts = []
         for _ in range(6):
             before = measure()
