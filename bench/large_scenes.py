@@ -187,6 +187,7 @@ def measure(row):
                                         "target", module.vector3(0.5, 0, -0.5)])
         picture = os.path.join(folder, "pixel.exr")
         scene.newImager("file", ["name", picture])
+        scene.newLight("point", ["position", module.vector3(0.5, 2, 2)])
         add(module, scene, made)
 
         def pass_since(start):

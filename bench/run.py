@@ -299,6 +299,10 @@ def main():
     if not imports.can_import("vantorPM", setting.paths):
         sys.exit("no vantorPM for {} in {}: build it with -DVANTOR_BENCH=ON -DVANTOR_PYTHON={}"
                  .format(sys.executable, setting.build, sys.executable))
+    # Without the renderer that counts, newObject would be timed with another one's work.
+    if not os.path.isdir(os.path.join(setting.build, "counting")):
+        sys.exit("no counting renderer in {}: configure it with -DVANTOR_BENCH=ON"
+                 .format(setting.build))
 
     print(describe_machine() + "\n")
     figures = Figures()
