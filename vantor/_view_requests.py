@@ -3,7 +3,7 @@
 A value that is none raises ValueError, TypeError or LookupError: the page is told, nothing else.
 """
 
-import math
+import sys
 
 from ._passes import aov_parameter
 from ._view_process import Request
@@ -30,6 +30,8 @@ def checked_size(value):
 
 
 def checked_camera(value):
+    if not isinstance(value, dict):
+        raise TypeError("expected a camera's parameters, got {!r}".format(value))
     camera = {name: value[name] for name in _CAMERA if value.get(name) is not None}
     for name, given in camera.items():
         if name in ("position", "target", "up"):
@@ -37,7 +39,7 @@ def checked_camera(value):
         elif name == "fov_axis":
             camera[name] = str(given)
         else:
-            camera[name] = float(checked_number(given, 0, math.inf))
+            camera[name] = float(checked_number(given, 0, sys.float_info.max))
     if camera.get("position") == camera.get("target"):
         raise ValueError("the camera stands at its target")
     return camera

@@ -12,7 +12,7 @@ import warnings
 
 import vantor as vt
 from scenes import PackageTest, ball_scene, is_ended
-from vantor import _view_process
+from vantor import _view_process, _view_requests
 from vantor._children import how_ended
 from vantor._source import Source
 
@@ -96,6 +96,34 @@ class CameraTest(PackageTest):
     def test_without_a_camera_it_looks_along_z(self):
         camera = _view_process.camera_of(vt.Scene())
         self.assertEqual((camera["position"], camera["target"]), ([0, 0, 0], [0, 0, -5]))
+
+
+class RequestTest(PackageTest):
+    """What no page of ours asks for is refused in the few ways that a server expects."""
+
+    GOOD = {"camera": {"position": [0, 1, 6], "target": [0, 1, 0], "fov": 35}, "size": [64, 48],
+            "aov": "color", "exposure": 0, "display": "srgb", "samples": 4, "denoise": False}
+
+    def test_what_a_page_asks_for(self):
+        request = _view_requests.checked_request(self.GOOD, 7)
+        self.assertEqual((request.number, request.size), (7, (64, 48)))
+        self.assertEqual(request.camera["position"], (0, 1, 6))
+
+    def test_nonsense_is_refused(self):
+        nothing = object()
+        for where, value in (
+            ("camera", None), ("camera", []), ("camera", {"position": [1, 2]}),
+            ("camera", {"fov": 10 ** 400}), ("camera", {"fov": float("nan")}),
+            ("camera", {"target": [0, 0, "0"]}), ("size", 5), ("size", [0, 48]),
+            ("size", [True, 48]), ("aov", []), ("aov", "colour"), ("display", None),
+            ("exposure", 21), ("samples", 0), ("samples", float("inf")), ("denoise", 1),
+            *((name, nothing) for name in self.GOOD),
+        ):
+            asked = {name: each for name, each in {**self.GOOD, where: value}.items()
+                     if each is not nothing}
+            with self.subTest(where, value=str(value)[:20]):
+                with self.assertRaises((ValueError, TypeError, LookupError)):
+                    _view_requests.checked_request(asked, 1)
 
 
 @needs_aiohttp
